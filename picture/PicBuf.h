@@ -80,7 +80,7 @@ public:
     // Converts in place, reallocating as needed. Any of 8, 16, 32 bits to any other, and 1 to 3 or
     // 3 to 1 components; both may change in one call. 16 to 8 bits divides by 256; float to
     // integer rounds half up, clamps to the range and takes NaN as 0; 3 to 1 takes Rec. 601 luma;
-    // 1 to 3 repeats the sample. 8 to 16 bits multiplies by 256, the reverse of 16 to 8.
+    // 1 to 3 repeats the sample; 8 to 16 bits multiplies by 257, so that white stays white.
     // Mind the order: bits first here, but components first in ReinitHeap.
     static bool ConvertBpcComp(SBxPicBuf* buffer, unsigned bitsPerComponent, unsigned components);
 

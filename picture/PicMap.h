@@ -13,8 +13,9 @@ public:
     void Compute(double dstCentreX, double dstCentreY, double srcCentreX, double srcCentreY,
                  double angle, double scale);
 
-    // Picture coordinates to the screen pixel that holds the point (rounded down; saturated to
-    // what an int can hold, since the zoom has no limit).
+    // Picture coordinates to screen coordinates, rounded to nearest (halves up) and saturated to
+    // what an int can hold, since the zoom has no limit. The reverse of MapPointDstToSrc for every
+    // screen pixel.
     void MapPointSrcToDst(int* dx, int* dy, double sx, double sy) const;
 
     // Top-left corner of a screen pixel to picture coordinates.
