@@ -1,0 +1,171 @@
+#include "fusion/FusionAccumulator.h"
+
+#include "fusion/FusionThreads.h"
+#include "picture/FloatPlane.h"
+
+#include <algorithm>
+#include <cstdlib>
+
+static constexpr float kGeneratingKernel[5] = {0.05f, 0.25f, 0.4f, 0.25f, 0.05f};
+
+static uint32_t CountLevels(uint32_t width, uint32_t height)
+{
+    uint32_t levels = 0;
+    for (uint32_t side = std::min(width, height); side >= uint32_t(kFusionMinSide); side /= 2)
+        ++levels;
+    return std::min(levels, kFusionMaxLevels);
+}
+
+bool VcFusionAcceptsSize(int width, int height)
+{
+    return std::min(width, height) >= kFusionMinSide;
+}
+
+bool VcInitAccumulator(VcFusionAccumulator* acc, const SBxPicBuf& geometry, unsigned exposureMid)
+{
+    *acc = VcFusionAccumulator{};
+    acc->channels = uint32_t(geometry.components);
+    acc->bitsPerComponent = uint32_t(geometry.bitsPerComponent);
+    acc->width = uint32_t(geometry.width);
+    acc->height = uint32_t(geometry.height);
+    acc->exposureMid = exposureMid;
+    acc->levels = CountLevels(acc->width, acc->height);
+    for (uint32_t k = 0; k <= acc->levels; ++k)
+    {
+        acc->levelWidth[k] = acc->width >> k;
+        acc->levelHeight[k] = acc->height >> k;
+    }
+    for (int i = 0; i < 5; ++i)
+        for (int j = 0; j < 5; ++j)
+            acc->kernel[i][j] = kGeneratingKernel[i] * kGeneratingKernel[j];
+
+    acc->planes = static_cast<float*(*)[kFusionPlanes]>(
+        std::calloc(acc->channels, sizeof(*acc->planes)));
+    if (!acc->planes)
+        return true;
+    for (uint32_t c = 0; c < acc->channels; ++c)
+    {
+        const bool sharesWeights = acc->channels == 3 && c > 0;
+        for (uint32_t k = 0; k <= acc->levels; ++k)
+        {
+            const int64_t samples = int64_t(acc->levelWidth[k]) * acc->levelHeight[k];
+            float*& weights = acc->planes[c][k];
+            float*& sums = acc->planes[c][kFusionLevelSlots + k];
+            weights = sharesWeights ? nullptr : VcAllocPlane(samples);
+            sums = VcAllocPlane(samples);
+            if ((!weights && !sharesWeights) || !sums)
+            {
+                VcFreeAccumulator(acc);
+                return true;
+            }
+        }
+    }
+    return false;
+}
+
+bool VcFreeAccumulator(VcFusionAccumulator* acc)
+{
+    if (!acc->planes)
+        return false;
+    for (uint32_t c = 0; c < acc->channels; ++c)
+        for (float* plane : acc->planes[c])
+            VcFreePlane(plane);
+    std::free(acc->planes);
+    acc->planes = nullptr;
+    return false;
+}
+
+static bool FitsAccumulator(const VcFusionAccumulator& acc, const SBxPicBuf& picture)
+{
+    return acc.planes && picture.data && uint32_t(picture.bitsPerComponent) == acc.bitsPerComponent &&
+           uint32_t(picture.width) == acc.width && uint32_t(picture.height) == acc.height;
+}
+
+// One component of the picture as a plane of its own; empty when memory is short.
+static SBxPicBuf ComponentPlane(const SBxPicBuf& picture, unsigned index)
+{
+    SBxPicBuf plane;
+    CBxPicBufAPI::Init(&plane);
+    CBxPicBufAPI::ReinitHeap(&plane, picture.width, picture.height, 1, picture.bitsPerComponent);
+    if (plane.data)
+        CBxPicBufAPI::ExtractComponent(&plane, index, picture);
+    return plane;
+}
+
+static bool AccumulateThree(VcFusionAccumulator* acc, const SBxPicBuf& picture)
+{
+    SBxPicBuf planes[3];
+    bool failed = false;
+    for (unsigned c = 0; c < 3; ++c)
+    {
+        planes[c] = ComponentPlane(picture, c);
+        failed |= !planes[c].data;
+    }
+    failed = failed || VcAccumulatePlanes3(acc->planes, planes, *acc);
+    for (SBxPicBuf& plane : planes)
+        CBxPicBufAPI::DoneHeap(&plane);
+    return failed;
+}
+
+bool VcAccumulateImage(VcFusionAccumulator* acc, const SBxPicBuf& picture)
+{
+    if (!FitsAccumulator(*acc, picture) || uint32_t(picture.components) != acc->channels)
+        return true;
+    if (acc->channels == 1)
+        return VcAccumulatePlane(acc->planes, picture, *acc);
+    if (acc->channels == 3)
+        return AccumulateThree(acc, picture);
+
+    bool failed = false;
+    for (unsigned c = 0; c < acc->channels; ++c)
+    {
+        SBxPicBuf plane = ComponentPlane(picture, c);
+        failed |= !plane.data || VcAccumulatePlane(acc->planes + c, plane, *acc);
+        CBxPicBufAPI::DoneHeap(&plane);
+    }
+    return failed;
+}
+
+bool VcMergeAccumulator(VcFusionAccumulator* acc, const VcFusionAccumulator& other)
+{
+    for (uint32_t c = 0; c < acc->channels; ++c)
+    {
+        for (uint32_t slot = 0; slot < kFusionPlanes; ++slot)
+        {
+            float* to = acc->planes[c][slot];
+            const float* from = other.planes[c][slot];
+            if (!to || !from)
+                continue;
+            const uint32_t level = slot % kFusionLevelSlots;
+            const int width = int(acc->levelWidth[level]);
+            VcParallelRows(int(acc->levelHeight[level]), width, [=](int first, int end) {
+                const int64_t last = int64_t(end) * width;
+                for (int64_t i = int64_t(first) * width; i < last; ++i)
+                    to[i] += from[i];
+            });
+        }
+    }
+    return false;
+}
+
+bool VcComposeResult(SBxPicBuf* picture, const VcFusionAccumulator& acc)
+{
+    if (!FitsAccumulator(acc, *picture))
+        return true;
+    if (acc.channels == 1 && picture->components == 1)
+        return VcComposePlane(picture, acc, 0);
+
+    SBxPicBuf plane;
+    CBxPicBufAPI::Init(&plane);
+    CBxPicBufAPI::ReinitHeap(&plane, picture->width, picture->height, 1, picture->bitsPerComponent);
+    bool failed = !plane.data;
+    for (unsigned c = 0; c < acc.channels && plane.data; ++c)
+    {
+        if (VcComposePlane(&plane, acc, c))
+            failed = true;
+        else
+            CBxPicBufAPI::InsertComponent(picture, c, plane);
+    }
+    CBxPicBufAPI::DoneHeap(&plane);
+    return failed;
+}

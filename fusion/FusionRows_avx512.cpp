@@ -1,0 +1,11 @@
+// The tuned loops of fusion for processors with AVX-512.
+
+#include "fusion/FusionKernels.h"
+
+namespace
+{
+#include "fusion/FusionRows.inl"
+}
+
+extern const FusionKernels kFusionKernelsAvx512;
+const FusionKernels kFusionKernelsAvx512 = {"AVX-512", ReduceRows, ExpandRows, Weigh1, Weigh3};

@@ -1,0 +1,123 @@
+#include "fusion/FusionWeights.h"
+
+#include "fusion/FusionThreads.h"
+
+#include <memory>
+
+#include <tbb/blocked_range.h>
+#include <tbb/blocked_range2d.h>
+#include <tbb/global_control.h>
+#include <tbb/parallel_for.h>
+
+// The only file that knows the task library.
+
+using TaskRange = tbb::blocked_range2d<int, int>;
+
+// Bodies of the weighting loop, one per depth and channel count. The spelling is part of their
+// interface. Each task writes only the sums of the pixels in its own range.
+
+class VcUpdateAplitude_x8
+{
+public:
+    explicit VcUpdateAplitude_x8(const FusionBandJob& band) : job(band) {}
+
+    void operator()(const TaskRange& range) const
+    {
+        for (int row = range.rows().begin(); row < range.rows().end(); ++row)
+            kernels->weigh1(&job, row, range.cols().begin(), range.cols().end());
+    }
+
+private:
+    FusionBandJob job;
+    const FusionKernels* kernels = &VcFusionKernels();
+};
+
+// The same arithmetic; only the spread in the job differs.
+class VcUpdateAplitude_x16 : public VcUpdateAplitude_x8
+{
+public:
+    using VcUpdateAplitude_x8::VcUpdateAplitude_x8;
+};
+
+// Adds once.
+class VcUpdateAplitude_3x16
+{
+public:
+    explicit VcUpdateAplitude_3x16(const FusionBandJob& band) : job(band) { job.additions = 1; }
+
+    void operator()(const TaskRange& range) const
+    {
+        for (int row = range.rows().begin(); row < range.rows().end(); ++row)
+            kernels->weigh3(&job, row, range.cols().begin(), range.cols().end());
+    }
+
+protected:
+    FusionBandJob job;
+    const FusionKernels* kernels = &VcFusionKernels();
+};
+
+// Adds each pixel twice. Weight and weighted value grow together, so the quotient is unchanged;
+// but merging counts on it, since an accumulator that added only once would carry half the say of
+// its partner.
+class VcUpdateAplitude_3x8 : public VcUpdateAplitude_3x16
+{
+public:
+    explicit VcUpdateAplitude_3x8(const FusionBandJob& band) : VcUpdateAplitude_3x16(band)
+    {
+        job.additions = 2;
+    }
+};
+
+template <typename Body>
+static void RunBody(const FusionBandJob& job)
+{
+    tbb::task_group_context context(tbb::task_group_context::bound);
+    tbb::parallel_for(TaskRange(0, job.height, 1, 0, job.width, 1), Body(job),
+                      tbb::auto_partitioner(), context);
+}
+
+float VcExposureSpread(unsigned bitsPerComponent)
+{
+    if (bitsPerComponent == 8)
+        return 7200.0f;
+    const float s = float(1u << bitsPerComponent) * 0.25f;
+    return float(double(s) * double(s) * 1.41);
+}
+
+void VcWeighBand(FusionBandJob job, unsigned channels, unsigned bitsPerComponent)
+{
+    job.spread = VcExposureSpread(bitsPerComponent);
+    job.additions = 1;
+    if (channels == 3)
+        bitsPerComponent == 8 ? RunBody<VcUpdateAplitude_3x8>(job)
+                              : RunBody<VcUpdateAplitude_3x16>(job);
+    else
+        bitsPerComponent == 8 ? RunBody<VcUpdateAplitude_x8>(job)
+                              : RunBody<VcUpdateAplitude_x16>(job);
+}
+
+void VcParallelRows(int rows, int rowSamples, const std::function<void(int, int)>& rowRange)
+{
+    // Below some ten thousand samples a task costs more than its work.
+    constexpr int kSamplesPerTask = 16384;
+    const int grain = rowSamples > 0 ? (kSamplesPerTask + rowSamples - 1) / rowSamples : 1;
+    if (rows <= grain)
+    {
+        rowRange(0, rows);
+        return;
+    }
+    tbb::task_group_context context(tbb::task_group_context::bound);
+    tbb::parallel_for(
+        tbb::blocked_range<int>(0, rows, size_t(grain)),
+        [&](const tbb::blocked_range<int>& range) { rowRange(range.begin(), range.end()); },
+        tbb::auto_partitioner(), context);
+}
+
+void VcLimitThreads(int threads)
+{
+    static std::unique_ptr<tbb::global_control> limit;
+    limit.reset();
+    if (threads > 0)
+        limit = std::make_unique<tbb::global_control>(
+            tbb::global_control::max_allowed_parallelism, size_t(threads));
+}
