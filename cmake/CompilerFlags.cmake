@@ -1,0 +1,23 @@
+# Flags of every source of ours, carried by the target plenoviz_flags. What belongs to the machine
+# code of the whole program (optimisation, sanitizers) is set for the folder tree instead, so that
+# GoogleTest, which is built along, gets it as well.
+
+# Line tables are enough for a readable backtrace and keep links quick. Asserts stay in.
+set(CMAKE_CXX_FLAGS_RELEASE "-O3 -g1")
+
+if(PLENOVIZ_SANITIZE)
+    set(CMAKE_CXX_FLAGS_RELEASE "-O1 -g -fno-omit-frame-pointer")
+    add_compile_options(-fsanitize=${PLENOVIZ_SANITIZE} -fno-sanitize-recover=all)
+    add_link_options(-fsanitize=${PLENOVIZ_SANITIZE})
+endif()
+if(PLENOVIZ_SANITIZE AND NOT DEFINED CMAKE_CROSSCOMPILING_EMULATOR)
+    set(CMAKE_CROSSCOMPILING_EMULATOR "${CMAKE_SOURCE_DIR}/cmake/sanitized.sh")
+endif()
+
+add_library(plenoviz_flags INTERFACE)
+target_compile_options(plenoviz_flags INTERFACE
+    -Wall -Wextra -Werror=return-type -Wshadow -Wundef -Wvla -Wcast-qual -Wformat=2
+    -Wmissing-declarations -Wnon-virtual-dtor -Woverloaded-virtual
+    $<$<CXX_COMPILER_ID:GNU>:-Wduplicated-cond -Wlogical-op>
+    # Every variant of a routine gives the same bits: a multiply and an add stay two roundings.
+    -ffp-contract=off)
