@@ -28,12 +28,8 @@ struct BitmapKind
 // Type and bits per pixel together tell a kind: floats and 32-bit integers have as many bits per
 // pixel as 8-bit colour with alpha, and 16 bits per pixel may be packed 5-6-5 colour.
 static const BitmapKind kKinds[] = {
-    {FIT_BITMAP, 8,  1, 8 },
-    {FIT_BITMAP, 24, 3, 8 },
-    {FIT_BITMAP, 32, 4, 8 },
-    {FIT_UINT16, 16, 1, 16},
-    {FIT_RGB16,  48, 3, 16},
-    {FIT_RGBA16, 64, 4, 16},
+    {FIT_BITMAP, 8, 1, 8},   {FIT_BITMAP, 24, 3, 8}, {FIT_BITMAP, 32, 4, 8},
+    {FIT_UINT16, 16, 1, 16}, {FIT_RGB16, 48, 3, 16}, {FIT_RGBA16, 64, 4, 16},
 };
 
 static const BitmapKind* KindOfBitmap(FIBITMAP* bitmap)

@@ -1,0 +1,129 @@
+#include "picture/FileReplace.h"
+
+#include <atomic>
+#include <cerrno>
+#include <filesystem>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+static const int kMaxLinks = 40; // as many as the system itself follows
+
+// The file that a chain of links ends at; it need not exist. Replacing a link itself would leave
+// its owner with a copy beside the file that he meant to change.
+static bool FollowLinks(std::filesystem::path* path, int* error)
+{
+    std::error_code failed;
+    for (int i = 0; i < kMaxLinks; ++i)
+    {
+        if (!std::filesystem::is_symlink(*path, failed))
+            return true;
+        const std::filesystem::path next = std::filesystem::read_symlink(*path, failed);
+        if (failed)
+            break;
+        *path = path->parent_path() / next;
+    }
+    *error = failed ? failed.value() : ELOOP;
+    return false;
+}
+
+// A rename would replace a read-only file without asking. For root access() allows everything, so
+// the permission bits are looked at too: a file that nobody may write is meant to stay.
+static int WhyNotReplaceable(const char* path, const struct stat& info)
+{
+    if (S_ISDIR(info.st_mode))
+        return EISDIR;
+    if (!S_ISREG(info.st_mode))
+        return ENOTSUP;
+    if ((info.st_mode & (S_IWUSR | S_IWGRP | S_IWOTH)) == 0)
+        return EACCES;
+    return access(path, W_OK) == 0 ? 0 : errno;
+}
+
+// A new file in the folder of the target. Its name does not grow out of the target's, which may be
+// as long as names can be already.
+static int CreateSibling(ReplacingFile* file)
+{
+    static std::atomic<unsigned> counter{0};
+    for (;;)
+    {
+        const std::string name =
+            ".plenoviz-" + std::to_string(getpid()) + "-" + std::to_string(counter++) + ".tmp";
+        file->sibling = file->target.parent_path() / name;
+        const int handle = open(file->sibling.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
+        if (handle >= 0 || errno != EEXIST)
+            return handle;
+    }
+}
+
+bool BeginReplacing(ReplacingFile* file, const char* target)
+{
+    *file = ReplacingFile();
+    file->target = target;
+    if (!FollowLinks(&file->target, &file->error))
+        return false;
+
+    struct stat info = {};
+    const bool exists = stat(file->target.c_str(), &info) == 0;
+    file->error = exists ? WhyNotReplaceable(file->target.c_str(), info) : 0;
+    if (file->error)
+        return false;
+
+    const int handle = CreateSibling(file);
+    if (handle < 0)
+    {
+        file->error = errno;
+        file->sibling.clear();
+        return false;
+    }
+    // The owner first, since a change of owner takes permission bits away. Only root can give files
+    // away; for everybody else the result belongs to whoever made it.
+    if (exists && fchown(handle, info.st_uid, info.st_gid) != 0)
+        errno = 0;
+    if (exists && fchmod(handle, info.st_mode & 07777) != 0)
+        file->error = errno;
+    file->stream = file->error ? nullptr : fdopen(handle, "w+b");
+    if (file->stream)
+        return true;
+    if (!file->error)
+        file->error = errno;
+    close(handle);
+    CancelReplacing(file);
+    return false;
+}
+
+// Full disks and broken network drives may show only when the contents really leave the memory.
+static int SyncToDisk(FILE* stream)
+{
+    if (std::fflush(stream) != 0)
+        return errno;
+    if (fsync(fileno(stream)) == 0 || errno == EINVAL || errno == ENOSYS || errno == ENOTSUP)
+        return 0; // some file systems cannot be asked
+    return errno;
+}
+
+bool FinishReplacing(ReplacingFile* file)
+{
+    if (!file->error)
+        file->error = SyncToDisk(file->stream);
+    if (std::fclose(file->stream) != 0 && !file->error)
+        file->error = errno;
+    file->stream = nullptr;
+    if (!file->error && std::rename(file->sibling.c_str(), file->target.c_str()) != 0)
+        file->error = errno;
+    if (!file->error)
+        return true;
+    CancelReplacing(file);
+    return false;
+}
+
+void CancelReplacing(ReplacingFile* file)
+{
+    if (file->stream)
+        std::fclose(file->stream);
+    file->stream = nullptr;
+    if (!file->sibling.empty())
+        unlink(file->sibling.c_str());
+    file->sibling.clear();
+}

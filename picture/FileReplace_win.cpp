@@ -1,0 +1,136 @@
+#include "picture/FileReplace.h"
+
+#include "picture/SystemFiles.h"
+
+#include "app/Win.h"
+
+#include <atomic>
+#include <cerrno>
+#include <fcntl.h>
+#include <io.h>
+#include <share.h>
+#include <sys/stat.h>
+
+static int ErrnoOf(DWORD error)
+{
+    switch (error)
+    {
+    case ERROR_FILE_NOT_FOUND:
+    case ERROR_PATH_NOT_FOUND: return ENOENT;
+    case ERROR_ACCESS_DENIED:
+    case ERROR_SHARING_VIOLATION:
+    case ERROR_LOCK_VIOLATION:
+    case ERROR_WRITE_PROTECT: return EACCES;
+    case ERROR_DISK_FULL:
+    case ERROR_HANDLE_DISK_FULL: return ENOSPC;
+    }
+    return EIO;
+}
+
+// Where a link ends. Replacing the link itself would leave its owner with a copy beside the file
+// that he meant to change.
+static std::wstring EndOfLink(const std::wstring& path)
+{
+    HANDLE file = CreateFileW(path.c_str(), 0, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
+                              OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS, nullptr);
+    if (file == INVALID_HANDLE_VALUE)
+        return path;
+    std::wstring end(32768, L'\0');
+    const DWORD count = GetFinalPathNameByHandleW(file, end.data(), DWORD(end.size()), 0);
+    CloseHandle(file);
+    end.resize(count < end.size() ? count : 0);
+    return end.empty() ? path : end;
+}
+
+static FILE* CreateSibling(ReplacingFile* file)
+{
+    static std::atomic<unsigned> counter{0};
+    int handle = -1;
+    for (errno_t error = EEXIST; error != 0;)
+    {
+        const std::wstring name = L".plenoviz-" + std::to_wstring(GetCurrentProcessId()) + L"-" +
+                                  std::to_wstring(counter++) + L".tmp";
+        file->sibling = file->target.parent_path() / name;
+        error = _wsopen_s(&handle, file->sibling.c_str(),
+                          _O_RDWR | _O_CREAT | _O_EXCL | _O_BINARY | _O_NOINHERIT, _SH_DENYWR,
+                          _S_IREAD | _S_IWRITE);
+        if (error == 0 || error == EEXIST)
+            continue;
+        file->error = error;
+        file->sibling.clear();
+        return nullptr;
+    }
+    FILE* stream = _fdopen(handle, "w+b");
+    if (stream)
+        return stream;
+    file->error = errno;
+    _close(handle);
+    CancelReplacing(file);
+    return nullptr;
+}
+
+bool BeginReplacing(ReplacingFile* file, const char* target)
+{
+    *file = ReplacingFile();
+    std::wstring path = WideFromSavePath(target);
+    DWORD attributes = GetFileAttributesW(path.c_str());
+    if (attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_REPARSE_POINT))
+    {
+        path = EndOfLink(path);
+        attributes = GetFileAttributesW(path.c_str());
+    }
+    if (attributes != INVALID_FILE_ATTRIBUTES)
+    {
+        if (attributes & FILE_ATTRIBUTE_DIRECTORY)
+            file->error = EISDIR;
+        else if (attributes & (FILE_ATTRIBUTE_READONLY | FILE_ATTRIBUTE_SYSTEM))
+            file->error = EACCES;
+        if (file->error)
+            return false;
+    }
+    file->target = path;
+    file->stream = CreateSibling(file);
+    return file->stream != nullptr;
+}
+
+// Virus scanners and indexers hold new files open for a moment.
+static int MoveOver(const ReplacingFile& file)
+{
+    const int kAttempts = 10;
+    const DWORD kPauseMs = 50;
+    for (int attempt = 1;; ++attempt)
+    {
+        if (MoveFileExW(file.sibling.c_str(), file.target.c_str(),
+                        MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH))
+            return 0;
+        const int error = ErrnoOf(GetLastError());
+        if (error != EACCES || attempt == kAttempts)
+            return error;
+        Sleep(kPauseMs);
+    }
+}
+
+bool FinishReplacing(ReplacingFile* file)
+{
+    if (!file->error && (std::fflush(file->stream) != 0 || _commit(_fileno(file->stream)) != 0))
+        file->error = errno;
+    if (std::fclose(file->stream) != 0 && !file->error)
+        file->error = errno;
+    file->stream = nullptr;
+    if (!file->error)
+        file->error = MoveOver(*file);
+    if (!file->error)
+        return true;
+    CancelReplacing(file);
+    return false;
+}
+
+void CancelReplacing(ReplacingFile* file)
+{
+    if (file->stream)
+        std::fclose(file->stream);
+    file->stream = nullptr;
+    if (!file->sibling.empty())
+        DeleteFileW(file->sibling.c_str());
+    file->sibling.clear();
+}

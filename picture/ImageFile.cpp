@@ -1,0 +1,377 @@
+#include "picture/ImageFile.h"
+
+#include "picture/FileReplace.h"
+#include "picture/GifHeader.h"
+#include "picture/ImageCodec.h"
+#include "picture/PngProfile.h"
+#include "picture/SystemFiles.h"
+
+#include <FreeImage.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <memory>
+#include <mutex>
+#include <system_error>
+
+// Files are opened here and handed to FreeImage as streams: on Windows it takes wide names, on
+// other systems narrow ones only, and a stream shows every short write, which FreeImage does not
+// report (most of its encoders call a file on a full disk a success).
+
+int g_jpegQuality = 0;
+static const int kDefaultJpegQuality = 95;
+
+struct BitmapDeleter
+{
+    void operator()(FIBITMAP* bitmap) const { FreeImage_Unload(bitmap); }
+};
+struct FileCloser
+{
+    void operator()(FILE* file) const { std::fclose(file); }
+};
+using BitmapOwner = std::unique_ptr<FIBITMAP, BitmapDeleter>;
+using FileOwner = std::unique_ptr<FILE, FileCloser>;
+
+static unsigned DLL_CALLCONV ReadStream(void* buffer, unsigned size, unsigned count, fi_handle file)
+{
+    return unsigned(std::fread(buffer, size, count, static_cast<ReplacingFile*>(file)->stream));
+}
+
+static unsigned DLL_CALLCONV WriteStream(void* buffer, unsigned size, unsigned count,
+                                         fi_handle handle)
+{
+    ReplacingFile* file = static_cast<ReplacingFile*>(handle);
+    const size_t done = std::fwrite(buffer, size, count, file->stream);
+    if (done != count && size != 0 && !file->error)
+        file->error = errno ? errno : EIO;
+    return unsigned(done);
+}
+
+static int DLL_CALLCONV SeekStream(fi_handle file, long offset, int origin)
+{
+    return std::fseek(static_cast<ReplacingFile*>(file)->stream, offset, origin);
+}
+
+static long DLL_CALLCONV TellStream(fi_handle file)
+{
+    return std::ftell(static_cast<ReplacingFile*>(file)->stream);
+}
+
+static FreeImageIO StreamFunctions()
+{
+    return {ReadStream, WriteStream, SeekStream, TellStream};
+}
+
+int FormatFromFileName(const char* name)
+{
+    InitImageLibrary();
+    static std::mutex oneAtATime; // FreeImage takes its extension lists apart with strtok
+    const std::lock_guard<std::mutex> lock(oneAtATime);
+    return FreeImage_GetFIFFromFilename(name);
+}
+
+// Contents decide, then the name.
+static LoadProblem FindReadableFormat(FREE_IMAGE_FORMAT* format, FILE* stream, const char* name)
+{
+    FreeImageIO io = StreamFunctions();
+    ReplacingFile file;
+    file.stream = stream;
+    *format = FreeImage_GetFileTypeFromHandle(&io, &file, 0);
+    if (*format == FIF_UNKNOWN)
+        *format = FREE_IMAGE_FORMAT(FormatFromFileName(name));
+    if (*format == FIF_UNKNOWN)
+        return LoadProblem::UnknownFormat;
+    return FreeImage_FIFSupportsReading(*format) ? LoadProblem::None : LoadProblem::NotReadable;
+}
+
+static BitmapOwner Decode(FREE_IMAGE_FORMAT format, FILE* stream, int flags)
+{
+    FreeImageIO io = StreamFunctions();
+    ReplacingFile file;
+    file.stream = stream;
+    std::rewind(stream);
+    // A decoder that runs out of memory half-way may throw instead of giving up.
+    try
+    {
+        return BitmapOwner(FreeImage_LoadFromHandle(format, &io, &file, flags));
+    }
+    catch (...)
+    {
+        return nullptr;
+    }
+}
+
+static LoadProblem ProblemOf(BitmapFit fit)
+{
+    switch (fit)
+    {
+    case BitmapFit::Fits: return LoadProblem::None;
+    case BitmapFit::TooLarge: return LoadProblem::TooLarge;
+    case BitmapFit::KindNotSupported: break;
+    }
+    return LoadProblem::KindNotSupported;
+}
+
+// A header of a few bytes may claim billions of pixels, which a decoder would allocate and clear
+// before it sees that there is nothing to read.
+static LoadProblem CheckHeader(FREE_IMAGE_FORMAT format, FILE* stream)
+{
+    if (format == FIF_GIF)
+    {
+        int width = 0, height = 0;
+        const bool known = GifFrameSize(stream, &width, &height);
+        return !known || PictureBytes(width, height, 1, 8) >= 0 ? LoadProblem::None
+                                                                : LoadProblem::TooLarge;
+    }
+    if (!FreeImage_FIFSupportsNoPixels(format))
+        return LoadProblem::None;
+    const BitmapOwner header = Decode(format, stream, FIF_LOAD_NOPIXELS);
+    return header ? ProblemOf(FitOfBitmap(header.get())) : LoadProblem::DecoderFailed;
+}
+
+static BitmapOwner LoadWhole(FREE_IMAGE_FORMAT format, FILE* stream, LoadProblem* problem)
+{
+    *problem = CheckHeader(format, stream);
+    if (*problem != LoadProblem::None)
+        return nullptr;
+    BitmapOwner bitmap = Decode(format, stream, format == FIF_JPEG ? JPEG_ACCURATE : 0);
+    if (!bitmap)
+        *problem = LoadProblem::DecoderFailed;
+    return bitmap;
+}
+
+// 32-bit BMP files mostly have an unused fourth byte, and zero in it. Taken for alpha, it would
+// make the whole picture invisible once it is saved as PNG.
+static void DropUnusedAlpha(SBxPicBuf* alpha)
+{
+    if (alpha->data && std::all_of(alpha->data, alpha->data + alpha->size,
+                                   [](uint8_t sample) { return sample == 0; }))
+        CBxPicBufAPI::DoneHeap(alpha);
+}
+
+static LoadProblem LoadPair(const char* path, SBxPicBuf* picture, SBxPicBuf* alpha)
+{
+    const FileOwner stream(OpenUtf8Path(path));
+    if (!stream)
+        return errno == ENOENT || errno == ENOTDIR ? LoadProblem::NoSuchFile
+                                                   : LoadProblem::CannotOpen;
+    FREE_IMAGE_FORMAT format = FIF_UNKNOWN;
+    LoadProblem problem = FindReadableFormat(&format, stream.get(), path);
+    if (problem != LoadProblem::None)
+        return problem;
+    const BitmapOwner bitmap = LoadWhole(format, stream.get(), &problem);
+    if (!bitmap)
+        return problem;
+    if (PictureFromBitmap(bitmap.get(), picture, alpha))
+    {
+        problem = ProblemOf(FitOfBitmap(bitmap.get()));
+        return problem == LoadProblem::None ? LoadProblem::OutOfMemory : problem;
+    }
+    if (format == FIF_BMP)
+        DropUnusedAlpha(alpha);
+    return LoadProblem::None;
+}
+
+bool LoadPicturePair(const char* path, SBxPicBuf* picture, SBxPicBuf* alpha, LoadReport* report)
+{
+    InitImageLibrary();
+    CBxPicBufAPI::DoneHeap(picture);
+    CBxPicBufAPI::DoneHeap(alpha);
+    const LoadProblem problem = LoadPair(path, picture, alpha);
+    if (report)
+        report->problem = problem;
+    return problem != LoadProblem::None;
+}
+
+// Gives the source the profile that stands in its file. The size is not known before it is
+// unpacked; a profile states it in its first four bytes, which also tells whether it is complete.
+static void AttachPngProfile(FIBITMAP* source, FILE* stream)
+{
+    std::vector<uint8_t> packed, profile;
+    if (!FindPngProfile(stream, &packed))
+        return;
+    const size_t kMaxProfileBytes = 64u << 20;
+    for (size_t size = 4096; size <= kMaxProfileBytes; size *= 4)
+    {
+        profile.resize(size);
+        const DWORD bytes = FreeImage_ZLibUncompress(profile.data(), DWORD(size), packed.data(),
+                                                     DWORD(packed.size()));
+        if (bytes == 0)
+            continue; // damaged, or larger than that
+        const uint32_t stated = uint32_t(profile[0]) << 24 | uint32_t(profile[1]) << 16 |
+                                uint32_t(profile[2]) << 8 | profile[3];
+        if (stated == bytes)
+            FreeImage_CreateICCProfile(source, profile.data(), long(bytes));
+        return;
+    }
+}
+
+// A profile that speaks of other colour channels than the picture has is worse than none: a CMYK
+// photograph arrives here as RGB, still with the profile of its inks.
+static bool ProfileFits(const FIICCPROFILE* profile, const SBxPicBuf& picture)
+{
+    const size_t kSpaceOffset = 16; // four letters naming the colour space
+    if (profile->size < kSpaceOffset + 4)
+        return true;
+    const char* data = static_cast<const char*>(profile->data);
+    const std::string space(data + kSpaceOffset, 4);
+    return space != "CMYK" && space != (picture.components == 1 ? "RGB " : "GRAY");
+}
+
+static void TakeProfileAndMetadata(FIBITMAP* bitmap, FREE_IMAGE_FORMAT format, FIBITMAP* source,
+                                   const SBxPicBuf& picture)
+{
+    FreeImage_CloneMetadata(bitmap, source);
+    // The samples count from black to white, whatever those of the source did.
+    FreeImage_SetMetadata(FIMD_EXIF_MAIN, bitmap, "PhotometricInterpretation", nullptr);
+    // The TIFF encoder writes no entry of this directory; but it follows a null pointer when a
+    // camera has put exposure entries there, as some do.
+    if (format == FIF_TIFF)
+        FreeImage_SetMetadata(FIMD_EXIF_MAIN, bitmap, nullptr, nullptr);
+    const FIICCPROFILE* profile = FreeImage_GetICCProfile(source);
+    if (profile && profile->data && profile->size && ProfileFits(profile, picture))
+        FreeImage_CreateICCProfile(bitmap, profile->data, long(profile->size));
+}
+
+static void TakeFromSource(FIBITMAP* bitmap, FREE_IMAGE_FORMAT targetFormat, const char* path,
+                           const SBxPicBuf& picture, SaveReport* report)
+{
+    FREE_IMAGE_FORMAT format = FIF_UNKNOWN;
+    const FileOwner stream(OpenSavePath(path));
+    if (!stream)
+    {
+        format = FREE_IMAGE_FORMAT(FormatFromFileName(path));
+    }
+    else if (FindReadableFormat(&format, stream.get(), path) != LoadProblem::None)
+    {
+        format = FIF_UNKNOWN;
+    }
+    if (format == FIF_UNKNOWN || format == FIF_GIF || !FreeImage_FIFSupportsReading(format))
+    {
+        report->problem = SaveProblem::SourceFormat;
+        throw UnsupportedImageFormat();
+    }
+    LoadProblem problem = LoadProblem::None;
+    const BitmapOwner source = stream ? LoadWhole(format, stream.get(), &problem) : nullptr;
+    if (!source)
+    {
+        report->problem = SaveProblem::SourceUnreadable;
+        throw ImageReadError();
+    }
+    if (format == FIF_PNG && !FreeImage_GetICCProfile(source.get())->data)
+        AttachPngProfile(source.get(), stream.get());
+    TakeProfileAndMetadata(bitmap, targetFormat, source.get(), picture);
+}
+
+static void SetExif(FIBITMAP* bitmap, const std::vector<uint8_t>& exif)
+{
+    FITAG* tag = FreeImage_CreateTag();
+    if (!tag)
+        return;
+    FreeImage_SetTagKey(tag, "ExifRaw");
+    FreeImage_SetTagType(tag, FIDT_BYTE);
+    FreeImage_SetTagLength(tag, DWORD(exif.size()));
+    FreeImage_SetTagCount(tag, DWORD(exif.size()));
+    FreeImage_SetTagValue(tag, exif.data());
+    FreeImage_SetMetadata(FIMD_EXIF_RAW, bitmap, "ExifRaw", tag);
+    FreeImage_DeleteTag(tag);
+}
+
+// Encoders return success for some files that they gave up on; such a file has no readable header.
+static bool HeaderMatches(ReplacingFile* file, FREE_IMAGE_FORMAT format, FIBITMAP* bitmap)
+{
+    if (std::fflush(file->stream) != 0)
+        file->error = errno;
+    if (file->error || !FreeImage_FIFSupportsNoPixels(format))
+        return !file->error;
+    const BitmapOwner header = Decode(format, file->stream, FIF_LOAD_NOPIXELS);
+    return header && FreeImage_GetWidth(header.get()) == FreeImage_GetWidth(bitmap) &&
+           FreeImage_GetHeight(header.get()) == FreeImage_GetHeight(bitmap);
+}
+
+static void WriteFile(FIBITMAP* bitmap, const char* target, FREE_IMAGE_FORMAT format, int flags,
+                      SaveReport* report)
+{
+    ReplacingFile file;
+    FreeImageIO io = StreamFunctions();
+    report->problem = SaveProblem::CannotCreate;
+    if (BeginReplacing(&file, target))
+    {
+        const bool encoded = FreeImage_SaveToHandle(format, bitmap, &io, &file, flags) &&
+                             HeaderMatches(&file, format, bitmap);
+        report->problem =
+            encoded || file.error ? SaveProblem::CannotWrite : SaveProblem::EncoderFailed;
+        if (!encoded)
+            CancelReplacing(&file);
+        else
+            report->written = FinishReplacing(&file);
+    }
+    report->systemError = file.error;
+    if (report->written)
+        report->problem = SaveProblem::None;
+}
+
+static int SaveFlags(FREE_IMAGE_FORMAT format)
+{
+    if (format != FIF_JPEG)
+        return 0;
+    // FreeImage reads larger numbers as other options.
+    return g_jpegQuality >= 1 ? std::min(g_jpegQuality, 100) : kDefaultJpegQuality;
+}
+
+static FREE_IMAGE_FORMAT WritableFormat(int format, const char* target, SaveReport* report)
+{
+    const auto code =
+        FREE_IMAGE_FORMAT(format == kFormatFromName ? FormatFromFileName(target) : format);
+    if (code != FIF_UNKNOWN && code != FIF_GIF && FreeImage_FIFSupportsWriting(code))
+        return code;
+    report->problem = SaveProblem::UnknownFormat;
+    throw UnsupportedImageFormat();
+}
+
+static void SavePair(const SBxPicBuf& picture, const SBxPicBuf& alpha, const char* target,
+                     const char* source, int format, SaveReport* report, const SaveExtras* extras)
+{
+    report->problem = SaveProblem::NoPicture;
+    if (!picture.data || (picture.components != 1 && picture.components != 3) ||
+        (picture.bitsPerComponent != 8 && picture.bitsPerComponent != 16))
+        return;
+
+    const FREE_IMAGE_FORMAT code = WritableFormat(format, target, report);
+    const bool hasAlpha = alpha.data && picture.components == 3;
+    const bool withAlpha = hasAlpha && FormatHoldsPicture(code, picture, true);
+    report->alphaDropped = hasAlpha && !withAlpha;
+    report->problem = SaveProblem::DepthNotHeld;
+    if (!FormatHoldsPicture(code, picture, withAlpha))
+        return;
+
+    report->problem = SaveProblem::OutOfMemory;
+    const BitmapOwner bitmap(BitmapFromPicture(picture, withAlpha ? &alpha : nullptr));
+    if (!bitmap)
+        return;
+    if (source && *source)
+        TakeFromSource(bitmap.get(), code, source, picture, report);
+    if (extras && !extras->exif.empty())
+        SetExif(bitmap.get(), extras->exif);
+
+    WriteFile(bitmap.get(), target, code, SaveFlags(code), report);
+    // Some encoders refuse profiles that are damaged; the picture is worth more than its profile.
+    if (report->problem != SaveProblem::EncoderFailed ||
+        !FreeImage_GetICCProfile(bitmap.get())->data)
+        return;
+    FreeImage_DestroyICCProfile(bitmap.get());
+    report->profileDropped = true;
+    WriteFile(bitmap.get(), target, code, SaveFlags(code), report);
+}
+
+bool SavePicturePair(const SBxPicBuf& picture, const SBxPicBuf& alpha, const char* target,
+                     const char* source, int format, SaveReport* report, const SaveExtras* extras)
+{
+    InitImageLibrary();
+    SaveReport unread;
+    if (!report)
+        report = &unread;
+    *report = SaveReport();
+    SavePair(picture, alpha, target, source, format, report, extras);
+    return false;
+}

@@ -1,0 +1,119 @@
+#pragma once
+
+#include "picture/PicBuf.h"
+
+#include <cstdint>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+// Photographs in files. A picture travels with an optional alpha plane of its
+// size and bits; a plane without data means none. Every routine may run on
+// several threads at once.
+
+// Both carry an empty message: the caller knows which file it was and says so
+// in its own words.
+class UnsupportedImageFormat : public std::runtime_error
+{
+public:
+    UnsupportedImageFormat() : std::runtime_error("") {}
+};
+class ImageReadError : public std::runtime_error
+{
+public:
+    ImageReadError() : std::runtime_error("") {}
+};
+
+// FreeImage's numbers of the formats that the program offers.
+constexpr int kFormatFromName = -1;
+constexpr int kFormatBmp = 0;
+constexpr int kFormatJpeg = 2;
+constexpr int kFormatPng = 13;
+constexpr int kFormatTiff = 18;
+constexpr int kFormatGif = 25;
+
+// Quality of JPEG files, 1..100, for the whole program; below 1 it is unset and
+// 95 is used. Set by whoever asks the user; not to be changed while a picture
+// is being saved.
+extern int g_jpegQuality;
+
+enum class LoadProblem
+{
+    None,
+    NoSuchFile,
+    CannotOpen,
+    UnknownFormat,
+    NotReadable, // a known format that is only written
+    DecoderFailed,
+    KindNotSupported,
+    TooLarge,
+    OutOfMemory,
+};
+
+struct LoadReport
+{
+    LoadProblem problem = LoadProblem::None;
+};
+
+const char* LoadProblemText(LoadProblem problem); // end of a one-line message, no full stop
+
+// Reads a file (path in UTF-8) into the pair. Both records must be initialised;
+// what they own is released. True on failure, then both are empty and `report`,
+// if given, says why. Geometry is checked before memory is taken. A truncated
+// JPEG or TIFF counts as read, with what it has.
+[[nodiscard]] bool LoadPicturePair(const char* path, SBxPicBuf* picture, SBxPicBuf* alpha,
+                                   LoadReport* report = nullptr);
+
+enum class SaveProblem
+{
+    None,
+    NoPicture, // empty, or of a kind that no file holds
+    OutOfMemory,
+    UnknownFormat,    // thrown: target format unknown, never written, or GIF
+    DepthNotHeld,     // the format cannot hold the picture's bits or components
+    SourceFormat,     // thrown: source format unknown, never read, or GIF
+    SourceUnreadable, // thrown
+    CannotCreate,     // systemError: no such folder, read-only target, ...
+    EncoderFailed,
+    CannotWrite, // systemError: disk full, ...
+};
+
+struct SaveReport
+{
+    bool written = false; // the target holds the picture; false = it is as it was before
+    SaveProblem problem = SaveProblem::None;
+    int systemError = 0;         // errno
+    bool alphaDropped = false;   // the format has no alpha
+    bool profileDropped = false; // the encoder takes no such profile
+};
+
+std::string SaveReportText(const SaveReport& report); // end of a one-line message, no full stop
+
+// What a file gets beyond picture and source.
+struct SaveExtras
+{
+    // EXIF block of a JPEG file (ExifBlock.h), instead of the source's. Empty =
+    // none.
+    std::vector<uint8_t> exif;
+};
+
+// Writes the pair to `target`; with a non-empty `source`, its colour profile
+// and metadata go along. Paths are save paths (SystemFiles.h). The format is
+// one of FreeImage's numbers or kFormatFromName. Target and source may be the
+// same file.
+//
+// Always returns false. Throws UnsupportedImageFormat for a target or source
+// format that is unknown, cannot be written or read, or is GIF, and
+// ImageReadError when the source does not load. Every other failure is silent
+// except for `report`, and every failure leaves the target as it was.
+//
+// EXIF goes from JPEG to JPEG only, byte for byte, preview picture included:
+// FreeImage's other encoders do not write it. TIFF and PNG results keep the
+// profile and XMP.
+bool SavePicturePair(const SBxPicBuf& picture, const SBxPicBuf& alpha, const char* target,
+                     const char* source, int format, SaveReport* report = nullptr,
+                     const SaveExtras* extras = nullptr);
+
+// The format that a file name asks for by its extension, or kFormatFromName
+// when it names none.
+int FormatFromFileName(const char* name);
