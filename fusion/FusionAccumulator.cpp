@@ -39,8 +39,8 @@ bool VcInitAccumulator(VcFusionAccumulator* acc, const SBxPicBuf& geometry, unsi
         for (int j = 0; j < 5; ++j)
             acc->kernel[i][j] = kGeneratingKernel[i] * kGeneratingKernel[j];
 
-    acc->planes = static_cast<float*(*)[kFusionPlanes]>(
-        std::calloc(acc->channels, sizeof(*acc->planes)));
+    acc->planes =
+        static_cast<float*(*)[kFusionPlanes]>(std::calloc(acc->channels, sizeof(*acc->planes)));
     if (!acc->planes)
         return true;
     for (uint32_t c = 0; c < acc->channels; ++c)
@@ -77,7 +77,8 @@ bool VcFreeAccumulator(VcFusionAccumulator* acc)
 
 static bool FitsAccumulator(const VcFusionAccumulator& acc, const SBxPicBuf& picture)
 {
-    return acc.planes && picture.data && uint32_t(picture.bitsPerComponent) == acc.bitsPerComponent &&
+    return acc.planes && picture.data &&
+           uint32_t(picture.bitsPerComponent) == acc.bitsPerComponent &&
            uint32_t(picture.width) == acc.width && uint32_t(picture.height) == acc.height;
 }
 
@@ -138,11 +139,13 @@ bool VcMergeAccumulator(VcFusionAccumulator* acc, const VcFusionAccumulator& oth
                 continue;
             const uint32_t level = slot % kFusionLevelSlots;
             const int width = int(acc->levelWidth[level]);
-            VcParallelRows(int(acc->levelHeight[level]), width, [=](int first, int end) {
-                const int64_t last = int64_t(end) * width;
-                for (int64_t i = int64_t(first) * width; i < last; ++i)
-                    to[i] += from[i];
-            });
+            VcParallelRows(int(acc->levelHeight[level]), width,
+                           [=](int first, int end)
+                           {
+                               const int64_t last = int64_t(end) * width;
+                               for (int64_t i = int64_t(first) * width; i < last; ++i)
+                                   to[i] += from[i];
+                           });
         }
     }
     return false;

@@ -7,16 +7,16 @@ void VcReduce(float* dst, const float* src, int dstW, int dstH, int srcW, int sr
               const float kernel[5][5])
 {
     const FusionKernels& kernels = VcFusionKernels();
-    VcParallelRows(dstH, dstW, [&](int first, int end) {
-        kernels.reduceRows(dst, src, dstW, dstH, srcW, srcH, kernel, first, end);
-    });
+    VcParallelRows(dstH, dstW,
+                   [&](int first, int end)
+                   { kernels.reduceRows(dst, src, dstW, dstH, srcW, srcH, kernel, first, end); });
 }
 
 void VcExpand(float* dst, const float* src, int dstW, int dstH, int srcW, int srcH,
               const float kernel[5][5])
 {
     const FusionKernels& kernels = VcFusionKernels();
-    VcParallelRows(dstH, dstW, [&](int first, int end) {
-        kernels.expandRows(dst, src, dstW, dstH, srcW, srcH, kernel, first, end);
-    });
+    VcParallelRows(dstH, dstW,
+                   [&](int first, int end)
+                   { kernels.expandRows(dst, src, dstW, dstH, srcW, srcH, kernel, first, end); });
 }

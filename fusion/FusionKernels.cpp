@@ -14,8 +14,7 @@ const FusionKernels* VcFusionKernelsOf(FusionVariant variant)
     {
     case FusionVariant::Plain: return &kFusionKernelsPlain;
     case FusionVariant::Sse2: return &kFusionKernelsSse2;
-    case FusionVariant::Avx2:
-        return __builtin_cpu_supports("avx2") ? &kFusionKernelsAvx2 : nullptr;
+    case FusionVariant::Avx2: return __builtin_cpu_supports("avx2") ? &kFusionKernelsAvx2 : nullptr;
     case FusionVariant::Avx512:
         return __builtin_cpu_supports("avx512f") && __builtin_cpu_supports("avx512dq") &&
                        __builtin_cpu_supports("avx512bw") && __builtin_cpu_supports("avx512vl")

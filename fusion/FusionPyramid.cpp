@@ -73,12 +73,14 @@ static void SamplesToFloat(float* to, const SBxPicBuf& plane, int first, int end
 
 static void PlaneToFloat(float* to, const SBxPicBuf& plane)
 {
-    VcParallelRows(plane.height, plane.width, [&](int first, int end) {
-        if (plane.bitsPerComponent == 8)
-            SamplesToFloat<uint8_t>(to, plane, first, end);
-        else
-            SamplesToFloat<uint16_t>(to, plane, first, end);
-    });
+    VcParallelRows(plane.height, plane.width,
+                   [&](int first, int end)
+                   {
+                       if (plane.bitsPerComponent == 8)
+                           SamplesToFloat<uint8_t>(to, plane, first, end);
+                       else
+                           SamplesToFloat<uint16_t>(to, plane, first, end);
+                   });
 }
 
 // band = fine - expand(coarse), row by row while the expanded row is still in the cache. A level
@@ -87,20 +89,23 @@ static void MakeBand(float* band, const float* fine, const float* coarse, LevelS
                      LevelSize coarseSize, const float kernel[5][5])
 {
     const FusionKernels& kernels = VcFusionKernels();
-    VcParallelRows(fineSize.height, fineSize.width, [&](int first, int end) {
-        for (int y = first; y < end; ++y)
-        {
-            float* to = band + int64_t(y) * fineSize.width;
-            const float* from = fine + int64_t(y) * fineSize.width;
-            if (CarriesBand(fineSize))
-                kernels.expandRows(band, coarse, fineSize.width, fineSize.height, coarseSize.width,
-                                   coarseSize.height, kernel, y, y + 1);
-            else
-                std::fill_n(to, fineSize.width, 0.0f);
-            for (int x = 0; x < fineSize.width; ++x)
-                to[x] = from[x] - to[x];
-        }
-    });
+    VcParallelRows(fineSize.height, fineSize.width,
+                   [&](int first, int end)
+                   {
+                       for (int y = first; y < end; ++y)
+                       {
+                           float* to = band + int64_t(y) * fineSize.width;
+                           const float* from = fine + int64_t(y) * fineSize.width;
+                           if (CarriesBand(fineSize))
+                               kernels.expandRows(band, coarse, fineSize.width, fineSize.height,
+                                                  coarseSize.width, coarseSize.height, kernel, y,
+                                                  y + 1);
+                           else
+                               std::fill_n(to, fineSize.width, 0.0f);
+                           for (int x = 0; x < fineSize.width; ++x)
+                               to[x] = from[x] - to[x];
+                       }
+                   });
 }
 
 static FusionBandJob JobOf(const Scratch& scratch, float* const (*channelPlanes)[kFusionPlanes],
@@ -175,11 +180,13 @@ static void AddBlend(float* plane, const VcFusionAccumulator& acc, unsigned chan
         return;
     const float* sums = SumPlane(acc, channel, level);
     const float* weights = WeightPlane(acc, acc.channels == 3 ? 0 : channel, level);
-    VcParallelRows(size.height, size.width, [&](int first, int end) {
-        const int64_t last = int64_t(end) * size.width;
-        for (int64_t i = int64_t(first) * size.width; i < last; ++i)
-            plane[i] += Ratio(sums[i], weights[i]);
-    });
+    VcParallelRows(size.height, size.width,
+                   [&](int first, int end)
+                   {
+                       const int64_t last = int64_t(end) * size.width;
+                       for (int64_t i = int64_t(first) * size.width; i < last; ++i)
+                           plane[i] += Ratio(sums[i], weights[i]);
+                   });
 }
 
 template <typename T>
@@ -213,11 +220,13 @@ bool VcComposePlane(SBxPicBuf* plane, const VcFusionAccumulator& acc, unsigned c
         AddBlend(fine.get(), acc, channel, k);
         coarse = std::move(fine);
     }
-    VcParallelRows(plane->height, plane->width, [&](int first, int end) {
-        if (acc.bitsPerComponent == 8)
-            WriteSamples<uint8_t>(plane, coarse.get(), first, end);
-        else
-            WriteSamples<uint16_t>(plane, coarse.get(), first, end);
-    });
+    VcParallelRows(plane->height, plane->width,
+                   [&](int first, int end)
+                   {
+                       if (acc.bitsPerComponent == 8)
+                           WriteSamples<uint8_t>(plane, coarse.get(), first, end);
+                       else
+                           WriteSamples<uint16_t>(plane, coarse.get(), first, end);
+                   });
     return false;
 }

@@ -3,29 +3,42 @@
 // never depends on the instruction set, on its place in a vector or on the thread.
 //
 // Reduce and expand take the two-dimensional kernel apart into its column and row taps (it is an
-// outer product) and filter vertically into a row of scratch first. Columns near the border, whose
-// window is moved inward, are done one by one.
+// outer product of symmetric ones) and filter vertically into a row of scratch first. Columns near
+// the border, whose window is moved inward, are done one by one. Samples at equal distance from the
+// centre are added before they are multiplied: less work, and a flat picture stays flat to the bit,
+// where rounding noise would be taken for structure by the weights.
 
 #include "fusion/FusionMath.inl"
 
 // Scratch per row is on the stack in pieces of this many source columns.
 constexpr int kPiece = 1024;
 
+// One axis of the kernel: its middle, the two taps beside it and the two outer ones.
 struct Taps
 {
-    float column[5], row[5];
+    float centre, side, outer;
 };
 
-static inline Taps TapsOf(const float kernel[5][5])
+static inline Taps TapsOf(const float kernel[5][5], float gain)
 {
     const float centre = __builtin_sqrtf(kernel[2][2]);
-    Taps taps;
-    for (int i = 0; i < 5; ++i)
-    {
-        taps.column[i] = kernel[i][2] / centre;
-        taps.row[i] = kernel[2][i] / centre;
-    }
-    return taps;
+    return {gain * centre, gain * (kernel[2][1] / centre), gain * (kernel[2][0] / centre)};
+}
+
+static inline float Filtered(const Taps& taps, float a, float b, float c, float d, float e)
+{
+    return taps.side * (b + d) + (taps.centre * c + taps.outer * (a + e));
+}
+
+// Expand sees every second sample of the window only: three with an even start, two with an odd.
+static inline float FilteredEven(const Taps& taps, float a, float c, float e)
+{
+    return taps.centre * c + taps.outer * (a + e);
+}
+
+static inline float FilteredOdd(const Taps& taps, float b, float d)
+{
+    return taps.side * (b + d);
 }
 
 static inline int Smaller(int a, int b)
@@ -57,10 +70,8 @@ static void ReduceColumns(float* __restrict scratch, const float* from, int srcW
     const float* c = b + srcW;
     const float* d = c + srcW;
     const float* e = d + srcW;
-    const float k0 = taps.column[0], k1 = taps.column[1], k2 = taps.column[2],
-                k3 = taps.column[3], k4 = taps.column[4];
     for (int x = first; x < end; ++x)
-        scratch[x - first] = k0 * a[x] + k1 * b[x] + k2 * c[x] + k3 * d[x] + k4 * e[x];
+        scratch[x - first] = Filtered(taps, a[x], b[x], c[x], d[x], e[x]);
 }
 
 static void ReduceRows(float* dst, const float* src, int dstW, int dstH, int srcW, int srcH,
@@ -68,9 +79,7 @@ static void ReduceRows(float* dst, const float* src, int dstW, int dstH, int src
 {
     if (dstW < 5 || dstH < 5)
         return;
-    const Taps taps = TapsOf(kernel);
-    const float k0 = taps.row[0], k1 = taps.row[1], k2 = taps.row[2], k3 = taps.row[3],
-                k4 = taps.row[4];
+    const Taps taps = TapsOf(kernel, 1.0f);
     float scratch[2 * kPiece + 8];
     for (int i = firstRow; i < endRow; ++i)
     {
@@ -81,9 +90,10 @@ static void ReduceRows(float* dst, const float* src, int dstW, int dstH, int src
             const int end = Smaller(first + kPiece, dstW);
             const int base = ReduceStart(first, srcW);
             ReduceColumns(scratch, window, srcW, taps, base, ReduceStart(end - 1, srcW) + 5);
-            const auto sample = [&](int j) {
+            const auto sample = [&](int j)
+            {
                 const float* s = scratch + (ReduceStart(j, srcW) - base);
-                return k0 * s[0] + k1 * s[1] + k2 * s[2] + k3 * s[3] + k4 * s[4];
+                return Filtered(taps, s[0], s[1], s[2], s[3], s[4]);
             };
             // Inside, the window of column j starts at 2j - 2.
             int j = first;
@@ -93,44 +103,38 @@ static void ReduceRows(float* dst, const float* src, int dstW, int dstH, int src
             const float* __restrict s = scratch + (2 * j - 2 - base);
             const int count = inner - j;
             for (int n = 0; n < count; ++n)
-                out[j + n] = k0 * s[2 * n] + k1 * s[2 * n + 1] + k2 * s[2 * n + 2] +
-                             k3 * s[2 * n + 3] + k4 * s[2 * n + 4];
+                out[j + n] = Filtered(taps, s[2 * n], s[2 * n + 1], s[2 * n + 2], s[2 * n + 3],
+                                      s[2 * n + 4]);
             for (j = count > 0 ? inner : j; j < end; ++j)
                 out[j] = sample(j);
         }
     }
 }
 
-// One row of expand, filtered vertically: scratch[x - first] for source columns [first, end).
+// One row of expand, filtered vertically: scratch[x - first] for source columns [first, end). At
+// the lower edge of an odd size the last sample of the window is missing.
 static void ExpandColumns(float* __restrict scratch, const float* src, int srcW, int srcH, int dstH,
                           const Taps& taps, int row, int first, int end)
 {
     const int start = ExpandStart(row, dstH);
-    const int stop = Smaller(start + 5, 2 * srcH);
     const int even = start + (start & 1);
     const float* a = src + (long long)(even / 2) * srcW;
-    const float ka = 2.0f * taps.column[even - start];
-    const int rows = (stop - even + 1) / 2;
-    if (rows >= 3)
+    const float* b = a + srcW;
+    if (even != start)
     {
-        const float* b = a + srcW;
-        const float* c = b + srcW;
-        const float kb = 2.0f * taps.column[even - start + 2];
-        const float kc = 2.0f * taps.column[even - start + 4];
         for (int x = first; x < end; ++x)
-            scratch[x - first] = ka * a[x] + kb * b[x] + kc * c[x];
+            scratch[x - first] = FilteredOdd(taps, a[x], b[x]);
     }
-    else if (rows == 2)
+    else if (even + 4 < 2 * srcH)
     {
-        const float* b = a + srcW;
-        const float kb = 2.0f * taps.column[even - start + 2];
+        const float* c = b + srcW;
         for (int x = first; x < end; ++x)
-            scratch[x - first] = ka * a[x] + kb * b[x];
+            scratch[x - first] = FilteredEven(taps, a[x], b[x], c[x]);
     }
     else
     {
         for (int x = first; x < end; ++x)
-            scratch[x - first] = ka * a[x];
+            scratch[x - first] = FilteredEven(taps, a[x], b[x], 0.0f);
     }
 }
 
@@ -139,10 +143,7 @@ static void ExpandRows(float* dst, const float* src, int dstW, int dstH, int src
 {
     if (dstW < 5 || dstH < 5)
         return;
-    const Taps taps = TapsOf(kernel);
-    const float k0 = 2.0f * taps.row[0], k1 = 2.0f * taps.row[1], k2 = 2.0f * taps.row[2],
-                k3 = 2.0f * taps.row[3], k4 = 2.0f * taps.row[4];
-    const float doubled[5] = {k0, k1, k2, k3, k4};
+    const Taps taps = TapsOf(kernel, 2.0f); // the gain of 4 is 2 on each axis
     float scratch[kPiece + 8];
     for (int i = firstRow; i < endRow; ++i)
     {
@@ -153,13 +154,13 @@ static void ExpandRows(float* dst, const float* src, int dstW, int dstH, int src
             const int base = ExpandStart(first, dstW) / 2;
             const int last = Smaller((ExpandStart(end - 1, dstW) + 4) / 2, srcW - 1);
             ExpandColumns(scratch, src, srcW, srcH, dstH, taps, i, base, last + 1);
-            const auto sample = [&](int j) {
+            const auto sample = [&](int j)
+            {
                 const int start = ExpandStart(j, dstW);
-                const int stop = Smaller(start + 5, 2 * srcW);
-                float sum = 0.0f;
-                for (int c = start + (start & 1); c < stop; c += 2)
-                    sum += doubled[c - start] * scratch[c / 2 - base];
-                return sum;
+                const float* s = scratch + ((start + 1) / 2 - base);
+                if (start & 1)
+                    return FilteredOdd(taps, s[0], s[1]);
+                return FilteredEven(taps, s[0], s[1], start + 4 < 2 * srcW ? s[2] : 0.0f);
             };
             // Inside, columns come in pairs: an even one sees three samples, an odd one two.
             int j = first;
@@ -171,8 +172,8 @@ static void ExpandRows(float* dst, const float* src, int dstW, int dstH, int src
             float* __restrict pair = out + j;
             for (int n = 0; n < pairs; ++n)
             {
-                pair[2 * n] = k0 * s[n] + k2 * s[n + 1] + k4 * s[n + 2];
-                pair[2 * n + 1] = k1 * s[n + 1] + k3 * s[n + 2];
+                pair[2 * n] = FilteredEven(taps, s[n], s[n + 1], s[n + 2]);
+                pair[2 * n + 1] = FilteredOdd(taps, s[n + 1], s[n + 2]);
             }
             for (j += 2 * pairs; j < end; ++j)
                 out[j] = sample(j);

@@ -46,8 +46,7 @@ static void ExpandRows(float* dst, const float* src, int dstW, int dstH, int src
             float sum = 0.0f;
             for (int r = s + s % 2; r < std::min(s + 5, 2 * srcH); r += 2)
                 for (int c = t + t % 2; c < std::min(t + 5, 2 * srcW); c += 2)
-                    sum += kernel[r - s][c - t] *
-                           src[size_t(r / 2) * size_t(srcW) + size_t(c / 2)];
+                    sum += kernel[r - s][c - t] * src[size_t(r / 2) * size_t(srcW) + size_t(c / 2)];
             dst[size_t(i) * size_t(dstW) + size_t(j)] = 4.0f * sum;
         }
     }
@@ -101,8 +100,7 @@ static void Weigh3(const FusionBandJob* job, int row, int firstColumn, int endCo
         for (int c = 0; c < 3; ++c)
             squares += (mean - g[c][p]) * (mean - g[c][p]);
         const float saturation = Pow016(float(std::sqrt(double(squares) / 3.0) + 1e-5));
-        const float weight =
-            float(double(contrast * saturation * exposure * exposure) + 1e-5);
+        const float weight = float(double(contrast * saturation * exposure * exposure) + 1e-5);
         for (int addition = 0; addition < job->additions; ++addition)
         {
             job->weights[p] += weight;

@@ -103,9 +103,9 @@ void VcWeighTop(const FusionBandJob& job, unsigned channels, unsigned bitsPerCom
         for (int x = 0; x < job.width; ++x)
         {
             const size_t p = size_t(y) * size_t(job.width) + size_t(x);
-            const float lap = LaplacianAt(job, y, x, [&](size_t i) {
-                return channels == 3 ? g[0][i] + g[1][i] + g[2][i] : g[0][i];
-            });
+            const float lap = LaplacianAt(
+                job, y, x,
+                [&](size_t i) { return channels == 3 ? g[0][i] + g[1][i] + g[2][i] : g[0][i]; });
             float weight;
             if (channels != 3)
                 weight = Weight1(g[0][p], lap, job.mid,

@@ -118,6 +118,6 @@ void VcLimitThreads(int threads)
     static std::unique_ptr<tbb::global_control> limit;
     limit.reset();
     if (threads > 0)
-        limit = std::make_unique<tbb::global_control>(
-            tbb::global_control::max_allowed_parallelism, size_t(threads));
+        limit = std::make_unique<tbb::global_control>(tbb::global_control::max_allowed_parallelism,
+                                                      size_t(threads));
 }

@@ -113,34 +113,38 @@ bool CBxPicBufAPI::ExtractComponent(SBxPicBuf* dst, unsigned index, const SBxPic
 {
     if (index >= unsigned(src.components))
         return false;
-    return WithSampleType(src.bitsPerComponent, [&](auto* type) {
-        using T = std::remove_pointer_t<decltype(type)>;
-        const int step = src.components;
-        for (int y = 0; y < src.height; ++y)
-        {
-            T* to = PicRow<T>(*dst, y);
-            const T* from = PicRow<const T>(src, y) + index;
-            for (int x = 0; x < src.width; ++x)
-                to[x] = from[x * step];
-        }
-    });
+    return WithSampleType(src.bitsPerComponent,
+                          [&](auto* type)
+                          {
+                              using T = std::remove_pointer_t<decltype(type)>;
+                              const int step = src.components;
+                              for (int y = 0; y < src.height; ++y)
+                              {
+                                  T* to = PicRow<T>(*dst, y);
+                                  const T* from = PicRow<const T>(src, y) + index;
+                                  for (int x = 0; x < src.width; ++x)
+                                      to[x] = from[x * step];
+                              }
+                          });
 }
 
 bool CBxPicBufAPI::InsertComponent(SBxPicBuf* dst, unsigned index, const SBxPicBuf& plane)
 {
     if (index >= unsigned(dst->components))
         return false;
-    return WithSampleType(dst->bitsPerComponent, [&](auto* type) {
-        using T = std::remove_pointer_t<decltype(type)>;
-        const int step = dst->components;
-        for (int y = 0; y < dst->height; ++y)
-        {
-            T* to = PicRow<T>(*dst, y) + index;
-            const T* from = PicRow<const T>(plane, y);
-            for (int x = 0; x < dst->width; ++x)
-                to[x * step] = from[x];
-        }
-    });
+    return WithSampleType(dst->bitsPerComponent,
+                          [&](auto* type)
+                          {
+                              using T = std::remove_pointer_t<decltype(type)>;
+                              const int step = dst->components;
+                              for (int y = 0; y < dst->height; ++y)
+                              {
+                                  T* to = PicRow<T>(*dst, y) + index;
+                                  const T* from = PicRow<const T>(plane, y);
+                                  for (int x = 0; x < dst->width; ++x)
+                                      to[x * step] = from[x];
+                              }
+                          });
 }
 
 void CBxPicBufAPI::SetConst(SBxPicBuf* buffer, unsigned char value)
@@ -152,11 +156,14 @@ void CBxPicBufAPI::SetConst(SBxPicBuf* buffer, const CBxRect<int>& rect, unsigne
 {
     if (rect.right <= rect.left)
         return;
-    WithSampleType(buffer->bitsPerComponent, [&](auto* type) {
-        using T = std::remove_pointer_t<decltype(type)>;
-        const int64_t count = int64_t(rect.right - rect.left) * buffer->components;
-        for (int y = rect.top; y < rect.bottom; ++y)
-            std::fill_n(PicRow<T>(*buffer, y) + int64_t(rect.left) * buffer->components, count,
-                        T(value));
-    });
+    WithSampleType(buffer->bitsPerComponent,
+                   [&](auto* type)
+                   {
+                       using T = std::remove_pointer_t<decltype(type)>;
+                       const int64_t count = int64_t(rect.right - rect.left) * buffer->components;
+                       for (int y = rect.top; y < rect.bottom; ++y)
+                           std::fill_n(PicRow<T>(*buffer, y) +
+                                           int64_t(rect.left) * buffer->components,
+                                       count, T(value));
+                   });
 }

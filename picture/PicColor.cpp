@@ -37,8 +37,8 @@ static void YuvRowToRgb(T* to, const T* from, int width)
     {
         const float y = from[0], u = from[1] - kHalf<T>, v = from[2] - kHalf<T>;
         to[0] = RoundToSample<T>(y + 1.772f * u);
-        to[1] = RoundToSample<T>(y - (0.114f * 1.772f / 0.587f) * u -
-                                 (0.299f * 1.402f / 0.587f) * v);
+        to[1] =
+            RoundToSample<T>(y - (0.114f * 1.772f / 0.587f) * u - (0.299f * 1.402f / 0.587f) * v);
         to[2] = RoundToSample<T>(y + 1.402f * v);
     }
 }

@@ -70,8 +70,7 @@ static void ConvertTo(SBxPicBuf* dst, const SBxPicBuf& src)
     }
 }
 
-bool CBxPicBufAPI::ConvertBpcComp(SBxPicBuf* buffer, unsigned bitsPerComponent,
-                                  unsigned components)
+bool CBxPicBufAPI::ConvertBpcComp(SBxPicBuf* buffer, unsigned bitsPerComponent, unsigned components)
 {
     if (!buffer->data)
         return false;

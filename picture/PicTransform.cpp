@@ -20,10 +20,7 @@ struct NearestFilter
         int index;
     };
 
-    static Tap Make(double position, int size)
-    {
-        return {std::min(int(position), size - 1)};
-    }
+    static Tap Make(double position, int size) { return {std::min(int(position), size - 1)}; }
 
     template <typename T, int C>
     static void Row(T* out, const SBxPicBuf& src, const Tap* columns, int count, const Tap& row)
@@ -161,9 +158,8 @@ static void TransformUpright(SBxPicBuf* dst, const SBxPicBuf& src, const double 
     {
         const double position = inverse[4] * (y + 0.5) + inverse[5];
         if (Inside(position, src.height))
-            Filter::template Row<T, C>(PicRow<T>(*dst, y) + int64_t(first) * C, src,
-                                       columns.data(), end - first,
-                                       Filter::Make(position, src.height));
+            Filter::template Row<T, C>(PicRow<T>(*dst, y) + int64_t(first) * C, src, columns.data(),
+                                       end - first, Filter::Make(position, src.height));
     }
 }
 

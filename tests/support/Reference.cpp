@@ -120,7 +120,8 @@ int LevelsOf(int w, int h)
     return std::min(levels, 7);
 }
 
-// Weight sums and weighted sums of one group of channels that share their weights.
+// Weight sums and weighted sums of one group of channels that share their
+// weights.
 struct Sums
 {
     std::vector<Plane> weight;             // per level

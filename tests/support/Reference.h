@@ -4,8 +4,8 @@
 
 #include <vector>
 
-// Exposure fusion straight from its formulas, in double throughout and with the C library's exp
-// and pow; shares no code with the engine. Slow.
+// Exposure fusion straight from its formulas, in double throughout and with the
+// C library's exp and pow; shares no code with the engine. Slow.
 struct ReferenceFusion
 {
     std::vector<std::vector<double>> channels; // unclamped, packed rows

@@ -76,20 +76,24 @@ static uint32_t NextRandom(uint32_t* state)
     return *state >> 8;
 }
 
-TestPicture ScenePicture(int width, int height, int components, int bits, double ev, uint32_t seed)
+TestPicture ScenePicture(int width, int height, int components, int bits, int ev, uint32_t seed)
 {
     const double top = bits == 8 ? 255.0 : 65535.0;
     uint32_t state = seed * 2654435761u + 12345u;
-    return PictureOf(width, height, components, bits, [&](int x, int y, int c) {
-        const double u = double(x) / width, v = double(y) / height;
-        // Only arithmetic that every machine does alike; the light spans about eight stops.
-        double light = 0.02 + u * u * (1.5 + 0.3 * c) + (x / 9 + y / 7) % 2 * 0.2 * v;
-        if (u > 0.6 && v < 0.4)
-            light = 3.0 - c;
-        light *= 0.9 + 0.2 * NextRandom(&state) / 16777216.0;
-        const double exposed = light * std::ldexp(1.0, int(ev)) * 0.5;
-        return std::floor(std::min(std::sqrt(exposed), 1.0) * top + 0.5);
-    });
+    return PictureOf(width, height, components, bits,
+                     [&](int x, int y, int c)
+                     {
+                         const double u = double(x) / width, v = double(y) / height;
+                         // Only arithmetic that every machine does alike; the light spans about
+                         // eight stops.
+                         double light =
+                             0.02 + u * u * (1.5 + 0.3 * c) + (x / 9 + y / 7) % 2 * 0.2 * v;
+                         if (u > 0.6 && v < 0.4)
+                             light = 3.0 - c;
+                         light *= 0.9 + 0.2 * NextRandom(&state) / 16777216.0;
+                         const double exposed = light * std::ldexp(1.0, ev) * 0.5;
+                         return std::floor(std::min(std::sqrt(exposed), 1.0) * top + 0.5);
+                     });
 }
 
 void ExpectSamePicture(const SBxPicBuf& actual, const SBxPicBuf& expected, double tolerance)

@@ -32,9 +32,10 @@ TestPicture FlatPicture(int width, int height, int bits, const std::vector<doubl
 TestPicture PictureOf(int width, int height, int components, int bits,
                       const std::function<double(int, int, int)>& sample);
 
-// A scene with gradients, edges and fine grain in different colours, seen with 2^ev times the
-// light and clipped like a photograph. The grain depends on the seed only.
-TestPicture ScenePicture(int width, int height, int components, int bits, double ev,
+// A scene with gradients, edges and fine grain in different colours, seen with
+// 2^ev times the light and clipped like a photograph. The grain depends on the
+// seed only.
+TestPicture ScenePicture(int width, int height, int components, int bits, int ev,
                          uint32_t seed = 1);
 
 // Fails with the first differing pixel, both values and the tolerance.

@@ -1,0 +1,343 @@
+#include "fusion/FusionAccumulator.h"
+#include "fusion/FusionThreads.h"
+#include "tests/support/Reference.h"
+#include "tests/support/TestPictures.h"
+#include "tests/support/Variants.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <vector>
+
+namespace
+{
+
+using Pictures = std::vector<TestPicture>;
+
+struct Accumulator
+{
+    VcFusionAccumulator acc = {};
+
+    Accumulator(const SBxPicBuf& geometry, unsigned mid)
+    {
+        EXPECT_FALSE(VcInitAccumulator(&acc, geometry, mid));
+    }
+    ~Accumulator() { VcFreeAccumulator(&acc); }
+    Accumulator(const Accumulator&) = delete;
+    Accumulator& operator=(const Accumulator&) = delete;
+};
+
+TestPicture Composed(const VcFusionAccumulator& acc, const SBxPicBuf& like)
+{
+    TestPicture result(like.width, like.height, like.components, like.bitsPerComponent);
+    EXPECT_FALSE(VcComposeResult(&result.pic, acc));
+    return result;
+}
+
+TestPicture Fused(const Pictures& sources, unsigned mid)
+{
+    Accumulator accumulator(sources[0].pic, mid);
+    for (const TestPicture& source : sources)
+        EXPECT_FALSE(VcAccumulateImage(&accumulator.acc, source.pic));
+    return Composed(accumulator.acc, sources[0].pic);
+}
+
+// Two stops apart around the one `middle` stops from normal. At -2 hardly
+// anything is clipped.
+Pictures Bracket(int width, int height, int components, int bits, int count = 3, int middle = 0)
+{
+    Pictures sources;
+    for (int i = 0; i < count; ++i)
+        sources.push_back(ScenePicture(width, height, components, bits,
+                                       middle + 2 * (i - count / 2), uint32_t(i + 1)));
+    return sources;
+}
+
+// The blend of a level-0 plane, before clamping and truncation, from the sums
+// themselves.
+double RatioAt(const VcFusionAccumulator& acc, unsigned channel, size_t index)
+{
+    return double(SumPlane(acc, channel, 0)[index]) / double(WeightPlane(acc, 0, 0)[index]);
+}
+
+struct Closeness
+{
+    double worst, psnr;
+};
+
+Closeness CompareWithFormula(const TestPicture& fused, const Pictures& sources, unsigned mid)
+{
+    std::vector<const SBxPicBuf*> inputs;
+    for (const TestPicture& source : sources)
+        inputs.push_back(&source.pic);
+    const ReferenceFusion truth = FuseByFormula(inputs, mid);
+    const double top = fused.pic.bitsPerComponent == 8 ? 255.0 : 65535.0;
+    double worst = 0.0, squares = 0.0, samples = 0.0;
+    for (int y = 0; y < fused.pic.height; ++y)
+        for (int x = 0; x < fused.pic.width; ++x)
+            for (int c = 0; c < fused.pic.components; ++c)
+            {
+                const double exact =
+                    truth.channels[size_t(c)][size_t(y) * size_t(fused.pic.width) + size_t(x)];
+                const double wanted = std::floor(std::clamp(exact, 0.0, top));
+                const double d = std::fabs(fused.At(x, y, c) - wanted);
+                worst = std::max(worst, d);
+                squares += d * d;
+                samples += 1.0;
+            }
+    return {worst, 10.0 * std::log10(top * top / std::max(squares / samples, 1e-9))};
+}
+
+} // namespace
+
+TEST(FusionLevels, FollowTheShortSide)
+{
+    const struct
+    {
+        int width, height;
+        unsigned levels;
+    } cases[] = {{5, 5, 0},     {6, 90, 1},    {11, 11, 1},     {12, 30, 2},    {24, 24, 3},
+                 {383, 900, 6}, {384, 384, 7}, {1000, 1000, 7}, {2000, 1500, 7}};
+    for (const auto& c : cases)
+    {
+        SBxPicBuf geometry = {nullptr, 0, 0, c.width, c.height, 1, 8};
+        Accumulator accumulator(geometry, 128);
+        EXPECT_EQ(accumulator.acc.levels, c.levels) << c.width << "x" << c.height;
+        EXPECT_EQ(accumulator.acc.levelWidth[c.levels], uint32_t(c.width >> c.levels));
+    }
+    EXPECT_TRUE(VcFusionAcceptsSize(6, 6));
+    EXPECT_FALSE(VcFusionAcceptsSize(5, 4000));
+}
+
+TEST(Fusion, OfTwoFlatGreysFollowsTheRuleOfTheLevelThatCarriesThem)
+{
+    const struct
+    {
+        int size;
+        unsigned mid;
+        double blend;
+    } cases[] = {{8, 128, 134}, {10, 128, 125}, {12, 128, 134}, {20, 128, 125},
+                 {8, 48, 50},   {8, 100, 67},   {8, 160, 191}};
+    ForEachVariant(
+        [&]
+        {
+            for (const auto& c : cases)
+            {
+                Pictures sources;
+                sources.push_back(FlatPicture(c.size, c.size, 8, {50}));
+                sources.push_back(FlatPicture(c.size, c.size, 8, {200}));
+                ExpectSamePicture(Fused(sources, c.mid).pic,
+                                  FlatPicture(c.size, c.size, 8, {c.blend}).pic);
+            }
+        });
+}
+
+TEST(Fusion, WeighsFlatPicturesAsCalculatedByHand)
+{
+    ForEachVariant(
+        []
+        {
+            const TestPicture dark = FlatPicture(8, 8, 8, {50}),
+                              light = FlatPicture(8, 8, 8, {200});
+            Accumulator one(dark.pic, 128);
+            ASSERT_FALSE(VcAccumulateImage(&one.acc, dark.pic));
+            EXPECT_NEAR(WeightPlane(one.acc, 0, 0)[27], 0.000593529, 2e-9);
+            ASSERT_FALSE(VcAccumulateImage(&one.acc, light.pic));
+            EXPECT_NEAR(WeightPlane(one.acc, 0, 0)[27], 0.000593529 + 0.000759262, 4e-9);
+            EXPECT_NEAR(RatioAt(one.acc, 0, 0), 134.188, 1e-3);
+
+            // Two sources, each added twice.
+            const TestPicture dark3 = FlatPicture(8, 8, 8, {50, 50, 50});
+            const TestPicture light3 = FlatPicture(8, 8, 8, {200, 200, 200});
+            Accumulator three(dark3.pic, 128);
+            ASSERT_FALSE(VcAccumulateImage(&three.acc, dark3.pic));
+            ASSERT_FALSE(VcAccumulateImage(&three.acc, light3.pic));
+            EXPECT_NEAR(WeightPlane(three.acc, 0, 0)[0], 0.196558, 1e-6);
+
+            const TestPicture deepDark = FlatPicture(8, 8, 16, {12800});
+            const TestPicture deepLight = FlatPicture(8, 8, 16, {51200});
+            Accumulator deep(deepDark.pic, 128);
+            ASSERT_FALSE(VcAccumulateImage(&deep.acc, deepDark.pic));
+            ASSERT_FALSE(VcAccumulateImage(&deep.acc, deepLight.pic));
+            EXPECT_NEAR(RatioAt(deep.acc, 0, 9), 34904.1, 0.1);
+        });
+}
+
+TEST(Fusion, LetsColouredPixelsWeighMoreThanGreyOnes)
+{
+    ForEachVariant(
+        []
+        {
+            Pictures shallow, deep;
+            shallow.push_back(FlatPicture(8, 8, 8, {40, 80, 120}));
+            shallow.push_back(FlatPicture(8, 8, 8, {200, 200, 200}));
+            ExpectSamePicture(Fused(shallow, 128).pic, FlatPicture(8, 8, 8, {51, 88, 125}).pic);
+            deep.push_back(FlatPicture(8, 8, 16, {10240, 20480, 30720}));
+            deep.push_back(FlatPicture(8, 8, 16, {51200, 51200, 51200}));
+            ExpectSamePicture(Fused(deep, 128).pic,
+                              FlatPicture(8, 8, 16, {11504, 21428, 31352}).pic);
+        });
+}
+
+// One step for all but 16-bit colour, where weights of exactly flat or grey
+// places lift rounding noise: there the picture as a whole has to agree.
+// Clipped places are exactly flat, so deep pictures are taken darker.
+TEST(Fusion, AgreesWithItsFormulaInDoublePrecision)
+{
+    const int sizes[][2] = {{6, 6},   {7, 6},   {9, 13},  {10, 10}, {11, 17},  {12, 12},
+                            {13, 29}, {33, 21}, {64, 49}, {97, 80}, {201, 130}};
+    for (const auto& size : sizes)
+        for (const int components : {1, 3})
+            for (const int bits : {8, 16})
+            {
+                const Pictures sources =
+                    Bracket(size[0], size[1], components, bits, 3, bits == 16 ? -2 : 0);
+                const Closeness close = CompareWithFormula(Fused(sources, 110), sources, 110);
+                const bool deepColour = bits == 16 && components == 3;
+                EXPECT_LE(close.worst, deepColour ? 80.0 : 1.0)
+                    << size[0] << "x" << size[1] << ", " << components << " x " << bits;
+                EXPECT_GE(close.psnr, deepColour ? 70.0 : 45.0)
+                    << size[0] << "x" << size[1] << ", " << components << " x " << bits;
+            }
+}
+
+// 640 x 480 ends in a level of 5 x 3, which is left out.
+TEST(Fusion, AgreesWithItsFormulaWhereTheCoarsestLevelIsLeftOut)
+{
+    for (const int components : {1, 3})
+    {
+        const Pictures sources = Bracket(640, 480, components, 8);
+        EXPECT_LE(CompareWithFormula(Fused(sources, 100), sources, 100).worst, 1.0);
+    }
+}
+
+TEST(Fusion, OfDeepColourStaysWithinTwoStepsWhereNoSourceIsSaturated)
+{
+    Pictures sources;
+    for (int i = 0; i < 3; ++i)
+        sources.push_back(PictureOf(150, 110, 3, 16,
+                                    [i](int x, int y, int c)
+                                    {
+                                        const int wave =
+                                            ((x * 37 + y * 91 + c * 53) ^ (x * y + 7 * c)) % 97;
+                                        return 4000.0 + 9000.0 * i + 120.0 * x + 40.0 * y +
+                                               2500.0 * c + 30.0 * wave;
+                                    }));
+    EXPECT_LE(CompareWithFormula(Fused(sources, 128), sources, 128).worst, 2.0);
+}
+
+TEST(Fusion, OfOneSourceOrTheSameTwiceGivesItBack)
+{
+    for (const int bits : {8, 16})
+        for (const int components : {1, 3})
+        {
+            Pictures once = Bracket(75, 52, components, bits, 1);
+            // Truncation may take one step off.
+            ExpectSamePicture(Fused(once, 128).pic, once[0].pic, 1.0);
+            once.push_back(std::move(Bracket(75, 52, components, bits, 1)[0]));
+            ExpectSamePicture(Fused(once, 128).pic, once[0].pic, 1.0);
+        }
+}
+
+TEST(Fusion, OfOtherComponentCountsTreatsEachAsAPictureOfItsOwn)
+{
+    Pictures pairs, first, second;
+    for (int i = 0; i < 2; ++i)
+    {
+        first.push_back(ScenePicture(40, 31, 1, 8, 2 * i, 5));
+        second.push_back(ScenePicture(40, 31, 1, 8, 1 - i, 9));
+        TestPicture pair(40, 31, 2, 8);
+        CBxPicBufAPI::InsertComponent(&pair.pic, 0, first.back().pic);
+        CBxPicBufAPI::InsertComponent(&pair.pic, 1, second.back().pic);
+        pairs.push_back(std::move(pair));
+    }
+    const TestPicture fused = Fused(pairs, 128);
+    TestPicture component(40, 31, 1, 8);
+    CBxPicBufAPI::ExtractComponent(&component.pic, 0, fused.pic);
+    ExpectSamePicture(component.pic, Fused(first, 128).pic);
+    CBxPicBufAPI::ExtractComponent(&component.pic, 1, fused.pic);
+    ExpectSamePicture(component.pic, Fused(second, 128).pic);
+}
+
+TEST(Merge, OfThreePartsEqualsOneAccumulatorFedEverything)
+{
+    const Pictures sources = Bracket(90, 70, 3, 8, 10);
+    const TestPicture whole = Fused(sources, 128);
+    Accumulator parts[3] = {{sources[0].pic, 128}, {sources[0].pic, 128}, {sources[0].pic, 128}};
+    const size_t from[] = {0, 3, 6, 10};
+    for (size_t part = 0; part < 3; ++part)
+        for (size_t i = from[part]; i < from[part + 1]; ++i)
+            ASSERT_FALSE(VcAccumulateImage(&parts[part].acc, sources[i].pic));
+    EXPECT_FALSE(VcMergeAccumulator(&parts[0].acc, parts[1].acc));
+    EXPECT_FALSE(VcMergeAccumulator(&parts[0].acc, parts[2].acc));
+    ExpectSamePicture(Composed(parts[0].acc, sources[0].pic).pic, whole.pic, 1.0);
+}
+
+TEST(Accumulator, TakesMoreSourcesAfterACompose)
+{
+    const Pictures sources = Bracket(60, 44, 3, 8);
+    Accumulator accumulator(sources[0].pic, 128);
+    ASSERT_FALSE(VcAccumulateImage(&accumulator.acc, sources[0].pic));
+    Composed(accumulator.acc, sources[0].pic);
+    ASSERT_FALSE(VcAccumulateImage(&accumulator.acc, sources[1].pic));
+    ASSERT_FALSE(VcAccumulateImage(&accumulator.acc, sources[2].pic));
+    ExpectSamePicture(Composed(accumulator.acc, sources[0].pic).pic, Fused(sources, 128).pic);
+}
+
+TEST(Accumulator, RefusesPicturesOfAnotherGeometryAndStaysAsItWas)
+{
+    const Pictures sources = Bracket(40, 30, 3, 8);
+    Accumulator accumulator(sources[0].pic, 128);
+    for (const TestPicture& source : sources)
+        ASSERT_FALSE(VcAccumulateImage(&accumulator.acc, source.pic));
+    for (const TestPicture& other : {TestPicture(41, 30, 3, 8), TestPicture(40, 31, 3, 8),
+                                     TestPicture(40, 30, 1, 8), TestPicture(40, 30, 3, 16)})
+    {
+        EXPECT_TRUE(VcAccumulateImage(&accumulator.acc, other.pic));
+        if (other.pic.components == 3)
+        {
+            SBxPicBuf target = other.pic;
+            EXPECT_TRUE(VcComposeResult(&target, accumulator.acc));
+        }
+    }
+    ExpectSamePicture(Composed(accumulator.acc, sources[0].pic).pic, Fused(sources, 128).pic);
+}
+
+TEST(Accumulator, ReportsThatMemoryIsShort)
+{
+    VcFusionAccumulator acc;
+    EXPECT_TRUE(VcInitAccumulator(&acc, {nullptr, 0, 0, 2000000000, 2000000000, 3, 8}, 128));
+    EXPECT_FALSE(VcFreeAccumulator(&acc));
+}
+
+// The same bits from every tuned set, every number of threads and every build.
+// The numbers were taken from the native build and hold for Windows and under
+// the sanitizers, too.
+TEST(Fusion, GivesTheSameBitsOnEveryBuild)
+{
+    const struct
+    {
+        int components, bits;
+        uint64_t hash;
+    } cases[] = {{1, 8, 12839495640563813558u},
+                 {3, 8, 2432958825240714239u},
+                 {1, 16, 16636978846843544668u},
+                 {3, 16, 9062629753910562510u}};
+    for (const auto& c : cases)
+    {
+        const Pictures sources = Bracket(333, 222, c.components, c.bits);
+        ForEachVariant(
+            [&]
+            {
+                if (&VcFusionKernels() == VcFusionKernelsOf(FusionVariant::Plain))
+                    return;
+                for (const int threads : {1, 3, 0})
+                {
+                    VcLimitThreads(threads);
+                    EXPECT_EQ(HashOf(Fused(sources, 100).pic), c.hash)
+                        << c.components << " x " << c.bits;
+                }
+            });
+    }
+}
