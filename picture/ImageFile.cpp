@@ -1,9 +1,8 @@
 #include "picture/ImageFile.h"
 
+#include "picture/FileHeaders.h"
 #include "picture/FileReplace.h"
-#include "picture/GifHeader.h"
 #include "picture/ImageCodec.h"
-#include "picture/PngProfile.h"
 #include "picture/SystemFiles.h"
 
 #include <FreeImage.h>
@@ -37,14 +36,15 @@ static unsigned DLL_CALLCONV ReadStream(void* buffer, unsigned size, unsigned co
     return unsigned(std::fread(buffer, size, count, static_cast<ReplacingFile*>(file)->stream));
 }
 
+// After an error the encoder is kept going with the good news that it expects: the file is lost
+// anyway, and some of FreeImage's ways out of a failed write leak memory.
 static unsigned DLL_CALLCONV WriteStream(void* buffer, unsigned size, unsigned count,
                                          fi_handle handle)
 {
     ReplacingFile* file = static_cast<ReplacingFile*>(handle);
-    const size_t done = std::fwrite(buffer, size, count, file->stream);
-    if (done != count && size != 0 && !file->error)
+    if (!file->error && size != 0 && std::fwrite(buffer, size, count, file->stream) != count)
         file->error = errno ? errno : EIO;
-    return unsigned(done);
+    return count;
 }
 
 static int DLL_CALLCONV SeekStream(fi_handle file, long offset, int origin)
@@ -149,6 +149,13 @@ static void DropUnusedAlpha(SBxPicBuf* alpha)
         CBxPicBufAPI::DoneHeap(alpha);
 }
 
+static void InvertSixteenBits(SBxPicBuf* picture)
+{
+    uint16_t* samples = PicRow<uint16_t>(*picture, 0); // rows are packed
+    for (int64_t i = 0; i < int64_t(picture->size) / 2; ++i)
+        samples[i] = uint16_t(~samples[i]);
+}
+
 static LoadProblem LoadPair(const char* path, SBxPicBuf* picture, SBxPicBuf* alpha)
 {
     const FileOwner stream(OpenUtf8Path(path));
@@ -169,6 +176,9 @@ static LoadProblem LoadPair(const char* path, SBxPicBuf* picture, SBxPicBuf* alp
     }
     if (format == FIF_BMP)
         DropUnusedAlpha(alpha);
+    if (format == FIF_TIFF && FreeImage_GetImageType(bitmap.get()) == FIT_UINT16 &&
+        FreeImage_GetColorType(bitmap.get()) == FIC_MINISBLACK && TiffCountsFromWhite(stream.get()))
+        InvertSixteenBits(picture);
     return LoadProblem::None;
 }
 
@@ -228,6 +238,11 @@ static void TakeProfileAndMetadata(FIBITMAP* bitmap, FREE_IMAGE_FORMAT format, F
     // camera has put exposure entries there, as some do.
     if (format == FIF_TIFF)
         FreeImage_SetMetadata(FIMD_EXIF_MAIN, bitmap, nullptr, nullptr);
+    // The PNG encoder reads the date as text; only text has a zero at its end.
+    FITAG* date = nullptr;
+    if (FreeImage_GetMetadata(FIMD_EXIF_MAIN, bitmap, "DateTime", &date) &&
+        FreeImage_GetTagType(date) != FIDT_ASCII)
+        FreeImage_SetMetadata(FIMD_EXIF_MAIN, bitmap, "DateTime", nullptr);
     const FIICCPROFILE* profile = FreeImage_GetICCProfile(source);
     if (profile && profile->data && profile->size && ProfileFits(profile, picture))
         FreeImage_CreateICCProfile(bitmap, profile->data, long(profile->size));

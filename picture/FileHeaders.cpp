@@ -1,0 +1,122 @@
+#include "picture/FileHeaders.h"
+
+#include <algorithm>
+#include <cstring>
+
+// Bytes of a colour table whose size is coded in the flags of the block before it.
+static long ColourTableBytes(uint8_t flags)
+{
+    return flags & 0x80 ? 3L << ((flags & 7) + 1) : 0;
+}
+
+// Extensions: a label, then counted pieces up to an empty one.
+static bool SkipExtension(FILE* stream)
+{
+    int count = std::fgetc(stream) == EOF ? EOF : std::fgetc(stream);
+    while (count > 0)
+    {
+        if (std::fseek(stream, count, SEEK_CUR) != 0)
+            return false;
+        count = std::fgetc(stream);
+    }
+    return count == 0;
+}
+
+bool GifFrameSize(FILE* stream, int* width, int* height)
+{
+    uint8_t screen[13]; // signature, version, screen size, flags, background, aspect
+    std::rewind(stream);
+    if (std::fread(screen, sizeof screen, 1, stream) != 1 ||
+        std::fseek(stream, ColourTableBytes(screen[10]), SEEK_CUR) != 0)
+        return false;
+    for (;;)
+    {
+        const int kind = std::fgetc(stream);
+        if (kind == 0x21)
+        {
+            if (!SkipExtension(stream))
+                return false;
+            continue;
+        }
+        uint8_t frame[8]; // left, top, width, height
+        if (kind != 0x2C || std::fread(frame, sizeof frame, 1, stream) != 1)
+            return false;
+        *width = frame[4] | frame[5] << 8;
+        *height = frame[6] | frame[7] << 8;
+        return true;
+    }
+}
+
+static const uint32_t kMaxPackedBytes = 16u << 20; // real profiles have a few megabytes at most
+static const size_t kMaxNameBytes = 80;            // the profile's name with its final zero
+
+static bool SplitChunk(std::vector<uint8_t>* chunk)
+{
+    const auto limit = chunk->begin() + std::ptrdiff_t(std::min(kMaxNameBytes, chunk->size()));
+    const auto zero = std::find(chunk->begin(), limit, uint8_t(0));
+    // Behind the name: one byte for the packing method, of which only number 0 exists.
+    if (zero == limit || chunk->end() - zero < 3 || zero[1] != 0)
+        return false;
+    chunk->erase(chunk->begin(), zero + 2);
+    return true;
+}
+
+// A PNG file is a signature and a chain of chunks: length, type, contents, checksum. The profile
+// comes before the pixels.
+bool FindPngProfile(FILE* stream, std::vector<uint8_t>* packed)
+{
+    const long kSignatureBytes = 8;
+    if (std::fseek(stream, kSignatureBytes, SEEK_SET) != 0)
+        return false;
+    uint8_t head[8];
+    while (std::fread(head, sizeof head, 1, stream) == 1)
+    {
+        const uint32_t length =
+            uint32_t(head[0]) << 24 | uint32_t(head[1]) << 16 | uint32_t(head[2]) << 8 | head[3];
+        if (length > kMaxPackedBytes || std::memcmp(head + 4, "IDAT", 4) == 0)
+            return false;
+        if (std::memcmp(head + 4, "iCCP", 4) == 0)
+        {
+            packed->resize(length);
+            return length > 0 && std::fread(packed->data(), length, 1, stream) == 1 &&
+                   SplitChunk(packed);
+        }
+        const long kChecksumBytes = 4;
+        if (std::fseek(stream, long(length) + kChecksumBytes, SEEK_CUR) != 0)
+            return false;
+    }
+    return false;
+}
+
+// Number of `count` bytes at `bytes`, in the byte order of the file.
+static uint64_t TiffNumber(const uint8_t* bytes, int count, bool bigEndian)
+{
+    uint64_t value = 0;
+    for (int i = 0; i < count; ++i)
+        value = value << 8 | bytes[bigEndian ? i : count - 1 - i];
+    return value;
+}
+
+// A TIFF file begins with its byte order and the offset of a directory: a count, then entries of
+// tag, type, number of values, and value. Files of type 43 have wider offsets and counts.
+bool TiffCountsFromWhite(FILE* stream)
+{
+    uint8_t head[16] = {};
+    std::rewind(stream);
+    if (std::fread(head, 1, sizeof head, stream) < 8)
+        return false;
+    const bool bigEndian = head[0] == 'M';
+    const bool wide = TiffNumber(head + 2, 2, bigEndian) == 43;
+    const uint64_t offset = TiffNumber(head + (wide ? 8 : 4), wide ? 8 : 4, bigEndian);
+    const int countBytes = wide ? 8 : 2, entryBytes = wide ? 20 : 12;
+    uint8_t entry[20];
+    if (offset > INT32_MAX || std::fseek(stream, long(offset), SEEK_SET) != 0 ||
+        std::fread(entry, size_t(countBytes), 1, stream) != 1)
+        return false;
+    const uint64_t kPhotometric = 262;
+    uint64_t left = TiffNumber(entry, countBytes, bigEndian);
+    for (; left > 0 && std::fread(entry, size_t(entryBytes), 1, stream) == 1; --left)
+        if (TiffNumber(entry, 2, bigEndian) == kPhotometric)
+            return TiffNumber(entry + entryBytes - (wide ? 8 : 4), 2, bigEndian) == 0;
+    return false;
+}

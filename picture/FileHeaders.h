@@ -1,0 +1,21 @@
+#pragma once
+
+#include <cstdint>
+#include <cstdio>
+#include <vector>
+
+// What FreeImage 3.18 does not tell about a file, read from the file's own bytes. All of these take
+// streams that may hold anything, and leave them at any position.
+
+// Size of the first frame of a GIF stream, which is what a decoder allocates for; the screen size
+// in the file's first bytes may differ. False when there is no frame. FreeImage has no way to ask
+// for a GIF's size without decoding it.
+bool GifFrameSize(FILE* stream, int* width, int* height);
+
+// The colour profile of a PNG stream as it stands in the file, packed by zlib; false when there is
+// none. FreeImage asks its PNG library for it with a null pointer and gets nothing.
+bool FindPngProfile(FILE* stream, std::vector<uint8_t>* packed);
+
+// Whether zero means white in the first picture of a TIFF stream. FreeImage knows this for 8 bits,
+// where it makes a palette of it, but forgets it for 16.
+bool TiffCountsFromWhite(FILE* stream);

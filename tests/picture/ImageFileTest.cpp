@@ -1,0 +1,271 @@
+#include "picture/ImageFile.h"
+
+#include "tests/support/TestFiles.h"
+
+#include <FreeImage.h>
+#include <gtest/gtest.h>
+
+#include <thread>
+
+#ifndef _WIN32
+#include <sys/resource.h>
+#endif
+
+namespace
+{
+
+// 2 x 2, top row: red, green; bottom row: blue, white. As blue, green, red.
+const Bytes kTopRow = {0, 0, 255, 0, 255, 0}, kBottomRow = {255, 0, 0, 255, 255, 255};
+
+TestPicture FourColours()
+{
+    return PictureOf(2, 2, 3, 8,
+                     [](int x, int y, int c) {
+                         return y == 0 ? kTopRow[size_t(3 * x + c)] : kBottomRow[size_t(3 * x + c)];
+                     });
+}
+
+Bytes Joined(std::initializer_list<Bytes> parts)
+{
+    Bytes all;
+    for (const Bytes& part : parts)
+        all.insert(all.end(), part.begin(), part.end());
+    return all;
+}
+
+TEST(Loading, ShowsTheTopRowFirstInWhateverOrderTheFileHasThem)
+{
+    const TempFolder folder;
+    const Bytes padding = {0, 0};
+    const std::string upwards = folder.Write(
+        "up.bmp", MakeBmp({2, 2, 24, {}, Joined({kBottomRow, padding, kTopRow, padding})}));
+    const std::string downwards = folder.Write(
+        "down.bmp", MakeBmp({2, -2, 24, {}, Joined({kTopRow, padding, kBottomRow, padding})}));
+    const std::string tiff = folder.Write(
+        "a.tif", MakeTiff({2, 2, 3, 8, 2, 1, {255, 0, 0, 0, 255, 0, 0, 0, 255, 255, 255, 255}}));
+    for (const std::string& file : {upwards, downwards, tiff})
+        ExpectSamePicture(LoadedPair(file).picture.pic, FourColours().pic);
+}
+
+TEST(Loading, PutsBlueFirstInSixteenBitsToo)
+{
+    const TempFolder folder;
+    const Bytes redGreenBlue = {0x34, 0x12, 0x78, 0x56, 0xBC, 0x9A};
+    const LoadedPair pair(folder.Write("deep.tif", MakeTiff({1, 1, 3, 16, 2, 1, redGreenBlue})));
+    ASSERT_FALSE(pair.failed);
+    EXPECT_EQ(pair.alpha.pic.data, nullptr);
+    ExpectSamePicture(pair.picture.pic, FlatPicture(1, 1, 16, {0x9ABC, 0x5678, 0x1234}).pic);
+}
+
+TEST(Loading, GivesTrueGreysAlsoWhereZeroMeansWhite)
+{
+    const TempFolder folder;
+    const Bytes samples8 = {0, 10, 255}, samples16 = {0, 0, 0x34, 0x12, 0xFF, 0xFF};
+    const LoadedPair white8(folder.Write("w8.tif", MakeTiff({3, 1, 1, 8, 0, 1, samples8})));
+    const LoadedPair white16(folder.Write("w16.tif", MakeTiff({3, 1, 1, 16, 0, 1, samples16})));
+    const LoadedPair black16(folder.Write("b16.tif", MakeTiff({3, 1, 1, 16, 1, 1, samples16})));
+    const int from8[] = {255, 245, 0}, from16[] = {0xFFFF, 0xEDCB, 0};
+    const auto row8 = [&](int x, int, int) { return from8[x]; };
+    const auto row16 = [&](int x, int, int) { return from16[x]; };
+    ExpectSamePicture(white8.picture.pic, PictureOf(3, 1, 1, 8, row8).pic);
+    ExpectSamePicture(white16.picture.pic, PictureOf(3, 1, 1, 16, row16).pic);
+    ExpectSamePicture(
+        black16.picture.pic,
+        PictureOf(3, 1, 1, 16, [&](int x, int, int) { return 65535 - from16[x]; }).pic);
+
+    // ... and they stay what they are when such a file is the source of a saved one.
+    for (const LoadedPair* pair : {&white8, &white16})
+    {
+        const std::string target = folder.File("out.tif");
+        const char* source = pair == &white8 ? "w8.tif" : "w16.tif";
+        ASSERT_TRUE(Save(pair->picture, target, kFormatTiff, folder.File(source)).written);
+        ExpectSamePicture(LoadedPair(target).picture.pic, pair->picture.pic);
+    }
+}
+
+TEST(Loading, TakesTheFourthByteOfABmpForAlphaOnlyIfItIsUsed)
+{
+    const TempFolder folder;
+    const LoadedPair unused(
+        folder.Write("x.bmp", MakeBmp({2, 1, 32, {}, {1, 2, 3, 0, 4, 5, 6, 0}})));
+    const LoadedPair used(folder.Write("a.bmp", MakeBmp({2, 1, 32, {}, {1, 2, 3, 0, 4, 5, 6, 9}})));
+    ASSERT_FALSE(unused.failed || used.failed);
+    EXPECT_EQ(unused.alpha.pic.data, nullptr);
+    ASSERT_NE(used.alpha.pic.data, nullptr);
+    EXPECT_EQ(used.alpha.At(1, 0), 9);
+    EXPECT_EQ(used.picture.At(1, 0, 2), 6);
+}
+
+TEST(Loading, OpensAGifOfGreysAndNoOther)
+{
+    const TempFolder folder;
+    FIBITMAP* bitmap = FreeImage_Allocate(4, 4, 8);
+    FreeImage_GetScanLine(bitmap, 3)[1] = 200;
+    FreeImage_Save(FIF_GIF, bitmap, folder.File("grey.gif").c_str(), 0);
+    FreeImage_GetPalette(bitmap)[5] = {1, 2, 3, 0};
+    FreeImage_Save(FIF_GIF, bitmap, folder.File("colour.gif").c_str(), 0);
+    FreeImage_Unload(bitmap);
+    const LoadedPair grey(folder.File("grey.gif")), colour(folder.File("colour.gif"));
+    ASSERT_FALSE(grey.failed);
+    EXPECT_EQ(grey.picture.At(1, 0), 200);
+    EXPECT_EQ(colour.problem, LoadProblem::KindNotSupported);
+}
+
+struct BadFile
+{
+    const char* name; // of the file
+    Bytes contents;
+    LoadProblem problem;
+};
+
+Bytes SomeBytes(size_t count)
+{
+    return Bytes(count, 0x5A);
+}
+
+std::vector<BadFile> BadFiles()
+{
+    const Bytes twoColours = {0, 0, 0, 0, 255, 255, 255, 0};
+    const auto kind = LoadProblem::KindNotSupported;
+    const auto large = LoadProblem::TooLarge;
+    const auto damaged = LoadProblem::DecoderFailed;
+    Bytes halfPng = MakePngHeader(40, 40, 8, 2);
+    halfPng.resize(halfPng.size() - 9);
+    return {
+        {"oneBit.bmp", MakeBmp({8, 1, 1, twoColours, SomeBytes(4)}), kind},
+        {"fourBits.bmp", MakeBmp({8, 1, 4, Bytes(64, 7), SomeBytes(4)}), kind},
+        {"palette.bmp", MakeBmp({4, 1, 8, Bytes(1024, 7), SomeBytes(4)}), kind},
+        {"packed.bmp", MakeBmp({2, 1, 16, {}, SomeBytes(4)}), kind},
+        {"palette.tif", MakeTiff({4, 1, 1, 8, 3, 1, SomeBytes(4)}), kind},
+        {"float.tif", MakeTiff({2, 1, 1, 32, 1, 3, SomeBytes(8)}), kind},
+        {"floatColour.tif", MakeTiff({1, 1, 3, 32, 2, 3, SomeBytes(12)}), kind},
+        {"signed.tif", MakeTiff({2, 1, 1, 16, 1, 2, SomeBytes(4)}), kind},
+        {"long.tif", MakeTiff({2, 1, 1, 32, 1, 1, SomeBytes(8)}), kind},
+        {"oneBit.tif", MakeTiff({8, 1, 1, 1, 1, 1, SomeBytes(1)}), kind},
+        {"bomb.bmp", MakeBmp({60000, 60000, 24, {}, {}}), large},
+        {"bomb.tif", MakeTiff({60000, 60000, 3, 8, 2, 1, {}}), large},
+        {"deepBomb.tif", MakeTiff({30000, 30000, 3, 16, 2, 1, {}}), large},
+        {"bomb.png", MakePngHeader(60000, 60000, 8, 2), large},
+        {"alphaBomb.png", MakePngHeader(60000, 60000, 16, 6), large},
+        {"bomb.gif", MakeGifHeader(65535, 65535), large},
+        {"cut.png", halfPng, damaged},
+        {"empty.png", {}, damaged},
+        {"garbage.jpg", SomeBytes(5000), damaged},
+        {"garbage.tif", SomeBytes(5000), damaged},
+        {"garbage", SomeBytes(5000), LoadProblem::UnknownFormat},
+        {"empty", {}, LoadProblem::UnknownFormat},
+    };
+}
+
+TEST(FilesThatDoNotOpen, SayWhyAndGiveNoPicture)
+{
+    const TempFolder folder;
+    for (const BadFile& file : BadFiles())
+    {
+        SCOPED_TRACE(file.name);
+        const LoadedPair pair(folder.Write(file.name, file.contents));
+        EXPECT_TRUE(pair.failed);
+        EXPECT_EQ(pair.problem, file.problem) << LoadProblemText(pair.problem);
+        EXPECT_EQ(pair.picture.pic.data, nullptr);
+        EXPECT_EQ(pair.alpha.pic.data, nullptr);
+    }
+    EXPECT_EQ(LoadedPair(folder.File("missing.png")).problem, LoadProblem::NoSuchFile);
+    EXPECT_EQ(LoadedPair(folder.File("no/such/folder.png")).problem, LoadProblem::NoSuchFile);
+    EXPECT_EQ(LoadedPair(folder.path.u8string()).problem, LoadProblem::CannotOpen);
+}
+
+TEST(FilesThatDoNotOpen, ReleaseWhatTheRecordsHeld)
+{
+    const TempFolder folder;
+    TestPicture picture(3, 3, 3, 8), alpha(3, 3, 1, 8);
+    EXPECT_TRUE(LoadPicturePair(folder.File("none.png").c_str(), &picture.pic, &alpha.pic));
+    EXPECT_EQ(picture.pic.data, nullptr);
+    EXPECT_EQ(alpha.pic.data, nullptr);
+}
+
+#if !defined(_WIN32) && !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
+// The largest of the claims above that FreeImage would try to meet takes four gigabytes.
+TEST(FilesThatClaimTooMuch, TakeNoMemory)
+{
+    const TempFolder folder;
+    for (const BadFile& file : BadFiles())
+        if (file.problem == LoadProblem::TooLarge)
+            folder.Write(file.name, file.contents);
+    rusage before = {}, after = {};
+    getrusage(RUSAGE_SELF, &before);
+    for (const auto& entry : std::filesystem::directory_iterator(folder.path))
+        EXPECT_EQ(LoadedPair(entry.path().u8string()).problem, LoadProblem::TooLarge);
+    getrusage(RUSAGE_SELF, &after);
+    EXPECT_LT(after.ru_maxrss - before.ru_maxrss, 64 * 1024); // kilobytes
+}
+#endif
+
+// Every prefix of a file is either read, wholly or in part, or refused; the sanitizers watch.
+TEST(TruncatedFiles, AreReadAsFarAsTheyGoOrRefused)
+{
+    const TempFolder folder;
+    const TestPicture picture = ScenePicture(24, 18, 3, 8, 0),
+                      alpha = ScenePicture(24, 18, 1, 8, 0);
+    for (const char* name : {"a.png", "a.tif", "a.jpg", "a.bmp"})
+    {
+        SCOPED_TRACE(name);
+        const std::string whole = folder.File(name);
+        ASSERT_TRUE(Save(picture, whole, kFormatFromName, "", &alpha).written);
+        const Bytes contents = ReadBytes(whole);
+        for (size_t size = 0; size < contents.size(); size += 1 + contents.size() / 97)
+        {
+            const Bytes part(contents.begin(), contents.begin() + std::ptrdiff_t(size));
+            const LoadedPair pair(folder.Write(std::string("cut-") + name, part));
+            EXPECT_EQ(pair.failed, pair.picture.pic.data == nullptr);
+            if (pair.failed)
+                continue;
+            EXPECT_EQ(pair.picture.pic.width, 24);
+            EXPECT_EQ(pair.picture.pic.height, 18);
+        }
+    }
+}
+
+TEST(FileContents, DecideAgainstTheName)
+{
+    const TempFolder folder;
+    const TestPicture picture = ScenePicture(20, 20, 3, 8, 0);
+    for (const char* name : {"really-a-png.jpg", "no-extension", "unknown.xyz"})
+    {
+        ASSERT_TRUE(Save(picture, folder.File(name), kFormatPng).written);
+        ExpectSamePicture(LoadedPair(folder.File(name)).picture.pic, picture.pic);
+    }
+}
+
+TEST(FileNames, TellTheFormatByTheirExtension)
+{
+    EXPECT_EQ(FormatFromFileName("a.bmp"), kFormatBmp);
+    EXPECT_EQ(FormatFromFileName("dir.png/a.JPG"), kFormatJpeg);
+    EXPECT_EQ(FormatFromFileName("a.jpeg"), kFormatJpeg);
+    EXPECT_EQ(FormatFromFileName("a.b.tiff"), kFormatTiff);
+    EXPECT_EQ(FormatFromFileName("a.Tif"), kFormatTiff);
+    EXPECT_EQ(FormatFromFileName("a.png"), kFormatPng);
+    EXPECT_EQ(FormatFromFileName("a.gif"), kFormatGif);
+    EXPECT_EQ(FormatFromFileName("a.docx"), kFormatFromName);
+    EXPECT_EQ(FormatFromFileName(""), kFormatFromName);
+}
+
+TEST(Threads, LoadAndSaveSideBySide)
+{
+    const TempFolder folder;
+    const TestPicture picture = ScenePicture(40, 30, 3, 8, 0);
+    const auto work = [&](int thread)
+    {
+        for (int i = 0; i < 20; ++i)
+        {
+            const char* extensions[] = {".png", ".tif", ".bmp"};
+            const std::string name = std::to_string(thread) + extensions[i % 3];
+            EXPECT_TRUE(Save(picture, folder.File(name)).written);
+            ExpectSamePicture(LoadedPair(folder.File(name)).picture.pic, picture.pic);
+        }
+    };
+    std::thread other(work, 1);
+    work(2);
+    other.join();
+}
+
+} // namespace

@@ -1,0 +1,223 @@
+#include "picture/ExifBlock.h"
+#include "picture/ImageFile.h"
+
+#include "tests/support/TestFiles.h"
+
+#include <FreeImage.h>
+#include <gtest/gtest.h>
+
+#include <map>
+#include <memory>
+
+// What travels from a source into a saved file, read back through FreeImage. PNG profiles are read
+// from TIFF copies, since FreeImage does not see them in PNG files.
+
+namespace
+{
+
+using Bitmap = std::unique_ptr<FIBITMAP, void (*)(FIBITMAP*)>;
+
+Bitmap Load(const std::string& file)
+{
+    FIBITMAP* bitmap = FreeImage_Load(FreeImage_GetFileType(file.c_str(), 0), file.c_str(), 0);
+    EXPECT_TRUE(bitmap) << file;
+    return Bitmap(bitmap, [](FIBITMAP* owned) { FreeImage_Unload(owned); });
+}
+
+Bytes ProfileOf(const std::string& file)
+{
+    const Bitmap bitmap = Load(file);
+    const FIICCPROFILE* profile = FreeImage_GetICCProfile(bitmap.get());
+    const uint8_t* data = static_cast<const uint8_t*>(profile->data);
+    return data ? Bytes(data, data + profile->size) : Bytes();
+}
+
+// Every tag of a model by name, as text.
+std::map<std::string, std::string> TagsOf(const std::string& file, FREE_IMAGE_MDMODEL model)
+{
+    const Bitmap bitmap = Load(file);
+    std::map<std::string, std::string> tags;
+    FITAG* tag = nullptr;
+    FIMETADATA* search = FreeImage_FindFirstMetadata(model, bitmap.get(), &tag);
+    for (bool more = search != nullptr; more; more = FreeImage_FindNextMetadata(search, &tag))
+    {
+        const char* text = FreeImage_TagToString(model, tag);
+        tags[FreeImage_GetTagKey(tag)] = text ? text : "";
+    }
+    FreeImage_FindCloseMetadata(search);
+    return tags;
+}
+
+void SetTag(FIBITMAP* bitmap, FREE_IMAGE_MDMODEL model, const char* key, FREE_IMAGE_MDTYPE type,
+            const void* data, size_t size)
+{
+    FITAG* tag = FreeImage_CreateTag();
+    FreeImage_SetTagKey(tag, key);
+    FreeImage_SetTagType(tag, type);
+    FreeImage_SetTagLength(tag, DWORD(size));
+    FreeImage_SetTagCount(tag, DWORD(size));
+    FreeImage_SetTagValue(tag, data);
+    FreeImage_SetMetadata(model, bitmap, key, tag);
+    FreeImage_DeleteTag(tag);
+}
+
+const std::string kXmp = "<?xpacket begin='' id=''?><x:xmpmeta xmlns:x='adobe:ns:meta/'/>";
+
+ExifFields SomeExposure()
+{
+    ExifFields fields;
+    fields.make = "Plenoviz";
+    fields.model = "Sample";
+    fields.software = "1"; // short enough to sit inside its entry
+    fields.dateTime = "2024:05:06 07:08:09";
+    fields.exposureTime = {1, 250};
+    fields.fNumber = {56, 10};
+    fields.iso = 400;
+    fields.biasNumerator = -4;
+    fields.biasDenominator = 2;
+    return fields;
+}
+
+// A photograph with everything that a camera and an editor leave in a file.
+std::string WriteSource(const TempFolder& folder, const char* name, const Bytes& profile,
+                        const Bytes& exif)
+{
+    FIBITMAP* bitmap = FreeImage_Allocate(24, 16, 24);
+    if (!profile.empty())
+        FreeImage_CreateICCProfile(bitmap, const_cast<uint8_t*>(profile.data()),
+                                   long(profile.size()));
+    SetTag(bitmap, FIMD_XMP, "XMLPacket", FIDT_ASCII, kXmp.data(), kXmp.size());
+    if (!exif.empty())
+        SetTag(bitmap, FIMD_EXIF_RAW, "ExifRaw", FIDT_BYTE, exif.data(), exif.size());
+    const std::string file = folder.File(name);
+    EXPECT_TRUE(FreeImage_Save(FreeImage_GetFIFFromFilename(name), bitmap, file.c_str(), 0));
+    FreeImage_Unload(bitmap);
+    return file;
+}
+
+TEST(Source, GivesItsProfileToEveryFormatThatHoldsOne)
+{
+    const TempFolder folder;
+    const Bytes profile = MakeProfile(3144, "RGB ");
+    const TestPicture picture = ScenePicture(24, 16, 3, 8, 0),
+                      deep = ScenePicture(24, 16, 3, 16, 0);
+    for (const char* source : {"s.jpg", "s.tif", "s.png"})
+    {
+        SCOPED_TRACE(source);
+        const std::string from = WriteSource(folder, source, profile, {});
+        for (const char* target : {"t.jpg", "t.tif"})
+        {
+            ASSERT_TRUE(Save(picture, folder.File(target), kFormatFromName, from).written);
+            EXPECT_EQ(ProfileOf(folder.File(target)), profile) << target;
+        }
+        ASSERT_TRUE(Save(deep, folder.File("t.png"), kFormatFromName, from).written);
+        ASSERT_TRUE(
+            Save(deep, folder.File("u.tif"), kFormatFromName, folder.File("t.png")).written);
+        EXPECT_EQ(ProfileOf(folder.File("u.tif")), profile) << "through PNG";
+    }
+    ASSERT_TRUE(Save(picture, folder.File("none.tif")).written);
+    EXPECT_EQ(ProfileOf(folder.File("none.tif")), Bytes());
+}
+
+TEST(Source, GivesXmpToEveryFormatAndExifFromJpegToJpeg)
+{
+    const TempFolder folder;
+    const std::string from = WriteSource(folder, "s.jpg", {}, MakeExifBlock(SomeExposure()));
+    const TestPicture picture = ScenePicture(24, 16, 3, 8, 0);
+    for (const char* target : {"t.jpg", "t.tif", "t.png"})
+    {
+        ASSERT_TRUE(Save(picture, folder.File(target), kFormatFromName, from).written);
+        EXPECT_EQ(TagsOf(folder.File(target), FIMD_XMP)["XMLPacket"], kXmp) << target;
+    }
+    for (FREE_IMAGE_MDMODEL model : {FIMD_EXIF_MAIN, FIMD_EXIF_EXIF, FIMD_EXIF_RAW})
+    {
+        EXPECT_FALSE(TagsOf(from, model).empty());
+        EXPECT_EQ(TagsOf(folder.File("t.jpg"), model), TagsOf(from, model));
+    }
+}
+
+TEST(Exif, OfOurOwnSaysWhatWasPutIn)
+{
+    const TempFolder folder;
+    SaveExtras extras;
+    extras.exif = MakeExifBlock(SomeExposure());
+    const std::string file = folder.File("a.jpg");
+    ASSERT_TRUE(
+        Save(ScenePicture(24, 16, 3, 8, 0), file, kFormatFromName, "", nullptr, &extras).written);
+    auto camera = TagsOf(file, FIMD_EXIF_MAIN), exposure = TagsOf(file, FIMD_EXIF_EXIF);
+    EXPECT_EQ(camera["Make"], "Plenoviz");
+    EXPECT_EQ(camera["Model"], "Sample");
+    EXPECT_EQ(camera["Software"], "1");
+    EXPECT_EQ(camera["DateTime"], "2024:05:06 07:08:09");
+    EXPECT_EQ(exposure["ExposureTime"], "1/250 sec");
+    EXPECT_EQ(exposure["FNumber"], "F5.6");
+    EXPECT_EQ(exposure["ISOSpeedRatings"], "400");
+    EXPECT_EQ(exposure["ExposureBiasValue"], "-2");
+    EXPECT_EQ(exposure["DateTimeOriginal"], "2024:05:06 07:08:09");
+
+    // It takes the place of the source's own.
+    const std::string other = folder.File("b.jpg");
+    ExifFields later = SomeExposure();
+    later.exposureTime = {2, 1};
+    extras.exif = MakeExifBlock(later);
+    ASSERT_TRUE(Save(ScenePicture(24, 16, 3, 8, 0), other, kFormatFromName, file, nullptr, &extras)
+                    .written);
+    EXPECT_EQ(TagsOf(other, FIMD_EXIF_EXIF)["ExposureTime"], "2 sec");
+    EXPECT_EQ(MakeExifBlock(ExifFields()).size() % 2, 0u);
+}
+
+// Some cameras put the date of the exposure beside their own name, where it does not belong.
+TEST(Exif, InTheWrongDirectoryDoesNotStopATiff)
+{
+    const TempFolder folder;
+    Bytes exif = MakeExifBlock(SomeExposure());
+    const size_t firstEntry = 6 + 8 + 2, entryBytes = 12, dateTimeEntry = 3;
+    uint8_t* tag = &exif[firstEntry + entryBytes * dateTimeEntry];
+    ASSERT_EQ(tag[0] | tag[1] << 8, 0x0132);
+    tag[0] = 0x03;
+    tag[1] = 0x90;
+    const std::string from = WriteSource(folder, "s.jpg", MakeProfile(600, "RGB "), exif);
+    ASSERT_EQ(TagsOf(from, FIMD_EXIF_MAIN).count("DateTimeOriginal"), 1u);
+    for (const char* target : {"t.tif", "t.png", "t.jpg"})
+        EXPECT_TRUE(Save(ScenePicture(24, 16, 3, 8, 0), folder.File(target), kFormatFromName, from)
+                        .written);
+    EXPECT_EQ(ProfileOf(folder.File("t.tif")).size(), 600u);
+}
+
+TEST(Profile, OfOtherColourChannelsStaysBehind)
+{
+    const TempFolder folder;
+    const TestPicture colour = ScenePicture(24, 16, 3, 8, 0), grey = ScenePicture(24, 16, 1, 8, 0);
+    struct
+    {
+        const char* space;
+        bool inColour, inGrey;
+    } rows[] = {{"RGB ", true, false}, {"GRAY", false, true}, {"CMYK", false, false}};
+    for (const auto& row : rows)
+    {
+        SCOPED_TRACE(row.space);
+        const std::string from = WriteSource(folder, "s.tif", MakeProfile(400, row.space), {});
+        ASSERT_TRUE(Save(colour, folder.File("c.tif"), kFormatFromName, from).written);
+        ASSERT_TRUE(Save(grey, folder.File("g.tif"), kFormatFromName, from).written);
+        EXPECT_EQ(!ProfileOf(folder.File("c.tif")).empty(), row.inColour);
+        EXPECT_EQ(!ProfileOf(folder.File("g.tif")).empty(), row.inGrey);
+    }
+}
+
+TEST(Profile, ThatIsDamagedDoesNotCostThePicture)
+{
+    const TempFolder folder;
+    const Bytes damaged(200, 0xA5);
+    const TestPicture picture = ScenePicture(24, 16, 3, 8, 0);
+    const std::string from = WriteSource(folder, "s.jpg", damaged, {});
+    const SaveReport tiff = Save(picture, folder.File("t.tif"), kFormatFromName, from);
+    EXPECT_TRUE(tiff.written);
+    EXPECT_FALSE(tiff.profileDropped);
+    EXPECT_EQ(ProfileOf(folder.File("t.tif")), damaged); // bytes are bytes
+    const SaveReport png = Save(picture, folder.File("t.png"), kFormatFromName, from);
+    EXPECT_TRUE(png.written); // its encoder looks inside
+    EXPECT_TRUE(png.profileDropped);
+    ExpectSamePicture(LoadedPair(folder.File("t.png")).picture.pic, picture.pic);
+}
+
+} // namespace
