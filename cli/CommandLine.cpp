@@ -1,0 +1,151 @@
+#include "cli/CommandLine.h"
+
+std::vector<const OptionRow*> OptionsOf(const CommandRow& command)
+{
+    std::vector<const OptionRow*> options;
+    for (const OptionList& list : command.options)
+        for (int i = 0; i < list.count; i++)
+            options.push_back(&list.rows[i]);
+    return options;
+}
+
+static const OptionRow* FindOption(const CommandRow& command, const std::string& name)
+{
+    for (const OptionRow* row : OptionsOf(command))
+        if (name == row->name || (row->letter && name == std::string{'-', row->letter}))
+            return row;
+    return nullptr;
+}
+
+// The whole text as a decimal number; anything else, spaces and a plus sign included, is none.
+static bool ParseNumber(const std::string& text, long long* value)
+{
+    const bool negative = !text.empty() && text[0] == '-';
+    const std::string digits = text.substr(negative ? 1 : 0);
+    if (digits.empty() || digits.size() > 12 ||
+        digits.find_first_not_of("0123456789") != std::string::npos)
+        return false;
+    *value = 0;
+    for (const char digit : digits)
+        *value = *value * 10 + (digit - '0');
+    if (negative)
+        *value = -*value;
+    return true;
+}
+
+// Stores the value of an option. Gives the complaint, empty when there is none.
+static std::string StoreValue(CliOptions* options, const OptionRow& row, const std::string& value)
+{
+    if (row.text)
+    {
+        options->*row.text = value;
+        return value.empty() ? std::string(row.name) + " needs a value that is not empty" : "";
+    }
+    long long number = 0;
+    if (!ParseNumber(value, &number) || number < row.low || number > row.high)
+        return std::string(row.name) + " takes a whole number from " + std::to_string(row.low) +
+               " to " + std::to_string(row.high) + ", not '" + value + "'";
+    options->*row.number = int(number);
+    return "";
+}
+
+static ParsedLine Wrong(const CommandRow* command, const std::string& complaint)
+{
+    ParsedLine line;
+    line.command = command;
+    line.message = complaint + "; see plenoviz-cli " +
+                   (command ? command->name + std::string(" ") : std::string()) + "--help";
+    return line;
+}
+
+static std::string MissingPart(const CommandRow& command, const CliOptions& options)
+{
+    for (const OptionRow* row : OptionsOf(command))
+        if (row->required && (options.*row->text).empty())
+            return std::string(row->name) + " " + row->argument + " is missing";
+    if (int(options.inputs.size()) < command.minInputs)
+        return "no picture to work on is given";
+    return "";
+}
+
+static ParsedLine ParseCommand(const CommandRow& command, const std::vector<std::string>& arguments)
+{
+    ParsedLine line;
+    line.command = &command;
+    for (const OptionRow* row : OptionsOf(command))
+        if (row->number)
+            line.options.*row->number = row->byDefault;
+
+    bool optionsEnded = false;
+    for (size_t i = 1; i < arguments.size(); i++)
+    {
+        const std::string& argument = arguments[i];
+        if (optionsEnded || argument.size() < 2 || argument[0] != '-')
+        {
+            if (!*command.arguments)
+                return Wrong(&command, "unexpected argument '" + argument + "'");
+            line.options.inputs.push_back(argument);
+            continue;
+        }
+        if (argument == "--")
+        {
+            optionsEnded = true;
+            continue;
+        }
+
+        const size_t equals =
+            argument.compare(0, 2, "--") == 0 ? argument.find('=') : argument.npos;
+        const OptionRow* row = FindOption(command, argument.substr(0, equals));
+        if (!row)
+            return Wrong(&command, "unknown option '" + argument + "'");
+        if (row->flag)
+        {
+            if (equals != argument.npos)
+                return Wrong(&command, std::string(row->name) + " takes no value");
+            line.options.*row->flag = true;
+            continue;
+        }
+        if (equals == argument.npos && i + 1 == arguments.size())
+            return Wrong(&command, std::string(row->name) + " needs a value");
+        const std::string value =
+            equals == argument.npos ? arguments[++i] : argument.substr(equals + 1);
+        const std::string complaint = StoreValue(&line.options, *row, value);
+        if (!complaint.empty())
+            return Wrong(&command, complaint);
+    }
+
+    if (line.options.help)
+    {
+        line.action = ParsedAction::ShowCommandHelp;
+        return line;
+    }
+    const std::string missing = MissingPart(command, line.options);
+    if (!missing.empty())
+        return Wrong(&command, missing);
+    line.action = ParsedAction::Run;
+    return line;
+}
+
+ParsedLine ParseCommandLine(const CommandTable& table, const std::vector<std::string>& arguments)
+{
+    if (arguments.empty())
+        return Wrong(nullptr, "no command is given");
+    const std::string& first = arguments[0];
+    ParsedLine line;
+    if (first == "--help" || first == "-h")
+    {
+        line.action = ParsedAction::ShowHelp;
+        return line;
+    }
+    if (first == "--version")
+    {
+        line.action = ParsedAction::ShowVersion;
+        return line;
+    }
+    for (int i = 0; i < table.count; i++)
+        if (first == table.rows[i].name)
+            return ParseCommand(table.rows[i], arguments);
+    const char* what =
+        first.size() > 1 && first[0] == '-' ? "unknown option '" : "unknown command '";
+    return Wrong(nullptr, what + first + "'");
+}

@@ -1,0 +1,109 @@
+#pragma once
+
+#include <iosfwd>
+#include <string>
+#include <vector>
+
+// The command line as data. A command is a row: its name, what it takes, the table of its options
+// and the function that does the work. Parsing, help and the messages about wrong usage all come
+// from these rows (Commands.cpp). Texts are UTF-8.
+
+constexpr int kExitDone = 0;
+constexpr int kExitFailed = 1; // the work could not be done; no output file was touched
+constexpr int kExitUsage = 2;  // the command line makes no sense
+
+// Everything that an option can set. What a row does not mention keeps these values, and numbers
+// take their default from the row.
+struct CliOptions
+{
+    std::vector<std::string> inputs;
+    std::string output;
+    std::string outDir;
+    int exposure = 0;
+    int jpegQuality = 0;
+    int threads = 0; // 0 = as many as the machine has
+    int width = 0, height = 0, frames = 0;
+    bool quiet = false;
+    bool help = false;
+};
+
+// Exactly one of flag, number and text is set.
+struct OptionRow
+{
+    const char* name;     // with both dashes
+    char letter;          // -x as well, or 0
+    const char* argument; // what its value is called in the help; null for a flag
+    bool CliOptions::*flag;
+    int CliOptions::*number;
+    std::string CliOptions::*text;
+    int low, high, byDefault; // numbers only
+    bool required;            // texts only
+    const char* help;
+};
+
+struct CliStreams
+{
+    std::ostream& out;
+    std::ostream& err;
+    bool terminal; // err is one: a line that is rewritten in place may go there
+};
+
+struct OptionList
+{
+    const OptionRow* rows;
+    int count;
+};
+
+struct CommandRow
+{
+    const char* name;
+    const char* arguments; // what follows the options, or "" when nothing may
+    int minInputs;         // how many of them there must be
+    const char* summary;
+    const char* details;   // paragraph of the command's own help
+    OptionList options[3]; // its own first, then those it shares with others; unused ones are empty
+    int (*run)(const CliOptions& options, const CliStreams& streams);
+};
+
+std::vector<const OptionRow*> OptionsOf(const CommandRow& command);
+
+struct CommandTable
+{
+    const CommandRow* rows;
+    int count;
+};
+
+const CommandTable& Commands();
+
+enum class ParsedAction
+{
+    Run,
+    ShowHelp,        // of the whole program
+    ShowCommandHelp, // of `command`
+    ShowVersion,
+    WrongUsage, // `message` says why
+};
+
+struct ParsedLine
+{
+    ParsedAction action = ParsedAction::WrongUsage;
+    const CommandRow* command = nullptr;
+    CliOptions options;
+    std::string message;
+};
+
+// `arguments` are those after the program's name.
+ParsedLine ParseCommandLine(const CommandTable& table, const std::vector<std::string>& arguments);
+
+std::string ProgramHelp(const CommandTable& table);
+std::string CommandHelp(const CommandRow& command);
+
+// Parses, does what is asked and gives the exit code. Errors are one line on streams.err.
+int RunCommandLine(const std::vector<std::string>& arguments, const CliStreams& streams);
+
+// Writes the one line of a failure (file may be empty) and gives the exit code that goes with it.
+int Fail(const CliStreams& streams, const std::string& file, const std::string& reason);
+
+// The commands' own functions.
+int RunFuse(const CliOptions& options, const CliStreams& streams);
+int RunSample(const CliOptions& options, const CliStreams& streams);

@@ -1,0 +1,177 @@
+#include "cli/CommandLine.h"
+#include "cli/Progress.h"
+#include "cli/ResultFile.h"
+
+#include "fusion/FusionAccumulator.h"
+
+#include <future>
+#include <memory>
+#include <ostream>
+
+// Sources go into the accumulator one after the other, in the order given. While one is being
+// added the next is read on a second thread, so at most two are in memory, and the result does
+// not depend on which thread is faster.
+
+struct Source
+{
+    SBxPicBuf picture, alpha;
+    LoadReport report;
+    bool failed;
+};
+
+static void FreeSource(Source* source)
+{
+    CBxPicBufAPI::DoneHeap(&source->picture);
+    CBxPicBufAPI::DoneHeap(&source->alpha);
+    delete source;
+}
+
+using SourcePtr = std::unique_ptr<Source, void (*)(Source*)>;
+
+static SourcePtr LoadSource(const std::string& path)
+{
+    SourcePtr source(new Source, FreeSource);
+    CBxPicBufAPI::Init(&source->picture);
+    CBxPicBufAPI::Init(&source->alpha);
+    source->failed =
+        LoadPicturePair(path.c_str(), &source->picture, &source->alpha, &source->report);
+    return source;
+}
+
+static std::string Kind(const SBxPicBuf& p)
+{
+    return std::to_string(p.width) + " x " + std::to_string(p.height) + ", " +
+           std::to_string(p.bitsPerComponent) + "-bit " + (p.components == 1 ? "grey" : "colour");
+}
+
+struct FuseJob
+{
+    const CliOptions& options;
+    const CliStreams& streams;
+    Progress progress;
+    int format;
+    VcFusionAccumulator accumulator;
+    SBxPicBuf geometry; // of the first source; no data
+    SBxPicBuf alpha;    // of the first source
+    SBxPicBuf result;
+};
+
+static void FreeJob(FuseJob* job)
+{
+    EndProgress(&job->progress);
+    VcFreeAccumulator(&job->accumulator);
+    CBxPicBufAPI::DoneHeap(&job->alpha);
+    CBxPicBufAPI::DoneHeap(&job->result);
+}
+
+static int FailJob(FuseJob* job, const std::string& file, const std::string& reason)
+{
+    EndProgress(&job->progress);
+    return Fail(job->streams, file, reason);
+}
+
+// Looks at the first source and sets up what depends on it.
+static int StartJob(FuseJob* job, Source* first)
+{
+    const std::string& path = job->options.inputs[0];
+    const SBxPicBuf& picture = first->picture;
+    if (!VcFusionAcceptsSize(picture.width, picture.height))
+        return FailJob(job, path,
+                       "the picture is " + std::to_string(picture.width) + " x " +
+                           std::to_string(picture.height) + "; fusion needs at least " +
+                           std::to_string(kFusionMinSide) + " pixels each way");
+    const std::string misfit = FormatFits(job->format, picture);
+    if (!misfit.empty())
+        return FailJob(job, job->options.output, misfit);
+
+    job->geometry = picture;
+    job->geometry.data = nullptr;
+    job->alpha = first->alpha;
+    CBxPicBufAPI::Init(&first->alpha);
+    if (VcInitAccumulator(&job->accumulator, picture, unsigned(job->options.exposure)))
+        return FailJob(job, path, "not enough memory to fuse pictures of this size");
+    return kExitDone;
+}
+
+static int AddSource(FuseJob* job, Source* source, size_t index)
+{
+    const std::string& path = job->options.inputs[index];
+    if (source->failed)
+        return FailJob(job, path, LoadProblemText(source->report.problem));
+    if (index == 0)
+    {
+        const int failed = StartJob(job, source);
+        if (failed)
+            return failed;
+    }
+    CBxPicBufAPI::DoneHeap(&source->alpha);
+
+    const SBxPicBuf& first = job->geometry;
+    const SBxPicBuf& picture = source->picture;
+    if (picture.width != first.width || picture.height != first.height ||
+        picture.components != first.components ||
+        picture.bitsPerComponent != first.bitsPerComponent)
+        return FailJob(job, path,
+                       "the picture is " + Kind(picture) + ", but the first one is " + Kind(first));
+    if (VcAccumulateImage(&job->accumulator, picture))
+        return FailJob(job, path, "not enough memory to fuse pictures of this size");
+    return kExitDone;
+}
+
+static int AddSources(FuseJob* job)
+{
+    const std::vector<std::string>& inputs = job->options.inputs;
+    const std::launch how = job->options.threads == 1 ? std::launch::deferred : std::launch::async;
+    std::future<SourcePtr> next = std::async(how, LoadSource, inputs[0]);
+    for (size_t i = 0; i < inputs.size(); i++)
+    {
+        ShowProgress(&job->progress, "Fusing " + std::to_string(i + 1) + " of " +
+                                         std::to_string(inputs.size()) + ": " + inputs[i]);
+        const SourcePtr source = next.get();
+        if (i + 1 < inputs.size())
+            next = std::async(how, LoadSource, inputs[i + 1]);
+        const int failed = AddSource(job, source.get(), i);
+        if (failed)
+            return failed;
+        if (StopRequested())
+            return FailJob(job, "", "stopped");
+    }
+    return kExitDone;
+}
+
+static int FinishJob(FuseJob* job)
+{
+    ShowProgress(&job->progress, "Writing " + job->options.output);
+    CBxPicBufAPI::ReinitHeap(&job->result, job->geometry);
+    if (!job->result.data || VcComposeResult(&job->result, job->accumulator))
+        return FailJob(job, job->options.output, "not enough memory for the result");
+    VcFreeAccumulator(&job->accumulator);
+    if (StopRequested())
+        return FailJob(job, "", "stopped");
+
+    std::string note;
+    const std::string problem = SaveResult(job->result, job->alpha, job->options.output,
+                                           job->options.inputs[0], job->format, &note);
+    if (!problem.empty())
+        return FailJob(job, job->options.output, problem);
+    EndProgress(&job->progress);
+    if (!job->options.quiet)
+        job->streams.out << job->options.output << ": " << Kind(job->geometry) << ", fused from "
+                         << job->options.inputs.size()
+                         << (job->options.inputs.size() == 1 ? " picture" : " pictures") << note
+                         << std::endl;
+    return kExitDone;
+}
+
+int RunFuse(const CliOptions& options, const CliStreams& streams)
+{
+    FuseJob job = {options, streams, StartProgress(options, streams), kFormatFromName, {}, {},
+                   {},      {}};
+    const std::string problem = FormatOfResult(options.output, &job.format);
+    if (!problem.empty())
+        return Fail(streams, options.output, problem);
+
+    std::unique_ptr<FuseJob, void (*)(FuseJob*)> release(&job, FreeJob);
+    const int failed = AddSources(&job);
+    return failed ? failed : FinishJob(&job);
+}
