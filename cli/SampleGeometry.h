@@ -134,12 +134,12 @@ struct Hit
     float u, v;     // position inside of the triangle
 };
 
-// Axis-aligned boxes nested two by two.
+// Axis-aligned boxes nested four by four, so that a ray looks at four at once.
 struct TreeNode
 {
-    Vec3 low, high;
-    int32_t first; // leaf: first entry of order; else index of the second child
-    int32_t count; // leaf: number of entries; 0 = inner node, first child follows directly
+    float bound[2][3][4]; // low and high corners; x, y, z; one column per child
+    int32_t child[4];     // a node, or the first leaf shape
+    int32_t count[4];     // leaf shapes; 0 = a node, negative = no child
 };
 
 // What a ray needs of a triangle, in the order of the leaves, so that a leaf is one run of memory.
@@ -152,11 +152,12 @@ struct LeafShape
 
 struct Tree
 {
-    std::vector<TreeNode> nodes;
-    std::vector<int> order; // shapes in leaf order
+    std::vector<TreeNode> nodes; // the first is the root
     std::vector<LeafShape> leaves;
     const Geometry* geometry;
 };
+
+int MaterialOf(const Geometry& geometry, int shape);
 
 void BuildTree(Tree* tree, const Geometry& geometry);
 

@@ -39,13 +39,13 @@ static float Crest(Vec3 p, uint32_t seed, int octaves, float footprint)
     return sum;
 }
 
-static Vec3 Mountains(float across, float up, float peaks, float footprint)
+static Vec3 Mountains(float across, float up, float footprint)
 {
-    // Ribs run down from the crest; their right-hand sides have the sun.
-    const Vec3 at = {across * 30.0f + (peaks - up) * 9.0f, (peaks - up) * 11.0f, 3.0f};
-    const float rib = Crest(at, 72, 5, footprint * 30.0f);
-    const float beside = Crest(at + Vec3{0.09f, -0.05f, 0}, 72, 5, footprint * 30.0f);
-    const float lit = Saturate(0.52f + (rib - beside) * 3.2f);
+    // Ribs and gullies; their right-hand sides have the sun.
+    const Vec3 at = {across * 34.0f + up * 12.0f, up * 30.0f - across * 4.0f, 3.0f};
+    const float rib = Crest(at, 72, 5, footprint * 34.0f);
+    const float beside = Crest(at + Vec3{0.10f, 0.04f, 0}, 72, 5, footprint * 34.0f);
+    const float lit = Saturate(0.50f + (rib - beside) * 3.0f);
     const float snow = SmoothStep(0.050f, 0.068f, up + (rib - 0.5f) * 0.045f);
     const Vec3 stone = Mix(Vec3{1.1f, 1.6f, 2.5f}, Vec3{3.0f, 3.0f, 3.0f}, lit);
     const Vec3 white = Mix(Vec3{3.6f, 4.9f, 7.2f}, Vec3{13.5f, 13.0f, 12.2f}, lit);
@@ -72,7 +72,7 @@ Vec3 Landscape(Vec3 dir, float footprint)
     const float shore = -0.030f;
     const float woods = -0.068f + 0.062f * Ridge(across, 24.0f, 91, footprint) *
                                       SmoothStep(0.0f, 0.12f, std::fabs(across + 0.035f));
-    Vec3 c = up < peaks ? Mountains(across, up, peaks, footprint) : Sky(across, up, footprint);
+    Vec3 c = up < peaks ? Mountains(across, up, footprint) : Sky(across, up, footprint);
     if (up < hills)
     {
         const float open =

@@ -6,8 +6,8 @@
 
 // Soft light is gathered sparsely, on a grid of about 500 points across the view, smoothed along
 // surfaces, and then read by every picture element for the surfaces that it sees. Sharp things
-// (edges, textures, the sun's shadows, mirrors) are looked at in every picture element, four
-// times, or sixteen where the four disagree.
+// (edges, textures, the sun's shadows, mirrors) are looked at in every picture element, twice,
+// or four times where the two disagree, or sixteen times at an edge.
 namespace sample
 {
 
@@ -229,10 +229,10 @@ static float FourthRoot(float v)
 static Vec3 Resolve(const World& w, const View& view, const LightScreen& screen, int x, int y)
 {
     // Samples of a 4 x 4 grid, ordered so that the first four have a row and a column each.
-    static const int kOrder[16] = {1, 7, 8, 14, 0, 2, 3, 4, 5, 6, 9, 10, 11, 12, 13, 15};
+    static const int kOrder[16] = {1, 14, 7, 8, 0, 2, 3, 4, 5, 6, 9, 10, 11, 12, 13, 15};
     Vec3 sum = {0, 0, 0};
     float low = 1e30f, high = 0.0f;
-    int count = 4, firstMaterial = 0;
+    int count = 2, firstMaterial = 0;
     bool mixed = false;
     const float turn = Unit(Hash(uint32_t(x), uint32_t(y)));
     for (int i = 0; i < count; i++)
@@ -251,6 +251,8 @@ static Vec3 Resolve(const World& w, const View& view, const LightScreen& screen,
         high = std::max(high, level);
         mixed = mixed || (i > 0 && s.material != firstMaterial);
         firstMaterial = i == 0 ? s.material : firstMaterial;
+        if (i == 1 && (mixed || high > low * 1.08f))
+            count = 4;
         if (i == 3 && (high > low * 2.0f || (mixed && high > low * 1.2f)))
             count = 16;
     }

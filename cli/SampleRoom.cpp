@@ -124,7 +124,7 @@ static void AddTrimmings(Geometry* g)
     const int linen = AddMaterial(g, Surface::Linen, {0.60f, 0.52f, 0.40f}, 0.0f, 7);
     AddCurtain(g, -0.72f, -0.20f, 11, linen);
     AddCurtain(g, 1.90f, 2.42f, 12, linen);
-    const int iron = AddMaterial(g, Surface::Metal, {0.10f, 0.09f, 0.08f}, 0.5f);
+    const int iron = AddMaterial(g, Surface::Paint, {0.03f, 0.028f, 0.025f}, 0.0f, 19);
     AddBar(g, {{-0.85f, 2.48f, 4.44f}, {0.9f, 2.48f, 4.44f}, {2.5f, 2.48f, 4.44f}},
            {0.013f, 0.013f, 0.013f}, 10, iron);
     AddEllipsoid(g, kHere, {-0.87f, 2.48f, 4.44f}, {0.03f, 0.03f, 0.03f}, iron);

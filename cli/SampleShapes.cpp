@@ -149,6 +149,8 @@ void AddCushion(Geometry* g, const Placement& place, Vec3 centre, Vec3 half, flo
     {
         const size_t axis = size_t(face / 2); // the one that the face looks along
         const float side = face & 1 ? -1.0f : 1.0f;
+        const float narrow = std::min(sizes[(axis + 1) % 3], sizes[(axis + 2) % 3]);
+        const float swell = bulge * std::min(1.0f, narrow / 0.15f); // narrow faces stay flat
         const auto turned = [&](Vec3 v) { // face coordinates to the placement's
             v.z *= side;
             return axis == 0 ? Vec3{v.z, v.x, v.y} : axis == 1 ? Vec3{v.y, v.z, v.x} : v;
@@ -159,7 +161,7 @@ void AddCushion(Geometry* g, const Placement& place, Vec3 centre, Vec3 half, flo
             const int r = i / kSteps, c = i % kSteps;
             Vec3 box, around;
             CushionPoint(float(c) * 2.0f / (kSteps - 1) - 1.0f,
-                         float(r) * 2.0f / (kSteps - 1) - 1.0f, bulge, &box, &around);
+                         float(r) * 2.0f / (kSteps - 1) - 1.0f, swell, &box, &around);
             box.x *= sizes[(axis + 1) % 3];
             box.y *= sizes[(axis + 2) % 3];
             box.z += sizes[axis];
