@@ -3,6 +3,15 @@
 #include <algorithm>
 #include <cstring>
 
+// Number of `count` bytes at `bytes`.
+static uint64_t FileNumber(const uint8_t* bytes, int count, bool bigEndian)
+{
+    uint64_t value = 0;
+    for (int i = 0; i < count; ++i)
+        value = value << 8 | bytes[bigEndian ? i : count - 1 - i];
+    return value;
+}
+
 // Bytes of a colour table whose size is coded in the flags of the block before it.
 static long ColourTableBytes(uint8_t flags)
 {
@@ -41,8 +50,8 @@ bool GifFrameSize(FILE* stream, int* width, int* height)
         uint8_t frame[8]; // left, top, width, height
         if (kind != 0x2C || std::fread(frame, sizeof frame, 1, stream) != 1)
             return false;
-        *width = frame[4] | frame[5] << 8;
-        *height = frame[6] | frame[7] << 8;
+        *width = int(FileNumber(frame + 4, 2, false));
+        *height = int(FileNumber(frame + 6, 2, false));
         return true;
     }
 }
@@ -71,8 +80,7 @@ bool FindPngProfile(FILE* stream, std::vector<uint8_t>* packed)
     uint8_t head[8];
     while (std::fread(head, sizeof head, 1, stream) == 1)
     {
-        const uint32_t length =
-            uint32_t(head[0]) << 24 | uint32_t(head[1]) << 16 | uint32_t(head[2]) << 8 | head[3];
+        const auto length = uint32_t(FileNumber(head, 4, true));
         if (length > kMaxPackedBytes || std::memcmp(head + 4, "IDAT", 4) == 0)
             return false;
         if (std::memcmp(head + 4, "iCCP", 4) == 0)
@@ -88,15 +96,6 @@ bool FindPngProfile(FILE* stream, std::vector<uint8_t>* packed)
     return false;
 }
 
-// Number of `count` bytes at `bytes`, in the byte order of the file.
-static uint64_t TiffNumber(const uint8_t* bytes, int count, bool bigEndian)
-{
-    uint64_t value = 0;
-    for (int i = 0; i < count; ++i)
-        value = value << 8 | bytes[bigEndian ? i : count - 1 - i];
-    return value;
-}
-
 // A TIFF file begins with its byte order and the offset of a directory: a count, then entries of
 // tag, type, number of values, and value. Files of type 43 have wider offsets and counts.
 bool TiffCountsFromWhite(FILE* stream)
@@ -106,17 +105,58 @@ bool TiffCountsFromWhite(FILE* stream)
     if (std::fread(head, 1, sizeof head, stream) < 8)
         return false;
     const bool bigEndian = head[0] == 'M';
-    const bool wide = TiffNumber(head + 2, 2, bigEndian) == 43;
-    const uint64_t offset = TiffNumber(head + (wide ? 8 : 4), wide ? 8 : 4, bigEndian);
+    const bool wide = FileNumber(head + 2, 2, bigEndian) == 43;
+    const uint64_t offset = FileNumber(head + (wide ? 8 : 4), wide ? 8 : 4, bigEndian);
     const int countBytes = wide ? 8 : 2, entryBytes = wide ? 20 : 12;
     uint8_t entry[20];
     if (offset > INT32_MAX || std::fseek(stream, long(offset), SEEK_SET) != 0 ||
         std::fread(entry, size_t(countBytes), 1, stream) != 1)
         return false;
     const uint64_t kPhotometric = 262;
-    uint64_t left = TiffNumber(entry, countBytes, bigEndian);
+    uint64_t left = FileNumber(entry, countBytes, bigEndian);
     for (; left > 0 && std::fread(entry, size_t(entryBytes), 1, stream) == 1; --left)
-        if (TiffNumber(entry, 2, bigEndian) == kPhotometric)
-            return TiffNumber(entry + entryBytes - (wide ? 8 : 4), 2, bigEndian) == 0;
+        if (FileNumber(entry, 2, bigEndian) == kPhotometric)
+            return FileNumber(entry + entryBytes - (wide ? 8 : 4), 2, bigEndian) == 0;
     return false;
+}
+
+// Whether the first directory of an EXIF block, with the offset behind it, lies inside the block.
+static bool ExifIsSound(const std::vector<uint8_t>& block)
+{
+    const size_t kTiff = 6; // "Exif" and two zeros; offsets count from here
+    if (block.size() < kTiff + 8)
+        return false;
+    const bool bigEndian = block[kTiff] == 'M';
+    const uint64_t directory = kTiff + FileNumber(&block[kTiff + 4], 4, bigEndian);
+    if (directory + 2 > block.size())
+        return false;
+    const uint64_t entries = FileNumber(&block[size_t(directory)], 2, bigEndian);
+    return directory + 2 + 12 * entries + 4 <= block.size();
+}
+
+// A JPEG file is a chain of markers with lengths, until the pixels start.
+std::vector<long> FindJpegExif(FILE* stream, bool damagedOnly)
+{
+    const int kPixels = 0xDA, kApplication1 = 0xE1;
+    std::vector<long> offsets;
+    uint8_t marker[4];
+    for (long at = 2; std::fseek(stream, at, SEEK_SET) == 0 &&
+                      std::fread(marker, sizeof marker, 1, stream) == 1 && marker[0] == 0xFF;)
+    {
+        if (marker[1] == 0xFF) // padding
+        {
+            ++at;
+            continue;
+        }
+        if (marker[1] == kPixels)
+            break;
+        const auto length = long(FileNumber(marker + 2, 2, true)); // with its own two bytes
+        std::vector<uint8_t> block(size_t(std::max(length - 2, 0L)));
+        if (marker[1] == kApplication1 && block.size() >= 6 &&
+            std::fread(block.data(), block.size(), 1, stream) == 1 &&
+            std::memcmp(block.data(), "Exif\0\0", 6) == 0 && !(damagedOnly && ExifIsSound(block)))
+            offsets.push_back(at + 4);
+        at += 2 + std::max(length, 2L);
+    }
+    return offsets;
 }

@@ -19,3 +19,8 @@ bool FindPngProfile(FILE* stream, std::vector<uint8_t>* packed);
 // Whether zero means white in the first picture of a TIFF stream. FreeImage knows this for 8 bits,
 // where it makes a palette of it, but forgets it for 16.
 bool TiffCountsFromWhite(FILE* stream);
+
+// EXIF blocks of a JPEG stream, as offsets from the start of the file to their first letter. With
+// `damagedOnly` those alone whose first directory does not fit into the block: FreeImage takes the
+// directory's size on trust, and reads far behind the end of the block.
+std::vector<long> FindJpegExif(FILE* stream, bool damagedOnly);

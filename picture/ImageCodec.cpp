@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <cstdarg>
 #include <cstring>
+#include <iterator>
 #include <mutex>
 
 #ifndef _WIN32
@@ -50,6 +51,25 @@ static const BitmapKind* KindOfPicture(const SBxPicBuf& picture, bool withAlpha)
     return nullptr;
 }
 
+// The formats that the program reads, the same on every system. FreeImage knows thirty more, and
+// goes by the contents of a file whatever its name; some of those decoders write past the end of
+// their buffers when a file is damaged.
+static const FREE_IMAGE_FORMAT kFormats[] = {
+    FIF_BMP, FIF_JPEG, FIF_PNG, FIF_TIFF,   FIF_GIF,    FIF_WEBP,   FIF_RAW,
+    FIF_PBM, FIF_PGM,  FIF_PPM, FIF_PBMRAW, FIF_PGMRAW, FIF_PPMRAW,
+};
+
+static void EnableFormats()
+{
+    for (int i = 0; i < FreeImage_GetFIFCount(); ++i)
+    {
+        const auto format = FREE_IMAGE_FORMAT(i);
+        const bool wanted =
+            std::find(std::begin(kFormats), std::end(kFormats), format) != std::end(kFormats);
+        FreeImage_SetPluginEnabled(format, wanted);
+    }
+}
+
 // FreeImage drops its own messages when nobody asks for them. The TIFF library below it prints
 // unknown tags and damaged files on standard error unless told otherwise. It comes along with
 // FreeImage, without headers of its own: inside the program on Windows, else as a shared library
@@ -85,6 +105,7 @@ void InitImageLibrary()
 #ifdef FREEIMAGE_LIB
                        FreeImage_Initialise(TRUE); // the shared library does this by itself
 #endif
+                       EnableFormats();
                        SilenceTiff();
                    });
 }

@@ -31,9 +31,24 @@ struct FileCloser
 using BitmapOwner = std::unique_ptr<FIBITMAP, BitmapDeleter>;
 using FileOwner = std::unique_ptr<FILE, FileCloser>;
 
-static unsigned DLL_CALLCONV ReadStream(void* buffer, unsigned size, unsigned count, fi_handle file)
+// What FreeImage reads from or writes to.
+struct ImageStream
 {
-    return unsigned(std::fread(buffer, size, count, static_cast<ReplacingFile*>(file)->stream));
+    FILE* file = nullptr;
+    int error = 0;            // errno of the first failed write
+    std::vector<long> hidden; // offsets of bytes that FreeImage sees as zero
+};
+
+static unsigned DLL_CALLCONV ReadStream(void* buffer, unsigned size, unsigned count,
+                                        fi_handle handle)
+{
+    ImageStream* stream = static_cast<ImageStream*>(handle);
+    const long start = stream->hidden.empty() ? 0 : std::ftell(stream->file);
+    const size_t done = std::fread(buffer, size, count, stream->file);
+    for (long offset : stream->hidden)
+        if (offset >= start && uint64_t(offset - start) < uint64_t(size) * count)
+            static_cast<uint8_t*>(buffer)[offset - start] = 0;
+    return unsigned(done);
 }
 
 // After an error the encoder is kept going with the good news that it expects: the file is lost
@@ -41,20 +56,20 @@ static unsigned DLL_CALLCONV ReadStream(void* buffer, unsigned size, unsigned co
 static unsigned DLL_CALLCONV WriteStream(void* buffer, unsigned size, unsigned count,
                                          fi_handle handle)
 {
-    ReplacingFile* file = static_cast<ReplacingFile*>(handle);
-    if (!file->error && size != 0 && std::fwrite(buffer, size, count, file->stream) != count)
-        file->error = errno ? errno : EIO;
+    ImageStream* stream = static_cast<ImageStream*>(handle);
+    if (!stream->error && size != 0 && std::fwrite(buffer, size, count, stream->file) != count)
+        stream->error = errno ? errno : EIO;
     return count;
 }
 
-static int DLL_CALLCONV SeekStream(fi_handle file, long offset, int origin)
+static int DLL_CALLCONV SeekStream(fi_handle handle, long offset, int origin)
 {
-    return std::fseek(static_cast<ReplacingFile*>(file)->stream, offset, origin);
+    return std::fseek(static_cast<ImageStream*>(handle)->file, offset, origin);
 }
 
-static long DLL_CALLCONV TellStream(fi_handle file)
+static long DLL_CALLCONV TellStream(fi_handle handle)
 {
-    return std::ftell(static_cast<ReplacingFile*>(file)->stream);
+    return std::ftell(static_cast<ImageStream*>(handle)->file);
 }
 
 static FreeImageIO StreamFunctions()
@@ -71,12 +86,11 @@ int FormatFromFileName(const char* name)
 }
 
 // Contents decide, then the name.
-static LoadProblem FindReadableFormat(FREE_IMAGE_FORMAT* format, FILE* stream, const char* name)
+static LoadProblem FindReadableFormat(FREE_IMAGE_FORMAT* format, ImageStream* stream,
+                                      const char* name)
 {
     FreeImageIO io = StreamFunctions();
-    ReplacingFile file;
-    file.stream = stream;
-    *format = FreeImage_GetFileTypeFromHandle(&io, &file, 0);
+    *format = FreeImage_GetFileTypeFromHandle(&io, stream, 0);
     if (*format == FIF_UNKNOWN)
         *format = FREE_IMAGE_FORMAT(FormatFromFileName(name));
     if (*format == FIF_UNKNOWN)
@@ -84,16 +98,14 @@ static LoadProblem FindReadableFormat(FREE_IMAGE_FORMAT* format, FILE* stream, c
     return FreeImage_FIFSupportsReading(*format) ? LoadProblem::None : LoadProblem::NotReadable;
 }
 
-static BitmapOwner Decode(FREE_IMAGE_FORMAT format, FILE* stream, int flags)
+static BitmapOwner Decode(FREE_IMAGE_FORMAT format, ImageStream* stream, int flags)
 {
     FreeImageIO io = StreamFunctions();
-    ReplacingFile file;
-    file.stream = stream;
-    std::rewind(stream);
+    std::rewind(stream->file);
     // A decoder that runs out of memory half-way may throw instead of giving up.
     try
     {
-        return BitmapOwner(FreeImage_LoadFromHandle(format, &io, &file, flags));
+        return BitmapOwner(FreeImage_LoadFromHandle(format, &io, stream, flags));
     }
     catch (...)
     {
@@ -114,12 +126,12 @@ static LoadProblem ProblemOf(BitmapFit fit)
 
 // A header of a few bytes may claim billions of pixels, which a decoder would allocate and clear
 // before it sees that there is nothing to read.
-static LoadProblem CheckHeader(FREE_IMAGE_FORMAT format, FILE* stream)
+static LoadProblem CheckHeader(FREE_IMAGE_FORMAT format, ImageStream* stream)
 {
     if (format == FIF_GIF)
     {
         int width = 0, height = 0;
-        const bool known = GifFrameSize(stream, &width, &height);
+        const bool known = GifFrameSize(stream->file, &width, &height);
         return !known || PictureBytes(width, height, 1, 8) >= 0 ? LoadProblem::None
                                                                 : LoadProblem::TooLarge;
     }
@@ -129,8 +141,17 @@ static LoadProblem CheckHeader(FREE_IMAGE_FORMAT format, FILE* stream)
     return header ? ProblemOf(FitOfBitmap(header.get())) : LoadProblem::DecoderFailed;
 }
 
-static BitmapOwner LoadWhole(FREE_IMAGE_FORMAT format, FILE* stream, LoadProblem* problem)
+enum class Metadata
 {
+    Read,
+    NotNeeded,
+};
+
+static BitmapOwner LoadWhole(FREE_IMAGE_FORMAT format, ImageStream* stream, Metadata metadata,
+                             LoadProblem* problem)
+{
+    if (format == FIF_JPEG)
+        stream->hidden = FindJpegExif(stream->file, metadata == Metadata::Read);
     *problem = CheckHeader(format, stream);
     if (*problem != LoadProblem::None)
         return nullptr;
@@ -158,15 +179,17 @@ static void InvertSixteenBits(SBxPicBuf* picture)
 
 static LoadProblem LoadPair(const char* path, SBxPicBuf* picture, SBxPicBuf* alpha)
 {
-    const FileOwner stream(OpenUtf8Path(path));
-    if (!stream)
+    const FileOwner file(OpenUtf8Path(path));
+    if (!file)
         return errno == ENOENT || errno == ENOTDIR ? LoadProblem::NoSuchFile
                                                    : LoadProblem::CannotOpen;
+    ImageStream stream;
+    stream.file = file.get();
     FREE_IMAGE_FORMAT format = FIF_UNKNOWN;
-    LoadProblem problem = FindReadableFormat(&format, stream.get(), path);
+    LoadProblem problem = FindReadableFormat(&format, &stream, path);
     if (problem != LoadProblem::None)
         return problem;
-    const BitmapOwner bitmap = LoadWhole(format, stream.get(), &problem);
+    const BitmapOwner bitmap = LoadWhole(format, &stream, Metadata::NotNeeded, &problem);
     if (!bitmap)
         return problem;
     if (PictureFromBitmap(bitmap.get(), picture, alpha))
@@ -177,7 +200,7 @@ static LoadProblem LoadPair(const char* path, SBxPicBuf* picture, SBxPicBuf* alp
     if (format == FIF_BMP)
         DropUnusedAlpha(alpha);
     if (format == FIF_TIFF && FreeImage_GetImageType(bitmap.get()) == FIT_UINT16 &&
-        FreeImage_GetColorType(bitmap.get()) == FIC_MINISBLACK && TiffCountsFromWhite(stream.get()))
+        FreeImage_GetColorType(bitmap.get()) == FIC_MINISBLACK && TiffCountsFromWhite(file.get()))
         InvertSixteenBits(picture);
     return LoadProblem::None;
 }
@@ -251,30 +274,27 @@ static void TakeProfileAndMetadata(FIBITMAP* bitmap, FREE_IMAGE_FORMAT format, F
 static void TakeFromSource(FIBITMAP* bitmap, FREE_IMAGE_FORMAT targetFormat, const char* path,
                            const SBxPicBuf& picture, SaveReport* report)
 {
-    FREE_IMAGE_FORMAT format = FIF_UNKNOWN;
-    const FileOwner stream(OpenSavePath(path));
-    if (!stream)
-    {
-        format = FREE_IMAGE_FORMAT(FormatFromFileName(path));
-    }
-    else if (FindReadableFormat(&format, stream.get(), path) != LoadProblem::None)
-    {
+    const FileOwner file(OpenSavePath(path));
+    ImageStream stream;
+    stream.file = file.get();
+    auto format = FREE_IMAGE_FORMAT(FormatFromFileName(path));
+    if (file && FindReadableFormat(&format, &stream, path) != LoadProblem::None)
         format = FIF_UNKNOWN;
-    }
     if (format == FIF_UNKNOWN || format == FIF_GIF || !FreeImage_FIFSupportsReading(format))
     {
         report->problem = SaveProblem::SourceFormat;
         throw UnsupportedImageFormat();
     }
     LoadProblem problem = LoadProblem::None;
-    const BitmapOwner source = stream ? LoadWhole(format, stream.get(), &problem) : nullptr;
+    const BitmapOwner source =
+        file ? LoadWhole(format, &stream, Metadata::Read, &problem) : nullptr;
     if (!source)
     {
         report->problem = SaveProblem::SourceUnreadable;
         throw ImageReadError();
     }
     if (format == FIF_PNG && !FreeImage_GetICCProfile(source.get())->data)
-        AttachPngProfile(source.get(), stream.get());
+        AttachPngProfile(source.get(), file.get());
     TakeProfileAndMetadata(bitmap, targetFormat, source.get(), picture);
 }
 
@@ -293,13 +313,13 @@ static void SetExif(FIBITMAP* bitmap, const std::vector<uint8_t>& exif)
 }
 
 // Encoders return success for some files that they gave up on; such a file has no readable header.
-static bool HeaderMatches(ReplacingFile* file, FREE_IMAGE_FORMAT format, FIBITMAP* bitmap)
+static bool HeaderMatches(ImageStream* stream, FREE_IMAGE_FORMAT format, FIBITMAP* bitmap)
 {
-    if (std::fflush(file->stream) != 0)
-        file->error = errno;
-    if (file->error || !FreeImage_FIFSupportsNoPixels(format))
-        return !file->error;
-    const BitmapOwner header = Decode(format, file->stream, FIF_LOAD_NOPIXELS);
+    if (!stream->error && std::fflush(stream->file) != 0)
+        stream->error = errno;
+    if (stream->error || !FreeImage_FIFSupportsNoPixels(format))
+        return !stream->error;
+    const BitmapOwner header = Decode(format, stream, FIF_LOAD_NOPIXELS);
     return header && FreeImage_GetWidth(header.get()) == FreeImage_GetWidth(bitmap) &&
            FreeImage_GetHeight(header.get()) == FreeImage_GetHeight(bitmap);
 }
@@ -308,22 +328,26 @@ static void WriteFile(FIBITMAP* bitmap, const char* target, FREE_IMAGE_FORMAT fo
                       SaveReport* report)
 {
     ReplacingFile file;
-    FreeImageIO io = StreamFunctions();
-    report->problem = SaveProblem::CannotCreate;
-    if (BeginReplacing(&file, target))
+    if (!BeginReplacing(&file, target))
     {
-        const bool encoded = FreeImage_SaveToHandle(format, bitmap, &io, &file, flags) &&
-                             HeaderMatches(&file, format, bitmap);
-        report->problem =
-            encoded || file.error ? SaveProblem::CannotWrite : SaveProblem::EncoderFailed;
-        if (!encoded)
-            CancelReplacing(&file);
-        else
-            report->written = FinishReplacing(&file);
+        report->problem = SaveProblem::CannotCreate;
+        report->systemError = file.error;
+        return;
     }
+    FreeImageIO io = StreamFunctions();
+    ImageStream stream;
+    stream.file = file.stream;
+    const bool encoded = FreeImage_SaveToHandle(format, bitmap, &io, &stream, flags) &&
+                         HeaderMatches(&stream, format, bitmap);
+    file.error = stream.error;
+    if (encoded)
+        report->written = FinishReplacing(&file);
+    else
+        CancelReplacing(&file);
     report->systemError = file.error;
-    if (report->written)
-        report->problem = SaveProblem::None;
+    report->problem = report->written ? SaveProblem::None
+                      : file.error    ? SaveProblem::CannotWrite
+                                      : SaveProblem::EncoderFailed;
 }
 
 static int SaveFlags(FREE_IMAGE_FORMAT format)

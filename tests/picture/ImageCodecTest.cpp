@@ -106,13 +106,6 @@ protected:
     }
 };
 
-TEST_P(EveryKind, OfPictureBecomesTheBitmapOfItsKind)
-{
-    const TestPicture picture = ExpectedPicture(), alpha = ExpectedAlpha();
-    ExpectBitmapHoldsTheValues(
-        Own(BitmapFromPicture(picture.pic, kind.alpha ? &alpha.pic : nullptr)).get());
-}
-
 TEST_P(EveryKind, ComesBackFromABitmapTopRowFirstAndBlueFirst)
 {
     const TestPicture picture = ExpectedPicture(), alpha = ExpectedAlpha();

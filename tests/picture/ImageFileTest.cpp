@@ -245,6 +245,7 @@ TEST(FileNames, TellTheFormatByTheirExtension)
     EXPECT_EQ(FormatFromFileName("a.Tif"), kFormatTiff);
     EXPECT_EQ(FormatFromFileName("a.png"), kFormatPng);
     EXPECT_EQ(FormatFromFileName("a.gif"), kFormatGif);
+    EXPECT_EQ(FormatFromFileName("a.psd"), kFormatFromName); // FreeImage's decoder is not safe
     EXPECT_EQ(FormatFromFileName("a.docx"), kFormatFromName);
     EXPECT_EQ(FormatFromFileName(""), kFormatFromName);
 }

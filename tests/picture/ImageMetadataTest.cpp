@@ -184,6 +184,21 @@ TEST(Exif, InTheWrongDirectoryDoesNotStopATiff)
     EXPECT_EQ(ProfileOf(folder.File("t.tif")).size(), 600u);
 }
 
+// The directory's size is taken on trust by FreeImage, which then reads where it should not.
+TEST(Exif, ThatIsDamagedStaysBehindAndHurtsNobody)
+{
+    const TempFolder folder;
+    Bytes exif = MakeExifBlock(SomeExposure());
+    exif[6 + 8] = exif[6 + 8 + 1] = 0xFF; // number of entries
+    const std::string from = WriteSource(folder, "s.jpg", MakeProfile(600, "RGB "), exif);
+    const LoadedPair pair(from);
+    ASSERT_FALSE(pair.failed);
+    for (const char* target : {"t.jpg", "t.tif", "t.png"})
+        ASSERT_TRUE(Save(pair.picture, folder.File(target), kFormatFromName, from).written);
+    EXPECT_EQ(ProfileOf(folder.File("t.jpg")).size(), 600u);
+    EXPECT_TRUE(TagsOf(folder.File("t.jpg"), FIMD_EXIF_RAW).empty());
+}
+
 TEST(Profile, OfOtherColourChannelsStaysBehind)
 {
     const TempFolder folder;
