@@ -43,7 +43,7 @@ static void FillShelf(Geometry* g, float x0, float x1, float y, float clear, flo
 void AddBookcase(Geometry* g)
 {
     const int walnut = AddMaterial(g, Surface::Wood, {0.075f, 0.04f, 0.022f}, 0.12f, 40);
-    const int inside = AddMaterial(g, Surface::Wood, {0.05f, 0.026f, 0.015f}, 0.0f, 42);
+    const int inside = AddMaterial(g, Surface::Wood, {0.036f, 0.019f, 0.012f}, 0.0f, 42);
     const float l = -2.40f, r = -0.86f, t = 2.28f, front = 4.26f, back = 4.58f;
     const Placement here = PlaceAt({0, 0, 0});
     AddBox(g, here, {l, 0, front}, {l + 0.035f, t, back}, walnut);

@@ -10,13 +10,13 @@ static Vec3 Sky(float across, float up, float footprint)
     const Vec3 zenith = {0.75f, 1.8f, 4.6f}, horizon = {4.4f, 5.3f, 6.2f};
     Vec3 sky = Mix(horizon, zenith, SmoothStep(-0.02f, 0.23f, up));
     // Cumulus: flat below, piled up above, lit from the upper right.
-    const Vec3 at = {across * 8.5f + 4.35f, up * 14.0f + 0.4f, 0.0f};
+    const Vec3 at = {across * 8.5f + 3.1f, up * 14.0f + 0.4f, 0.0f};
     const float fine = footprint * 14.0f;
     const float body = Fractal(at, 61, 6, fine);
     const float lit = Fractal(at + Vec3{0.22f, 0.34f, 0}, 61, 5, fine);
-    const float cover = SmoothStep(0.49f, 0.565f, body);
-    const float shine = Saturate(0.60f + (body - lit) * 3.6f);
-    const Vec3 cloud = Mix(Vec3{5.2f, 5.8f, 6.8f}, Vec3{15.5f, 15.0f, 14.2f}, shine);
+    const float cover = SmoothStep(0.475f, 0.55f, body);
+    const float shine = Saturate(0.66f + (body - lit) * 3.6f);
+    const Vec3 cloud = Mix(Vec3{5.2f, 5.8f, 6.8f}, Vec3{17.0f, 16.4f, 15.4f}, shine);
     return Mix(sky, cloud, cover * SmoothStep(0.0f, 0.05f, up));
 }
 
@@ -48,7 +48,7 @@ static Vec3 Mountains(float across, float up, float footprint)
     const float lit = Saturate(0.50f + (rib - beside) * 3.0f);
     const float snow = SmoothStep(0.050f, 0.068f, up + (rib - 0.5f) * 0.045f);
     const Vec3 stone = Mix(Vec3{1.1f, 1.6f, 2.5f}, Vec3{3.0f, 3.0f, 3.0f}, lit);
-    const Vec3 white = Mix(Vec3{3.6f, 4.9f, 7.2f}, Vec3{13.5f, 13.0f, 12.2f}, lit);
+    const Vec3 white = Mix(Vec3{3.6f, 4.9f, 7.2f}, Vec3{15.0f, 14.4f, 13.4f}, lit);
     return Mix(Mix(stone, white, snow), {3.9f, 4.7f, 5.7f}, SmoothStep(0.07f, -0.01f, up) * 0.55f);
 }
 

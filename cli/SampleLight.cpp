@@ -49,8 +49,11 @@ static Vec3 Above(Vec3 position, Vec3 normal)
     return position + normal * 1e-4f;
 }
 
-Vec3 SunLight(const World& world, Vec3 position, Vec3 normal, Disc spot)
+Vec3 SunLight(const World& world, Vec3 position, Vec3 normal, Disc spot, SunView* view)
 {
+    SunView unused;
+    SunView& found = view ? *view : unused;
+    found = SunView::Away;
     const float facing = Dot(normal, kToSun);
     if (facing <= 0.0f)
         return {0, 0, 0};
@@ -61,10 +64,14 @@ Vec3 SunLight(const World& world, Vec3 position, Vec3 normal, Disc spot)
     const Vec3 dir = Normalize(kToSun + (side * around.cos + up * around.sin) * off);
     const float distance = (kWindowOutside - position.z) / dir.z;
     const Vec3 through = position + dir * distance;
-    if (through.x < kWindowLeft || through.x > kWindowRight || through.y < kWindowBottom ||
-        through.y > kWindowTop || Blocked(world.tree, {Above(position, normal), dir}, distance))
+    // A little beyond the window counts as hidden, since the rest of the disc may be seen.
+    const float margin = 0.05f;
+    if (through.x < kWindowLeft - margin || through.x > kWindowRight + margin ||
+        through.y < kWindowBottom - margin || through.y > kWindowTop + margin)
         return {0, 0, 0};
-    return kSunIrradiance * facing;
+    const bool blocked = Blocked(world.tree, {Above(position, normal), dir}, distance);
+    found = blocked ? SunView::Hidden : SunView::Seen;
+    return blocked ? Vec3{0, 0, 0} : kSunIrradiance * facing;
 }
 
 // The room seen as a set of lights from one point. A null normal takes light from all around.

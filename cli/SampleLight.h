@@ -68,8 +68,16 @@ struct Disc
     float turn, radius;
 };
 
-// Irradiance from the sun, as if all of its disc were where `spot` is.
-Vec3 SunLight(const World& world, Vec3 position, Vec3 normal, Disc spot);
+enum class SunView
+{
+    Away,   // the surface looks away from it, or the line to it misses the window
+    Hidden, // something in the room stands before it
+    Seen,
+};
+
+// Irradiance from the sun, as if all of its disc were where `spot` is. `view`, if given, says how
+// the result came about.
+Vec3 SunLight(const World& world, Vec3 position, Vec3 normal, Disc spot, SunView* view = nullptr);
 
 // Light that travels against the ray, with surfaces lit from the coarse maps: for reflections.
 Vec3 ReflectedRadiance(const World& world, const Ray& ray, float footprint);

@@ -193,6 +193,7 @@ struct Sample
 {
     Vec3 radiance;
     int material; // -1 = landscape
+    SunView sun;
 };
 
 static Sample ShadeAt(const World& w, const View& view, const LightScreen& screen, float x, float y,
@@ -201,7 +202,7 @@ static Sample ShadeAt(const World& w, const View& view, const LightScreen& scree
     const Ray ray = RayThrough(view, x, y);
     const Hit hit = Trace(w.tree, ray, 100.0f);
     if (hit.shape < 0)
-        return {Landscape(ray.dir, view.pixel), -1};
+        return {Landscape(ray.dir, view.pixel), -1, SunView::Away};
     const SurfacePoint s = PointAt(w.geometry, ray, hit);
     const float slant = std::max(-Dot(ray.dir, s.facing), 0.15f);
     const float footprint = view.pixel * hit.distance / std::sqrt(slant);
@@ -211,16 +212,27 @@ static Sample ShadeAt(const World& w, const View& view, const LightScreen& scree
     const float level = Luminance(light.irradiance) + 1e-6f;
     const float relief =
         Clamp(1.0f + Dot(look.normal - s.normal, light.direction) / level, 0.15f, 2.5f);
-    const Vec3 sun = SunLight(w, s.position, look.normal, spot);
+    SunView sunView;
+    const Vec3 sun = SunLight(w, s.position, look.normal, spot, &sunView);
     Vec3 radiance = look.color * (light.irradiance * relief + sun) * (1.0f / kPi) + look.glow;
     if (look.mirror.x > 0.0f)
         radiance += Reflection(w, ray, s, look, view.pixel);
-    return {radiance, s.material};
+    return {radiance, s.material, sunView};
 }
 
 static float FourthRoot(float v)
 {
     return std::sqrt(std::sqrt(v));
+}
+
+// Where on the sun's disc sample number i looks. The first four sit around its rim, so that they
+// disagree wherever only a part of the sun is seen; the others fill the disc, turned by another
+// angle in every picture element.
+static Disc SunSpot(int i, float turn)
+{
+    if (i < 4)
+        return {0.08f + (i == 0 ? 0.0f : i == 1 ? 0.5f : i == 2 ? 0.25f : 0.75f), 0.95f};
+    return {Fract(turn + 0.381966f * float(i)), 0.9f * std::sqrt((float(i) - 3.5f) / 12.0f)};
 }
 
 // The elements' values are averaged on a scale near that of the eye. A linear mean is what a
@@ -232,28 +244,30 @@ static Vec3 Resolve(const World& w, const View& view, const LightScreen& screen,
     static const int kOrder[16] = {1, 14, 7, 8, 0, 2, 3, 4, 5, 6, 9, 10, 11, 12, 13, 15};
     Vec3 sum = {0, 0, 0};
     float low = 1e30f, high = 0.0f;
-    int count = 2, firstMaterial = 0;
-    bool mixed = false;
+    Sample first = {};
+    int count = 2;
+    bool mixed = false, edgeOfShadow = false, sunny = false;
     const float turn = Unit(Hash(uint32_t(x), uint32_t(y)));
     for (int i = 0; i < count; i++)
     {
         const int cell = kOrder[i];
         const float sx = (float(cell % 4) + 0.5f) * 0.25f, sy = (float(cell / 4) + 0.5f) * 0.25f;
-        // Every sample sees the sun at another of sixteen places, spread over its disc.
-        const Disc spot = {Fract(turn + 0.381966f * float(cell)),
-                           std::sqrt((float(cell * 7 % 16) + 0.5f) / 16.0f)};
+        const Disc spot = SunSpot(i, turn);
         const Sample s = ShadeAt(w, view, screen, float(x) + sx, float(y) + sy, spot);
         sum += {FourthRoot(s.radiance.x), FourthRoot(s.radiance.y), FourthRoot(s.radiance.z)};
         if (i >= 4)
             continue;
+        if (i == 0)
+            first = s;
         const float level = Luminance(s.radiance);
         low = std::min(low, level);
         high = std::max(high, level);
-        mixed = mixed || (i > 0 && s.material != firstMaterial);
-        firstMaterial = i == 0 ? s.material : firstMaterial;
-        if (i == 1 && (mixed || high > low * 1.08f))
+        mixed = mixed || s.material != first.material;
+        sunny = sunny || s.sun != SunView::Away;
+        edgeOfShadow = edgeOfShadow || s.sun != first.sun;
+        if (i == 1 && (mixed || sunny || high > low * 1.08f))
             count = 4;
-        if (i == 3 && (high > low * 2.0f || (mixed && high > low * 1.2f)))
+        if (i == 3 && (edgeOfShadow || high > low * 2.0f || (mixed && high > low * 1.2f)))
             count = 16;
     }
     const Vec3 mean = sum * (1.0f / float(count));
