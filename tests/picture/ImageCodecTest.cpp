@@ -215,6 +215,22 @@ TEST(EightBitPalette, OfAnythingElseIsRefused)
     EXPECT_TRUE(Pair(GreyBitmap([](int i) { return Grey(i / 2); }).get()).refused);
 }
 
+TEST(SixteenBitGreys, AreTrueGreysWhereABitmapSaysThatItCountsFromWhite)
+{
+    const Bitmap bitmap = NewBitmap(FIT_UINT16, 1, 1, 16);
+    *reinterpret_cast<WORD*>(FreeImage_GetScanLine(bitmap.get(), 0)) = 0x1234;
+    const WORD fromWhite = 0;
+    FITAG* tag = FreeImage_CreateTag();
+    FreeImage_SetTagKey(tag, "PhotometricInterpretation");
+    FreeImage_SetTagType(tag, FIDT_SHORT);
+    FreeImage_SetTagLength(tag, sizeof fromWhite);
+    FreeImage_SetTagCount(tag, 1);
+    FreeImage_SetTagValue(tag, &fromWhite);
+    FreeImage_SetMetadata(FIMD_EXIF_MAIN, bitmap.get(), "PhotometricInterpretation", tag);
+    FreeImage_DeleteTag(tag);
+    EXPECT_EQ(Pair(bitmap.get()).picture.At(0, 0), 0xEDCB);
+}
+
 TEST(NoBitmap, IsNoFailureAndGivesNoPicture)
 {
     TestPicture picture(2, 2, 3, 8), alpha(2, 2, 1, 8);
