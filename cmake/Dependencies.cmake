@@ -20,14 +20,21 @@ elseif(PLENOVIZ_SANITIZE STREQUAL "thread")
     vc_built_dependencies(tsan PLENOVIZ_DEPS)
 endif()
 
-if(PLENOVIZ_DEPS)
-    find_package(TBB REQUIRED CONFIG PATHS "${PLENOVIZ_DEPS}" NO_DEFAULT_PATH)
-else()
-    find_package(TBB REQUIRED CONFIG)
+if(WIN32)
+    # Nothing outside the program: the OpenMP runtime has an import library next to the static one.
+    set(CMAKE_FIND_LIBRARY_SUFFIXES .a)
 endif()
 
+# The folder changes with the recipe, so it is named at each configure run and found anew.
+find_package(Threads REQUIRED) # what a static task library links
+if(PLENOVIZ_DEPS)
+    set(TBB_DIR "${PLENOVIZ_DEPS}/lib/cmake/TBB")
+    set(FreeImage_DIR "${PLENOVIZ_DEPS}/lib/cmake/FreeImage")
+endif()
+find_package(TBB REQUIRED CONFIG)
+
 if(WIN32)
-    find_package(FreeImage REQUIRED CONFIG PATHS "${PLENOVIZ_DEPS}" NO_DEFAULT_PATH)
+    find_package(FreeImage REQUIRED CONFIG)
 else()
     find_library(FREEIMAGE_LIBRARY freeimage REQUIRED)
     find_path(FREEIMAGE_INCLUDE_DIR FreeImage.h REQUIRED)

@@ -1,0 +1,42 @@
+#!/bin/bash
+# Runs a Windows program of this project without a screen: `wine.sh program.exe arguments`.
+# All builds share one wine folder below build/, made at first use, and one server that stays for
+# ten idle minutes, since starting it costs more than most tests.
+
+set -euo pipefail
+root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
+export WINEPREFIX=$root/build/wineprefix
+export WINEARCH=win64
+export WINEDEBUG=-all
+export WINEDLLOVERRIDES="mscoree,mshtml=;winemenubuilder.exe=d"
+unset DISPLAY WAYLAND_DISPLAY
+mkdir -p "$root/build"
+
+MakeFolder()
+{
+    rm -rf "$WINEPREFIX"
+    mkdir -p "$WINEPREFIX"
+    wineboot -i
+    # Windows are created and painted as usual, but shown nowhere.
+    wine reg add 'HKCU\Software\Wine\Drivers' /v Graphics /d null /f
+    # The server writes the registry when its last program has ended.
+    wineserver -w
+    touch "$WINEPREFIX/complete"
+}
+
+# A server that has just been started (it says no when one is up) gets a first program of its own,
+# because the system services keep the streams of the program that starts them, and whoever waits
+# for the end of these streams would wait for the services.
+StartServer()
+{
+    if wineserver -p600; then
+        wine cmd /c exit
+    fi
+}
+
+(
+    flock 8
+    [[ -f $WINEPREFIX/complete ]] || MakeFolder </dev/null >"$root/build/wineprefix.log" 2>&1 8>&-
+    StartServer </dev/null >/dev/null 2>&1 8>&-
+) 8>"$root/build/wineprefix.lock"
+exec wine "$@"
