@@ -12,7 +12,7 @@ static const OptionRow kCommonOptions[] = {
     {"--jpeg-quality", 0, "N", nullptr, &CliOptions::jpegQuality, nullptr, 1, 100, 95, false,
      "quality of JPEG files"},
     {"--threads", 0, "N", nullptr, &CliOptions::threads, nullptr, 0, 1024, 0, false,
-     "how many threads may work; 0 = one per processor"},
+     "threads to use, 0 = all processors"},
     {"--quiet", 'q', nullptr, &CliOptions::quiet, nullptr, nullptr, 0, 0, 0, false,
      "print nothing but errors"},
     {"--help", 'h', nullptr, &CliOptions::help, nullptr, nullptr, 0, 0, 0, false,
@@ -21,9 +21,9 @@ static const OptionRow kCommonOptions[] = {
 
 static const OptionRow kFuseOptions[] = {
     {"--output", 'o', "OUT", nullptr, nullptr, &CliOptions::output, 0, 0, 0, true,
-     "the picture to write; its ending says how: .jpg .jpeg .png .tif .tiff .bmp"},
+     "file to write: .jpg .jpeg .png .tif .tiff or .bmp"},
     {"--exposure", 0, "N", nullptr, &CliOptions::exposure, nullptr, 48, 160, 100, false,
-     "brightness to aim at, as a grey of an 8-bit picture: more = brighter"},
+     "grey to aim at, more = brighter"},
 };
 
 static const OptionRow kSampleOptions[] = {

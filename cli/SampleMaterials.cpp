@@ -87,7 +87,7 @@ static void Planks(const Material& m, const SurfacePoint& p, float footprint, Lo
 }
 
 // Flat-woven carpet: bands of stepped diamonds between borders.
-static void Weave(const Material& m, const SurfacePoint& p, float footprint, Look* look)
+static void Weave(const SurfacePoint& p, float footprint, Look* look)
 {
     static const Vec3 kWool[] = {{0.30f, 0.032f, 0.025f}, {0.022f, 0.04f, 0.10f},
                                  {0.50f, 0.43f, 0.30f},   {0.40f, 0.20f, 0.04f},
@@ -127,7 +127,6 @@ static void Weave(const Material& m, const SurfacePoint& p, float footprint, Loo
     look->color = kWool[wool] * (0.55f + 0.45f * fibre + 0.45f * wear);
     look->normal =
         Tilt(p.normal, Rough({p.texU * 250, p.texV * 120, 2}, 24, footprint * 250) * 0.9f);
-    (void)m;
 }
 
 static void SolidWood(const Material& m, const SurfacePoint& p, float footprint, Look* look)
@@ -215,11 +214,7 @@ static void PaintedBall(const Material& m, const SurfacePoint& p, Look* look)
         look->color = land > 0.53f ? Vec3{0.42f, 0.32f, 0.14f} : m.color;
         return;
     }
-    if (ring < 0.16f)
-        look->color = cream;
-    else if (ring > 0.24f && ring < 0.29f)
-        look->color = cream;
-    else if (ring > 0.88f)
+    if (ring < 0.16f || (ring > 0.24f && ring < 0.29f) || ring > 0.88f)
         look->color = cream;
 }
 
@@ -257,7 +252,7 @@ Look LookAt(const Material& m, const SurfacePoint& p, float footprint)
         break;
     case Surface::Brick: Bricks(m, p, footprint, &look); break;
     case Surface::Planks: Planks(m, p, footprint, &look); break;
-    case Surface::Rug: Weave(m, p, footprint, &look); break;
+    case Surface::Rug: Weave(p, footprint, &look); break;
     case Surface::Wood: SolidWood(m, p, footprint, &look); break;
     case Surface::Velvet:
         look.color = m.color * (0.85f + 0.3f * Fractal(at * 45.0f, m.seed, 3, footprint * 45.0f));
