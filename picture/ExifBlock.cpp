@@ -102,8 +102,12 @@ static std::vector<ExifEntry> CameraEntries(const ExifFields& fields, size_t* ex
     std::vector<ExifEntry> entries;
     AddText(&entries, 0x010F, fields.make);
     AddText(&entries, 0x0110, fields.model);
+    AddRational(&entries, 0x011A, ExifType::Rational, 72, 1); // dots per inch, as good as unknown
+    AddRational(&entries, 0x011B, ExifType::Rational, 72, 1);
+    entries.push_back(NumberEntry(0x0128, ExifType::Short, 2)); // inches
     AddText(&entries, 0x0131, fields.software);
     AddText(&entries, 0x0132, fields.dateTime);
+    entries.push_back(NumberEntry(0x0213, ExifType::Short, 1)); // chroma samples are centred
     *exposureLink = entries.size();
     entries.push_back(NumberEntry(0x8769, ExifType::Long, 0)); // offset of the exposure directory
     return entries;
@@ -120,9 +124,16 @@ static std::vector<ExifEntry> ExposureEntries(const ExifFields& fields)
         entries.push_back(NumberEntry(0x8827, ExifType::Short, fields.iso));
     entries.push_back({0x9000, ExifType::Undefined, 4, {'0', '2', '3', '2'}}); // EXIF version
     AddText(&entries, 0x9003, fields.dateTime); // when it was taken, as against changed
+    entries.push_back({0x9101, ExifType::Undefined, 4, {1, 2, 3, 0}}); // Y, Cb, Cr
     AddRational(&entries, 0x9204, ExifType::SignedRational, uint32_t(fields.biasNumerator),
                 uint32_t(fields.biasDenominator));
+    entries.push_back({0xA000, ExifType::Undefined, 4, {'0', '1', '0', '0'}});
     entries.push_back(NumberEntry(0xA001, ExifType::Short, 1)); // sRGB
+    if (fields.width && fields.height)
+    {
+        entries.push_back(NumberEntry(0xA002, ExifType::Long, fields.width));
+        entries.push_back(NumberEntry(0xA003, ExifType::Long, fields.height));
+    }
     return entries;
 }
 

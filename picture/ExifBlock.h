@@ -18,6 +18,7 @@ struct ExifFields
     std::string dateTime;      // "YYYY:MM:DD HH:MM:SS", local time
     ExifRational exposureTime; // seconds
     ExifRational fNumber;
+    uint32_t width = 0, height = 0; // pixels
     uint16_t iso = 0;
     int32_t biasNumerator = 0; // exposure bias in EV
     int32_t biasDenominator = 0;

@@ -72,6 +72,8 @@ ExifFields SomeExposure()
     fields.dateTime = "2024:05:06 07:08:09";
     fields.exposureTime = {1, 250};
     fields.fNumber = {56, 10};
+    fields.width = 24;
+    fields.height = 16;
     fields.iso = 400;
     fields.biasNumerator = -4;
     fields.biasDenominator = 2;
@@ -152,6 +154,8 @@ TEST(Exif, OfOurOwnSaysWhatWasPutIn)
     EXPECT_EQ(exposure["ExposureTime"], "1/250 sec");
     EXPECT_EQ(exposure["FNumber"], "F5.6");
     EXPECT_EQ(exposure["ISOSpeedRatings"], "400");
+    EXPECT_EQ(exposure["PixelXDimension"], "24");
+    EXPECT_EQ(exposure["PixelYDimension"], "16");
     EXPECT_EQ(exposure["ExposureBiasValue"], "-2");
     EXPECT_EQ(exposure["DateTimeOriginal"], "2024:05:06 07:08:09");
 
@@ -171,7 +175,7 @@ TEST(Exif, InTheWrongDirectoryDoesNotStopATiff)
 {
     const TempFolder folder;
     Bytes exif = MakeExifBlock(SomeExposure());
-    const size_t firstEntry = 6 + 8 + 2, entryBytes = 12, dateTimeEntry = 3;
+    const size_t firstEntry = 6 + 8 + 2, entryBytes = 12, dateTimeEntry = 6;
     uint8_t* tag = &exif[firstEntry + entryBytes * dateTimeEntry];
     ASSERT_EQ(tag[0] | tag[1] << 8, 0x0132);
     tag[0] = 0x03;

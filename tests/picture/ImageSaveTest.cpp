@@ -1,4 +1,3 @@
-#include "picture/ExifBlock.h"
 #include "picture/ImageFile.h"
 #include "picture/SystemFiles.h"
 
@@ -8,8 +7,6 @@
 #include <gtest/gtest.h>
 
 #include <cerrno>
-#include <fstream>
-#include <map>
 
 #ifndef _WIN32
 #include <csignal>
