@@ -17,6 +17,8 @@ static std::string Utf8(const wchar_t* text)
     return result;
 }
 
+extern "C" int wmain(int argc, wchar_t** argv); // no system header declares it
+
 extern "C" int wmain(int argc, wchar_t** argv)
 {
     std::vector<std::string> arguments;
