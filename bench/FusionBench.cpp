@@ -87,21 +87,27 @@ static void Weigh(benchmark::State& state)
     if (!UseVariant(state))
         return;
     const unsigned channels = unsigned(state.range(1));
+    float kernel[5][5];
+    MakeKernel(kernel);
+    // A coarse level of zeros: the band is the level itself.
+    const FloatPlane coarse(VcAllocPlane(kWidth * kHeight / 4));
     FloatPlane gauss[3], sums[3], weights(VcAllocPlane(kWidth * kHeight));
     FusionBandJob job = {};
     job.mid = 128.0f;
     job.weights = weights.get();
-    job.width = kWidth;
-    job.height = kHeight;
+    job.kernel = kernel;
+    job.coarseWidth = kWidth / 2;
+    job.coarseHeight = kHeight / 2;
     for (unsigned c = 0; c < channels; ++c)
     {
         gauss[c] = FilledPlane(kWidth, kHeight);
         sums[c].reset(VcAllocPlane(kWidth * kHeight));
-        job.gauss[c] = job.band[c] = gauss[c].get();
+        job.gauss[c] = {gauss[c].get(), kWidth, kHeight};
+        job.coarse[c] = coarse.get();
         job.sums[c] = sums[c].get();
     }
     for (auto _ : state)
-        VcWeighBand(job, channels, 8);
+        VcWeighBand(job, kFusionFloats, channels, 8);
     const double ratio = double(sums[0].get()[4321]) / double(weights.get()[4321]);
     if (std::fabs(ratio - double(gauss[0].get()[4321])) > 0.01)
         state.SkipWithError("wrong result");
@@ -178,7 +184,10 @@ static void EveryVariant(benchmark::internal::Benchmark* bench)
 BENCHMARK(Reduce)->Apply(EveryVariant)->Unit(benchmark::kMillisecond)->UseRealTime();
 BENCHMARK(Expand)->Apply(EveryVariant)->Unit(benchmark::kMillisecond)->UseRealTime();
 BENCHMARK(Weigh)
-    ->ArgsProduct({{0, 1, 2, 3}, {1, 3}})
+    ->ArgsProduct({
+        {0,  1, 2, 3},
+        {1, 3 }
+})
     ->ArgNames({"variant", "channels"})
     ->Unit(benchmark::kMillisecond)
     ->UseRealTime();

@@ -17,3 +17,10 @@ void VcReduce(float* dst, const float* src, int dstW, int dstH, int srcW, int sr
 // Double: zeros between the samples, filtered, times 4.
 void VcExpand(float* dst, const float* src, int dstW, int dstH, int srcW, int srcH,
               const float kernel[5][5]);
+
+// Rows [firstRow, endRow) of the same, on the calling thread: for whoever has something to do with
+// the rows while they are in the cache.
+void VcReduceRows(float* dst, const float* src, int dstW, int dstH, int srcW, int srcH,
+                  const float kernel[5][5], int firstRow, int endRow);
+void VcExpandRows(float* dst, const float* src, int dstW, int dstH, int srcW, int srcH,
+                  const float kernel[5][5], int firstRow, int endRow);

@@ -9,32 +9,58 @@
 // This header is seen by files with instruction-set flags of their own, so it must stay free of
 // inline functions and of standard headers that bring some.
 
-// One level of one source, as the weighting sees it. Packed planes of width * height.
+// How the samples of a level are stored. The finest level is never turned into floats as a whole:
+// its planes are read as the picture has them.
+enum FusionSamples
+{
+    kFusionFloats,
+    kFusionBytes,
+    kFusionWords,
+    kFusionSampleKinds,
+};
+
+// A plane of one level, packed rows.
+struct FusionPlane
+{
+    const void* samples; // of the kind that the routine is made for
+    int width, height;
+};
+
+// One level of one source, as the weighting sees it. Its values are the band, gauss minus the
+// expanded coarse level, made row by row and never stored.
 struct FusionBandJob
 {
-    float mid;             // target grey on the scale of the samples
-    float spread;          // sigma squared of the well-exposedness
-    const float* gauss[3]; // Gaussian planes: what the weight is made from
-    const float* band[3];  // values to add
-    float* sums[3];        // weighted sums
-    float* weights;        // weight sums, common to all channels
-    int width, height;     // both at least 5
-    int additions;         // how often each pixel is added: 1 or 2
+    float mid;              // target grey on the scale of the samples
+    float spread;           // sigma squared of the well-exposedness
+    FusionPlane gauss[3];   // Gaussian planes: what the weight is made from
+    const float* coarse[3]; // the next level
+    int coarseWidth, coarseHeight;
+    const float (*kernel)[5];
+    float* sums[3]; // weighted sums
+    float* weights; // weight sums, common to all channels
+    int additions;  // how often each pixel is added: 1 or 2
 };
 
 struct FusionKernels
 {
     const char* name;
 
-    // Rows [firstRow, endRow) of VcReduce and VcExpand; see FusionFilter.h.
-    void (*reduceRows)(float* dst, const float* src, int dstW, int dstH, int srcW, int srcH,
-                       const float kernel[5][5], int firstRow, int endRow);
-    void (*expandRows)(float* dst, const float* src, int dstW, int dstH, int srcW, int srcH,
-                       const float kernel[5][5], int firstRow, int endRow);
+    // Rows [firstRow, endRow) of VcReduce; see FusionFilter.h.
+    void (*reduceRows[kFusionSampleKinds])(float* dst, int dstW, int dstH, const FusionPlane* src,
+                                           const float kernel[5][5], int firstRow, int endRow);
+
+    // Columns [firstColumn, endColumn) of one row of VcExpand into out, which is that row.
+    void (*expandRow)(float* out, int dstW, int dstH, const FusionPlane* src,
+                      const float kernel[5][5], int row, int firstColumn, int endColumn);
+
+    // out[i] += sums[i] / weights[i], where there is a weight.
+    void (*addRatios)(float* out, const float* sums, const float* weights, int count);
 
     // Weights and adds the columns [firstColumn, endColumn) of one row.
-    void (*weigh1)(const FusionBandJob* job, int row, int firstColumn, int endColumn);
-    void (*weigh3)(const FusionBandJob* job, int row, int firstColumn, int endColumn);
+    void (*weigh1[kFusionSampleKinds])(const FusionBandJob* job, int row, int firstColumn,
+                                       int endColumn);
+    void (*weigh3[kFusionSampleKinds])(const FusionBandJob* job, int row, int firstColumn,
+                                       int endColumn);
 };
 
 enum class FusionVariant

@@ -1,6 +1,9 @@
 // Takes sources apart into Laplacian pyramids and weights them, and puts the blend together again.
-// A level's band is needed only while that level is weighted, so one set of band planes serves all
-// levels; a collapse keeps just the level it comes from.
+//
+// Only the Gaussian levels above the finest are ever stored: the finest is read from the source's
+// own samples, and a band exists for one piece of a row at a time, between its making and its
+// adding. Putting together keeps the level it comes from and the one it makes; the finest goes
+// straight into the picture.
 
 #include "fusion/FusionAccumulator.h"
 #include "fusion/FusionFilter.h"
@@ -9,8 +12,8 @@
 #include "fusion/FusionWeights.h"
 #include "picture/FloatPlane.h"
 
-#include <algorithm>
-#include <cmath>
+#include <utility>
+#include <vector>
 
 namespace
 {
@@ -22,10 +25,10 @@ struct LevelSize
     int width, height;
 };
 
+// Gaussian levels 1.. of the planes at hand.
 struct Scratch
 {
     FloatPlane gauss[kMaxPlanes][kFusionLevelSlots];
-    FloatPlane band[kMaxPlanes]; // of the level at hand
 };
 
 } // namespace
@@ -35,94 +38,73 @@ static LevelSize SizeOf(const VcFusionAccumulator& acc, unsigned level)
     return {int(acc.levelWidth[level]), int(acc.levelHeight[level])};
 }
 
+static FloatPlane PlaneOf(LevelSize size)
+{
+    return FloatPlane(VcAllocPlane(int64_t(size.width) * size.height));
+}
+
 static bool CarriesBand(LevelSize size)
 {
     return size.width >= 5 && size.height >= 5;
 }
 
+// A picture without any reduction would have its finest level as its coarsest; that level is left
+// at zero then, and such pictures are refused by whoever asks for fusions.
 static bool AllocateScratch(Scratch* scratch, const VcFusionAccumulator& acc, int planes)
 {
-    const LevelSize full = SizeOf(acc, 0);
     for (int c = 0; c < planes; ++c)
-    {
-        for (unsigned k = 0; k <= acc.levels; ++k)
+        for (unsigned k = acc.levels > 0 ? 1 : 0; k <= acc.levels; ++k)
         {
-            const LevelSize size = SizeOf(acc, k);
-            scratch->gauss[c][k].reset(VcAllocPlane(int64_t(size.width) * size.height));
+            scratch->gauss[c][k] = PlaneOf(SizeOf(acc, k));
             if (!scratch->gauss[c][k])
                 return true;
         }
-        scratch->band[c].reset(VcAllocPlane(int64_t(full.width) * full.height));
-        if (!scratch->band[c])
-            return true;
-    }
     return false;
 }
 
-template <typename T>
-static void SamplesToFloat(float* to, const SBxPicBuf& plane, int first, int end)
+static FusionSamples SamplesOf(const SBxPicBuf* planes, unsigned level)
 {
-    for (int y = first; y < end; ++y)
-    {
-        const T* from = PicRow<const T>(plane, y);
-        float* row = to + int64_t(y) * plane.width;
-        for (int x = 0; x < plane.width; ++x)
-            row[x] = float(from[x]);
-    }
+    if (level > 0)
+        return kFusionFloats;
+    return planes[0].bitsPerComponent == 8 ? kFusionBytes : kFusionWords;
 }
 
-static void PlaneToFloat(float* to, const SBxPicBuf& plane)
-{
-    VcParallelRows(plane.height, plane.width,
-                   [&](int first, int end)
-                   {
-                       if (plane.bitsPerComponent == 8)
-                           SamplesToFloat<uint8_t>(to, plane, first, end);
-                       else
-                           SamplesToFloat<uint16_t>(to, plane, first, end);
-                   });
-}
-
-// band = fine - expand(coarse), row by row while the expanded row is still in the cache. A level
-// too small to expand into keeps its Gaussian as its band.
-static void MakeBand(float* band, const float* fine, const float* coarse, LevelSize fineSize,
-                     LevelSize coarseSize, const float kernel[5][5])
-{
-    const FusionKernels& kernels = VcFusionKernels();
-    VcParallelRows(fineSize.height, fineSize.width,
-                   [&](int first, int end)
-                   {
-                       for (int y = first; y < end; ++y)
-                       {
-                           float* to = band + int64_t(y) * fineSize.width;
-                           const float* from = fine + int64_t(y) * fineSize.width;
-                           if (CarriesBand(fineSize))
-                               kernels.expandRows(band, coarse, fineSize.width, fineSize.height,
-                                                  coarseSize.width, coarseSize.height, kernel, y,
-                                                  y + 1);
-                           else
-                               std::fill_n(to, fineSize.width, 0.0f);
-                           for (int x = 0; x < fineSize.width; ++x)
-                               to[x] = from[x] - to[x];
-                       }
-                   });
-}
-
+// What a level's weighting needs to know.
 static FusionBandJob JobOf(const Scratch& scratch, float* const (*channelPlanes)[kFusionPlanes],
-                           const VcFusionAccumulator& acc, unsigned level, int planes)
+                           const SBxPicBuf* planes, const VcFusionAccumulator& acc, unsigned level,
+                           int count)
 {
+    const LevelSize size = SizeOf(acc, level);
     FusionBandJob job = {};
     job.mid = float(acc.exposureMid) * float(1u << (acc.bitsPerComponent - 8));
-    for (int c = 0; c < planes; ++c)
-    {
-        job.gauss[c] = scratch.gauss[c][level].get();
-        job.band[c] = scratch.band[c].get();
-        job.sums[c] = channelPlanes[c][kFusionLevelSlots + level];
-    }
+    job.kernel = acc.kernel;
     job.weights = channelPlanes[0][level];
-    job.width = SizeOf(acc, level).width;
-    job.height = SizeOf(acc, level).height;
+    for (int c = 0; c < count; ++c)
+    {
+        const FloatPlane& stored = scratch.gauss[c][level];
+        const void* samples = stored ? static_cast<const void*>(stored.get()) : planes[c].data;
+        job.gauss[c] = {samples, size.width, size.height};
+        job.sums[c] = channelPlanes[c][kFusionLevelSlots + level];
+        if (level < acc.levels)
+            job.coarse[c] = scratch.gauss[c][level + 1].get();
+    }
+    job.coarseWidth = size.width / 2;
+    job.coarseHeight = size.height / 2;
     return job;
+}
+
+static void MakeCoarser(const FusionBandJob& job, FusionSamples samples, Scratch* scratch,
+                        unsigned level, int count)
+{
+    const FusionKernels& kernels = VcFusionKernels();
+    const int width = job.coarseWidth, height = job.coarseHeight;
+    for (int c = 0; c < count; ++c)
+    {
+        float* to = scratch->gauss[c][level + 1].get();
+        VcParallelRows(height, width, [&](int first, int end) {
+            kernels.reduceRows[samples](to, width, height, &job.gauss[c], job.kernel, first, end);
+        });
+    }
 }
 
 static bool AccumulatePlanes(float* const (*channelPlanes)[kFusionPlanes], const SBxPicBuf* planes,
@@ -134,23 +116,15 @@ static bool AccumulatePlanes(float* const (*channelPlanes)[kFusionPlanes], const
     const unsigned channels = unsigned(count);
     for (unsigned k = 0; k < acc.levels; ++k)
     {
-        const LevelSize fine = SizeOf(acc, k), coarse = SizeOf(acc, k + 1);
-        for (int c = 0; c < count; ++c)
-        {
-            float* gauss = scratch.gauss[c][k].get();
-            float* next = scratch.gauss[c][k + 1].get();
-            if (k == 0)
-                PlaneToFloat(gauss, planes[c]);
-            VcReduce(next, gauss, coarse.width, coarse.height, fine.width, fine.height, acc.kernel);
-            MakeBand(scratch.band[c].get(), gauss, next, fine, coarse, acc.kernel);
-        }
-        if (CarriesBand(fine))
-            VcWeighBand(JobOf(scratch, channelPlanes, acc, k, count), channels,
-                        acc.bitsPerComponent);
+        const FusionSamples samples = SamplesOf(planes, k);
+        const FusionBandJob job = JobOf(scratch, channelPlanes, planes, acc, k, count);
+        MakeCoarser(job, samples, &scratch, k, count);
+        if (CarriesBand(SizeOf(acc, k)))
+            VcWeighBand(job, samples, channels, acc.bitsPerComponent);
         for (int c = 0; c < count; ++c)
             scratch.gauss[c][k].reset();
     }
-    VcWeighTop(JobOf(scratch, channelPlanes, acc, acc.levels, count), channels,
+    VcWeighTop(JobOf(scratch, channelPlanes, planes, acc, acc.levels, count), channels,
                acc.bitsPerComponent);
     return false;
 }
@@ -167,66 +141,74 @@ bool VcAccumulatePlanes3(float* const (*channelPlanes)[kFusionPlanes], const SBx
     return AccumulatePlanes(channelPlanes, planes, 3, acc);
 }
 
-static float Ratio(float sum, float weight)
+// Rows [first, end) of a level of the blend: the coarser level expanded, plus what the sources have
+// to say about this one. to(row) is where a row goes; what stands there is added to.
+template <typename RowAt>
+static void ComposeRows(const VcFusionAccumulator& acc, unsigned channel, unsigned level,
+                        const float* coarse, int first, int end, RowAt to)
 {
-    return std::fabs(double(weight)) > 1e-10 ? sum / weight : 0.0f;
-}
-
-// Adds the blended band of a level to what was expanded into it.
-static void AddBlend(float* plane, const VcFusionAccumulator& acc, unsigned channel, unsigned level)
-{
+    const FusionKernels& kernels = VcFusionKernels();
     const LevelSize size = SizeOf(acc, level);
-    if (!CarriesBand(size))
-        return;
-    const float* sums = SumPlane(acc, channel, level);
     const float* weights = WeightPlane(acc, acc.channels == 3 ? 0 : channel, level);
-    VcParallelRows(size.height, size.width,
-                   [&](int first, int end)
-                   {
-                       const int64_t last = int64_t(end) * size.width;
-                       for (int64_t i = int64_t(first) * size.width; i < last; ++i)
-                           plane[i] += Ratio(sums[i], weights[i]);
-                   });
+    const float* sums = SumPlane(acc, channel, level);
+    for (int row = first; row < end; ++row)
+    {
+        float* out = to(row);
+        if (coarse)
+        {
+            const FusionPlane from = {coarse, size.width / 2, size.height / 2};
+            kernels.expandRow(out, size.width, size.height, &from, acc.kernel, row, 0, size.width);
+        }
+        const int64_t at = int64_t(row) * size.width;
+        if (CarriesBand(size))
+            kernels.addRatios(out, sums + at, weights + at, size.width);
+    }
 }
 
+// Clamped and truncated, as blends are meant to be.
 template <typename T>
-static void WriteSamples(SBxPicBuf* plane, const float* from, int first, int end)
+static void WriteSamples(T* to, const float* from, int width)
 {
     const float top = float((1u << (8 * sizeof(T))) - 1);
-    for (int y = first; y < end; ++y)
+    for (int x = 0; x < width; ++x)
     {
-        const float* row = from + int64_t(y) * plane->width;
-        T* to = PicRow<T>(*plane, y);
-        for (int x = 0; x < plane->width; ++x)
-        {
-            const float lifted = row[x] > 0.0f ? row[x] : 0.0f;
-            to[x] = T(int(lifted < top ? lifted : top)); // truncates, as blends are meant to
-        }
+        const float lifted = from[x] > 0.0f ? from[x] : 0.0f;
+        to[x] = T(int(lifted < top ? lifted : top));
     }
+}
+
+static void ComposeFinest(SBxPicBuf* plane, const VcFusionAccumulator& acc, unsigned channel,
+                          const float* coarse)
+{
+    VcParallelRows(plane->height, plane->width, [&](int first, int end) {
+        std::vector<float> row(size_t(plane->width));
+        for (int y = first; y < end; ++y)
+        {
+            std::fill(row.begin(), row.end(), 0.0f);
+            ComposeRows(acc, channel, 0, coarse, y, y + 1, [&](int) { return row.data(); });
+            if (acc.bitsPerComponent == 8)
+                WriteSamples(PicRow<uint8_t>(*plane, y), row.data(), plane->width);
+            else
+                WriteSamples(PicRow<uint16_t>(*plane, y), row.data(), plane->width);
+        }
+    });
 }
 
 bool VcComposePlane(SBxPicBuf* plane, const VcFusionAccumulator& acc, unsigned channel)
 {
-    FloatPlane coarse, fine;
-    for (unsigned k = acc.levels + 1; k-- > 0;)
+    FloatPlane coarse;
+    for (unsigned k = acc.levels; k > 0; --k)
     {
         const LevelSize size = SizeOf(acc, k);
-        fine.reset(VcAllocPlane(int64_t(size.width) * size.height));
+        FloatPlane fine = PlaneOf(size);
         if (!fine)
             return true;
-        if (k < acc.levels)
-            VcExpand(fine.get(), coarse.get(), size.width, size.height, SizeOf(acc, k + 1).width,
-                     SizeOf(acc, k + 1).height, acc.kernel);
-        AddBlend(fine.get(), acc, channel, k);
+        VcParallelRows(size.height, size.width, [&](int first, int end) {
+            ComposeRows(acc, channel, k, coarse.get(), first, end,
+                        [&](int row) { return fine.get() + int64_t(row) * size.width; });
+        });
         coarse = std::move(fine);
     }
-    VcParallelRows(plane->height, plane->width,
-                   [&](int first, int end)
-                   {
-                       if (acc.bitsPerComponent == 8)
-                           WriteSamples<uint8_t>(plane, coarse.get(), first, end);
-                       else
-                           WriteSamples<uint16_t>(plane, coarse.get(), first, end);
-                   });
+    ComposeFinest(plane, acc, channel, coarse.get());
     return false;
 }

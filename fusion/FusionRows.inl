@@ -62,36 +62,40 @@ static inline int ExpandStart(int i, int dstSize)
 
 // scratch[x - first] = the five source rows from `from` on, filtered vertically, for columns
 // [first, end).
-static void ReduceColumns(float* __restrict scratch, const float* from, int srcW, const Taps& taps,
+template <typename T>
+static void ReduceColumns(float* __restrict scratch, const T* from, int srcW, const Taps& taps,
                           int first, int end)
 {
-    const float* a = from;
-    const float* b = a + srcW;
-    const float* c = b + srcW;
-    const float* d = c + srcW;
-    const float* e = d + srcW;
+    const T* a = from;
+    const T* b = a + srcW;
+    const T* c = b + srcW;
+    const T* d = c + srcW;
+    const T* e = d + srcW;
     for (int x = first; x < end; ++x)
-        scratch[x - first] = Filtered(taps, a[x], b[x], c[x], d[x], e[x]);
+        scratch[x - first] =
+            Filtered(taps, float(a[x]), float(b[x]), float(c[x]), float(d[x]), float(e[x]));
 }
 
-static void ReduceRows(float* dst, const float* src, int dstW, int dstH, int srcW, int srcH,
+template <typename T>
+static void ReduceRows(float* dst, int dstW, int dstH, const FusionPlane* src,
                        const float kernel[5][5], int firstRow, int endRow)
 {
     if (dstW < 5 || dstH < 5)
         return;
+    const int srcW = src->width, srcH = src->height;
     const Taps taps = TapsOf(kernel, 1.0f);
     float scratch[2 * kPiece + 8];
     for (int i = firstRow; i < endRow; ++i)
     {
-        const float* window = src + (long long)ReduceStart(i, srcH) * srcW;
+        const T* window =
+            static_cast<const T*>(src->samples) + (long long)ReduceStart(i, srcH) * srcW;
         float* __restrict out = dst + (long long)i * dstW;
         for (int first = 0; first < dstW; first += kPiece)
         {
             const int end = Smaller(first + kPiece, dstW);
             const int base = ReduceStart(first, srcW);
             ReduceColumns(scratch, window, srcW, taps, base, ReduceStart(end - 1, srcW) + 5);
-            const auto sample = [&](int j)
-            {
+            const auto sample = [&](int j) {
                 const float* s = scratch + (ReduceStart(j, srcW) - base);
                 return Filtered(taps, s[0], s[1], s[2], s[3], s[4]);
             };
@@ -138,46 +142,58 @@ static void ExpandColumns(float* __restrict scratch, const float* src, int srcW,
     }
 }
 
-static void ExpandRows(float* dst, const float* src, int dstW, int dstH, int srcW, int srcH,
-                       const float kernel[5][5], int firstRow, int endRow)
+// out[j - first] for columns [first, end) of a row, at most 2 * kPiece of them.
+static void ExpandPiece(float* __restrict out, int dstW, int dstH, const float* src, int srcW,
+                        int srcH, const Taps& taps, int row, int first, int end)
+{
+    float scratch[kPiece + 8];
+    const int base = ExpandStart(first, dstW) / 2;
+    const int last = Smaller((ExpandStart(end - 1, dstW) + 4) / 2, srcW - 1);
+    ExpandColumns(scratch, src, srcW, srcH, dstH, taps, row, base, last + 1);
+    const auto sample = [&](int j) {
+        const int start = ExpandStart(j, dstW);
+        const float* s = scratch + ((start + 1) / 2 - base);
+        if (start & 1)
+            return FilteredOdd(taps, s[0], s[1]);
+        return FilteredEven(taps, s[0], s[1], start + 4 < 2 * srcW ? s[2] : 0.0f);
+    };
+    // Inside, columns come in pairs: an even one sees three samples, an odd one two.
+    int j = first;
+    for (; j < end && (j < 4 || (j & 1)); ++j)
+        out[j - first] = sample(j);
+    const int inner = Smaller(Smaller(dstW, 2 * srcW) - 2, end);
+    const int pairs = inner > j ? (inner - j) / 2 : 0;
+    const float* __restrict s = scratch + (j / 2 - 1 - base);
+    float* __restrict pair = out + (j - first);
+    for (int n = 0; n < pairs; ++n)
+    {
+        pair[2 * n] = FilteredEven(taps, s[n], s[n + 1], s[n + 2]);
+        pair[2 * n + 1] = FilteredOdd(taps, s[n + 1], s[n + 2]);
+    }
+    for (j += 2 * pairs; j < end; ++j)
+        out[j - first] = sample(j);
+}
+
+static void ExpandRow(float* out, int dstW, int dstH, const FusionPlane* src,
+                      const float kernel[5][5], int row, int firstColumn, int endColumn)
 {
     if (dstW < 5 || dstH < 5)
         return;
     const Taps taps = TapsOf(kernel, 2.0f); // the gain of 4 is 2 on each axis
-    float scratch[kPiece + 8];
-    for (int i = firstRow; i < endRow; ++i)
+    for (int first = firstColumn; first < endColumn; first += 2 * kPiece)
+        ExpandPiece(out + first, dstW, dstH, static_cast<const float*>(src->samples), src->width,
+                    src->height, taps, row, first, Smaller(first + 2 * kPiece, endColumn));
+}
+
+// 1e-10f is the smallest float above 1e-10.
+static void AddRatios(float* __restrict out, const float* __restrict sums,
+                      const float* __restrict weights, int count)
+{
+    for (int i = 0; i < count; ++i)
     {
-        float* __restrict out = dst + (long long)i * dstW;
-        for (int first = 0; first < dstW; first += 2 * kPiece)
-        {
-            const int end = Smaller(first + 2 * kPiece, dstW);
-            const int base = ExpandStart(first, dstW) / 2;
-            const int last = Smaller((ExpandStart(end - 1, dstW) + 4) / 2, srcW - 1);
-            ExpandColumns(scratch, src, srcW, srcH, dstH, taps, i, base, last + 1);
-            const auto sample = [&](int j)
-            {
-                const int start = ExpandStart(j, dstW);
-                const float* s = scratch + ((start + 1) / 2 - base);
-                if (start & 1)
-                    return FilteredOdd(taps, s[0], s[1]);
-                return FilteredEven(taps, s[0], s[1], start + 4 < 2 * srcW ? s[2] : 0.0f);
-            };
-            // Inside, columns come in pairs: an even one sees three samples, an odd one two.
-            int j = first;
-            for (; j < Smaller(4, end); ++j)
-                out[j] = sample(j);
-            const int inner = Smaller(Smaller(dstW, 2 * srcW) - 2, end);
-            const int pairs = inner > j ? (inner - j) / 2 : 0;
-            const float* __restrict s = scratch + (j / 2 - 1 - base);
-            float* __restrict pair = out + j;
-            for (int n = 0; n < pairs; ++n)
-            {
-                pair[2 * n] = FilteredEven(taps, s[n], s[n + 1], s[n + 2]);
-                pair[2 * n + 1] = FilteredOdd(taps, s[n + 1], s[n + 2]);
-            }
-            for (j += 2 * pairs; j < end; ++j)
-                out[j] = sample(j);
-        }
+        const bool weighs = __builtin_fabsf(weights[i]) >= 1e-10f;
+        const float ratio = sums[i] / (weighs ? weights[i] : 1.0f);
+        out[i] += weighs ? ratio : 0.0f;
     }
 }
 
@@ -230,91 +246,116 @@ static void AddPlain(float* __restrict to, const float* __restrict value, int co
         to[n] += value[n];
 }
 
-static void WeighColumns1(const FusionBandJob& job, int row, int first, int end, int shift)
+// band[n] = gauss[n] - band[n], which holds the expanded coarse level.
+template <typename T>
+static void FinishBand(float* __restrict band, const T* __restrict gauss, int count)
 {
-    const long long at = (long long)row * job.width;
-    const long long centreAt = (long long)WindowCentre(row, job.height) * job.width + shift;
-    const float* g = job.gauss[0] + at;
-    const float* middle = job.gauss[0] + centreAt;
-    const float* up = middle - job.width;
-    const float* down = middle + job.width;
-    const float mid = job.mid, spread = job.spread;
+    for (int n = 0; n < count; ++n)
+        band[n] = float(gauss[n]) - band[n];
+}
 
-    // Weights of a piece first, then the sums: the compiler sees loops that it can vectorise.
-    float piece[kPiece];
-    for (int from = first; from < end; from += kPiece)
+template <typename T>
+static const T* RowOf(const FusionPlane& plane, int row)
+{
+    return static_cast<const T*>(plane.samples) + (long long)row * plane.width;
+}
+
+// Adds the columns [from, from + count) of a row, whose weights are known.
+template <typename T>
+static void AddBands(const FusionBandJob& job, int channels, const float* weights, int row,
+                     int from, int count)
+{
+    const int width = job.gauss[0].width, height = job.gauss[0].height;
+    const long long at = (long long)row * width + from;
+    const Taps taps = TapsOf(job.kernel, 2.0f);
+    for (int addition = 0; addition < job.additions; ++addition)
+        AddPlain(job.weights + at, weights, count);
+    float band[kPiece];
+    for (int c = 0; c < channels; ++c)
     {
-        const int count = Smaller(kPiece, end - from);
-        for (int n = 0; n < count; ++n)
-        {
-            const long long x = from + n;
-            const float lap = Laplacian(up[x], middle[x - 1], middle[x], middle[x + 1], down[x]);
-            piece[n] = Weight1(g[x], lap, mid, spread);
-        }
+        ExpandPiece(band, width, height, job.coarse[c], job.coarseWidth, job.coarseHeight, taps,
+                    row, from, from + count);
+        FinishBand(band, RowOf<T>(job.gauss[c], row) + from, count);
         for (int addition = 0; addition < job.additions; ++addition)
-        {
-            AddPlain(job.weights + at + from, piece, count);
-            AddWeighted(job.sums[0] + at + from, piece, job.band[0] + at + from, count);
-        }
+            AddWeighted(job.sums[c] + at, weights, band, count);
     }
 }
 
-// The first and the last column use their neighbour's window; all others their own.
-static void Weigh1(const FusionBandJob* job, int row, int firstColumn, int endColumn)
+// Weights of the columns [first, end) of a row into weights[x - first]; the window of a column
+// lies `shift` beside it.
+template <typename T>
+static void Weights1(float* __restrict weights, const FusionBandJob& job, int row, int first,
+                     int end, int shift)
 {
-    int x = firstColumn;
-    if (x == 0 && x < endColumn)
-        WeighColumns1(*job, row, x++, 1, 1);
-    const int inner = Smaller(endColumn, job->width - 1);
-    if (x < inner)
-        WeighColumns1(*job, row, x, inner, 0);
-    if (endColumn == job->width && endColumn > x)
-        WeighColumns1(*job, row, job->width - 1, job->width, -1);
-}
-
-static void WeighColumns3(const FusionBandJob& job, int row, int first, int end, int shift)
-{
-    const long long at = (long long)row * job.width;
-    const long long centreAt = (long long)WindowCentre(row, job.height) * job.width + shift;
-    const float* g0 = job.gauss[0] + at;
-    const float* g1 = job.gauss[1] + at;
-    const float* g2 = job.gauss[2] + at;
-    const float* c0 = job.gauss[0] + centreAt;
-    const float* c1 = job.gauss[1] + centreAt;
-    const float* c2 = job.gauss[2] + centreAt;
-    const long long next = job.width;
+    const FusionPlane& plane = job.gauss[0];
+    const T* g = RowOf<T>(plane, row);
+    const T* middle = RowOf<T>(plane, WindowCentre(row, plane.height)) + shift;
+    const T* up = middle - plane.width;
+    const T* down = middle + plane.width;
     const float mid = job.mid, spread = job.spread;
-
-    float piece[kPiece];
-    for (int from = first; from < end; from += kPiece)
+    for (int x = first; x < end; ++x)
     {
-        const int count = Smaller(kPiece, end - from);
-        for (int n = 0; n < count; ++n)
-        {
-            const long long x = from + n;
-            const float lap = Laplacian(c0[x - next] + c1[x - next] + c2[x - next],
-                                        c0[x - 1] + c1[x - 1] + c2[x - 1], c0[x] + c1[x] + c2[x],
-                                        c0[x + 1] + c1[x + 1] + c2[x + 1],
-                                        c0[x + next] + c1[x + next] + c2[x + next]);
-            piece[n] = Weight3(g0[x], g1[x], g2[x], lap, mid, spread);
-        }
-        for (int addition = 0; addition < job.additions; ++addition)
-        {
-            AddPlain(job.weights + at + from, piece, count);
-            for (int c = 0; c < 3; ++c)
-                AddWeighted(job.sums[c] + at + from, piece, job.band[c] + at + from, count);
-        }
+        const float lap = Laplacian(float(up[x]), float(middle[x - 1]), float(middle[x]),
+                                    float(middle[x + 1]), float(down[x]));
+        weights[x - first] = Weight1(float(g[x]), lap, mid, spread);
     }
 }
 
-static void Weigh3(const FusionBandJob* job, int row, int firstColumn, int endColumn)
+template <typename T>
+static void Weights3(float* __restrict weights, const FusionBandJob& job, int row, int first,
+                     int end, int shift)
 {
-    int x = firstColumn;
-    if (x == 0 && x < endColumn)
-        WeighColumns3(*job, row, x++, 1, 1);
-    const int inner = Smaller(endColumn, job->width - 1);
-    if (x < inner)
-        WeighColumns3(*job, row, x, inner, 0);
-    if (endColumn == job->width && endColumn > x)
-        WeighColumns3(*job, row, job->width - 1, job->width, -1);
+    const long long width = job.gauss[0].width;
+    const int centre = WindowCentre(row, job.gauss[0].height);
+    const T* g0 = RowOf<T>(job.gauss[0], row);
+    const T* g1 = RowOf<T>(job.gauss[1], row);
+    const T* g2 = RowOf<T>(job.gauss[2], row);
+    const T* c0 = RowOf<T>(job.gauss[0], centre) + shift;
+    const T* c1 = RowOf<T>(job.gauss[1], centre) + shift;
+    const T* c2 = RowOf<T>(job.gauss[2], centre) + shift;
+    const float mid = job.mid, spread = job.spread;
+    const auto sum = [=](long long x) { return float(c0[x]) + float(c1[x]) + float(c2[x]); };
+    for (int x = first; x < end; ++x)
+    {
+        const float lap = Laplacian(sum(x - width), sum(x - 1), sum(x), sum(x + 1), sum(x + width));
+        weights[x - first] = Weight3(float(g0[x]), float(g1[x]), float(g2[x]), lap, mid, spread);
+    }
+}
+
+// A piece of a row at a time: weights first, then the sums, so that the compiler sees loops that
+// it can vectorise and everything in between stays in the first-level cache. The first and the last
+// column use their neighbour's window, all others their own.
+template <typename T, int Channels>
+static void Weigh(const FusionBandJob* job, int row, int firstColumn, int endColumn)
+{
+    const int width = job->gauss[0].width;
+    const auto weigh = Channels == 1 ? Weights1<T> : Weights3<T>;
+    float weights[kPiece];
+    for (int from = firstColumn; from < endColumn; from += kPiece)
+    {
+        const int end = Smaller(from + kPiece, endColumn);
+        const int inner = from > 0 ? from : 1, innerEnd = Smaller(end, width - 1);
+        if (from == 0)
+            weigh(weights, *job, row, 0, 1, 1);
+        if (inner < innerEnd)
+            weigh(weights + (inner - from), *job, row, inner, innerEnd, 0);
+        if (end == width)
+            weigh(weights + (width - 1 - from), *job, row, width - 1, width, -1);
+        AddBands<T>(*job, Channels, weights, row, from, end - from);
+    }
+}
+
+using Byte = unsigned char;
+using Word = unsigned short;
+
+constexpr FusionKernels TunedKernels(const char* name)
+{
+    return {
+        name,
+        {ReduceRows<float>, ReduceRows<Byte>, ReduceRows<Word>},
+        ExpandRow,
+        AddRatios,
+        { Weigh<float, 1>, Weigh<Byte,                                   1>, Weigh<Word, 1>},
+        { Weigh<float, 3>, Weigh<Byte,                                   3>, Weigh<Word, 3>}
+    };
 }

@@ -8,4 +8,4 @@ namespace
 }
 
 extern const FusionKernels kFusionKernelsAvx2;
-const FusionKernels kFusionKernelsAvx2 = {"AVX2", ReduceRows, ExpandRows, Weigh1, Weigh3};
+const FusionKernels kFusionKernelsAvx2 = TunedKernels("AVX2");

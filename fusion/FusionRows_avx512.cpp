@@ -8,4 +8,4 @@ namespace
 }
 
 extern const FusionKernels kFusionKernelsAvx512;
-const FusionKernels kFusionKernelsAvx512 = {"AVX-512", ReduceRows, ExpandRows, Weigh1, Weigh3};
+const FusionKernels kFusionKernelsAvx512 = TunedKernels("AVX-512");

@@ -8,4 +8,4 @@ namespace
 }
 
 extern const FusionKernels kFusionKernelsSse2;
-const FusionKernels kFusionKernelsSse2 = {"SSE2", ReduceRows, ExpandRows, Weigh1, Weigh3};
+const FusionKernels kFusionKernelsSse2 = TunedKernels("SSE2");

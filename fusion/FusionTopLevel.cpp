@@ -47,6 +47,11 @@ static float Weight1(float value, float lap, float mid, double spread)
     return float(contrast * exposure * exposure + 1e-5);
 }
 
+static const float* Samples(const FusionBandJob& job, unsigned channel)
+{
+    return static_cast<const float*>(job.gauss[channel].samples);
+}
+
 // Mean and variance of the three samples of a pixel.
 struct Colour
 {
@@ -56,11 +61,11 @@ struct Colour
 
 static Colour ColourOf(const FusionBandJob& job, size_t p)
 {
-    const float* const* g = job.gauss;
-    const float mean = (g[0][p] + g[1][p] + g[2][p]) / 3.0f;
+    const float g[3] = {Samples(job, 0)[p], Samples(job, 1)[p], Samples(job, 2)[p]};
+    const float mean = (g[0] + g[1] + g[2]) / 3.0f;
     float squares = 0.0f;
-    for (int c = 0; c < 3; ++c)
-        squares += (mean - g[c][p]) * (mean - g[c][p]);
+    for (const float sample : g)
+        squares += (mean - sample) * (mean - sample);
     return {mean, double(squares) / 3.0};
 }
 
@@ -82,33 +87,34 @@ static float Weight3Of16Bits(const Colour& colour, float lap, float mid, float s
     return float(double(contrast * saturation * exposure * exposure) + 1e-5);
 }
 
-template <typename SampleAt>
-static float LaplacianAt(const FusionBandJob& job, int row, int column, SampleAt at)
+static float LaplacianAt(const FusionBandJob& job, unsigned channels, int row, int column)
 {
-    const size_t width = size_t(job.width);
-    const size_t centre = size_t(std::clamp(row, 1, job.height - 2)) * width +
-                          size_t(std::clamp(column, 1, job.width - 2));
-    return float(double(at(centre - width)) + at(centre - 1) - 4.0 * at(centre) + at(centre + 1) +
+    const size_t width = size_t(job.gauss[0].width);
+    const size_t centre = size_t(std::clamp(row, 1, job.gauss[0].height - 2)) * width +
+                          size_t(std::clamp(column, 1, job.gauss[0].width - 2));
+    const auto at = [&](size_t i) {
+        const float sample = Samples(job, 0)[i];
+        return double(channels == 3 ? sample + Samples(job, 1)[i] + Samples(job, 2)[i] : sample);
+    };
+    return float(at(centre - width) + at(centre - 1) - 4.0 * at(centre) + at(centre + 1) +
                  at(centre + width));
 }
 
 void VcWeighTop(const FusionBandJob& job, unsigned channels, unsigned bitsPerComponent)
 {
-    if (job.width < 5 || job.height < 5)
+    const int width = job.gauss[0].width, height = job.gauss[0].height;
+    if (width < 5 || height < 5)
         return;
-    const float* const* g = job.gauss;
     const float spread = VcExposureSpread(bitsPerComponent);
-    for (int y = 0; y < job.height; ++y)
+    for (int y = 0; y < height; ++y)
     {
-        for (int x = 0; x < job.width; ++x)
+        for (int x = 0; x < width; ++x)
         {
-            const size_t p = size_t(y) * size_t(job.width) + size_t(x);
-            const float lap = LaplacianAt(
-                job, y, x,
-                [&](size_t i) { return channels == 3 ? g[0][i] + g[1][i] + g[2][i] : g[0][i]; });
+            const size_t p = size_t(y) * size_t(width) + size_t(x);
+            const float lap = LaplacianAt(job, channels, y, x);
             float weight;
             if (channels != 3)
-                weight = Weight1(g[0][p], lap, job.mid,
+                weight = Weight1(Samples(job, 0)[p], lap, job.mid,
                                  bitsPerComponent == 8 ? 7200.0 : 10.0 * double(spread));
             else if (bitsPerComponent == 8)
                 weight = Weight3Of8Bits(ColourOf(job, p), lap, job.mid);
@@ -116,7 +122,7 @@ void VcWeighTop(const FusionBandJob& job, unsigned channels, unsigned bitsPerCom
                 weight = Weight3Of16Bits(ColourOf(job, p), lap, job.mid, spread);
             job.weights[p] += weight;
             for (unsigned c = 0; c < channels; ++c)
-                job.sums[c][p] += weight * g[c][p];
+                job.sums[c][p] += weight * Samples(job, c)[p];
         }
     }
 }

@@ -19,17 +19,19 @@ using TaskRange = tbb::blocked_range2d<int, int>;
 class VcUpdateAplitude_x8
 {
 public:
-    explicit VcUpdateAplitude_x8(const FusionBandJob& band) : job(band) {}
+    VcUpdateAplitude_x8(const FusionBandJob& band, FusionSamples samples)
+        : job(band), weigh(VcFusionKernels().weigh1[samples])
+    {}
 
     void operator()(const TaskRange& range) const
     {
         for (int row = range.rows().begin(); row < range.rows().end(); ++row)
-            kernels->weigh1(&job, row, range.cols().begin(), range.cols().end());
+            weigh(&job, row, range.cols().begin(), range.cols().end());
     }
 
 private:
     FusionBandJob job;
-    const FusionKernels* kernels = &VcFusionKernels();
+    void (*weigh)(const FusionBandJob* job, int row, int firstColumn, int endColumn);
 };
 
 // The same arithmetic; only the spread in the job differs.
@@ -43,17 +45,21 @@ public:
 class VcUpdateAplitude_3x16
 {
 public:
-    explicit VcUpdateAplitude_3x16(const FusionBandJob& band) : job(band) { job.additions = 1; }
+    VcUpdateAplitude_3x16(const FusionBandJob& band, FusionSamples samples)
+        : job(band), weigh(VcFusionKernels().weigh3[samples])
+    {
+        job.additions = 1;
+    }
 
     void operator()(const TaskRange& range) const
     {
         for (int row = range.rows().begin(); row < range.rows().end(); ++row)
-            kernels->weigh3(&job, row, range.cols().begin(), range.cols().end());
+            weigh(&job, row, range.cols().begin(), range.cols().end());
     }
 
 protected:
     FusionBandJob job;
-    const FusionKernels* kernels = &VcFusionKernels();
+    void (*weigh)(const FusionBandJob* job, int row, int firstColumn, int endColumn);
 };
 
 // Adds each pixel twice. Weight and weighted value grow together, so the quotient is unchanged;
@@ -62,18 +68,19 @@ protected:
 class VcUpdateAplitude_3x8 : public VcUpdateAplitude_3x16
 {
 public:
-    explicit VcUpdateAplitude_3x8(const FusionBandJob& band) : VcUpdateAplitude_3x16(band)
+    VcUpdateAplitude_3x8(const FusionBandJob& band, FusionSamples samples)
+        : VcUpdateAplitude_3x16(band, samples)
     {
         job.additions = 2;
     }
 };
 
 template <typename Body>
-static void RunBody(const FusionBandJob& job)
+static void RunBody(const FusionBandJob& job, FusionSamples samples)
 {
     tbb::task_group_context context(tbb::task_group_context::bound);
-    tbb::parallel_for(TaskRange(0, job.height, 1, 0, job.width, 1), Body(job),
-                      tbb::auto_partitioner(), context);
+    tbb::parallel_for(TaskRange(0, job.gauss[0].height, 1, 0, job.gauss[0].width, 1),
+                      Body(job, samples), tbb::auto_partitioner(), context);
 }
 
 float VcExposureSpread(unsigned bitsPerComponent)
@@ -84,16 +91,17 @@ float VcExposureSpread(unsigned bitsPerComponent)
     return float(double(s) * double(s) * 1.41);
 }
 
-void VcWeighBand(FusionBandJob job, unsigned channels, unsigned bitsPerComponent)
+void VcWeighBand(FusionBandJob job, FusionSamples samples, unsigned channels,
+                 unsigned bitsPerComponent)
 {
     job.spread = VcExposureSpread(bitsPerComponent);
     job.additions = 1;
     if (channels == 3)
-        bitsPerComponent == 8 ? RunBody<VcUpdateAplitude_3x8>(job)
-                              : RunBody<VcUpdateAplitude_3x16>(job);
+        bitsPerComponent == 8 ? RunBody<VcUpdateAplitude_3x8>(job, samples)
+                              : RunBody<VcUpdateAplitude_3x16>(job, samples);
     else
-        bitsPerComponent == 8 ? RunBody<VcUpdateAplitude_x8>(job)
-                              : RunBody<VcUpdateAplitude_x16>(job);
+        bitsPerComponent == 8 ? RunBody<VcUpdateAplitude_x8>(job, samples)
+                              : RunBody<VcUpdateAplitude_x16>(job, samples);
 }
 
 void VcParallelRows(int rows, int rowSamples, const std::function<void(int, int)>& rowRange)

@@ -5,11 +5,13 @@
 // Weights one band level and adds it to the sums: every pixel counts for more where its
 // surroundings are busy, where its colours are far from grey and where its brightness is close to
 // `mid`. Fills in the job's spread and additions by depth and channel count, then runs over the
-// task pool. One channel or three.
-void VcWeighBand(FusionBandJob job, unsigned channels, unsigned bitsPerComponent);
+// task pool. One channel or three; `samples` says how the job's Gaussian planes are stored.
+void VcWeighBand(FusionBandJob job, FusionSamples samples, unsigned channels,
+                 unsigned bitsPerComponent);
 
-// The same for the coarsest level, whose values are the Gaussian samples themselves (job.band is
-// not read). Its formulas differ from the bands' on purpose. Serial: the level is tiny.
+// The same for the coarsest level, whose values are the Gaussian samples themselves, in floats (the
+// job's coarse planes are not looked at). Its formulas differ from the bands' on purpose. Serial:
+// the level is tiny.
 void VcWeighTop(const FusionBandJob& job, unsigned channels, unsigned bitsPerComponent);
 
 // Squared spread of the well-exposedness. 7200 at 8 bits does not follow the formula of the other
