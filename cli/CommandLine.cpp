@@ -17,8 +17,7 @@ static const OptionRow* FindOption(const CommandRow& command, const std::string&
     return nullptr;
 }
 
-// The whole text as a decimal number; anything else, spaces and a plus sign included, is none.
-static bool ParseNumber(const std::string& text, long long* value)
+bool ParseNumber(const std::string& text, long long* value)
 {
     const bool negative = !text.empty() && text[0] == '-';
     const std::string digits = text.substr(negative ? 1 : 0);
@@ -41,6 +40,10 @@ static std::string StoreValue(CliOptions* options, const OptionRow& row, const s
         options->*row.text = value;
         return value.empty() ? std::string(row.name) + " needs a value that is not empty" : "";
     }
+    if (row.parse)
+        return row.parse(value, options)
+                   ? ""
+                   : std::string(row.name) + " takes " + row.takes + ", not '" + value + "'";
     long long number = 0;
     if (!ParseNumber(value, &number) || number < row.low || number > row.high)
         return std::string(row.name) + " takes a whole number from " + std::to_string(row.low) +

@@ -23,11 +23,17 @@ struct CliOptions
     int jpegQuality = 0;
     int threads = 0; // 0 = as many as the machine has
     int width = 0, height = 0, frames = 0;
+    int noise = 1; // 0 none .. 3 high
+    int power = 0; // variants to fuse
+    int contrast = 0, noiseAmplitude = 0, details = 0, equalization = 0;
+    bool luminanceOnly = false;
+    int lod[8] = {10, 10, 10, 10, 10, 10, 10, 10};
+    bool times = false;
     bool quiet = false;
     bool help = false;
 };
 
-// Exactly one of flag, number and text is set.
+// Exactly one of flag, number, text and parse is set.
 struct OptionRow
 {
     const char* name;     // with both dashes
@@ -39,6 +45,10 @@ struct OptionRow
     int low, high, byDefault; // numbers only
     bool required;            // texts only
     const char* help;
+    // For values of another shape: stores the value; false when it makes no sense. `takes` says
+    // what would.
+    bool (*parse)(const std::string& value, CliOptions* options) = nullptr;
+    const char* takes = nullptr;
 };
 
 struct CliStreams
@@ -95,6 +105,9 @@ struct ParsedLine
 // `arguments` are those after the program's name.
 ParsedLine ParseCommandLine(const CommandTable& table, const std::vector<std::string>& arguments);
 
+// The whole text as a decimal number; anything else, spaces and a plus sign included, is none.
+bool ParseNumber(const std::string& text, long long* value);
+
 std::string ProgramHelp(const CommandTable& table);
 std::string CommandHelp(const CommandRow& command);
 
@@ -104,6 +117,15 @@ int RunCommandLine(const std::vector<std::string>& arguments, const CliStreams& 
 // Writes the one line of a failure (file may be empty) and gives the exit code that goes with it.
 int Fail(const CliStreams& streams, const std::string& file, const std::string& reason);
 
+// The same for a command line whose parts do not go together.
+int FailUsage(const CliStreams& streams, const char* command, const std::string& reason);
+
 // The commands' own functions.
 int RunFuse(const CliOptions& options, const CliStreams& streams);
 int RunSample(const CliOptions& options, const CliStreams& streams);
+int RunSingle(const CliOptions& options, const CliStreams& streams);
+int RunDaylightUp(const CliOptions& options, const CliStreams& streams);
+int RunDaylightDown(const CliOptions& options, const CliStreams& streams);
+int RunToneMap(const CliOptions& options, const CliStreams& streams);
+int RunSmartContrast(const CliOptions& options, const CliStreams& streams);
+int RunSeries(const CliOptions& options, const CliStreams& streams);

@@ -52,8 +52,7 @@ std::string Summary(const ParsedLine& line)
 }
 
 class Line : public testing::TestWithParam<LineCase>
-{
-};
+{};
 
 const std::string kFuseHelp = "; see plenoviz-cli fuse --help";
 const std::string kSampleHelp = "; see plenoviz-cli sample --help";
@@ -126,7 +125,9 @@ TEST(CommandTable, HasConsistentRows)
         std::set<std::string> names;
         for (const OptionRow* row : OptionsOf(command))
         {
-            EXPECT_EQ((row->flag != nullptr) + (row->number != nullptr) + (row->text != nullptr), 1)
+            EXPECT_EQ((row->flag != nullptr) + (row->number != nullptr) + (row->text != nullptr) +
+                          (row->parse != nullptr),
+                      1)
                 << row->name;
             EXPECT_EQ(row->argument == nullptr, row->flag != nullptr) << row->name;
             EXPECT_TRUE(!row->required || row->text) << row->name;

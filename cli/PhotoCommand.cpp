@@ -1,0 +1,197 @@
+#include "cli/PhotoCommand.h"
+
+#include "cli/Progress.h"
+#include "cli/ResultFile.h"
+
+#include "picture/ImageCodec.h"
+
+#include <chrono>
+#include <filesystem>
+#include <iomanip>
+#include <memory>
+#include <ostream>
+#include <set>
+#include <sstream>
+
+namespace fs = std::filesystem;
+using Clock = std::chrono::steady_clock;
+
+static double SecondsSince(Clock::time_point start)
+{
+    return std::chrono::duration<double>(Clock::now() - start).count();
+}
+
+struct Photo
+{
+    std::string input, output;
+    SBxPicBuf picture, alpha, result;
+    double readSeconds, workSeconds, writeSeconds;
+
+    Photo()
+    {
+        CBxPicBufAPI::Init(&picture);
+        CBxPicBufAPI::Init(&alpha);
+        CBxPicBufAPI::Init(&result);
+        readSeconds = workSeconds = writeSeconds = 0.0;
+    }
+    ~Photo()
+    {
+        CBxPicBufAPI::DoneHeap(&picture);
+        CBxPicBufAPI::DoneHeap(&alpha);
+        CBxPicBufAPI::DoneHeap(&result);
+    }
+    Photo(const Photo&) = delete;
+    Photo& operator=(const Photo&) = delete;
+};
+
+RunControl ControlOf(const PhotoProgress& progress, int steps)
+{
+    RunControl control;
+    control.cancelled = progress.stopped;
+    const auto done = std::make_shared<int>(0);
+    control.progress = [=](int by)
+    {
+        *done += by;
+        progress.show(double(*done) / steps);
+    };
+    return control;
+}
+
+// "name-vexa.ext" in the folder. An ending that cannot be written gives way to one that can.
+static std::string ResultPath(const std::string& input, const std::string& folder)
+{
+    const fs::path path = fs::u8path(input);
+    int format;
+    const std::string extension = path.extension().u8string();
+    const bool writable = FormatOfResult(input, &format).empty();
+    return (fs::u8path(folder) / fs::u8path(path.stem().u8string() + "-vexa" +
+                                            (writable ? extension : std::string(".png"))))
+        .u8string();
+}
+
+// Two inputs of one name would write one result over the other.
+static std::string PlanOutputs(const CliOptions& options, std::vector<std::string>* outputs)
+{
+    if (options.output.empty() == options.outDir.empty())
+        return "give either --output OUT or --out-dir DIR";
+    if (!options.output.empty())
+    {
+        if (options.inputs.size() > 1)
+            return "several pictures need --out-dir DIR instead of --output";
+        outputs->push_back(options.output);
+        return "";
+    }
+    std::set<std::string> taken;
+    for (const std::string& input : options.inputs)
+    {
+        outputs->push_back(ResultPath(input, options.outDir));
+        if (!taken.insert(outputs->back()).second)
+            return "'" + input + "' and another input would both become " + outputs->back();
+    }
+    return "";
+}
+
+// "Name: 42 %, 3 s left": the share of the photograph at hand.
+static std::string ProgressText(const std::string& name, double share, Clock::time_point start)
+{
+    std::ostringstream text;
+    text << name << ": " << int(share * 100.0) << " %";
+    const double passed = SecondsSince(start);
+    if (share > 0.05 && passed > 0.5)
+        text << ", " << int(passed / share * (1.0 - share) + 0.5) << " s left";
+    return text.str();
+}
+
+static std::string MakePhoto(Photo* photo, Progress* progress, const PhotoWork& work)
+{
+    LoadReport report;
+    const auto start = Clock::now();
+    if (LoadPicturePair(photo->input.c_str(), &photo->picture, &photo->alpha, &report))
+        return LoadProblemText(report.problem);
+    photo->readSeconds = SecondsSince(start);
+
+    int format;
+    std::string problem = FormatOfResult(photo->output, &format);
+    if (problem.empty())
+        problem = FormatFits(format, photo->picture);
+    if (!problem.empty())
+        return problem + " (" + photo->output + ")";
+
+    const auto workStart = Clock::now();
+    PhotoProgress shown;
+    shown.show = [&](double share)
+    { ShowProgress(progress, ProgressText(photo->input, share, workStart)); };
+    shown.stopped = StopRequested;
+    problem = work(&photo->result, photo->picture, shown);
+    photo->workSeconds = SecondsSince(workStart);
+    return StopRequested() ? "stopped" : problem;
+}
+
+static std::string WritePhoto(Photo* photo, std::string* note)
+{
+    int format;
+    FormatOfResult(photo->output, &format);
+    const auto start = Clock::now();
+    CBxPicBufAPI::DoneHeap(&photo->picture);
+    const std::string problem =
+        SaveResult(photo->result, photo->alpha, photo->output, photo->input, format, note);
+    photo->writeSeconds = SecondsSince(start);
+    return problem;
+}
+
+static void Report(const Photo& photo, const std::string& note, const CliOptions& options,
+                   const CliStreams& streams)
+{
+    streams.out << photo.output << ": " << photo.result.width << " x " << photo.result.height
+                << note;
+    if (options.times)
+        streams.out << std::fixed << std::setprecision(2) << ", read in " << photo.readSeconds
+                    << " s, computed in " << photo.workSeconds << " s, written in "
+                    << photo.writeSeconds << " s";
+    streams.out << std::endl;
+}
+
+int RunOnPhotos(const char* command, const CliOptions& options, const CliStreams& streams,
+                const PhotoWork& work)
+{
+    std::vector<std::string> outputs;
+    const std::string complaint = PlanOutputs(options, &outputs);
+    if (!complaint.empty())
+        return FailUsage(streams, command, complaint);
+    int format;
+    if (!options.output.empty() && !FormatOfResult(options.output, &format).empty())
+        return Fail(streams, options.output, FormatOfResult(options.output, &format));
+    std::error_code error;
+    if (!options.outDir.empty())
+        fs::create_directories(fs::u8path(options.outDir), error);
+    if (error)
+        return Fail(streams, options.outDir, "the folder cannot be made");
+
+    size_t failures = 0;
+    for (size_t i = 0; i < outputs.size() && !StopRequested(); ++i)
+    {
+        Photo photo;
+        photo.input = options.inputs[i];
+        photo.output = outputs[i];
+        Progress progress = StartProgress(options, streams);
+        std::string note, problem = MakePhoto(&photo, &progress, work);
+        std::string file = photo.input;
+        if (problem.empty())
+        {
+            problem = WritePhoto(&photo, &note);
+            file = photo.output;
+        }
+        EndProgress(&progress);
+        if (problem.empty() && !options.quiet)
+            Report(photo, note, options, streams);
+        if (problem.empty())
+            continue;
+        ++failures;
+        Fail(streams, StopRequested() ? "" : file, problem);
+    }
+    if (outputs.size() > 1 && (failures > 0 || !options.quiet))
+        (failures > 0 ? streams.err : streams.out)
+            << "plenoviz-cli: " << failures << " of " << outputs.size() << " pictures failed"
+            << std::endl;
+    return failures > 0 || StopRequested() ? kExitFailed : kExitDone;
+}

@@ -1,0 +1,137 @@
+// The commands on single photographs: what each of them computes.
+
+#include "cli/PhotoCommand.h"
+
+#include "fusion/FusionAccumulator.h"
+#include "multiscale/DaylightSeries.h"
+#include "multiscale/ExposureSeries.h"
+#include "multiscale/LevelsOfDetail.h"
+#include "multiscale/ToneMap.h"
+
+static const char kNoMemory[] = "not enough memory for a picture of this size";
+
+// Fuses pictures that are made one after the other and never stand in memory together.
+struct SeriesFusion
+{
+    VcFusionAccumulator accumulator = {};
+
+    ~SeriesFusion() { VcFreeAccumulator(&accumulator); }
+};
+
+static std::string StartFusion(SeriesFusion* fusion, const SBxPicBuf& photo, int exposureMid)
+{
+    if (!VcFusionAcceptsSize(photo.width, photo.height))
+        return "fusion needs at least " + std::to_string(kFusionMinSide) + " pixels each way";
+    return VcInitAccumulator(&fusion->accumulator, photo, unsigned(exposureMid)) ? kNoMemory : "";
+}
+
+static std::string FinishFusion(const SeriesFusion& fusion, SBxPicBuf* result,
+                                const SBxPicBuf& photo)
+{
+    CBxPicBufAPI::ReinitHeap(result, photo);
+    const bool failed = !result->data || VcComposeResult(result, fusion.accumulator);
+    return failed ? kNoMemory : "";
+}
+
+static std::string Single(SBxPicBuf* result, const SBxPicBuf& photo, const PhotoProgress& progress,
+                          const CliOptions& options)
+{
+    SeriesFusion fusion;
+    const std::string problem = StartFusion(&fusion, photo, options.exposure);
+    if (!problem.empty())
+        return problem;
+    SeriesControl control;
+    control.cancelRequested = progress.stopped;
+    control.denoiseThreads = unsigned(options.threads);
+    const SeriesSink fuse = [&](int number, const SBxPicBuf& exposure, const char*)
+    {
+        const bool failed = VcAccumulateImage(&fusion.accumulator, exposure);
+        progress.show(double(number + 1) / (kExposures + 1));
+        return failed;
+    };
+    if (MakeExposureSeries(photo, unsigned(options.noise), fuse, control) < kExposures)
+        return kNoMemory;
+    return FinishFusion(fusion, result, photo);
+}
+
+static std::string Daylight(SBxPicBuf* result, const SBxPicBuf& photo,
+                            const PhotoProgress& progress, const CliOptions& options,
+                            DaylightMode mode)
+{
+    SeriesFusion fusion;
+    const std::string problem = StartFusion(&fusion, photo, 128);
+    if (!problem.empty())
+        return problem;
+    SBxPicBuf variant;
+    CBxPicBufAPI::Init(&variant);
+    CBxPicBufAPI::ReinitHeap(&variant, photo);
+    const std::vector<int> order = DaylightOrder(mode, DaylightKeys(photo, mode));
+    bool failed = !variant.data;
+    for (int i = 0; i < options.power && !failed && !progress.stopped(); ++i)
+    {
+        MakeDaylightVariant(&variant, photo, mode, order[size_t(i)]);
+        failed = VcAccumulateImage(&fusion.accumulator, variant);
+        progress.show(double(i + 1) / (options.power + 1));
+    }
+    CBxPicBufAPI::DoneHeap(&variant);
+    return failed ? kNoMemory : FinishFusion(fusion, result, photo);
+}
+
+static std::string ToneMap(SBxPicBuf* result, const SBxPicBuf& photo, const PhotoProgress& progress,
+                           const CliOptions& options)
+{
+    CBxPicBufAPI::ReinitHeap(result, photo);
+    if (!result->data)
+        return kNoMemory;
+    const bool useColors = !options.luminanceOnly && photo.components == 3;
+    const RunControl control = ControlOf(progress, useColors ? 45 : 15);
+    const ToneMapParams p = ToneMapParamsOf(options.contrast, options.noiseAmplitude,
+                                            options.details, options.equalization);
+    const int outcome =
+        ToneMapPicture(result, photo, kToneMapLevels, p.p1, p.p2, p.p3, p.p4, useColors, control);
+    return outcome == kToneMapDone ? "" : kNoMemory;
+}
+
+static std::string SmartContrast(SBxPicBuf* result, const SBxPicBuf& photo,
+                                 const PhotoProgress& progress, const CliOptions& options)
+{
+    CBxPicBufAPI::ReinitHeap(result, photo);
+    const RunControl control = ControlOf(progress, kSmartContrastSteps * photo.components);
+    const bool failed = !result->data || SmartContrastPicture(result, photo, options.lod, control);
+    return failed ? kNoMemory : "";
+}
+
+int RunSingle(const CliOptions& options, const CliStreams& streams)
+{
+    return RunOnPhotos("single", options, streams,
+                       [&](SBxPicBuf* result, const SBxPicBuf& photo, const PhotoProgress& shown)
+                       { return Single(result, photo, shown, options); });
+}
+
+int RunDaylightUp(const CliOptions& options, const CliStreams& streams)
+{
+    return RunOnPhotos("daylight-up", options, streams,
+                       [&](SBxPicBuf* result, const SBxPicBuf& photo, const PhotoProgress& shown)
+                       { return Daylight(result, photo, shown, options, DaylightMode::Up); });
+}
+
+int RunDaylightDown(const CliOptions& options, const CliStreams& streams)
+{
+    return RunOnPhotos("daylight-down", options, streams,
+                       [&](SBxPicBuf* result, const SBxPicBuf& photo, const PhotoProgress& shown)
+                       { return Daylight(result, photo, shown, options, DaylightMode::Down); });
+}
+
+int RunToneMap(const CliOptions& options, const CliStreams& streams)
+{
+    return RunOnPhotos("tone-map", options, streams,
+                       [&](SBxPicBuf* result, const SBxPicBuf& photo, const PhotoProgress& shown)
+                       { return ToneMap(result, photo, shown, options); });
+}
+
+int RunSmartContrast(const CliOptions& options, const CliStreams& streams)
+{
+    return RunOnPhotos("smart-contrast", options, streams,
+                       [&](SBxPicBuf* result, const SBxPicBuf& photo, const PhotoProgress& shown)
+                       { return SmartContrast(result, photo, shown, options); });
+}
