@@ -18,7 +18,8 @@ function(vc_add_test name)
         set_tests_properties("${PLENOVIZ_PRESET}/${name}" PROPERTIES
             LABELS ${PLENOVIZ_PRESET} TIMEOUT 300)
     else()
-        gtest_discover_tests(${name} TEST_PREFIX "${PLENOVIZ_PRESET}/" DISCOVERY_TIMEOUT 60
+        gtest_discover_tests(${name} TEST_PREFIX "${PLENOVIZ_PRESET}/" NO_PRETTY_VALUES
+            DISCOVERY_TIMEOUT 60
             PROPERTIES LABELS ${PLENOVIZ_PRESET} TIMEOUT 120)
     endif()
 endfunction()
@@ -30,7 +31,7 @@ function(vc_add_bench name)
     target_link_libraries(${name} PRIVATE vcengine benchmark::benchmark benchmark::benchmark_main)
     add_test(NAME "${PLENOVIZ_PRESET}/${name}" COMMAND ${name} --benchmark_min_time=0.001)
     set_tests_properties("${PLENOVIZ_PRESET}/${name}" PROPERTIES
-        LABELS ${PLENOVIZ_PRESET} TIMEOUT 300 RUN_SERIAL ON)
+        LABELS ${PLENOVIZ_PRESET} TIMEOUT 300 COST 100)
 endfunction()
 
 # Flags of the loops that the compiler is to vectorise. Neither of the first two changes a result:

@@ -8,17 +8,29 @@
 #include "Utilities.h"
 
 // Registers one format under `name`. Plugins answer through plain functions, hence one set each.
-#define VC_FORMAT_STUB(initFunction, name, description, extensions, mimeType)                     \
-    static const char* DLL_CALLCONV initFunction##Format() { return name; }                       \
-    static const char* DLL_CALLCONV initFunction##Description() { return description; }           \
-    static const char* DLL_CALLCONV initFunction##Extensions() { return extensions; }             \
-    static const char* DLL_CALLCONV initFunction##MimeType() { return mimeType; }                 \
-    void DLL_CALLCONV initFunction(Plugin* plugin, int)                                           \
-    {                                                                                             \
-        plugin->format_proc = initFunction##Format;                                               \
-        plugin->description_proc = initFunction##Description;                                     \
-        plugin->extension_proc = initFunction##Extensions;                                        \
-        plugin->mime_proc = initFunction##MimeType;                                               \
+#define VC_FORMAT_STUB(initFunction, name, description, extensions, mimeType)                      \
+    static const char* DLL_CALLCONV initFunction##Format()                                         \
+    {                                                                                              \
+        return name;                                                                               \
+    }                                                                                              \
+    static const char* DLL_CALLCONV initFunction##Description()                                    \
+    {                                                                                              \
+        return description;                                                                        \
+    }                                                                                              \
+    static const char* DLL_CALLCONV initFunction##Extensions()                                     \
+    {                                                                                              \
+        return extensions;                                                                         \
+    }                                                                                              \
+    static const char* DLL_CALLCONV initFunction##MimeType()                                       \
+    {                                                                                              \
+        return mimeType;                                                                           \
+    }                                                                                              \
+    void DLL_CALLCONV initFunction(Plugin* plugin, int)                                            \
+    {                                                                                              \
+        plugin->format_proc = initFunction##Format;                                                \
+        plugin->description_proc = initFunction##Description;                                      \
+        plugin->extension_proc = initFunction##Extensions;                                         \
+        plugin->mime_proc = initFunction##MimeType;                                                \
     }
 
 VC_FORMAT_STUB(InitEXR, "EXR", "ILM OpenEXR", "exr", "image/x-exr")

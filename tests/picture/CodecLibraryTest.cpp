@@ -31,14 +31,10 @@ struct NamedFormat
 // Format codes are positions in the list of registered plugins: one plugin less, and every later
 // format would answer to the wrong code.
 const NamedFormat kFormats[] = {
-    {FIF_BMP,    "BMP",    true,  true },
-    {FIF_JPEG,   "JPEG",   true,  true },
-    {FIF_PNG,    "PNG",    true,  true },
-    {FIF_PPMRAW, "PPMRAW", true,  true },
-    {FIF_TIFF,   "TIFF",   true,  true },
-    {FIF_GIF,    "GIF",    true,  true },
-    {FIF_WEBP,   "WebP",   true,  true },
-    {FIF_RAW,    "RAW",    true,  false},
+    {FIF_BMP, "BMP", true, true},   {FIF_JPEG, "JPEG", true, true},
+    {FIF_PNG, "PNG", true, true},   {FIF_PPMRAW, "PPMRAW", true, true},
+    {FIF_TIFF, "TIFF", true, true}, {FIF_GIF, "GIF", true, true},
+    {FIF_WEBP, "WebP", true, true}, {FIF_RAW, "RAW", true, false},
 };
 
 TEST(CodecLibrary, KnowsEveryFormatUnderItsCode)
@@ -85,7 +81,8 @@ FIBITMAP* ThroughFile(FIBITMAP* bitmap, FREE_IMAGE_FORMAT format, int flags)
 int LargestByteDifference(FIBITMAP* a, FIBITMAP* b)
 {
     if (!b || FreeImage_GetWidth(a) != FreeImage_GetWidth(b) ||
-        FreeImage_GetHeight(a) != FreeImage_GetHeight(b) || FreeImage_GetLine(a) != FreeImage_GetLine(b))
+        FreeImage_GetHeight(a) != FreeImage_GetHeight(b) ||
+        FreeImage_GetLine(a) != FreeImage_GetLine(b))
         return 256;
     int largest = 0;
     for (unsigned y = 0; y < FreeImage_GetHeight(a); ++y)
@@ -109,17 +106,17 @@ struct RoundTrip
 // JPEG at full quality without colour subsampling still rounds in its colour space and its
 // transform; everything else keeps each bit.
 const RoundTrip kRoundTrips[] = {
-    {"Bmp24",          FIF_BMP,  FIT_BITMAP, 24, 0,                      0 },
-    {"Jpeg24",         FIF_JPEG, FIT_BITMAP, 24, 100 | JPEG_SUBSAMPLING_444, 6 },
-    {"Jpeg8",          FIF_JPEG, FIT_BITMAP, 8,  100,                    3 },
-    {"Png32",          FIF_PNG,  FIT_BITMAP, 32, 0,                      0 },
-    {"Png48",          FIF_PNG,  FIT_RGB16,  48, 0,                      0 },
-    {"TiffLzw24",      FIF_TIFF, FIT_BITMAP, 24, TIFF_LZW,               0 },
-    {"TiffDeflate48",  FIF_TIFF, FIT_RGB16,  48, TIFF_DEFLATE,           0 },
-    {"TiffJpeg24",     FIF_TIFF, FIT_BITMAP, 24, TIFF_JPEG,              6 },
-    {"Ppm24",          FIF_PPMRAW, FIT_BITMAP, 24, 0,                    0 },
-    {"WebpLossless32", FIF_WEBP, FIT_BITMAP, 32, WEBP_LOSSLESS,          0 },
-    {"Gif8",           FIF_GIF,  FIT_BITMAP, 8,  0,                      0 },
+    {"Bmp24", FIF_BMP, FIT_BITMAP, 24, 0, 0},
+    {"Jpeg24", FIF_JPEG, FIT_BITMAP, 24, 100 | JPEG_SUBSAMPLING_444, 6},
+    {"Jpeg8", FIF_JPEG, FIT_BITMAP, 8, 100, 3},
+    {"Png32", FIF_PNG, FIT_BITMAP, 32, 0, 0},
+    {"Png48", FIF_PNG, FIT_RGB16, 48, 0, 0},
+    {"TiffLzw24", FIF_TIFF, FIT_BITMAP, 24, TIFF_LZW, 0},
+    {"TiffDeflate48", FIF_TIFF, FIT_RGB16, 48, TIFF_DEFLATE, 0},
+    {"TiffJpeg24", FIF_TIFF, FIT_BITMAP, 24, TIFF_JPEG, 6},
+    {"Ppm24", FIF_PPMRAW, FIT_BITMAP, 24, 0, 0},
+    {"WebpLossless32", FIF_WEBP, FIT_BITMAP, 32, WEBP_LOSSLESS, 0},
+    {"Gif8", FIF_GIF, FIT_BITMAP, 8, 0, 0},
 };
 
 TEST(CodecLibrary, ReadsBackWhatItWrote)
@@ -141,11 +138,13 @@ TEST(TaskLibrary, VisitsEveryCellOfARangeOnce)
     const int rows = 301, columns = 203;
     std::vector<std::atomic<int>> visits(size_t(rows) * columns);
     const oneapi::tbb::blocked_range2d<int> cells(0, rows, 16, 0, columns, 16);
-    oneapi::tbb::parallel_for(cells, [&](const oneapi::tbb::blocked_range2d<int>& part) {
-        for (int y = part.rows().begin(); y < part.rows().end(); ++y)
-            for (int x = part.cols().begin(); x < part.cols().end(); ++x)
-                ++visits[size_t(y) * columns + x];
-    });
+    oneapi::tbb::parallel_for(cells,
+                              [&](const oneapi::tbb::blocked_range2d<int>& part)
+                              {
+                                  for (int y = part.rows().begin(); y < part.rows().end(); ++y)
+                                      for (int x = part.cols().begin(); x < part.cols().end(); ++x)
+                                          ++visits[size_t(y) * columns + x];
+                              });
     for (const std::atomic<int>& count : visits)
         ASSERT_EQ(count, 1);
 }
