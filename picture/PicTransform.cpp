@@ -223,9 +223,9 @@ static InnerSpan TunedSpan(const TransformRows& tuned, const std::vector<Bilinea
 {
     if (!tuned.bilinear)
         return {0, 0};
-    return LongestInner(columns,
-                        [&](const BilinearTap& tap)
-                        { return tap.high == tap.low + 1 && tap.low <= width - tuned.bilinearReach; });
+    return LongestInner(
+        columns, [&](const BilinearTap& tap)
+        { return tap.high == tap.low + 1 && tap.low <= width - tuned.bilinearReach; });
 }
 
 static InnerSpan TunedSpan(const TransformRows& tuned, const std::vector<BicubicTap>& columns,
@@ -273,9 +273,8 @@ static void TransformUpright(SBxPicBuf* dst, const SBxPicBuf& src, const double 
         columns[size_t(x - first)] = Filter::Make(columnAt(x), src.width);
 
     const TransformRows& tuned = VcTransformRows();
-    constexpr bool canTune =
-        sizeof(T) == 1 && C == 3 &&
-        (std::is_same_v<Tap, BilinearTap> || std::is_same_v<Tap, BicubicTap>);
+    constexpr bool canTune = sizeof(T) == 1 && C == 3 &&
+                             (std::is_same_v<Tap, BilinearTap> || std::is_same_v<Tap, BicubicTap>);
     InnerSpan span = {0, 0};
     if constexpr (canTune)
         span = TunedSpan(tuned, columns, src.width);
@@ -346,14 +345,14 @@ static void CopyShifted(SBxPicBuf* dst, const SBxPicBuf& src, const double inver
     CoveredRange(&top, &bottom, shiftY, dst->height, src.height);
     if (right <= left || bottom <= top)
         return;
-    VcParallelRows(bottom - top, (right - left) * dst->components,
-                   [&](int firstRow, int endRow)
-                   {
-                       const CBxPoint<int> to = {left, top + firstRow};
-                       const CBxPoint<int> from = {left + int(shiftX), to.y + int(shiftY)};
-                       CBxPicBufAPI::CopyRect(dst, src, to, from,
-                                              {right - left, endRow - firstRow});
-                   });
+    VcParallelRows(
+        bottom - top, (right - left) * dst->components,
+        [&](int firstRow, int endRow)
+        {
+            const CBxPoint<int> to = {left, top + firstRow};
+            const CBxPoint<int> from = {left + int(shiftX), to.y + int(shiftY)};
+            CBxPicBufAPI::CopyRect(dst, src, to, from, {right - left, endRow - firstRow});
+        });
 }
 
 template <typename Filter, typename T, int C>

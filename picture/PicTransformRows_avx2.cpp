@@ -85,8 +85,8 @@ inline __m256i BicubicAlong(const uint8_t* first, const uint8_t* second, const B
         0, kNone, 3, kNone, 1, kNone, 4, kNone, 2, kNone, 5, kNone, kNone, kNone, kNone, kNone, //
         0, kNone, 3, kNone, 1, kNone, 4, kNone, 2, kNone, 5, kNone, kNone, kNone, kNone, kNone);
     const __m256i highPair = _mm256_setr_epi8(
-        6, kNone, 9, kNone, 7, kNone, 10, kNone, 8, kNone, 11, kNone, kNone, kNone, kNone, kNone,
-        6, kNone, 9, kNone, 7, kNone, 10, kNone, 8, kNone, 11, kNone, kNone, kNone, kNone, kNone);
+        6, kNone, 9, kNone, 7, kNone, 10, kNone, 8, kNone, 11, kNone, kNone, kNone, kNone, kNone, 6,
+        kNone, 9, kNone, 7, kNone, 10, kNone, 8, kNone, 11, kNone, kNone, kNone, kNone, kNone);
     int weights[2];
     __builtin_memcpy(weights, tap.weight, sizeof weights);
     const __m256i samples = SixteenBytesOfTwo(first + 3 * tap.first, second + 3 * tap.first);

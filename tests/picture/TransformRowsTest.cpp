@@ -99,8 +99,8 @@ TEST(TransformVariants, GiveTheSameBits)
                     [&]
                     {
                         SCOPED_TRACE(testing::Message() << width << " wide, scale " << scale);
-                        const TestPicture actual = Transformed(source, transform, 101, 33, scale,
-                                                               width * 0.5 + 0.21, 4.3);
+                        const TestPicture actual =
+                            Transformed(source, transform, 101, 33, scale, width * 0.5 + 0.21, 4.3);
                         ExpectSamePicture(actual.pic, expected.pic);
                     });
             }
@@ -146,8 +146,9 @@ TEST(TransformVariants, FollowTheFiltersDefinition)
                         {
                             const double sx = to[0] * (x + 0.5) + to[2];
                             const double sy = to[4] * (y + 0.5) + to[5];
-                            const double exact = std::clamp(
-                                Filtered(source, sx, sy, components - 1, filter.kernel), 0.0, 255.0);
+                            const double exact =
+                                std::clamp(Filtered(source, sx, sy, components - 1, filter.kernel),
+                                           0.0, 255.0);
                             const double got = area.At(x, y, components - 1);
                             worst = std::max(worst, std::fabs(got - exact));
                             // Half a step of rounding, and weights of 11 bits (bilinear): a

@@ -1,0 +1,75 @@
+#include "picture/IconPixels.h"
+
+#include <gtest/gtest.h>
+
+#include <vector>
+
+namespace
+{
+using Bytes = std::vector<uint8_t>;
+
+Bytes Disabled(const Bytes& source, int width, int height, const IconKeyColour* key = nullptr)
+{
+    Bytes result(source.size());
+    DisableIcon(result.data(), source.data(), width, height, key);
+    return result;
+}
+} // namespace
+
+TEST(DisabledIcon, IsALowContrastGrey)
+{
+    struct Case
+    {
+        uint8_t blue, green, red;
+        int grey;
+    };
+    const Case cases[] = {{255, 255, 255, 159}, {0, 0, 0, 50},   {0, 0, 255, 82},
+                          {0, 255, 0, 104},     {255, 0, 0, 71}, {128, 128, 128, 105}};
+    for (const Case& c : cases)
+    {
+        const Bytes got = Disabled({c.blue, c.green, c.red, 255}, 1, 1);
+        for (int i = 0; i < 3; ++i)
+            EXPECT_EQ(got[size_t(i)], c.grey);
+    }
+}
+
+TEST(DisabledIcon, HalvesAlphaBelowOneHundred)
+{
+    for (const auto& [before, after] :
+         {std::pair<int, int>{0, 0}, {1, 0}, {99, 49}, {100, 100}, {101, 101}, {255, 255}})
+        EXPECT_EQ(Disabled({9, 9, 9, uint8_t(before)}, 1, 1)[3], after);
+}
+
+TEST(DisabledIcon, TurnsBottomUpRowsAround)
+{
+    // Two columns, three rows; white where the top row of the image is.
+    const Bytes got = Disabled({0,   0,   0,   255, 0, 0, 0, 255, //
+                                0,   0,   0,   255, 0, 0, 0, 255, //
+                                255, 255, 255, 255, 0, 0, 0, 255},
+                               2, 3);
+    EXPECT_EQ(got[0], 159);
+    EXPECT_EQ(got[4], 50);
+    EXPECT_EQ(got[16], 50);
+}
+
+// The bytes are compared crosswise; a grey key would not show it.
+TEST(DisabledIcon, KeepsTheKeyColourAndNothingLikeIt)
+{
+    const IconKeyColour key = {10, 20, 30};
+    const Bytes kept = Disabled({10, 20, 30, 80}, 1, 1, &key);
+    EXPECT_EQ(kept, (Bytes{10, 20, 30, 40}));
+    const Bytes crossed = Disabled({30, 20, 10, 255}, 1, 1, &key);
+    EXPECT_EQ(crossed[0], crossed[2]);
+    const Bytes without = Disabled({10, 20, 30, 80}, 1, 1);
+    EXPECT_EQ(without[0], without[2]);
+}
+
+TEST(FlattenedIcon, ShowsGreyWhereItIsSeenThrough)
+{
+    const Bytes source = {1, 2, 3, 255, 4, 5, 6, 127, 7, 8, 9, 126, //
+                          1, 1, 1, 0,   2, 2, 2, 200, 3, 3, 3, 64};
+    Bytes flat(2 * 12, 77); // rows of nine bytes, twelve apart
+    FlattenIcon(flat.data(), 12, source.data(), 3, 2);
+    EXPECT_EQ(flat, (Bytes{1,   2,   3,   4, 5, 6, 192, 192, 192, 77, 77, 77, //
+                           192, 192, 192, 2, 2, 2, 192, 192, 192, 77, 77, 77}));
+}

@@ -1,0 +1,30 @@
+#pragma once
+
+#include "picture/ImageView.h"
+#include "tests/support/TestPictures.h"
+
+// A view with a display of its own. The display starts with 77 everywhere.
+struct TestView
+{
+    TestPicture display;
+    ImageView view;
+
+    TestView(int displayWidth, int displayHeight) : display(displayWidth, displayHeight, 3, 8)
+    {
+        CBxPicBufAPI::SetConst(&display.pic, 77);
+        view.display = display.pic;
+    }
+    TestView(const TestView&) = delete;
+    TestView& operator=(const TestView&) = delete;
+    ~TestView() { ReleaseImageView(&view); }
+
+    int CountOf(const std::vector<int>& bgr) const
+    {
+        int count = 0;
+        for (int y = 0; y < display.pic.height; ++y)
+            for (int x = 0; x < display.pic.width; ++x)
+                count += display.At(x, y, 0) == bgr[0] && display.At(x, y, 1) == bgr[1] &&
+                         display.At(x, y, 2) == bgr[2];
+        return count;
+    }
+};
