@@ -1,0 +1,204 @@
+#include "app/CommandsWnd.h"
+
+#include "app/AppState.h"
+#include "app/AppWindows_win.h"
+#include "app/CommandIds.h"
+#include "app/FileDialogsDlg.h"
+#include "app/Format_win.h"
+#include "app/FrameView_win.h"
+#include "app/OptionsDlg.h"
+#include "app/SourcePaging_win.h"
+#include "app/Strings.h"
+#include "app/ToolbarWnd.h"
+#include "app/ToolsWnd.h"
+
+#include <commctrl.h>
+
+bool MayLoseResult()
+{
+    return !g_resultUnsaved || MessageBoxW(g_hwndMain, g_strings[21], g_strings[3],
+                                           MB_YESNO | MB_ICONASTERISK) == IDYES;
+}
+
+void SetStatusText(const wchar_t* text)
+{
+    SendMessageW(g_hwndStatus, SB_SETTEXTW, 0, reinterpret_cast<LPARAM>(text));
+}
+
+void EnableToolCommands(bool enable)
+{
+    ToolCommandsEnabled(&g_commandStates, enable, g_multiImageMode);
+    ShowCommandStates();
+}
+
+static void SetTitle(const wchar_t* path)
+{
+    SetWindowTextW(g_hwndMain, VcFormatText(L"Plenoviz - %s", path).c_str());
+}
+
+// The photograph at 100 %, its centre in the middle.
+static void ShowOpened()
+{
+    UpdateViewArea();
+    ZoomTo100(&g_view, g_sourcePicture);
+    SetZoomBoxText(ZoomText(g_view.state.scale).c_str());
+    ShowCommandStates();
+    ShowSource(g_sourcePicture);
+}
+
+bool OpenPictureFile(const wchar_t* path)
+{
+    SBxPicBuf picture, alpha;
+    CBxPicBufAPI::Init(&picture);
+    CBxPicBufAPI::Init(&alpha);
+    if (!LoadForDocument(path, &picture, &alpha))
+        return false;
+    ForgetViewPicture(&g_view);
+    TakeSource(&picture, &alpha, path);
+    SetTitle(g_szCurrentFile);
+    SetStatusText(L"");
+    ShowOpened();
+    return true;
+}
+
+static void OnOpen()
+{
+    std::wstring path;
+    if (MayLoseResult() && AskForPicture(g_hwndMain, g_strings[49], &path))
+        OpenPictureFile(path.c_str());
+}
+
+static void OnSaveAs()
+{
+    std::wstring path;
+    if (!SavePictureAs(g_hwndMain, g_resultPicture, g_alphaPicture, g_szCurrentFile, &path))
+        return;
+    SetTitle(path.c_str());
+    g_resultUnsaved = false;
+}
+
+static void OnClose()
+{
+    if (!MayLoseResult())
+        return;
+    SetStatusText(g_strings[76]);
+    ForgetSource();
+    ForgetViewPicture(&g_view);
+    ShowCommandStates();
+    SetWindowTextW(g_hwndMain, L"Plenoviz");
+    ShowNothing();
+}
+
+static void OnExit()
+{
+    SendMessageW(g_hwndMain, WM_CLOSE, 0, 0);
+}
+
+static void OnAbout()
+{
+    const std::wstring text = VcFormatText(
+        L"Plenoviz, Version 2.2\n"
+        L"Photographs with detail in shadows and highlights\n\n"
+        L"This software uses the FreeImage open source image library under the FreeImage Public "
+        L"License, oneTBB under the Apache License 2.0, libjpeg-turbo, libpng, libtiff, libwebp, "
+        L"LibRaw, Imath and zlib under their licenses.");
+    MessageBoxW(g_hwndMain, text.c_str(), g_strings[42], MB_ICONASTERISK);
+}
+
+static void OnOptions()
+{
+    ShowOptionsDialog(g_hwndMain);
+}
+
+static void OnZoomIn()
+{
+    if (ZoomIn(&g_view, ShownPicture()))
+        ZoomChanged();
+}
+
+static void OnZoomOut()
+{
+    if (ZoomOut(&g_view, ShownPicture()))
+        ZoomChanged();
+}
+
+static void OnZoom100()
+{
+    UpdateViewArea();
+    if (ZoomTo100(&g_view, ShownPicture()))
+        ZoomChanged();
+}
+
+static void OnZoomFit()
+{
+    UpdateViewArea();
+    if (ZoomToFit(&g_view, ShownPicture()))
+        ZoomChanged();
+}
+
+static void OnZoomPreset()
+{
+    const int index = int(SendMessageW(g_hwndZoomCombo, CB_GETCURSEL, 0, 0));
+    if (!g_toolBusy && ZoomToPreset(&g_view, ShownPicture(), index))
+        ZoomChanged();
+}
+
+void ApplyTypedZoom()
+{
+    if (g_toolBusy)
+        return;
+    wchar_t text[16] = L"";
+    GetWindowTextW(g_hwndZoomCombo, text, 11); // ten characters count
+    if (ZoomToTyped(&g_view, ShownPicture(), text))
+        ZoomChanged();
+    else
+        SetZoomBoxText(ZoomText(g_view.state.scale).c_str());
+}
+
+static void OnHelp() {} // the key is taken, so that it types nothing
+
+struct HandlerRow
+{
+    int id;
+    void (*run)();
+};
+
+static const HandlerRow kHandlers[] = {
+    {ID_FILE_OPEN, OnOpen},
+    {ID_FILE_SAVEAS, OnSaveAs},
+    {ID_FILE_CLOSE, OnClose},
+    {IDM_EXIT, OnExit},
+    {IDM_ABOUT, OnAbout},
+    {ID_OPTIONS, OnOptions},
+    {ID_HELP_CONTENTS, OnHelp},
+    {ID_ZOOM_IN, OnZoomIn},
+    {ID_ZOOM_OUT, OnZoomOut},
+    {ID_ZOOM_100, OnZoom100},
+    {ID_ZOOM_FIT, OnZoomFit},
+    {ID_MENU_BUTTON, PopUpCommandMenu},
+    {ID_SWITCH_VIEW, SwitchView},
+    {ID_SOURCE_PREV, ShowPreviousSource},
+    {ID_SOURCE_NEXT, ShowNextSource},
+    {ID_MULTI_IMAGE, StartMultiImage},
+    {ID_SINGLE_LIGHT, StartSingleImage},
+    {ID_DAYLIGHT_UP, StartDaylightUp},
+    {ID_DAYLIGHT_DOWN, StartDaylightDown},
+    {ID_SMART_CONTRAST, StartSmartContrast},
+    {ID_TONE_MAPPING, StartToneMapping},
+};
+
+LRESULT RunCommand(HWND, int id, int notification)
+{
+    if (id == ID_ZOOM_COMBO)
+    {
+        if (notification == CBN_SELCHANGE)
+            OnZoomPreset();
+        return 0;
+    }
+    if (!IsCommandEnabled(g_commandStates, id))
+        return 0;
+    for (const HandlerRow& row : kHandlers)
+        if (row.id == id)
+            row.run();
+    return 0;
+}

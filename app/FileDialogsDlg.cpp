@@ -1,0 +1,291 @@
+#include "app/FileDialogsDlg.h"
+
+#include "app/AppWindows_win.h"
+#include "app/FileDialogsIds.h"
+#include "app/FileNames.h"
+#include "app/Format_win.h"
+#include "app/Settings.h"
+#include "app/Strings.h"
+#include "picture/ImageFile.h"
+#include "picture/SystemFiles.h"
+
+#include <cderr.h>
+#include <commctrl.h>
+#include <commdlg.h>
+#include <dlgs.h>
+
+#include <algorithm>
+#include <cwchar>
+
+static constexpr DWORD kDialogFlags =
+    OFN_EXPLORER | OFN_HIDEREADONLY | OFN_NOREADONLYRETURN | OFN_OVERWRITEPROMPT;
+static constexpr int kNameChars = 1024;   // of a single file
+static constexpr int kSeriesChars = 4096; // of a folder and the names in it
+static constexpr int kLowestQuality = 10, kHighestQuality = 100;
+static constexpr int kJpegEntry = 3; // of the type box, from 0
+
+static std::string Utf8(const std::wstring& text)
+{
+    const int length = WideCharToMultiByte(CP_UTF8, 0, text.c_str(), int(text.size()), nullptr, 0,
+                                           nullptr, nullptr);
+    std::string utf8(size_t(length), 0);
+    WideCharToMultiByte(CP_UTF8, 0, text.c_str(), int(text.size()), utf8.data(), length, nullptr,
+                        nullptr);
+    return utf8;
+}
+
+bool AskForPicture(HWND owner, const wchar_t* title, std::wstring* path)
+{
+    wchar_t name[kNameChars] = L"";
+    const std::wstring filter = DialogFilter({L"*.bmp;*.jpg;*.tif;*.png"});
+    OPENFILENAMEW dialog = {};
+    dialog.lStructSize = sizeof dialog;
+    dialog.hwndOwner = owner;
+    dialog.lpstrFilter = filter.c_str();
+    dialog.nFilterIndex = 1;
+    dialog.lpstrFile = name;
+    dialog.nMaxFile = kNameChars;
+    dialog.lpstrTitle = title;
+    dialog.Flags = kDialogFlags;
+    if (!GetOpenFileNameW(&dialog))
+        return false;
+    *path = name;
+    return true;
+}
+
+PickedFiles AskForSeries(HWND owner)
+{
+    wchar_t names[kSeriesChars] = L"";
+    const std::wstring filter = DialogFilter({L"*.bmp;*.jpg;*.gif;*.tif;*.png"});
+    OPENFILENAMEW dialog = {};
+    dialog.lStructSize = sizeof dialog;
+    dialog.hwndOwner = owner;
+    dialog.lpstrFilter = filter.c_str();
+    dialog.nFilterIndex = 1;
+    dialog.lpstrFile = names;
+    dialog.nMaxFile = kSeriesChars;
+    dialog.lpstrTitle = g_strings[49];
+    dialog.Flags = kDialogFlags | OFN_ALLOWMULTISELECT;
+    PickedFiles picked;
+    if (!GetOpenFileNameW(&dialog))
+    {
+        picked.tooMany = CommDlgExtendedError() == FNERR_BUFFERTOOSMALL;
+        return picked;
+    }
+    // The folder, then the names, each with its end; a single file is one full path.
+    const std::wstring folder = names;
+    for (const wchar_t* name = names + folder.size() + 1; *name; name += std::wcslen(name) + 1)
+        picked.paths.push_back(VcFormatText(L"%s\\%s", folder.c_str(), name));
+    picked.onlyOne = picked.paths.empty();
+    return picked;
+}
+
+bool LoadSilently(const wchar_t* path, SBxPicBuf* picture, SBxPicBuf* alpha)
+{
+    return !LoadPicturePair(Utf8(path).c_str(), picture, alpha);
+}
+
+bool LoadForDocument(const wchar_t* path, SBxPicBuf* picture, SBxPicBuf* alpha)
+{
+    const bool loaded = LoadSilently(path, picture, alpha);
+    const bool fits = loaded && (picture->components == 1 || picture->components == 3) &&
+                      (picture->bitsPerComponent == 8 || picture->bitsPerComponent == 16);
+    if (fits)
+        return true;
+    CBxPicBufAPI::DoneHeap(picture);
+    CBxPicBufAPI::DoneHeap(alpha);
+    MessageBoxW(g_hwndMain, g_strings[41], L"", MB_OK);
+    return false;
+}
+
+// Puts the trackbar, the number and the stored quality on one value.
+static void ShowQuality(HWND row, int quality)
+{
+    g_jpegQuality = quality;
+    SendDlgItemMessageW(row, IDC_QUALITY_SLIDER, TBM_SETPOS, TRUE, quality);
+    SetDlgItemInt(row, IDC_QUALITY_VALUE, UINT(quality), FALSE);
+}
+
+static UINT_PTR OnQualityInit(HWND row)
+{
+    SetDlgItemTextW(row, IDC_QUALITY_LABEL, g_strings[48]);
+    SendDlgItemMessageW(row, IDC_QUALITY_SLIDER, TBM_SETRANGE, TRUE,
+                        MAKELPARAM(kLowestQuality, kHighestQuality));
+    SendDlgItemMessageW(row, IDC_QUALITY_SLIDER, TBM_SETPAGESIZE, 0, 0);
+    ShowQuality(row, std::max(g_jpegQuality, kLowestQuality));
+    return 1;
+}
+
+// The stored number may step one past the trackbar's range, which stops by itself.
+static UINT_PTR OnQualityScroll(HWND row, WPARAM wParam)
+{
+    const int position = int(SendDlgItemMessageW(row, IDC_QUALITY_SLIDER, TBM_GETPOS, 0, 0));
+    switch (LOWORD(wParam))
+    {
+    case TB_LINEUP:
+    case TB_PAGEUP: ShowQuality(row, position - 1); break;
+    case TB_LINEDOWN:
+    case TB_PAGEDOWN: ShowQuality(row, position + 1); break;
+    case TB_THUMBTRACK:
+    case TB_THUMBPOSITION: ShowQuality(row, HIWORD(wParam)); break;
+    }
+    return 0;
+}
+
+static void EnableQualityRow(HWND row)
+{
+    const bool jpeg = SendDlgItemMessageW(GetParent(row), cmb1, CB_GETCURSEL, 0, 0) == kJpegEntry;
+    for (const int control :
+         {IDC_QUALITY_LABEL, IDC_QUALITY_SLIDER, IDC_QUALITY_VALUE, IDC_QUALITY_PERCENT})
+        EnableWindow(GetDlgItem(row, control), jpeg);
+}
+
+// The dialog would ask about the name as it was typed; with the ending it will get in the file-name
+// box, it asks about the file that is really meant. True when the name has changed.
+static bool CompleteName(HWND row, const OFNOTIFYW* notification)
+{
+    const OPENFILENAMEW* dialog = notification->lpOFN;
+    const SaveTarget target =
+        SaveTargetOf(dialog->lpstrFile, int(dialog->nFilterIndex), int(dialog->lCustData));
+    if (target.path == dialog->lpstrFile)
+        return false;
+    const DWORD attributes = GetFileAttributesW(target.path.c_str());
+    if (attributes == INVALID_FILE_ATTRIBUTES)
+        return false;
+    SendMessageW(GetParent(row), CDM_SETCONTROLTEXT, cmb13,
+                 reinterpret_cast<LPARAM>(target.path.c_str()));
+    return true;
+}
+
+static UINT_PTR OnQualityNotify(HWND row, const OFNOTIFYW* notification)
+{
+    EnableQualityRow(row);
+    if (notification->hdr.code == CDN_FILEOK && CompleteName(row, notification))
+    {
+        // Not this time: OK again, with the full name, brings the question.
+        SetWindowLongPtrW(row, DWLP_MSGRESULT, 1);
+        PostMessageW(GetParent(row), WM_COMMAND, IDOK, 0);
+        return 1;
+    }
+    return 0;
+}
+
+static UINT_PTR CALLBACK QualityHook(HWND row, UINT message, WPARAM wParam, LPARAM lParam)
+{
+    switch (message)
+    {
+    case WM_INITDIALOG: return OnQualityInit(row);
+    case WM_HSCROLL: return OnQualityScroll(row, wParam);
+    case WM_NOTIFY: return OnQualityNotify(row, reinterpret_cast<const OFNOTIFYW*>(lParam));
+    default: return 0;
+    }
+}
+
+static bool AskForTarget(HWND owner, int bitsPerComponent, const wchar_t* source,
+                         SaveTarget* target)
+{
+    wchar_t name[kNameChars];
+    VcFormat(name, kNameChars, L"%s", ProposedSaveName(source).c_str());
+    std::vector<std::wstring> patterns;
+    const std::vector<SaveType> types = SaveTypesFor(bitsPerComponent);
+    for (const SaveType& type : types)
+        patterns.push_back(type.pattern);
+    const std::wstring filter = DialogFilter(patterns);
+
+    OPENFILENAMEW dialog = {};
+    dialog.lStructSize = sizeof dialog;
+    dialog.hwndOwner = owner;
+    dialog.hInstance = GetModuleHandleW(nullptr);
+    dialog.lpstrFilter = filter.c_str();
+    dialog.nFilterIndex = DWORD(PreselectedSaveType(source, bitsPerComponent));
+    if (dialog.nFilterIndex > 0)
+        dialog.lpstrDefExt = types[dialog.nFilterIndex - 1].extension + 1; // without the dot
+    else
+        dialog.nFilterIndex = 1;
+    dialog.lpstrFile = name;
+    dialog.nMaxFile = kNameChars;
+    dialog.lpstrTitle = g_strings[8];
+    dialog.lCustData = bitsPerComponent;
+    dialog.lpfnHook = QualityHook;
+    dialog.lpTemplateName = MAKEINTRESOURCEW(IDD_JPEG_QUALITY);
+    dialog.Flags = kDialogFlags | OFN_ENABLESIZING | OFN_ENABLEHOOK | OFN_ENABLETEMPLATE;
+    if (!GetSaveFileNameW(&dialog))
+        return false;
+    *target = SaveTargetOf(name, int(dialog.nFilterIndex), bitsPerComponent);
+    return true;
+}
+
+static void TellFailure(HWND owner, int string, const wchar_t* path, const std::string& reason)
+{
+    const std::wstring text =
+        VcFormatText(L"%s\n%s\n%s", g_strings[string], path, WideFromUtf8(reason.c_str()).c_str());
+    MessageBoxW(owner, text.c_str(), g_strings[40], MB_OK | MB_ICONERROR);
+}
+
+static SaveReport TrySave(const SBxPicBuf& picture, const SBxPicBuf& alpha,
+                          const std::string& target, const std::string& source, int format)
+{
+    SaveReport report;
+    try
+    {
+        SavePicturePair(picture, alpha, target.c_str(), source.c_str(), format, &report);
+    }
+    catch (const UnsupportedImageFormat&)
+    {
+        report.written = false;
+    }
+    catch (const ImageReadError&)
+    {
+        report.written = false;
+    }
+    return report;
+}
+
+// Writes the picture; tells what went wrong. A source that cannot be read any more costs its
+// metadata, never the result.
+static bool WritePicture(HWND owner, const SBxPicBuf& picture, const SBxPicBuf& alpha,
+                         const wchar_t* source, const SaveTarget& target)
+{
+    std::string path, from;
+    if (SavePathFromWide(&path, target.path.c_str(), PathUse::Target))
+    {
+        TellFailure(owner, 41, target.path.c_str(), "");
+        return false;
+    }
+    if (*source && SavePathFromWide(&from, source, PathUse::Source))
+        from.clear();
+    SaveReport report = TrySave(picture, alpha, path, from, target.format);
+    if (!report.written && (report.problem == SaveProblem::SourceFormat ||
+                            report.problem == SaveProblem::SourceUnreadable))
+    {
+        TellFailure(owner, 33, source, "");
+        report = TrySave(picture, alpha, path, "", target.format);
+    }
+    if (!report.written)
+        TellFailure(owner, 33, target.path.c_str(), SaveReportText(report));
+    return report.written;
+}
+
+bool SavePictureAs(HWND owner, const SBxPicBuf& picture, const SBxPicBuf& alpha,
+                   const wchar_t* source, std::wstring* savedPath)
+{
+    if (!picture.data)
+        return false;
+    ReadSettings(SettingGroup::SaveDialog);
+    g_jpegQuality = g_settings.jpegQuality;
+    SaveTarget target;
+    if (!AskForTarget(owner, picture.bitsPerComponent, source, &target) ||
+        !WritePicture(owner, picture, alpha, source, target))
+        return false;
+    g_settings.jpegQuality = g_jpegQuality;
+    WriteSettings(SettingGroup::SaveDialog);
+    *savedPath = target.path;
+    return true;
+}
+
+bool SavePictureTo(HWND owner, const SBxPicBuf& picture, const SBxPicBuf& alpha,
+                   const wchar_t* source, const wchar_t* path)
+{
+    return picture.data && WritePicture(owner, picture, alpha, source,
+                                        SaveTargetOf(path, 0, picture.bitsPerComponent));
+}

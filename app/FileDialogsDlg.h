@@ -1,0 +1,38 @@
+#pragma once
+
+#include "app/Win.h"
+#include "picture/PicBuf.h"
+
+#include <string>
+#include <vector>
+
+// Opening and saving pictures with the system's dialogs. Window thread only.
+
+// The dialog of the Open command, and of tools that ask for a picture. False on Cancel.
+bool AskForPicture(HWND owner, const wchar_t* title, std::wstring* path);
+
+// Several files for a series. An empty list on Cancel; `onlyOne` when the user picked just one
+// file; `tooMany` when their names did not fit.
+struct PickedFiles
+{
+    std::vector<std::wstring> paths;
+    bool onlyOne = false;
+    bool tooMany = false;
+};
+PickedFiles AskForSeries(HWND owner);
+
+// Main loader: every failure shows string 41 and changes nothing. Both records must be initialised.
+bool LoadForDocument(const wchar_t* path, SBxPicBuf* picture, SBxPicBuf* alpha);
+
+// Loader of the tools: silent.
+bool LoadSilently(const wchar_t* path, SBxPicBuf* picture, SBxPicBuf* alpha);
+
+// Save As for a picture with the metadata of `source`: asks for name and type (with the quality of
+// JPEG files), writes, and remembers the quality. False on Cancel or when nothing was written,
+// which the user has been told. `savedPath` is the name on success.
+bool SavePictureAs(HWND owner, const SBxPicBuf& picture, const SBxPicBuf& alpha,
+                   const wchar_t* source, std::wstring* savedPath);
+
+// The same without the dialog: the ending decides the format.
+bool SavePictureTo(HWND owner, const SBxPicBuf& picture, const SBxPicBuf& alpha,
+                   const wchar_t* source, const wchar_t* path);

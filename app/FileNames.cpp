@@ -1,0 +1,68 @@
+#include "app/FileNames.h"
+
+#include "picture/ImageFile.h"
+
+#include <algorithm>
+#include <cwctype>
+
+std::vector<SaveType> SaveTypesFor(int bitsPerComponent)
+{
+    const SaveType tiff = {L"*.tif", L".tif", kFormatTiff}, png = {L"*.png", L".png", kFormatPng};
+    if (bitsPerComponent == 16)
+        return {tiff, png};
+    return {{L"*.bmp", L".bmp", kFormatBmp}, tiff, png, {L"*.jpg", L".jpg", kFormatJpeg}};
+}
+
+static bool SameText(const std::wstring& a, const std::wstring& b)
+{
+    return a.size() == b.size() &&
+           std::equal(a.begin(), a.end(), b.begin(),
+                      [](wchar_t x, wchar_t y)
+                      { return std::towlower(wint_t(x)) == std::towlower(wint_t(y)); });
+}
+
+static std::wstring LastPart(const std::wstring& path)
+{
+    const size_t separator = path.rfind(L'\\');
+    return separator == std::wstring::npos ? path : path.substr(separator + 1);
+}
+
+std::wstring ProposedSaveName(const std::wstring& currentFile)
+{
+    const std::wstring name = LastPart(currentFile);
+    return name.substr(0, name.find(L'.')) + L"-vexa";
+}
+
+int PreselectedSaveType(const std::wstring& currentFile, int bitsPerComponent)
+{
+    const std::wstring name = LastPart(currentFile);
+    const size_t dot = name.find(L'.');
+    if (dot == std::wstring::npos)
+        return 0;
+    const std::vector<SaveType> types = SaveTypesFor(bitsPerComponent);
+    for (size_t i = 0; i < types.size(); ++i)
+        if (SameText(name.substr(dot), types[i].extension))
+            return int(i) + 1;
+    return 0;
+}
+
+SaveTarget SaveTargetOf(const std::wstring& chosenName, int selectedType, int bitsPerComponent)
+{
+    const std::vector<SaveType> types = SaveTypesFor(bitsPerComponent);
+    const std::wstring ending =
+        chosenName.size() < 4 ? chosenName : chosenName.substr(chosenName.size() - 4);
+    for (const SaveType& type : types)
+        if (SameText(ending, type.extension))
+            return {chosenName, type.format};
+    const int index = std::clamp(selectedType, 1, int(types.size())) - 1;
+    const SaveType& type = types[size_t(index)];
+    return {chosenName + type.extension, type.format};
+}
+
+std::wstring DialogFilter(const std::vector<std::wstring>& patterns)
+{
+    std::wstring filter;
+    for (const std::wstring& pattern : patterns)
+        filter += pattern + L'\0' + pattern + L'\0';
+    return filter + L'\0';
+}

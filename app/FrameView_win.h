@@ -1,0 +1,32 @@
+#pragma once
+
+#include "app/Win.h"
+#include "picture/DisplayDocument_win.h"
+#include "picture/ImageViewZoom.h"
+
+// What the frame shows: the view, its display bitmap, and which of the pictures is on. Window
+// thread only.
+
+extern ImageView g_view;
+extern DisplayDocument g_document;
+
+// Where the view lies now, from client area, toolbar and docker. Called before every render.
+void UpdateViewArea();
+
+// Renders what g_showSources says, from the caches unless told otherwise, and repaints.
+void RedrawView(ViewRebuild rebuild = ViewRebuild::Keep);
+
+// Makes a source, the result or the preview the thing that is shown. The preview takes the result's
+// place in the view's cache, so that zooming and panning keep it while a tool is open.
+void ShowSource(const SBxPicBuf& picture);
+void ShowResult();
+void ShowPreview();
+
+// The background only, for a closed picture.
+void ShowNothing();
+
+// A zoom has changed: the box's text, the focus, the picture.
+void ZoomChanged();
+
+// The picture that zooming and panning measure: the source.
+const SBxPicBuf& ShownPicture();

@@ -1,0 +1,200 @@
+#include "app/MainMouseWnd.h"
+
+#include "app/AppState.h"
+#include "app/AppWindows_win.h"
+#include "app/FrameView_win.h"
+#include "app/Messages.h"
+
+#include <windowsx.h>
+
+static ViewDrag g_drag;
+static bool g_comparing; // the right button is down over the result
+
+// The message that came by way of WM_SETCURSOR: the ordinary one arrives as well, and must not act
+// a second time.
+static UINT g_forwardedMessage;
+static LONG g_forwardedTime;
+
+static bool IsTwin(UINT message)
+{
+    const bool twin = g_forwardedMessage == message && g_forwardedTime == GetMessageTime();
+    if (twin)
+        g_forwardedMessage = 0;
+    return twin;
+}
+
+static POINT CursorInFrame()
+{
+    POINT cursor;
+    GetCursorPos(&cursor);
+    ScreenToClient(g_hwndMain, &cursor);
+    return cursor;
+}
+
+static bool OverDocker()
+{
+    POINT cursor;
+    RECT docker;
+    GetCursorPos(&cursor);
+    GetWindowRect(g_hwndDocker, &docker);
+    return PtInRect(&docker, cursor);
+}
+
+static void StartPan(int x, int y)
+{
+    if (g_toolBusy || !HasPicture(ShownPicture()))
+        return;
+    StartDrag(&g_drag, x, y);
+    SetCapture(g_hwndMain);
+    SendMessageW(g_hwndMain, WM_APP_CURSOR_MOVE, 0, 0);
+    SetCursor(LoadCursorW(nullptr, MAKEINTRESOURCEW(32646)));
+}
+
+static void EndPan()
+{
+    if (!g_drag.active)
+        return;
+    ForgetDrag(&g_drag);
+    SendMessageW(g_hwndMain, WM_APP_CURSOR_ARROW, 0, 0);
+    if (GetCapture() == g_hwndMain)
+        ReleaseCapture();
+}
+
+static void ZoomToFitView()
+{
+    if (g_toolBusy)
+        return;
+    ForgetDrag(&g_drag);
+    UpdateViewArea();
+    if (!ZoomToFit(&g_view, ShownPicture()))
+        return;
+    if (HasPicture(g_resultPicture))
+        g_showSources = false;
+    ZoomChanged();
+}
+
+static void Compare(bool showSource)
+{
+    if (g_toolBusy || !HasPicture(g_sourcePicture))
+        return;
+    if (showSource == g_comparing || (showSource && g_showSources))
+        return;
+    g_comparing = showSource;
+    if (showSource)
+        SetCapture(g_hwndMain);
+    else if (GetCapture() == g_hwndMain)
+        ReleaseCapture();
+    g_showSources = showSource;
+    RedrawView();
+}
+
+// What a mouse message does, however it came.
+static void ActOn(UINT message, int x, int y)
+{
+    switch (message)
+    {
+    case WM_LBUTTONDOWN: StartPan(x, y); break;
+    case WM_LBUTTONUP: EndPan(); break;
+    case WM_LBUTTONDBLCLK: ZoomToFitView(); break;
+    case WM_RBUTTONDOWN: Compare(true); break;
+    case WM_RBUTTONUP: Compare(false); break;
+    }
+}
+
+static bool IsForwarded(UINT message)
+{
+    switch (message)
+    {
+    case WM_LBUTTONDOWN:
+    case WM_LBUTTONUP:
+    case WM_LBUTTONDBLCLK:
+    case WM_RBUTTONDOWN:
+    case WM_RBUTTONUP: return true;
+    default: return false; // the wheel has no delta here and is left to its own message
+    }
+}
+
+LRESULT OnSetCursor(HWND frame, WPARAM wParam, LPARAM lParam)
+{
+    if (g_toolBusy)
+        return 0;
+    const UINT message = HIWORD(lParam);
+    if (!g_hwndActiveTool)
+        return DefWindowProcW(frame, WM_SETCURSOR, wParam, lParam);
+    const POINT cursor = CursorInFrame();
+    if (message == WM_MOUSEMOVE)
+        SendMessageW(g_hwndActiveTool, WM_MOUSEMOVE, 1, MAKELPARAM(cursor.x, cursor.y));
+    else if (IsForwarded(message) && !OverDocker())
+    {
+        g_forwardedMessage = message;
+        g_forwardedTime = GetMessageTime();
+        ActOn(message, cursor.x, cursor.y);
+        if (message == WM_LBUTTONDOWN)
+            SetFocus(g_hwndActiveTool);
+    }
+    return DefWindowProcW(frame, WM_SETCURSOR, wParam, lParam);
+}
+
+static LRESULT Act(UINT message, LPARAM lParam)
+{
+    if (!IsTwin(message))
+        ActOn(message, GET_X_LPARAM(lParam), GET_Y_LPARAM(lParam));
+    return 0;
+}
+
+LRESULT OnLeftDown(HWND frame, WPARAM, LPARAM lParam)
+{
+    if (!g_hwndActiveTool)
+        SetFocus(frame); // away from the zoom box
+    return Act(WM_LBUTTONDOWN, lParam);
+}
+
+LRESULT OnMouseMove(HWND, WPARAM, LPARAM lParam)
+{
+    if (!g_toolBusy &&
+        DragTo(&g_drag, &g_view, ShownPicture(), GET_X_LPARAM(lParam), GET_Y_LPARAM(lParam)))
+    {
+        RedrawView();
+        UpdateWindow(g_hwndMain);
+    }
+    return 0;
+}
+
+LRESULT OnLeftUp(HWND, WPARAM, LPARAM lParam)
+{
+    return Act(WM_LBUTTONUP, lParam);
+}
+
+LRESULT OnCaptureLost(HWND, WPARAM, LPARAM)
+{
+    EndPan();
+    Compare(false);
+    return 0;
+}
+
+LRESULT OnDoubleClick(HWND, WPARAM, LPARAM lParam)
+{
+    return Act(WM_LBUTTONDBLCLK, lParam);
+}
+
+LRESULT OnRightDown(HWND, WPARAM, LPARAM lParam)
+{
+    return Act(WM_RBUTTONDOWN, lParam);
+}
+
+LRESULT OnRightUp(HWND, WPARAM, LPARAM lParam)
+{
+    return Act(WM_RBUTTONUP, lParam);
+}
+
+LRESULT OnWheel(HWND frame, WPARAM wParam, LPARAM lParam)
+{
+    if (g_toolBusy)
+        return 0;
+    POINT cursor = {GET_X_LPARAM(lParam), GET_Y_LPARAM(lParam)};
+    ScreenToClient(frame, &cursor);
+    if (ZoomAboutCursor(&g_view, ShownPicture(), GET_WHEEL_DELTA_WPARAM(wParam) > 0, cursor.x,
+                        cursor.y))
+        ZoomChanged();
+    return 0;
+}

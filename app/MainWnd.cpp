@@ -1,0 +1,365 @@
+#include "app/MainWnd.h"
+
+#include "app/AppState.h"
+#include "app/AppWindows_win.h"
+#include "app/CommandIds.h"
+#include "app/CommandsWnd.h"
+#include "app/DockerWnd.h"
+#include "app/FrameView_win.h"
+#include "app/MainMouseWnd.h"
+#include "app/Messages.h"
+#include "app/Settings.h"
+#include "app/Strings.h"
+#include "app/ToolbarWnd.h"
+#include "skin/SkinColors.h"
+
+#include <commctrl.h>
+#include <objbase.h>
+#include <shellapi.h>
+
+HINSTANCE g_hInst;
+HWND g_hwndMain;
+HWND g_hwndToolbar;
+HWND g_hwndStatus;
+HWND g_hwndZoomCombo;
+HWND g_hwndDocker;
+HWND g_hwndActiveTool;
+
+// Lives as long as the process, so that a second instance can tell a running program from one that
+// has crashed: both leave the crash marker set.
+static HANDLE g_instanceMutex;
+static bool g_otherInstance;
+static bool g_closeWanted; // as soon as the worker has ended
+
+static void WarnAboutCrash(HWND frame)
+{
+    if (g_settings.crashedLastTime != 0 && !g_otherInstance)
+        MessageBoxW(frame, g_strings[2], g_strings[3], MB_ICONASTERISK);
+}
+
+static LRESULT OnCreate(HWND frame, WPARAM, LPARAM)
+{
+    g_instanceMutex = CreateMutexW(nullptr, FALSE, L"Plenoviz.Running");
+    g_otherInstance = GetLastError() == ERROR_ALREADY_EXISTS;
+
+    DragAcceptFiles(frame, TRUE);
+    g_showSources = true;
+    LoadSettings();
+    LoadLocalizedStrings(); // once more, now that the language is known
+    WarnAboutCrash(frame);
+
+    g_hwndStatus = CreateWindowExW(0, STATUSCLASSNAMEW, g_strings[76], WS_CHILD | WS_VISIBLE, 0, 0,
+                                   0, 0, frame, nullptr, g_hInst, nullptr);
+    g_hwndMain = frame;
+    g_szCurrentFile[0] = 0;
+    if (FAILED(CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED)))
+        return -1;
+    if (CreateDisplayDocument(&g_document, frame, &g_sourcePicture, &g_resultPicture,
+                              &g_alphaPicture))
+        return -1;
+    g_view.owner = frame;
+    g_view.display = g_document.display;
+    if (!CreateToolbar(frame))
+        return -1;
+    g_hwndDocker = CreateDocker(frame);
+    ShowWindow(g_hwndDocker, SW_SHOW);
+    g_hwndActiveTool = nullptr;
+    ShowCommandStates();
+    SetFocus(frame);
+    return 0;
+}
+
+static LRESULT OnSize(HWND frame, WPARAM wParam, LPARAM lParam)
+{
+    if (!g_hwndToolbar || wParam == SIZE_MINIMIZED)
+        return 0;
+    SendMessageW(g_hwndStatus, WM_SIZE, wParam, lParam);
+    LayoutToolbar();
+    RECT client, status, toolbar;
+    GetClientRect(frame, &client);
+    GetWindowRect(g_hwndStatus, &status);
+    GetWindowRect(g_hwndToolbar, &toolbar);
+    MapWindowPoints(nullptr, frame, reinterpret_cast<POINT*>(&toolbar), 2);
+    RECT docker;
+    GetWindowRect(g_hwndDocker, &docker);
+    MapWindowPoints(nullptr, frame, reinterpret_cast<POINT*>(&docker), 2);
+    const int height = client.bottom - (status.bottom - status.top) - toolbar.bottom;
+    SetWindowPos(g_hwndDocker, nullptr, docker.left, toolbar.bottom, docker.right - docker.left,
+                 height, SWP_NOZORDER | SWP_NOACTIVATE);
+    LayoutDocker();
+    RedrawView();
+    return 0;
+}
+
+static LRESULT OnPaint(HWND frame, WPARAM, LPARAM)
+{
+    PAINTSTRUCT paint;
+    const HDC dc = BeginPaint(frame, &paint);
+    PaintView(dc, g_document, g_view);
+    EndPaint(frame, &paint);
+    return 0;
+}
+
+// The view covers its area by itself; only the strips around it want the background.
+static LRESULT OnEraseBackground(HWND frame, WPARAM wParam, LPARAM)
+{
+    const HDC dc = reinterpret_cast<HDC>(wParam);
+    RECT client;
+    GetClientRect(frame, &client);
+    const CBxRect<int>& area = g_view.area;
+    ExcludeClipRect(dc, area.left, area.top, area.right, area.bottom);
+    const HBRUSH brush = CreateSolidBrush(SkinColor(COLOR_BTNFACE));
+    FillRect(dc, &client, brush);
+    DeleteObject(brush);
+    return 1;
+}
+
+static LRESULT OnCommand(HWND frame, WPARAM wParam, LPARAM)
+{
+    return RunCommand(frame, LOWORD(wParam), HIWORD(wParam));
+}
+
+static LRESULT OnNotify(HWND frame, WPARAM wParam, LPARAM lParam)
+{
+    NMHDR* header = reinterpret_cast<NMHDR*>(lParam);
+    if (header->code == TTN_GETDISPINFOW && header->idFrom >= ID_FILE_OPEN &&
+        header->idFrom <= ID_TONE_MAPPING)
+    {
+        GiveTooltip(header);
+        return 0;
+    }
+    return DefWindowProcW(frame, WM_NOTIFY, wParam, lParam);
+}
+
+static LRESULT OnDropFiles(HWND, WPARAM wParam, LPARAM)
+{
+    const HDROP drop = reinterpret_cast<HDROP>(wParam);
+    wchar_t path[kPathChars] = L"";
+    const bool mayOpen = !g_toolBusy && !g_workerBusy && MayLoseResult();
+    const bool named = mayOpen && DragQueryFileW(drop, 0, path, kPathChars) > 0;
+    DragFinish(drop);
+    if (named)
+        OpenPictureFile(path);
+    return 0;
+}
+
+// While a worker runs, its pictures cannot go: it is asked to stop, and the frame closes when it
+// has.
+static LRESULT OnClose(HWND frame, WPARAM, LPARAM)
+{
+    if (!MayLoseResult())
+        return 0;
+    if (g_toolBusy)
+    {
+        g_closeWanted = true;
+        g_cancelRequested = true;
+        g_stopRequested = true;
+        return 0;
+    }
+    DestroyWindow(frame);
+    return 0;
+}
+
+static void CloseIfWanted()
+{
+    if (g_closeWanted && !g_toolBusy)
+        DestroyWindow(g_hwndMain);
+}
+
+static LRESULT OnQueryEndSession(HWND, WPARAM, LPARAM)
+{
+    return MayLoseResult();
+}
+
+static LRESULT OnEndSession(HWND, WPARAM ending, LPARAM)
+{
+    if (ending)
+        SaveSettingsOnExit();
+    return 0;
+}
+
+static LRESULT OnDestroy(HWND, WPARAM, LPARAM)
+{
+    SaveSettingsOnExit();
+    FreePictures();
+    CoUninitialize();
+    ReleaseImageView(&g_view);
+    ReleaseDisplayDocument(&g_document);
+    if (g_instanceMutex)
+        CloseHandle(g_instanceMutex);
+    g_instanceMutex = nullptr;
+    PostQuitMessage(0);
+    return 0;
+}
+
+static LRESULT OnPreviewReady(HWND, WPARAM, LPARAM)
+{
+    ShowPreview();
+    return 0;
+}
+
+static LRESULT OnShowResult(HWND, WPARAM, LPARAM)
+{
+    ShowResult();
+    return 0;
+}
+
+static LRESULT OnShowResultFit(HWND, WPARAM, LPARAM)
+{
+    UpdateViewArea();
+    RecentreView(&g_view);
+    ShowResult();
+    return 0;
+}
+
+static LRESULT OnResultCreated(HWND, WPARAM, LPARAM)
+{
+    g_resultUnsaved = true;
+    return 0;
+}
+
+static void SetClassCursor(const wchar_t* name)
+{
+    SetClassLongPtrW(g_hwndMain, GCLP_HCURSOR,
+                     reinterpret_cast<LONG_PTR>(LoadCursorW(nullptr, name)));
+}
+
+static LRESULT OnCursorWait(HWND, WPARAM, LPARAM)
+{
+    SetClassCursor(MAKEINTRESOURCEW(32514));
+    return 0;
+}
+
+static LRESULT OnCursorArrow(HWND, WPARAM, LPARAM)
+{
+    SetClassCursor(MAKEINTRESOURCEW(32512));
+    return 0;
+}
+
+static LRESULT OnCursorMove(HWND, WPARAM, LPARAM)
+{
+    SetClassCursor(MAKEINTRESOURCEW(32646));
+    return 0;
+}
+
+static LRESULT OnToolDone(HWND frame, WPARAM, LPARAM)
+{
+    g_workerBusy = false;
+    g_toolBusy = false;
+    g_resultUnsaved = true;
+    EnableToolCommands(true);
+    OnShowResultFit(frame, 0, 0);
+    CloseIfWanted();
+    return 0;
+}
+
+static LRESULT OnToolCancelled(HWND, WPARAM, LPARAM)
+{
+    RestoreResult();
+    ShowResult();
+    CloseIfWanted();
+    return 0;
+}
+
+static LRESULT OnZoomText(HWND, WPARAM, LPARAM)
+{
+    ApplyTypedZoom();
+    return 0;
+}
+
+static LRESULT OnZoomTextRestore(HWND, WPARAM, LPARAM)
+{
+    if (g_commandStates.zoomBox)
+        SetZoomBoxText(ZoomText(g_view.state.scale).c_str());
+    return 0;
+}
+
+static LRESULT OnViewRefresh(HWND, WPARAM, LPARAM)
+{
+    RedrawView();
+    return 0;
+}
+
+static const MessageRow kFrameMessages[] = {
+    {WM_CREATE, OnCreate},
+    {WM_SIZE, OnSize},
+    {WM_PAINT, OnPaint},
+    {WM_ERASEBKGND, OnEraseBackground},
+    {WM_COMMAND, OnCommand},
+    {WM_NOTIFY, OnNotify},
+    {WM_SETCURSOR, OnSetCursor},
+    {WM_LBUTTONDOWN, OnLeftDown},
+    {WM_MOUSEMOVE, OnMouseMove},
+    {WM_LBUTTONUP, OnLeftUp},
+    {WM_CAPTURECHANGED, OnCaptureLost},
+    {WM_LBUTTONDBLCLK, OnDoubleClick},
+    {WM_RBUTTONDOWN, OnRightDown},
+    {WM_RBUTTONUP, OnRightUp},
+    {WM_MOUSEWHEEL, OnWheel},
+    {WM_DROPFILES, OnDropFiles},
+    {WM_CLOSE, OnClose},
+    {WM_QUERYENDSESSION, OnQueryEndSession},
+    {WM_ENDSESSION, OnEndSession},
+    {WM_DESTROY, OnDestroy},
+    {WM_APP_PREVIEW_READY, OnPreviewReady}, // numbers and meanings: Messages.h
+    {WM_APP_SHOW_RESULT, OnShowResult},
+    {WM_APP_RESULT_CREATED, OnResultCreated},
+    {WM_APP_CURSOR_WAIT, OnCursorWait},
+    {WM_APP_CURSOR_ARROW, OnCursorArrow},
+    {WM_APP_CURSOR_MOVE, OnCursorMove},
+    {WM_APP_SHOW_RESULT_FIT, OnShowResultFit},
+    {WM_APP_TOOL_DONE, OnToolDone},
+    {WM_APP_TOOL_CANCELLED, OnToolCancelled},
+    {WM_APP_ZOOM_TEXT, OnZoomText},
+    {WM_APP_ZOOM_TEXT_RESTORE, OnZoomTextRestore},
+    {WM_APP_VIEW_REFRESH, OnViewRefresh},
+};
+
+static LRESULT CALLBACK FrameProc(HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam)
+{
+    if (const auto handler = FindHandler(kFrameMessages, message))
+        return handler(hwnd, wParam, lParam);
+    return DefWindowProcW(hwnd, message, wParam, lParam);
+}
+
+bool RegisterMainWindowClass(HINSTANCE instance, const wchar_t* className)
+{
+    WNDCLASSEXW frame = {};
+    frame.cbSize = sizeof frame;
+    frame.style = CS_HREDRAW | CS_VREDRAW | CS_DBLCLKS;
+    frame.lpfnWndProc = FrameProc;
+    frame.hInstance = instance;
+    frame.hIcon = LoadIconW(instance, MAKEINTRESOURCEW(IDI_PLENOVIZ));
+    frame.hIconSm = static_cast<HICON>(LoadImageW(instance, MAKEINTRESOURCEW(IDI_PLENOVIZ),
+                                                  IMAGE_ICON, GetSystemMetrics(SM_CXSMICON),
+                                                  GetSystemMetrics(SM_CYSMICON), 0));
+    frame.hCursor = LoadCursorW(nullptr, MAKEINTRESOURCEW(32512));
+    frame.hbrBackground = GetSysColorBrush(COLOR_WINDOW);
+    frame.lpszClassName = className;
+    return RegisterClassExW(&frame) != 0;
+}
+
+bool InitInstance(HINSTANCE instance, const wchar_t* className, const wchar_t* title, int show)
+{
+    g_hInst = instance;
+    const HWND frame = CreateWindowExW(0, className, title, WS_OVERLAPPEDWINDOW, CW_USEDEFAULT, 0,
+                                       CW_USEDEFAULT, 0, nullptr, nullptr, instance, nullptr);
+    if (!frame)
+        return false;
+    ShowWindow(frame, show);
+    UpdateWindow(frame);
+    return true;
+}
+
+int RunMessageLoop(HACCEL accelerators)
+{
+    MSG message;
+    while (GetMessageW(&message, nullptr, 0, 0) > 0)
+    {
+        if (TranslateAcceleratorW(message.hwnd, accelerators, &message))
+            continue;
+        TranslateMessage(&message);
+        DispatchMessageW(&message);
+    }
+    return int(message.wParam);
+}

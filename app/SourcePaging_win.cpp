@@ -1,0 +1,60 @@
+#include "app/SourcePaging_win.h"
+
+#include "app/AppState.h"
+#include "app/AppWindows_win.h"
+#include "app/CommandsWnd.h"
+#include "app/FileDialogsDlg.h"
+#include "app/Format_win.h"
+#include "app/FrameView_win.h"
+#include "app/Strings.h"
+
+void ShowSourceStatus(int string)
+{
+    const std::wstring text =
+        VcFormatText(L"%s %i %s %i. %s", g_strings[22], int(g_sourceIndex) + 1, g_strings[23],
+                     int(g_sourceCount), g_strings[string]);
+    SetStatusText(text.c_str());
+}
+
+// Only the view takes the picture: metadata and tools stay with the first source.
+static void ShowSourceAt(int index)
+{
+    SBxPicBuf picture, alpha;
+    CBxPicBufAPI::Init(&picture);
+    CBxPicBufAPI::Init(&alpha);
+    g_sourceIndex = index;
+    if (LoadSilently(g_sourceFiles[index], &picture, &alpha))
+        ShowSource(picture);
+    CBxPicBufAPI::DoneHeap(&picture);
+    CBxPicBufAPI::DoneHeap(&alpha);
+}
+
+static void PageBy(int step)
+{
+    if (!g_multiImageMode || !g_showSources || g_sourceCount <= 0 || g_toolBusy)
+        return;
+    ShowSourceAt(int((g_sourceIndex + g_sourceCount + step) % g_sourceCount));
+    ShowSourceStatus(55);
+}
+
+void ShowPreviousSource()
+{
+    PageBy(-1);
+}
+
+void ShowNextSource()
+{
+    PageBy(1);
+}
+
+void SwitchView()
+{
+    if (!g_multiImageMode || g_sourceCount <= 0 || g_toolBusy)
+        return;
+    g_showSources = !g_showSources;
+    RedrawView();
+    if (g_showSources)
+        ShowSourceStatus(31);
+    else
+        SetStatusText(g_strings[g_multiImageMode ? 56 : 81]);
+}

@@ -1,0 +1,274 @@
+#include "app/ToolbarWnd.h"
+
+#include "app/AppState.h"
+#include "app/AppWindows_win.h"
+#include "app/CommandIds.h"
+#include "app/Format_win.h"
+#include "app/Messages.h"
+#include "app/Strings.h"
+#include "picture/ImageViewZoom.h"
+#include "picture/ResourceImage_win.h"
+
+#include <commctrl.h>
+
+struct ButtonRow
+{
+    const wchar_t* image; // resource; null for none
+    int command;          // 0: a separator
+};
+
+static const ButtonRow kButtons[] = {
+    {L"IDP_FOLDER", ID_FILE_OPEN},
+    {L"IDP_SAVE", ID_FILE_SAVEAS},
+    {nullptr, 0},
+    {L"CONTRAST", ID_SMART_CONTRAST},
+    {L"LIGHT", ID_SINGLE_LIGHT},
+    {L"MULTI", ID_MULTI_IMAGE},
+    {nullptr, 0},
+    {L"LIGHT_UP", ID_DAYLIGHT_UP},
+    {L"LIGHT_DOWN", ID_DAYLIGHT_DOWN},
+    {L"COLORMAP", ID_TONE_MAPPING},
+    {nullptr, 0},
+    {nullptr, ID_TOOLBAR_SPACER},
+    {L"IDP_ZOOMIN", ID_ZOOM_IN},
+    {L"IDP_ZOOMOUT", ID_ZOOM_OUT},
+    {L"IDP_ZOOM100", ID_ZOOM_100},
+    {L"IDP_ZOOMFIT", ID_ZOOM_FIT},
+    {nullptr, ID_ZOOM_COMBO},
+    {L"IDP_PICKER", ID_MENU_BUTTON},
+};
+static constexpr int kButtonCount = int(sizeof kButtons / sizeof *kButtons);
+static constexpr int kZoomItem = 16, kMenuItem = 17;
+static constexpr int kGapWidth = 88; // first width of the spacer and of the zoom box's place
+static constexpr DWORD kToolbarStyle =
+    WS_CHILD | WS_VISIBLE | WS_BORDER | TBSTYLE_LIST | TBSTYLE_TOOLTIPS;
+static constexpr DWORD kZoomBoxStyle =
+    WS_CHILD | WS_VISIBLE | CBS_DROPDOWN | CBS_AUTOHSCROLL | CBS_HASSTRINGS;
+
+// The first image decides the size of all.
+static HIMAGELIST AddImage(HIMAGELIST list, HBITMAP bitmap)
+{
+    BITMAP info = {};
+    GetObjectW(bitmap, sizeof info, &info);
+    if (!list)
+        list = ImageList_Create(info.bmWidth, info.bmHeight, ILC_COLOR32, kButtonCount, 4);
+    ImageList_Add(list, bitmap, nullptr);
+    return list;
+}
+
+// The normal images and, in the same order, the greyed ones.
+static void GiveImages()
+{
+    HIMAGELIST images = nullptr, disabled = nullptr;
+    for (const ButtonRow& row : kButtons)
+    {
+        if (!row.image)
+            continue;
+        bool flattened = false;
+        const HBITMAP bitmap = LoadResourceImage(g_hInst, row.image, &flattened);
+        if (!bitmap)
+            continue;
+        const HBITMAP grey = MakeDisabledImage(bitmap);
+        images = AddImage(images, bitmap);
+        disabled = AddImage(disabled, grey ? grey : bitmap);
+        DeleteObject(bitmap);
+        if (grey)
+            DeleteObject(grey);
+    }
+    SendMessageW(g_hwndToolbar, TB_SETIMAGELIST, 0, reinterpret_cast<LPARAM>(images));
+    SendMessageW(g_hwndToolbar, TB_SETDISABLEDIMAGELIST, 0, reinterpret_cast<LPARAM>(disabled));
+}
+
+static void AddButtons()
+{
+    TBBUTTON buttons[kButtonCount] = {};
+    int image = 0;
+    for (int i = 0; i < kButtonCount; ++i)
+    {
+        TBBUTTON& button = buttons[i];
+        button.idCommand = kButtons[i].command;
+        button.fsState = TBSTATE_ENABLED;
+        button.fsStyle = kButtons[i].image ? BTNS_BUTTON : BTNS_SEP;
+        button.iBitmap = kButtons[i].image ? image++ : (kButtons[i].command ? kGapWidth : 0);
+    }
+    SendMessageW(g_hwndToolbar, TB_BUTTONSTRUCTSIZE, sizeof(TBBUTTON), 0);
+    SendMessageW(g_hwndToolbar, TB_SETINDENT, 7, 0);
+    SendMessageW(g_hwndToolbar, TB_ADDBUTTONSW, kButtonCount, reinterpret_cast<LPARAM>(buttons));
+}
+
+// Enter in the zoom box applies what was typed, Escape and leaving the box bring back the zoom that
+// is. Keys that are commands of the frame stay commands here.
+static LRESULT CALLBACK ZoomEditProc(HWND edit, UINT message, WPARAM wParam, LPARAM lParam,
+                                     UINT_PTR, DWORD_PTR)
+{
+    if (message == WM_CHAR && (wParam == VK_RETURN || wParam == VK_ESCAPE))
+    {
+        if (wParam == VK_RETURN)
+            SendMessageW(g_hwndMain, WM_APP_ZOOM_TEXT, 0, 0);
+        SetFocus(g_hwndMain);
+        return 0; // no beep
+    }
+    if (message == WM_COMMAND && HIWORD(wParam) == 1) // an accelerator met the focus here
+        return SendMessageW(g_hwndMain, message, wParam, lParam);
+    if (message == WM_KILLFOCUS)
+        PostMessageW(g_hwndMain, WM_APP_ZOOM_TEXT_RESTORE, 0, 0);
+    return DefSubclassProc(edit, message, wParam, lParam);
+}
+
+static void CreateZoomBox()
+{
+    g_hwndZoomCombo =
+        CreateWindowExW(0, L"COMBOBOX", L"", kZoomBoxStyle, 0, 0, kGapWidth, 200, g_hwndToolbar,
+                        reinterpret_cast<HMENU>(UINT_PTR(ID_ZOOM_COMBO)), g_hInst, nullptr);
+    static const HFONT font =
+        CreateFontW(16, 0, 0, 0, 600, FALSE, FALSE, FALSE, DEFAULT_CHARSET, OUT_DEFAULT_PRECIS,
+                    CLIP_DEFAULT_PRECIS, DEFAULT_QUALITY, DEFAULT_PITCH, L"Tahoma");
+    SendMessageW(g_hwndZoomCombo, WM_SETFONT, reinterpret_cast<WPARAM>(font), FALSE);
+    for (const ZoomPreset& preset : kZoomPresets)
+        SendMessageW(g_hwndZoomCombo, CB_ADDSTRING, 0, reinterpret_cast<LPARAM>(preset.text));
+    SelectInitialZoom();
+    if (const HWND edit = GetWindow(g_hwndZoomCombo, GW_CHILD))
+        SetWindowSubclass(edit, ZoomEditProc, 1, 0);
+}
+
+bool CreateToolbar(HWND frame)
+{
+    g_hwndToolbar =
+        CreateWindowExW(0, TOOLBARCLASSNAMEW, L"", kToolbarStyle, 0, 0, 0, 0, frame,
+                        reinterpret_cast<HMENU>(UINT_PTR(IDC_TOOLBAR)), g_hInst, nullptr);
+    if (!g_hwndToolbar)
+        return false;
+    GiveImages();
+    AddButtons();
+    CreateZoomBox();
+    return true;
+}
+
+void LayoutToolbar()
+{
+    if (!g_hwndToolbar)
+        return;
+    SendMessageW(g_hwndToolbar, TB_AUTOSIZE, 0, 0);
+    RECT client;
+    GetClientRect(GetParent(g_hwndToolbar), &client);
+
+    // What the other items need, the indent and both borders; the spacer takes the rest.
+    RECT first, last, spacer, bar, inner;
+    SendMessageW(g_hwndToolbar, TB_GETITEMRECT, 0, reinterpret_cast<LPARAM>(&first));
+    SendMessageW(g_hwndToolbar, TB_GETITEMRECT, kMenuItem, reinterpret_cast<LPARAM>(&last));
+    SendMessageW(g_hwndToolbar, TB_GETRECT, ID_TOOLBAR_SPACER, reinterpret_cast<LPARAM>(&spacer));
+    GetWindowRect(g_hwndToolbar, &bar);
+    GetClientRect(g_hwndToolbar, &inner);
+    const int border = ((bar.right - bar.left) - inner.right) / 2;
+    const int others = last.right - (spacer.right - spacer.left) + border;
+    const int width = client.right - others;
+    if (width >= 1)
+    {
+        TBBUTTONINFOW info = {};
+        info.cbSize = sizeof info;
+        info.dwMask = TBIF_SIZE;
+        info.cx = WORD(width);
+        SendMessageW(g_hwndToolbar, TB_SETBUTTONINFOW, ID_TOOLBAR_SPACER,
+                     reinterpret_cast<LPARAM>(&info));
+    }
+    RECT place;
+    SendMessageW(g_hwndToolbar, TB_GETITEMRECT, kZoomItem, reinterpret_cast<LPARAM>(&place));
+    SetWindowPos(g_hwndZoomCombo, nullptr, place.left + 5, place.top + 4,
+                 place.right - place.left - 10, place.bottom - place.top + 200,
+                 SWP_NOZORDER | SWP_NOACTIVATE);
+}
+
+int ToolbarClientHeight()
+{
+    RECT client = {};
+    if (g_hwndToolbar)
+        GetClientRect(g_hwndToolbar, &client);
+    return client.bottom;
+}
+
+void ShowCommandStates()
+{
+    for (const ButtonRow& row : kButtons)
+        if (row.image)
+            SendMessageW(g_hwndToolbar, TB_ENABLEBUTTON, WPARAM(row.command),
+                         IsCommandEnabled(g_commandStates, row.command));
+    EnableWindow(g_hwndZoomCombo, g_commandStates.zoomBox);
+}
+
+void SetZoomBoxText(const wchar_t* text)
+{
+    SetWindowTextW(g_hwndZoomCombo, text);
+}
+
+void SelectInitialZoom()
+{
+    SendMessageW(g_hwndZoomCombo, CB_SETCURSEL, kInitialZoomPreset, 0);
+}
+
+static bool ButtonEnabled(int command)
+{
+    TBBUTTONINFOW info = {};
+    info.cbSize = sizeof info;
+    info.dwMask = TBIF_STATE;
+    SendMessageW(g_hwndToolbar, TB_GETBUTTONINFOW, WPARAM(command),
+                 reinterpret_cast<LPARAM>(&info));
+    return (info.fsState & TBSTATE_ENABLED) != 0;
+}
+
+// The button whose state a menu item shows.
+static int ButtonOf(const FrameCommand& command)
+{
+    switch (command.group)
+    {
+    case CommandGroup::Save: return ID_FILE_SAVEAS;
+    case CommandGroup::SingleImageTool: return ID_SINGLE_LIGHT;
+    case CommandGroup::Open: return command.id;
+    case CommandGroup::Always: break;
+    }
+    return 0;
+}
+
+static void LabelMenu(HMENU root)
+{
+    const int titles[] = {4, 5, 6};
+    for (int i = 0; i < 3; ++i)
+        ModifyMenuW(root, UINT(i), MF_BYPOSITION | MF_STRING | MF_POPUP,
+                    reinterpret_cast<UINT_PTR>(GetSubMenu(root, i)), g_strings[titles[i]]);
+    for (int i = 0; i < kCommandCount; ++i)
+    {
+        const FrameCommand& command = kCommands[i];
+        if (command.menuString == 0)
+            continue;
+        const int button = ButtonOf(command);
+        const bool enabled = button == 0 || ButtonEnabled(button);
+        const std::wstring text =
+            VcFormatText(L"%s%s", g_strings[command.menuString], command.keys);
+        ModifyMenuW(root, UINT(command.id),
+                    MF_BYCOMMAND | MF_STRING | (enabled ? 0u : MF_GRAYED | MF_DISABLED),
+                    UINT_PTR(command.id), text.c_str());
+    }
+}
+
+void PopUpCommandMenu()
+{
+    const HMENU menu = LoadMenuW(g_hInst, MAKEINTRESOURCEW(IDR_COMMAND_MENU));
+    if (!menu)
+        return;
+    const HMENU root = GetSubMenu(menu, 0);
+    LabelMenu(root);
+    RECT item;
+    SendMessageW(g_hwndToolbar, TB_GETITEMRECT, kMenuItem, reinterpret_cast<LPARAM>(&item));
+    MapWindowPoints(g_hwndToolbar, nullptr, reinterpret_cast<POINT*>(&item), 2);
+    SetForegroundWindow(g_hwndMain);
+    TrackPopupMenu(root, 0, item.left, item.bottom, 0, g_hwndMain, nullptr);
+    PostMessageW(g_hwndMain, WM_NULL, 0, 0); // or the next click beside the menu would not close it
+    DestroyMenu(menu);
+}
+
+void GiveTooltip(NMHDR* request)
+{
+    NMTTDISPINFOW* info = reinterpret_cast<NMTTDISPINFOW*>(request);
+    const FrameCommand* command = FindCommand(int(request->idFrom));
+    if (command && command->tooltipString)
+        info->lpszText = g_strings[command->tooltipString];
+}

@@ -1,0 +1,60 @@
+#include "app/CommandRules.h"
+
+#include "app/CommandIds.h"
+
+#include <gtest/gtest.h>
+
+#include <set>
+#include <string>
+
+namespace
+{
+// On or off for the nine commands that change, in the order of kIds.
+const int kIds[] = {ID_FILE_OPEN,     ID_MULTI_IMAGE,    ID_FILE_SAVEAS,
+                    ID_FILE_CLOSE,    ID_SINGLE_LIGHT,   ID_DAYLIGHT_UP,
+                    ID_DAYLIGHT_DOWN, ID_SMART_CONTRAST, ID_TONE_MAPPING};
+
+std::string Enabled(const CommandStates& states)
+{
+    std::string text;
+    for (const int id : kIds)
+        text += IsCommandEnabled(states, id) ? '1' : '0';
+    return text;
+}
+} // namespace
+
+TEST(CommandStates, FollowWhatIsOpenAndWhatRuns)
+{
+    CommandStates states;
+    EXPECT_EQ(Enabled(states), "110000000") << "nothing open";
+    EXPECT_FALSE(states.zoomBox);
+    PictureOpened(&states);
+    EXPECT_EQ(Enabled(states), "111111111") << "a picture";
+    EXPECT_TRUE(states.zoomBox);
+    ToolCommandsEnabled(&states, false, false);
+    EXPECT_EQ(Enabled(states), "000000000") << "a tool";
+    EXPECT_TRUE(states.zoomBox);
+    ToolCommandsEnabled(&states, true, false);
+    EXPECT_EQ(Enabled(states), "111111111") << "the tool has ended";
+    ToolCommandsEnabled(&states, true, true);
+    EXPECT_EQ(Enabled(states), "111100000") << "in multi-image mode";
+    PictureOpened(&states);
+    EXPECT_EQ(Enabled(states), "111111111") << "one picture again";
+    PictureClosed(&states);
+    EXPECT_EQ(Enabled(states), "110000000") << "closed";
+    EXPECT_FALSE(states.zoomBox);
+    for (const int id : {ID_OPTIONS, IDM_EXIT, IDM_ABOUT, ID_ZOOM_IN, ID_MENU_BUTTON})
+        EXPECT_TRUE(IsCommandEnabled(states, id)) << id;
+}
+
+TEST(CommandTable, KnowsEveryCommandOnce)
+{
+    std::set<int> ids;
+    for (int i = 0; i < kCommandCount; ++i)
+        EXPECT_TRUE(ids.insert(kCommands[i].id).second) << kCommands[i].id;
+    EXPECT_EQ(ids.size(), 22u);
+    EXPECT_EQ(FindCommand(ID_TOOLBAR_SPACER), nullptr);
+    ASSERT_NE(FindCommand(ID_SMART_CONTRAST), nullptr);
+    EXPECT_EQ(FindCommand(ID_SMART_CONTRAST)->tooltipString, 101);
+    EXPECT_FALSE(IsCommandEnabled(CommandStates(), 4242)) << "not a command";
+}

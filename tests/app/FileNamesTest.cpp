@@ -1,0 +1,80 @@
+#include "app/FileNames.h"
+
+#include "app/DockerLayout.h"
+#include "picture/ImageFile.h"
+
+#include <gtest/gtest.h>
+
+TEST(SaveNames, AreCutAtTheFirstDot)
+{
+    EXPECT_EQ(ProposedSaveName(L"C:\\photos\\house.jpg"), L"house-vexa");
+    EXPECT_EQ(ProposedSaveName(L"C:\\pho.tos\\IMG.2020.jpg"), L"IMG-vexa");
+    EXPECT_EQ(ProposedSaveName(L"plain"), L"plain-vexa");
+    EXPECT_EQ(ProposedSaveName(L""), L"-vexa");
+}
+
+TEST(SaveTypes, ArePreselectedByWhatFollowsTheFirstDot)
+{
+    const struct
+    {
+        const wchar_t* file;
+        int of8, of16;
+    } cases[] = {{L"a.bmp", 1, 0}, {L"d\\a.TIF", 2, 1},    {L"a.png", 3, 2},
+                 {L"a.Jpg", 4, 0}, {L"a.jpeg", 0, 0},      {L"a.2020.jpg", 0, 0},
+                 {L"a", 0, 0},     {L"x.png\\a.bmp", 1, 0}};
+    for (const auto& c : cases)
+    {
+        EXPECT_EQ(PreselectedSaveType(c.file, 8), c.of8) << c.file;
+        EXPECT_EQ(PreselectedSaveType(c.file, 16), c.of16) << c.file;
+    }
+}
+
+TEST(SaveTargets, TakeTheirFormatFromTheNameOrTheType)
+{
+    const struct
+    {
+        const wchar_t* name;
+        int type, bits;
+        const wchar_t* path;
+        int format;
+    } cases[] = {{L"photo.PNG", 1, 8, L"photo.PNG", kFormatPng},
+                 {L"photo", 1, 8, L"photo.bmp", kFormatBmp},
+                 {L"photo", 2, 8, L"photo.tif", kFormatTiff},
+                 {L"photo", 4, 8, L"photo.jpg", kFormatJpeg},
+                 {L"x.jpeg", 4, 8, L"x.jpeg.jpg", kFormatJpeg},
+                 {L"o", 1, 16, L"o.tif", kFormatTiff},
+                 {L"o", 2, 16, L"o.png", kFormatPng},
+                 {L"x.jpg", 1, 16, L"x.jpg.tif", kFormatTiff}, // 16 bits know no JPEG
+                 {L"o", 0, 8, L"o.bmp", kFormatBmp},
+                 {L"o", 9, 16, L"o.png", kFormatPng},
+                 {L".jpg", 1, 8, L".jpg", kFormatJpeg}};
+    for (const auto& c : cases)
+    {
+        const SaveTarget target = SaveTargetOf(c.name, c.type, c.bits);
+        EXPECT_EQ(target.path, c.path) << c.name;
+        EXPECT_EQ(target.format, c.format) << c.name;
+    }
+}
+
+TEST(DialogFilter, ShowsThePatternsThemselves)
+{
+    EXPECT_EQ(DialogFilter({L"*.tif", L"*.png"}),
+              std::wstring(L"*.tif\0*.tif\0*.png\0*.png\0\0", 25));
+}
+
+TEST(DockerLayout, StacksItsWindowsAtTheRightEdge)
+{
+    const DockerLayout two = LayOutDocked({{200, 120}, {260, 80}}, 1000, false);
+    EXPECT_EQ(two.width, 261);
+    EXPECT_EQ(two.left, 738);
+    ASSERT_EQ(two.origins.size(), 2u);
+    EXPECT_EQ(two.origins[0].x, 1);
+    EXPECT_EQ(two.origins[0].y, 0);
+    EXPECT_EQ(two.origins[1].y, 120);
+    const DockerLayout none = LayOutDocked({}, 1000, false);
+    EXPECT_EQ(none.width, 1);
+    EXPECT_EQ(none.left, 998);
+    const DockerLayout left = LayOutDocked({{200, 120}}, 1000, true);
+    EXPECT_EQ(left.left, 0);
+    EXPECT_EQ(left.origins[0].x, 0);
+}
