@@ -1,0 +1,20 @@
+#pragma once
+
+#include "app/ProfileStore.h"
+
+// Every visible text, by number. Written by the loaders on the window thread before anybody reads.
+
+constexpr int kStringCount = 114;
+constexpr int kStringChars = 1024; // final zero included
+
+extern wchar_t g_strings[kStringCount + 1][kStringChars]; // [0] is not used
+
+// The built-in text; empty for the numbers that nobody uses, and for 76.
+const wchar_t* EnglishText(int number);
+
+// A text that the file has, even an empty one, wins over the built-in text.
+void LoadStrings(const ProfileStore& store, int language);
+void ReloadString(const ProfileStore& store, int language, int number); // a single one
+
+// All texts in the language in use, from the file beside the program. Windows only.
+void LoadLocalizedStrings();
