@@ -8,8 +8,10 @@ level=${1:-native}
 
 native=(g++ cmake ninja-build libfreeimage-dev libtbb-dev googletest libbenchmark-dev)
 # Windows: compiler, zlib, the assembler of the JPEG library, and wine to run the tests. wine32 and
-# the screen drivers are only recommended packages, so they stay away.
-windows=(g++-mingw-w64-x86-64-posix libz-mingw-w64-dev nasm dpkg-dev wine wine64)
+# the screen drivers are only recommended packages, so they stay away. The last two draw the images
+# and pack the icon.
+windows=(g++-mingw-w64-x86-64-posix libz-mingw-w64-dev nasm dpkg-dev wine wine64
+    librsvg2-bin icoutils)
 linting=(clang-format-14 clang-tidy-14)
 
 case $level in
