@@ -1,0 +1,329 @@
+#include "multiscale/LevelsOfDetail.h"
+
+#include "fusion/FusionThreads.h"
+#include "tests/support/TestPictures.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+
+namespace
+{
+
+using Lods = int[kDetailLevels];
+constexpr Lods kUnchanged = {10, 10, 10, 10, 10, 10, 10, 10};
+
+TestPicture SmartContrast(const TestPicture& in, const Lods& lod)
+{
+    TestPicture out(in.pic.width, in.pic.height, in.pic.components, in.pic.bitsPerComponent);
+    EXPECT_FALSE(SmartContrastPicture(&out.pic, in.pic, lod, {}));
+    return out;
+}
+
+// A plane of doubles with the two filters as their definition has them: the window moves inside.
+struct SlowPlane
+{
+    int width, height;
+    std::vector<double> samples;
+
+    double& At(int x, int y) { return samples[size_t(y) * size_t(width) + size_t(x)]; }
+};
+
+SlowPlane EmptyPlane(int width, int height)
+{
+    return {width, height, std::vector<double>(size_t(width) * size_t(height))};
+}
+
+constexpr double kTap[5] = {0.05, 0.25, 0.4, 0.25, 0.05};
+
+SlowPlane SlowReduce(SlowPlane& src)
+{
+    SlowPlane dst = EmptyPlane(src.width / 2, src.height / 2);
+    for (int y = 0; y < dst.height; ++y)
+        for (int x = 0; x < dst.width; ++x)
+        {
+            const int top = std::min(std::max(2 * y - 2, 0), src.height - 5);
+            const int left = std::min(std::max(2 * x - 2, 0), src.width - 5);
+            for (int r = 0; r < 5; ++r)
+                for (int c = 0; c < 5; ++c)
+                    dst.At(x, y) += kTap[r] * kTap[c] * src.At(left + c, top + r);
+        }
+    return dst;
+}
+
+SlowPlane SlowExpand(SlowPlane& src, int width, int height)
+{
+    SlowPlane dst = EmptyPlane(width, height);
+    for (int y = 0; y < height; ++y)
+        for (int x = 0; x < width; ++x)
+        {
+            const int top = std::min(y < 3 ? 0 : y - 2, height - 5);
+            const int left = std::min(x < 3 ? 0 : x - 2, width - 5);
+            for (int r = top; r < std::min(top + 5, 2 * src.height); ++r)
+                for (int c = left; c < std::min(left + 5, 2 * src.width); ++c)
+                    if (r % 2 == 0 && c % 2 == 0)
+                        dst.At(x, y) += 4 * kTap[r - top] * kTap[c - left] * src.At(c / 2, r / 2);
+        }
+    return dst;
+}
+
+// From level `level` up: every detail times its gain.
+SlowPlane SlowRecompose(SlowPlane& gauss, int level, int levels, const std::vector<double>& gains)
+{
+    if (level == levels)
+        return gauss;
+    SlowPlane coarse = SlowReduce(gauss);
+    SlowPlane expanded = SlowExpand(coarse, gauss.width, gauss.height);
+    SlowPlane rebuilt = SlowRecompose(coarse, level + 1, levels, gains);
+    SlowPlane result = SlowExpand(rebuilt, gauss.width, gauss.height);
+    for (size_t i = 0; i < result.samples.size(); ++i)
+        result.samples[i] += gains[size_t(level)] * (gauss.samples[i] - expanded.samples[i]);
+    return result;
+}
+
+} // namespace
+
+TEST(DetailPadding, FollowsTheShortSide)
+{
+    const struct
+    {
+        int width, height, levels, paddedWidth, paddedHeight, x, y;
+    } cases[] = {
+        {4000, 3000, 8, 5120, 4096, 560, 548},
+        {640, 480, 6, 896, 768, 128, 144},
+        {100, 60, 3, 136, 96, 18, 18},
+        {60, 100, 3, 96, 136, 18, 18},
+        {11, 11, 1, 20, 20, 4, 4},
+        {100, 10, 0, 104, 14, 2, 2},
+        {1, 1, 0, 5, 5, 2, 2},
+    };
+    for (const auto& c : cases)
+    {
+        SCOPED_TRACE(testing::Message() << c.width << "x" << c.height);
+        const DetailPadding padding = DetailPaddingOf(c.width, c.height);
+        EXPECT_EQ(padding.levels, c.levels);
+        EXPECT_EQ(padding.width, c.paddedWidth);
+        EXPECT_EQ(padding.height, c.paddedHeight);
+        EXPECT_EQ(padding.x, c.x);
+        EXPECT_EQ(padding.y, c.y);
+    }
+}
+
+TEST(DetailPadding, RepeatsTheNearestPixel)
+{
+    for (int bits : {8, 16})
+        for (int components : {1, 3})
+        {
+            const auto value = [&](int x, int y, int c) { return 20 * y + 8 * x + c + bits; };
+            TestPicture padded = PictureOf(9, 7, components, bits, value);
+            const TestPicture expected =
+                PictureOf(9, 7, components, bits,
+                          [&](int x, int y, int c)
+                          { return value(std::clamp(x, 3, 5), std::clamp(y, 2, 3), c); });
+            if (bits == 8)
+                ReplicateBorder8(&padded.pic, 3, 2, 3, 2);
+            else
+                ReplicateBorder16(&padded.pic, 3, 2, 3, 2);
+            ExpectSamePicture(padded.pic, expected.pic);
+        }
+}
+
+TEST(LevelGain, IsATenthOfTheClampedNumber)
+{
+    EXPECT_EQ(LevelGain(-5), 0.0f);
+    EXPECT_EQ(LevelGain(10), 1.0f);
+    EXPECT_EQ(LevelGain(25), 2.5f);
+    EXPECT_EQ(LevelGain(99), 3.0f);
+    EXPECT_EQ(ClampLevelOfDetail(99), 30);
+}
+
+TEST(SmartContrast, AtTenGivesBackEveryPicture)
+{
+    const int sizes[][2] = {{1, 1}, {4, 5}, {10, 40}, {11, 12}, {23, 22}, {97, 64}, {130, 45}};
+    for (const auto& size : sizes)
+        for (int components : {1, 3})
+            for (int bits : {8, 16})
+            {
+                SCOPED_TRACE(testing::Message() << size[0] << "x" << size[1] << " " << bits);
+                const TestPicture scene = ScenePicture(size[0], size[1], components, bits, 0);
+                ExpectSamePicture(SmartContrast(scene, kUnchanged).pic, scene.pic);
+            }
+}
+
+TEST(SmartContrast, HasOnlyTheLevelsThatThePictureHas)
+{
+    const TestPicture tiny = ScenePicture(10, 200, 3, 8, 0);
+    ExpectSamePicture(SmartContrast(tiny, {0, 30, 0, 30, 0, 30, 0, 30}).pic, tiny.pic);
+
+    const TestPicture small = ScenePicture(100, 60, 1, 8, 0); // 3 levels
+    const TestPicture changed = SmartContrast(small, {20, 5, 15, 10, 10, 10, 10, 10});
+    ExpectSamePicture(SmartContrast(small, {20, 5, 15, 0, 30, 0, 30, 0}).pic, changed.pic);
+    EXPECT_NE(HashOf(SmartContrast(small, {20, 5, 10, 10, 10, 10, 10, 10}).pic),
+              HashOf(changed.pic));
+}
+
+TEST(SmartContrast, LeavesAFlatPictureAlone)
+{
+    for (int bits : {8, 16})
+    {
+        const TestPicture flat = FlatPicture(77, 50, bits, {201, 0, 255});
+        ExpectSamePicture(SmartContrast(flat, {0, 30, 7, 0, 30, 30, 0, 0}).pic, flat.pic);
+    }
+}
+
+TEST(SmartContrast, ScalesAndClampsTheFinestDetail)
+{
+    const TestPicture board =
+        PictureOf(40, 40, 1, 8, [](int x, int y, int) { return (x + y) % 2 ? 180 : 60; });
+    const auto contrast = [&](int finest)
+    {
+        const TestPicture result = SmartContrast(board, {finest, 10, 10, 10, 10, 10, 10, 10});
+        return result.At(21, 20) - result.At(20, 20);
+    };
+    EXPECT_LT(contrast(0), 12);
+    EXPECT_EQ(contrast(10), 120);
+    EXPECT_NEAR(contrast(15), 180, 10);
+    EXPECT_EQ(contrast(30), 255);
+}
+
+// 23x17 has one level; 50x41 has two; 16 bits to have five digits to compare.
+TEST(Recompose, FollowsTheFormulas)
+{
+    const int sizes[][2] = {{23, 17}, {50, 41}};
+    for (const auto& size : sizes)
+    {
+        const TestPicture scene = ScenePicture(size[0], size[1], 1, 16, 0);
+        SlowPlane plane = EmptyPlane(size[0], size[1]);
+        for (int y = 0; y < size[1]; ++y)
+            for (int x = 0; x < size[0]; ++x)
+                plane.At(x, y) = scene.At(x, y);
+
+        LevelsOfDetail record;
+        ASSERT_FALSE(Decompose(&record, scene.pic, 2));
+        const float gains[kDetailLevels] = {1.7f, 0.2f};
+        TestPicture result(size[0], size[1], 1, 16);
+        ASSERT_FALSE(Recompose(&result.pic, &record, gains));
+        const SlowPlane expected =
+            SlowRecompose(plane, 0, record.levels, {double(1.7f), double(0.2f)});
+        for (int y = 0; y < size[1]; ++y)
+            for (int x = 0; x < size[0]; ++x)
+                // Half a step of rounding, and single precision at 65536.
+                ASSERT_NEAR(result.At(x, y),
+                            std::clamp(expected.samples[size_t(y * size[0] + x)], 0.0, 65535.0),
+                            0.5 + 0.1)
+                    << x << ", " << y;
+    }
+}
+
+TEST(Recompose, CanBeRepeatedWithOtherGains)
+{
+    const TestPicture scene = ScenePicture(64, 48, 3, 8, 0);
+    LevelsOfDetail record;
+    ASSERT_FALSE(Decompose(&record, scene.pic, kDetailLevels));
+    EXPECT_EQ(record.levels, 3);
+    const float wild[kDetailLevels] = {3, 0, 3}, one[kDetailLevels] = {1, 1, 1};
+    TestPicture first(64, 48, 3, 8), again(64, 48, 3, 8);
+    ASSERT_FALSE(Recompose(&first.pic, &record, wild));
+    ASSERT_FALSE(Recompose(&again.pic, &record, one));
+    ExpectSamePicture(again.pic, scene.pic);
+    ASSERT_FALSE(Recompose(&again.pic, &record, wild));
+    ExpectSamePicture(again.pic, first.pic);
+}
+
+TEST(Recompose, RefusesAnotherGeometry)
+{
+    const TestPicture scene = ScenePicture(32, 30, 3, 8, 0);
+    LevelsOfDetail record;
+    ASSERT_FALSE(Decompose(&record, scene.pic, 1));
+    EXPECT_EQ(record.levels, 1) << "never more than asked for";
+    const float gains[kDetailLevels] = {};
+    TestPicture others[] = {{32, 30, 1, 8}, {31, 30, 3, 8}, {32, 31, 3, 8}, {32, 30, 3, 16}};
+    for (TestPicture& other : others)
+        EXPECT_TRUE(Recompose(&other.pic, &record, gains));
+    ReleaseLevelsOfDetail(&record);
+    ReleaseLevelsOfDetail(&record);
+    TestPicture same(32, 30, 3, 8);
+    EXPECT_TRUE(Recompose(&same.pic, &record, gains)) << "nothing left to put together";
+}
+
+TEST(ToInteger, RoundsClampsAndStretches)
+{
+    const float plane[6] = {-3.0f, 0.4f, 0.5f, 99.6f, 254.6f, 70000.0f};
+    TestPicture narrow(3, 2, 1, 8), wide(3, 2, 3, 16);
+    ToInteger8(&narrow.pic, 0, plane, false);
+    ToInteger16(&wide.pic, 1, plane, false);
+    const double clamped8[6] = {0, 0, 1, 100, 255, 255}, clamped16[6] = {0, 0, 1, 100, 255, 65535};
+    for (int i = 0; i < 6; ++i)
+    {
+        EXPECT_EQ(narrow.At(i % 3, i / 3), clamped8[i]);
+        EXPECT_EQ(wide.At(i % 3, i / 3, 1), clamped16[i]);
+    }
+
+    const float range[6] = {-10, 0, 10, 20, 30, 40}, flat[6] = {5, 5, 5, 5, 5, 5};
+    ToInteger8(&narrow.pic, 0, range, true);
+    for (int i = 0; i < 6; ++i)
+        EXPECT_EQ(narrow.At(i % 3, i / 3), 51.0 * i);
+    ToInteger8(&narrow.pic, 0, flat, true);
+    EXPECT_EQ(narrow.At(1, 1), 0);
+}
+
+// The tool keeps all components taken apart, the single run goes through them one by one.
+TEST(SmartContrast, OfAWholePictureIsWhatTheToolShows)
+{
+    const TestPicture scene = ScenePicture(120, 75, 3, 8, 1);
+    const Lods lod = {25, 3, 14, 8, 10, 10, 10, 10};
+    const DetailPadding place = DetailPaddingOf(120, 75);
+    TestPicture padded(place.width, place.height, 3, 8), rebuilt(place.width, place.height, 3, 8);
+    CBxPicBufAPI::CopyRect(&padded.pic, scene.pic, {place.x, place.y}, {0, 0}, {120, 75});
+    ReplicateBorder8(&padded.pic, place.x, place.y, 120, 75);
+    LevelsOfDetail record;
+    ASSERT_FALSE(Decompose(&record, padded.pic, place.levels));
+    float gains[kDetailLevels];
+    std::transform(lod, lod + kDetailLevels, gains, LevelGain);
+    ASSERT_FALSE(Recompose(&rebuilt.pic, &record, gains));
+    TestPicture shown(120, 75, 3, 8);
+    CBxPicBufAPI::CopyRect(&shown.pic, rebuilt.pic, {0, 0}, {place.x, place.y}, {120, 75});
+    ExpectSamePicture(SmartContrast(scene, lod).pic, shown.pic);
+
+    int steps = 0;
+    RunControl control;
+    control.progress = [&](int n) { steps += n; };
+    TestPicture inPlace = ScenePicture(120, 75, 3, 8, 1);
+    ASSERT_FALSE(SmartContrastPicture(&inPlace.pic, inPlace.pic, lod, control));
+    ExpectSamePicture(inPlace.pic, shown.pic);
+    EXPECT_EQ(steps, 3 * kSmartContrastSteps);
+}
+
+TEST(SmartContrast, GivesTheSameBitsOnAnyNumberOfThreads)
+{
+    const TestPicture scene = ScenePicture(700, 500, 3, 16, 0);
+    const Lods lod = {25, 3, 14, 8, 10, 20, 0, 0};
+    VcLimitThreads(1);
+    const uint64_t alone = HashOf(SmartContrast(scene, lod).pic);
+    for (int threads : {2, 8})
+    {
+        VcLimitThreads(threads);
+        EXPECT_EQ(HashOf(SmartContrast(scene, lod).pic), alone) << threads;
+    }
+    VcLimitThreads(0);
+}
+
+TEST(SmartContrast, StopsBetweenLevels)
+{
+    const TestPicture scene = ScenePicture(100, 60, 3, 8, 0); // 3 levels, there and back
+    TestPicture out(100, 60, 3, 8);
+    for (int allowed : {0, 2, 4, 17})
+    {
+        int polls = 0;
+        RunControl control;
+        control.cancelled = [&] { return polls++ >= allowed; };
+        EXPECT_TRUE(SmartContrastPicture(&out.pic, scene.pic, kUnchanged, control));
+        EXPECT_EQ(polls, allowed + 1) << "nothing is asked or done after a stop";
+
+        LevelsOfDetail record;
+        polls = 0;
+        EXPECT_EQ(Decompose(&record, scene.pic, 3, control), allowed < 9);
+        EXPECT_EQ(record.laplace[0][0] == nullptr, allowed < 9);
+    }
+}
