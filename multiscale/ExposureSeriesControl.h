@@ -1,0 +1,33 @@
+#pragma once
+
+#include "picture/PicBuf.h"
+
+#include <functional>
+
+// How the makers of exposure series talk to whoever started them. Callbacks may be empty; all are
+// called on the thread that makes the series.
+
+struct SeriesProgress
+{
+    int percent;  // for the text
+    int position; // of the bar
+    bool
+        newText; // false: the bar moves, but the text is no longer ours, since a cancel shows there
+};
+
+struct SeriesControl
+{
+    std::function<void(const SeriesProgress&)> progress;
+    // The two ways to stop: both end the series after the picture being made; only a cancel also
+    // ends its texts.
+    std::function<bool()> cancelRequested;
+    std::function<bool()> stopped;
+    unsigned denoiseThreads = 0; // most threads of the denoising filter; 0 = all processors
+
+    bool CancelRequested() const { return cancelRequested && cancelRequested(); }
+    bool Ending() const { return CancelRequested() || (stopped && stopped()); }
+};
+
+// Takes picture number `number` of a series (in order of making) with its file name. The picture
+// is valid during the call only. True when it could not be taken: the series ends.
+using SeriesSink = std::function<bool(int number, const SBxPicBuf& picture, const char* name)>;
