@@ -1,0 +1,85 @@
+#include "app/OptionsDlg.h"
+
+#include "app/LanguageFile.h"
+#include "app/OptionsIds.h"
+#include "app/Settings.h"
+#include "app/Strings.h"
+
+constexpr int kRestartText = 47;
+constexpr int kReportText = 38;
+
+static const struct
+{
+    int control; // 0: the caption
+    int string;
+} kOptionsTexts[] = {
+    {0, 44},
+    {IDC_OPTIONS_LABEL, 43},
+    {IDOK, 45},
+    {IDCANCEL, 46},
+};
+
+static void CentreOverParent(HWND dlg)
+{
+    RECT parent, own;
+    if (!GetWindowRect(GetParent(dlg), &parent) || !GetWindowRect(dlg, &own))
+        return;
+    const int x = (parent.right - parent.left - (own.right - own.left)) / 2;
+    const int y = (parent.bottom - parent.top - (own.bottom - own.top)) / 2;
+    SetWindowPos(dlg, nullptr, parent.left + x, parent.top + y, 0, 0, SWP_NOSIZE | SWP_NOZORDER);
+}
+
+static INT_PTR OnInitOptions(HWND dlg)
+{
+    CentreOverParent(dlg);
+    const HWND combo = GetDlgItem(dlg, IDC_OPTIONS_LANGUAGE);
+    SendMessageW(combo, CB_RESETCONTENT, 0, 0);
+    for (const Language& language : g_languages.languages)
+        SendMessageW(combo, CB_ADDSTRING, 0, LPARAM(language.name.c_str()));
+    SendMessageW(combo, CB_SETCURSEL, WPARAM(g_languages.current), 0);
+    for (const auto& text : kOptionsTexts)
+        SetWindowTextW(text.control ? GetDlgItem(dlg, text.control) : dlg, g_strings[text.string]);
+    return TRUE;
+}
+
+static INT_PTR OnOptionsCommand(HWND dlg, int id, bool* stored)
+{
+    if (id != IDOK && id != IDCANCEL)
+        return FALSE;
+    if (id == IDOK)
+    {
+        // -1 when nothing is selected, as in an empty list.
+        const LRESULT selected = SendDlgItemMessageW(dlg, IDC_OPTIONS_LANGUAGE, CB_GETCURSEL, 0, 0);
+        *stored = ChooseLanguage(LocalizationFile(), &g_languages, int(selected));
+    }
+    EndDialog(dlg, id);
+    return TRUE;
+}
+
+static INT_PTR CALLBACK OptionsProc(HWND dlg, UINT message, WPARAM wParam, LPARAM lParam)
+{
+    switch (message)
+    {
+    case WM_INITDIALOG: SetWindowLongPtrW(dlg, DWLP_USER, lParam); return OnInitOptions(dlg);
+    case WM_COMMAND:
+        return OnOptionsCommand(dlg, LOWORD(wParam),
+                                reinterpret_cast<bool*>(GetWindowLongPtrW(dlg, DWLP_USER)));
+    default: return FALSE;
+    }
+}
+
+void ShowOptionsDialog(HWND owner)
+{
+    const int previous = g_languages.current;
+    LoadSettings();
+    bool stored = false;
+    const INT_PTR answer = DialogBoxParamW(GetModuleHandleW(nullptr), MAKEINTRESOURCEW(IDD_OPTIONS),
+                                           owner, OptionsProc, reinterpret_cast<LPARAM>(&stored));
+    if (answer != IDOK)
+        return;
+    // The note is for who reads the new language; all else stays as it is until the restart.
+    ReloadString(LocalizationFile(), g_languages.current, kRestartText);
+    ReloadString(LocalizationFile(), g_languages.current, kReportText);
+    if (stored && g_languages.current != previous)
+        MessageBoxW(owner, g_strings[kRestartText], g_strings[kReportText], MB_ICONASTERISK);
+}

@@ -1,0 +1,60 @@
+#include "tests/win/ProfileFiles.h"
+
+#include "app/ProfileStore.h"
+#include "app/Win.h"
+
+#include <cstdlib>
+#include <fstream>
+#include <iterator>
+
+static const wchar_t kProduct[] = L"PlenovizTest";
+
+static std::wstring SettingsFolder()
+{
+    return std::wstring(_wgetenv(L"APPDATA")) + L"\\" + kProduct;
+}
+
+std::wstring SettingsFilePath()
+{
+    return SettingsFolder() + L"\\" + kProduct + L".txt";
+}
+
+std::wstring LocalizationFilePath()
+{
+    wchar_t path[MAX_PATH];
+    GetModuleFileNameW(nullptr, path, MAX_PATH);
+    const std::wstring program = path;
+    return program.substr(0, program.rfind(L'\\') + 1) + L"Plenoviz_loc.ini";
+}
+
+void UseFreshProfileFiles()
+{
+    g_productName = "PlenovizTest";
+    DeleteFileW(SettingsFilePath().c_str());
+    DeleteFileW(LocalizationFilePath().c_str());
+    RemoveDirectoryW(SettingsFolder().c_str());
+}
+
+void WriteLocalization(const std::wstring& text)
+{
+    std::ofstream file(LocalizationFilePath().c_str(), std::ios::binary);
+    file.write("\xff\xfe", 2);
+    file.write(reinterpret_cast<const char*>(text.data()), std::streamsize(text.size() * 2));
+}
+
+std::string FileBytes(const std::wstring& path)
+{
+    std::ifstream file(path.c_str(), std::ios::binary);
+    return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
+}
+
+HeldLocalization::HeldLocalization()
+{
+    handle = CreateFileW(LocalizationFilePath().c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr,
+                         OPEN_EXISTING, 0, nullptr);
+}
+
+HeldLocalization::~HeldLocalization()
+{
+    CloseHandle(handle);
+}

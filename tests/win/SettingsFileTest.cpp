@@ -1,0 +1,125 @@
+#include "app/Format_win.h"
+#include "app/LanguageFile.h"
+#include "app/Settings.h"
+#include "app/Strings.h"
+#include "app/Win.h"
+#include "picture/ImageFile.h"
+#include "tests/win/ProfileFiles.h"
+
+#include <gtest/gtest.h>
+
+TEST(WideFormat, TellsWideFromNarrowText)
+{
+    wchar_t text[32];
+    EXPECT_TRUE(VcFormat(text, 32, L"%s\\%S: %i %.1f %%", L"日本", "abc", -7, 119.96));
+    EXPECT_STREQ(text, L"日本\\abc: -7 120.0 %");
+}
+
+TEST(WideFormat, EndsCutText)
+{
+    for (size_t capacity : {1, 4, 5, 6})
+    {
+        wchar_t text[8] = L"#######";
+        EXPECT_EQ(VcFormat(text, capacity, L"%s", L"abcde"), capacity == 6);
+        EXPECT_EQ(text, std::wstring(L"abcde").substr(0, capacity - 1));
+        EXPECT_EQ(text[7], L'\0');
+        EXPECT_EQ(text[6], L'#'); // nothing behind the end
+    }
+    const std::wstring path(5000, L'p');
+    EXPECT_EQ(VcFormatText(L"%s/%i", path.c_str(), 3), path + L"/3");
+    EXPECT_EQ(VcFormatText(L""), L"");
+}
+
+class RealProfileFiles : public testing::Test
+{
+protected:
+    void SetUp() override
+    {
+        UseFreshProfileFiles();
+        g_settings = {};
+        g_languages = {};
+    }
+    void TearDown() override { UseFreshProfileFiles(); }
+};
+
+TEST_F(RealProfileFiles, HoldTheSettingsOfARunInOrder)
+{
+    LoadSettings();
+    EXPECT_EQ(FileBytes(SettingsFilePath()), "[General]\r\nCrashed Last Time=1\r\n");
+    EXPECT_EQ(g_jpegQuality, 90);
+    ReadSettings(SettingGroup::PowerTool);
+    g_settings.powerTool.power = 22;
+    EXPECT_TRUE(WriteSettings(SettingGroup::PowerTool));
+    SaveSettingsOnExit();
+    // "power" finds the key that the tool has written as "Power": there is only one.
+    EXPECT_EQ(FileBytes(SettingsFilePath()),
+              "[General]\r\nCrashed Last Time=0\r\nExposure=128\r\nFlatness=3\r\nPower=22\r\n"
+              "method=0\r\nnoise=1\r\nuiPowerT1=10\r\nuiPowerT2=10\r\nuiPowerT3=10\r\n"
+              "uiPowerT4=10\r\nuiUseColors=10\r\n");
+}
+
+TEST_F(RealProfileFiles, MakeTheirFolderAgain)
+{
+    LoadSettings();
+    UseFreshProfileFiles();
+    EXPECT_TRUE(WriteSettings(SettingGroup::NoisePrompt));
+    EXPECT_EQ(FileBytes(SettingsFilePath()), "[General]\r\nDenoise Strength=0\r\n");
+}
+
+TEST_F(RealProfileFiles, GiveTextsWithAllTheirBlanksAndLetters)
+{
+    LoadLocalizedStrings();
+    EXPECT_STREQ(g_strings[14], L"Progress: ");
+    EXPECT_STREQ(g_strings[102], L" Levels of details");
+    EXPECT_STREQ(g_strings[17], L"");
+
+    WriteLocalization(L"[General]\r\nLanguages No=2\r\nLanguage Current=1\r\n"
+                      L"[0]\r\nLanguage=English\r\n[1]\r\nLanguage=日本語\r\nAcronym=ja\r\n"
+                      L"string3=Zażółć gęślą\r\nSTRING14=\"進捗: \"\r\nstring5=\r\n"
+                      L"string6=" +
+                      std::wstring(1100, L'm') + L"\r\n");
+    LoadSettings();
+    LoadLocalizedStrings();
+    EXPECT_STREQ(g_strings[3], L"Zażółć gęślą");
+    EXPECT_STREQ(g_strings[14], L"進捗: ");
+    EXPECT_STREQ(g_strings[5], L"");
+    EXPECT_EQ(std::wstring(g_strings[6]), std::wstring(1023, L'm'));
+    EXPECT_STREQ(g_strings[4], L"File");
+    ASSERT_EQ(g_languages.languages.size(), 2u);
+    EXPECT_EQ(g_languages.languages[1].name, L"日本語");
+    EXPECT_EQ(g_languages.languages[1].acronym, L"ja");
+}
+
+TEST_F(RealProfileFiles, OfTheProgramHoldEveryEnglishText)
+{
+    ASSERT_TRUE(CopyFileW(PLENOVIZ_TEXTS, LocalizationFilePath().c_str(), FALSE));
+    LanguageList list;
+    LoadLanguageChoice(LocalizationFile(), &list);
+    LoadLanguageNames(LocalizationFile(), &list);
+    ASSERT_EQ(list.count, 1);
+    EXPECT_EQ(list.languages[0].name, L"English");
+    for (int number = 1; number <= kStringCount; ++number)
+    {
+        std::wstring text;
+        const bool found =
+            LocalizationFile().read(L"0", L"string" + std::to_wstring(number), &text);
+        EXPECT_EQ(found, number == 76 || *EnglishText(number) != L'\0') << number;
+        if (!found)
+            continue;
+        EXPECT_EQ(text, EnglishText(number)) << number;
+    }
+}
+
+TEST_F(RealProfileFiles, KeepTheChosenLanguage)
+{
+    WriteLocalization(L"[General]\r\nLanguages No=2\r\nLanguage Current=0\r\n[1]\r\nstring3=é\r\n");
+    EXPECT_TRUE(ChooseLanguage(LocalizationFile(), &g_languages, 1));
+    LoadSettings();
+    EXPECT_EQ(g_languages.current, 1);
+    EXPECT_EQ(FileBytes(LocalizationFilePath()).substr(0, 2), "\xff\xfe");
+    LoadLocalizedStrings();
+    EXPECT_STREQ(g_strings[3], L"é");
+
+    HeldLocalization held;
+    EXPECT_FALSE(ChooseLanguage(LocalizationFile(), &g_languages, 0));
+}
