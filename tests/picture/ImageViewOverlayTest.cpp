@@ -116,13 +116,14 @@ TEST(PreviewFrame, InvertsTwoPixelsAllAroundOnceEach)
 // Sides that meet must not invert back.
 TEST(PreviewFrame, IsFullWhenItIsSmall)
 {
-    for (int width = 0; width <= 3; ++width)
-        for (int height = 0; height <= 3; ++height)
+    for (int side = 0; side <= 3; ++side)
+        for (int other = 0; other <= 9; ++other)
         {
-            TestView t(20, 20);
-            InvertFrame(&t.display.pic, {5, 6, 5 + width, 6 + height});
-            EXPECT_EQ(Changed(t).size(), size_t((width + 1) * (height + 1)))
-                << width << " x " << height;
+            TestView wide(20, 20), high(20, 20);
+            InvertFrame(&wide.display.pic, {5, 6, 5 + other, 6 + side});
+            InvertFrame(&high.display.pic, {5, 6, 5 + side, 6 + other});
+            EXPECT_EQ(Changed(wide).size(), size_t((side + 1) * (other + 1))) << side;
+            EXPECT_EQ(Changed(high).size(), size_t((side + 1) * (other + 1))) << side;
         }
     TestView t(20, 20);
     InvertFrame(&t.display.pic, {9, 9, 5, 5});
