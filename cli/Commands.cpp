@@ -3,6 +3,7 @@
 #include "picture/ImageFile.h"
 
 #include "fusion/FusionThreads.h"
+#include "multiscale/RemapRegions.h"
 
 #include <new>
 #include <ostream>
@@ -221,6 +222,7 @@ static int Run(const ParsedLine& line, const CliStreams& streams)
 {
     g_jpegQuality = line.options.jpegQuality;
     VcLimitThreads(line.options.threads);
+    LimitRemapThreads(line.options.threads);
     try
     {
         return line.command->run(line.options, streams);

@@ -6,7 +6,20 @@
 #include <algorithm>
 #include <cmath>
 
+#ifdef _OPENMP
+#include <omp.h>
+#endif
+
 // The only file with OpenMP loops.
+
+void LimitRemapThreads(int threads)
+{
+#ifdef _OPENMP
+    omp_set_num_threads(threads > 0 ? threads : omp_get_num_procs());
+#else
+    (void)threads;
+#endif
+}
 
 RemapConstants RemapConstantsOf(double p1, double p2, double p3, double p4)
 {

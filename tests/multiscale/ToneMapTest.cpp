@@ -197,10 +197,15 @@ TEST(ToneMapping, GivesTheSameBitsOnEveryBuild)
 {
     const TestPicture scene = ScenePicture(301, 203, 3, 16, 0);
     for (int variant = 0; variant < 4; ++variant)
-    {
-        if (!ForceRemapVariant(variant))
-            continue;
-        EXPECT_EQ(HashOf(Mapped(scene, ToneMapParamsOf(20, 4, 33, 8), true).pic), 17465508449943024907u) << variant;
-    }
+        for (const int threads : {1, 2, 8})
+        {
+            if (!ForceRemapVariant(variant))
+                continue;
+            LimitRemapThreads(threads);
+            EXPECT_EQ(HashOf(Mapped(scene, ToneMapParamsOf(20, 4, 33, 8), true).pic),
+                      17465508449943024907u)
+                << variant << ", " << threads << " threads";
+        }
     ForceRemapVariant(0);
+    LimitRemapThreads(0);
 }
