@@ -12,7 +12,10 @@ constexpr size_t kAcronymChars = 15;
 static const wchar_t kCountKey[] = L"Languages No";
 static const wchar_t kCurrentKey[] = L"Language Current";
 
-std::wstring LanguageSection(int language) { return std::to_wstring(language); }
+std::wstring LanguageSection(int language)
+{
+    return std::to_wstring(language);
+}
 
 void LoadLanguageChoice(const ProfileStore& store, LanguageList* list)
 {
