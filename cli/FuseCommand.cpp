@@ -4,7 +4,9 @@
 
 #include "fusion/FusionAccumulator.h"
 
+#include <chrono>
 #include <future>
+#include <iomanip>
 #include <memory>
 #include <ostream>
 
@@ -54,7 +56,16 @@ struct FuseJob
     SBxPicBuf geometry; // of the first source; no data
     SBxPicBuf alpha;    // of the first source
     SBxPicBuf result;
+    double waited, added, composed,
+        written; // seconds; reading that nobody waits for does not count
 };
+
+using Clock = std::chrono::steady_clock;
+
+static double SecondsSince(Clock::time_point start)
+{
+    return std::chrono::duration<double>(Clock::now() - start).count();
+}
 
 static void FreeJob(FuseJob* job)
 {
@@ -127,10 +138,14 @@ static int AddSources(FuseJob* job)
     {
         ShowProgress(&job->progress, "Fusing " + std::to_string(i + 1) + " of " +
                                          std::to_string(inputs.size()) + ": " + inputs[i]);
+        Clock::time_point start = Clock::now();
         const SourcePtr source = next.get();
+        job->waited += SecondsSince(start);
         if (i + 1 < inputs.size())
             next = std::async(how, LoadSource, inputs[i + 1]);
+        start = Clock::now();
         const int failed = AddSource(job, source.get(), i);
+        job->added += SecondsSince(start);
         if (failed)
             return failed;
         if (StopRequested())
@@ -139,34 +154,58 @@ static int AddSources(FuseJob* job)
     return kExitDone;
 }
 
+static void Report(const FuseJob& job, const std::string& note)
+{
+    const size_t count = job.options.inputs.size();
+    std::ostream& out = job.streams.out;
+    out << job.options.output << ": " << Kind(job.geometry) << ", fused from " << count
+        << (count == 1 ? " picture" : " pictures") << note;
+    if (job.options.times)
+        out << std::fixed << std::setprecision(2) << ", waited for reading " << job.waited
+            << " s, added in " << job.added << " s, composed in " << job.composed
+            << " s, written in " << job.written << " s";
+    out << std::endl;
+}
+
 static int FinishJob(FuseJob* job)
 {
     ShowProgress(&job->progress, "Writing " + job->options.output);
+    Clock::time_point start = Clock::now();
     CBxPicBufAPI::ReinitHeap(&job->result, job->geometry);
     if (!job->result.data || VcComposeResult(&job->result, job->accumulator))
         return FailJob(job, job->options.output, "not enough memory for the result");
     VcFreeAccumulator(&job->accumulator);
+    job->composed = SecondsSince(start);
     if (StopRequested())
         return FailJob(job, "", "stopped");
 
     std::string note;
+    start = Clock::now();
     const std::string problem = SaveResult(job->result, job->alpha, job->options.output,
                                            job->options.inputs[0], job->format, &note);
     if (!problem.empty())
         return FailJob(job, job->options.output, problem);
     EndProgress(&job->progress);
+    job->written = SecondsSince(start);
     if (!job->options.quiet)
-        job->streams.out << job->options.output << ": " << Kind(job->geometry) << ", fused from "
-                         << job->options.inputs.size()
-                         << (job->options.inputs.size() == 1 ? " picture" : " pictures") << note
-                         << std::endl;
+        Report(*job, note);
     return kExitDone;
 }
 
 int RunFuse(const CliOptions& options, const CliStreams& streams)
 {
-    FuseJob job = {options, streams, StartProgress(options, streams), kFormatFromName, {}, {},
-                   {},      {}};
+    FuseJob job = {options,
+                   streams,
+                   StartProgress(options, streams),
+                   kFormatFromName,
+                   {},
+                   {},
+                   {},
+                   {},
+                   0.0,
+                   0.0,
+                   0.0,
+                   0.0};
     const std::string problem = FormatOfResult(options.output, &job.format);
     if (!problem.empty())
         return Fail(streams, options.output, problem);
