@@ -9,6 +9,8 @@ enum class SliderMove
     Up,    // line or page towards the high end
     Drag,  // the thumb is being dragged
     Drop,  // the thumb has been let go
+    ToLow, // to the low end at once
+    ToHigh,
     Other, // nothing that changes the value
 };
 

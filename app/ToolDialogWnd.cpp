@@ -4,6 +4,8 @@
 #include "app/AppWindows_win.h"
 #include "app/CommandsWnd.h"
 #include "app/DockerWnd.h"
+#include "app/Messages.h"
+#include "app/Strings.h"
 
 #include <commctrl.h>
 
@@ -31,6 +33,26 @@ void ToolDialogDestroyed(HWND dialog)
     EnableToolCommands(true);
 }
 
+ToolWaitCursor::ToolWaitCursor()
+{
+    SendMessageW(g_hwndMain, WM_APP_CURSOR_WAIT, 0, 0);
+    before = SetCursor(LoadCursorW(nullptr, MAKEINTRESOURCEW(32514))); // the hourglass
+}
+
+ToolWaitCursor::~ToolWaitCursor()
+{
+    SendMessageW(g_hwndMain, WM_APP_CURSOR_ARROW, 0, 0);
+    SetCursor(before);
+}
+
+void WarnOfShortMemory()
+{
+    wchar_t text[256] = L"";
+    FormatMessageW(FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS, nullptr,
+                   ERROR_NOT_ENOUGH_MEMORY, 0, text, 256, nullptr);
+    MessageBoxW(g_hwndMain, text, g_strings[3], MB_OK | MB_ICONASTERISK);
+}
+
 void SetUpSlider(HWND dialog, const SliderControl& control, int value)
 {
     SendDlgItemMessageW(dialog, control.slider, TBM_SETRANGE, TRUE,
@@ -56,6 +78,8 @@ SliderMove MoveOfScroll(WPARAM wParam)
     case TB_PAGEDOWN: return SliderMove::Up;
     case TB_THUMBTRACK: return SliderMove::Drag;
     case TB_THUMBPOSITION: return SliderMove::Drop;
+    case TB_TOP: return SliderMove::ToLow;
+    case TB_BOTTOM: return SliderMove::ToHigh;
     default: return SliderMove::Other;
     }
 }
@@ -63,4 +87,21 @@ SliderMove MoveOfScroll(WPARAM wParam)
 int ThumbOfScroll(WPARAM wParam)
 {
     return short(HIWORD(wParam));
+}
+
+bool NewerSliderInputWaits(HWND slider)
+{
+    MSG message;
+    if (!PeekMessageW(&message, slider, WM_KEYDOWN, WM_KEYDOWN, PM_NOREMOVE | PM_NOYIELD))
+        return false;
+    switch (message.wParam)
+    {
+    case VK_UP:
+    case VK_DOWN:
+    case VK_PRIOR:
+    case VK_NEXT:
+    case VK_HOME:
+    case VK_END: return true;
+    default: return false; // not the slider's
+    }
 }

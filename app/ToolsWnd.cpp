@@ -8,6 +8,7 @@
 #include "app/FrameView_win.h"
 #include "app/SourcePaging_win.h"
 #include "app/Strings.h"
+#include "multiscale/SmartContrastDlg.h"
 
 #include <algorithm>
 #include <cwchar>
@@ -114,7 +115,8 @@ void StartDaylightDown()
 
 void StartSmartContrast()
 {
-    MayStartTool();
+    if (MayStartTool())
+        OpenSmartContrastDialog();
 }
 
 void StartToneMapping()

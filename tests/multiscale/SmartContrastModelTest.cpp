@@ -1,0 +1,137 @@
+#include "multiscale/SmartContrastModel.h"
+
+#include "tests/support/TestPictures.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+
+namespace
+{
+
+using Lods = int[kDetailLevels];
+constexpr Lods kUnchanged = {10, 10, 10, 10, 10, 10, 10, 10};
+
+struct OpenModel
+{
+    SmartContrastModel model;
+
+    explicit OpenModel(const TestPicture& picture, const Lods& lod = kUnchanged)
+    {
+        EXPECT_FALSE(OpenSmartContrast(&model, picture.pic, lod));
+    }
+    ~OpenModel() { ReleaseSmartContrast(&model); }
+};
+
+TestPicture Recomposed(SmartContrastModel* model, const TestPicture& like)
+{
+    TestPicture out(like.pic.width, like.pic.height, like.pic.components,
+                    like.pic.bitsPerComponent);
+    EXPECT_FALSE(RecomposeSmartContrast(&out.pic, model));
+    return out;
+}
+
+} // namespace
+
+TEST(SliderRule, MovesByOneAndStaysInItsRange)
+{
+    const struct
+    {
+        int value;
+        SliderMove move;
+        int thumb, expected;
+    } cases[] = {{10, SliderMove::Down, 0, 9},    {10, SliderMove::Up, 17, 11},
+                 {0, SliderMove::Down, 0, 0},     {30, SliderMove::Up, 0, 30},
+                 {10, SliderMove::Drag, 25, 25},  {10, SliderMove::Drop, 3, 3},
+                 {10, SliderMove::Drop, 99, 30},  {10, SliderMove::ToLow, 7, 0},
+                 {10, SliderMove::ToHigh, 7, 30}, {10, SliderMove::Other, 7, 10}};
+    for (const auto& c : cases)
+        EXPECT_EQ(MovedSlider({0, 30}, c.value, c.move, c.thumb), c.expected)
+            << c.value << " by move " << int(c.move);
+}
+
+TEST(SmartContrastModel, RecomposesWhenTheThumbIsLetGoAndWhenANumberIsNew)
+{
+    const TestPicture photo = ScenePicture(40, 30, 3, 8, 0);
+    OpenModel open(photo);
+    SmartContrastModel* model = &open.model;
+    EXPECT_TRUE(IsSmartContrastBehind(*model)) << "nothing has been made yet";
+    Recomposed(model, photo);
+    const struct
+    {
+        SliderMove move;
+        int thumb, number;
+        bool recompose;
+    } steps[] = {
+        {SliderMove::Up, 0, 11, true},     // not made: newer input was waiting
+        {SliderMove::Down, 0, 10, false},  // back to what was made
+        {SliderMove::Drag, 20, 20, false}, // while it is being dragged
+        {SliderMove::Other, 0, 20, true},  // the end of a track makes up for it
+        {SliderMove::Drag, 10, 10, false}, // and back
+        {SliderMove::Drop, 10, 10, true},  // always
+        {SliderMove::Other, 0, 10, false}, {SliderMove::ToHigh, 0, 30, true},
+    };
+    int number = 0;
+    for (const auto& step : steps)
+    {
+        const bool recompose = SmartContrastSliderMoved(model, 2, step.move, step.thumb);
+        EXPECT_EQ(recompose, step.recompose) << "step " << number;
+        EXPECT_EQ(model->lod[2], step.number) << "step " << number++;
+    }
+}
+
+TEST(SmartContrastModel, GivesTheSamePictureAsTheWholeJobAsOftenAsASliderMoves)
+{
+    for (int components : {1, 3})
+        for (int bits : {8, 16})
+        {
+            const TestPicture photo = ScenePicture(61, 47, components, bits, 0);
+            OpenModel open(photo);
+            // The last of them goes back to the start: nothing may be left of the ones before.
+            const Lods tries[] = {{30, 0, 22, 10, 10, 10, 10, 10},
+                                  {0, 0, 0, 0, 0, 0, 0, 0},
+                                  {10, 10, 10, 10, 10, 10, 10, 10}};
+            for (const Lods& lod : tries)
+            {
+                std::copy(lod, lod + kDetailLevels, open.model.lod);
+                TestPicture whole(61, 47, components, bits);
+                ASSERT_FALSE(SmartContrastPicture(&whole.pic, photo.pic, lod, {}));
+                ExpectSamePicture(Recomposed(&open.model, photo).pic, whole.pic);
+                EXPECT_FALSE(IsSmartContrastBehind(open.model));
+            }
+            ExpectSamePicture(Recomposed(&open.model, photo).pic, photo.pic, 1); // floats round
+        }
+}
+
+TEST(SmartContrastModel, TakesStoredNumbersFromOutsideOfTheRangeAsItsEnds)
+{
+    const TestPicture photo = ScenePicture(20, 20, 1, 8, 0);
+    OpenModel open(photo, {99, -4, 30, 0, 10, 31, -1, 5});
+    const Lods expected = {30, 0, 30, 0, 10, 30, 0, 5};
+    EXPECT_TRUE(std::equal(expected, expected + kDetailLevels, open.model.lod));
+}
+
+TEST(SmartContrastModel, HasNothingToChangeInATinyPicture)
+{
+    const TestPicture photo = ScenePicture(10, 10, 3, 8, 0);
+    OpenModel open(photo, {0, 30, 0, 30, 0, 30, 0, 30});
+    ExpectSamePicture(Recomposed(&open.model, photo).pic, photo.pic);
+}
+
+TEST(SmartContrastModel, LeavesAPictureOfOtherGeometryAlone)
+{
+    const TestPicture photo = ScenePicture(40, 30, 3, 8, 0);
+    OpenModel open(photo);
+    SBxPicBuf none;
+    CBxPicBufAPI::Init(&none);
+    EXPECT_TRUE(RecomposeSmartContrast(&none, &open.model));
+    TestPicture others[] = {{39, 30, 3, 8}, {40, 31, 3, 8}, {40, 30, 1, 8}, {40, 30, 3, 16}};
+    for (TestPicture& other : others)
+    {
+        CBxPicBufAPI::SetConst(&other.pic, 7);
+        const uint64_t before = HashOf(other.pic);
+        EXPECT_TRUE(RecomposeSmartContrast(&other.pic, &open.model));
+        EXPECT_EQ(HashOf(other.pic), before);
+    }
+    EXPECT_TRUE(IsSmartContrastBehind(open.model));
+}
