@@ -108,7 +108,9 @@ static LRESULT OnEraseBackground(HWND docker, WPARAM wParam, LPARAM)
 
 static LRESULT OnPaint(HWND docker, WPARAM, LPARAM)
 {
-    ValidateRect(docker, nullptr);
+    PAINTSTRUCT paint;
+    BeginPaint(docker, &paint); // erases, and that is all there is to paint
+    EndPaint(docker, &paint);
     return 0;
 }
 

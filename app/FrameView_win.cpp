@@ -2,6 +2,7 @@
 
 #include "app/AppState.h"
 #include "app/AppWindows_win.h"
+#include "app/Messages.h"
 #include "app/ToolbarWnd.h"
 #include "skin/SkinColors.h"
 
@@ -83,6 +84,13 @@ void ZoomChanged()
     SetZoomBoxText(ZoomText(g_view.state.scale).c_str());
     SetFocus(g_hwndMain);
     RedrawView();
+    ViewMoved();
+}
+
+void ViewMoved()
+{
+    if (g_hwndActiveTool && !g_showSources)
+        PostMessageW(g_hwndActiveTool, WM_APP_VIEW_MOVED, 0, 0);
 }
 
 const SBxPicBuf& ShownPicture()

@@ -28,5 +28,8 @@ void ShowNothing();
 // A zoom has changed: the box's text, the focus, the picture.
 void ZoomChanged();
 
+// Another part of the picture is in view now: the active tool may want to render that.
+void ViewMoved();
+
 // The picture that zooming and panning measure: the source.
 const SBxPicBuf& ShownPicture();

@@ -58,6 +58,7 @@ static void EndPan()
     SendMessageW(g_hwndMain, WM_APP_CURSOR_ARROW, 0, 0);
     if (GetCapture() == g_hwndMain)
         ReleaseCapture();
+    ViewMoved();
 }
 
 static void ZoomToFitView()

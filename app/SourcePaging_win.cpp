@@ -31,7 +31,8 @@ static void ShowSourceAt(int index)
 
 static void PageBy(int step)
 {
-    if (!g_multiImageMode || !g_showSources || g_sourceCount <= 0 || g_toolBusy)
+    const bool mayPage = g_showSources || g_hwndActiveTool; // a tool shows a preview in between
+    if (!g_multiImageMode || !mayPage || g_sourceCount <= 0 || g_toolBusy)
         return;
     ShowSourceAt(int((g_sourceIndex + g_sourceCount + step) % g_sourceCount));
     ShowSourceStatus(55);
