@@ -51,7 +51,10 @@ bool OpenPictureFile(const wchar_t* path)
     SBxPicBuf picture, alpha;
     CBxPicBufAPI::Init(&picture);
     CBxPicBufAPI::Init(&alpha);
-    if (!LoadForDocument(path, &picture, &alpha))
+    const HCURSOR before = SetCursor(LoadCursorW(nullptr, MAKEINTRESOURCEW(32514))); // hourglass
+    const bool loaded = LoadForDocument(path, &picture, &alpha);
+    SetCursor(before);
+    if (!loaded)
         return false;
     ForgetViewPicture(&g_view);
     TakeSource(&picture, &alpha, path);
@@ -86,6 +89,7 @@ static void OnClose()
     ForgetViewPicture(&g_view);
     ShowCommandStates();
     SetWindowTextW(g_hwndMain, L"Plenoviz");
+    SetFocus(g_hwndMain); // the zoom box may have had it
     ShowNothing();
 }
 

@@ -5,9 +5,11 @@
 #include "app/CommandIds.h"
 #include "app/CommandsWnd.h"
 #include "app/DockerWnd.h"
+#include "app/Format_win.h"
 #include "app/FrameView_win.h"
 #include "app/MainMouseWnd.h"
 #include "app/Messages.h"
+#include "app/ProfileStore.h"
 #include "app/Settings.h"
 #include "app/Strings.h"
 #include "app/ToolbarWnd.h"
@@ -39,8 +41,10 @@ static void WarnAboutCrash(HWND frame)
 
 static LRESULT OnCreate(HWND frame, WPARAM, LPARAM)
 {
-    g_instanceMutex = CreateMutexW(nullptr, FALSE, L"Plenoviz.Running");
+    const std::wstring mutexName = VcFormatText(L"%S.Running", g_productName);
+    g_instanceMutex = CreateMutexW(nullptr, FALSE, mutexName.c_str());
     g_otherInstance = GetLastError() == ERROR_ALREADY_EXISTS;
+    g_closeWanted = false;
 
     DragAcceptFiles(frame, TRUE);
     g_showSources = true;
@@ -88,13 +92,28 @@ static LRESULT OnSize(HWND frame, WPARAM wParam, LPARAM lParam)
                  height, SWP_NOZORDER | SWP_NOACTIVATE);
     LayoutDocker();
     RedrawView();
+    ViewMoved();
     return 0;
+}
+
+// Keeps painting off toolbar, status bar and docker, which would flicker.
+static void ExcludeChildren(HDC dc, HWND frame)
+{
+    for (const HWND child : {g_hwndToolbar, g_hwndStatus, g_hwndDocker})
+    {
+        RECT rect;
+        if (!child || !GetWindowRect(child, &rect))
+            continue;
+        MapWindowPoints(nullptr, frame, reinterpret_cast<POINT*>(&rect), 2);
+        ExcludeClipRect(dc, rect.left, rect.top, rect.right, rect.bottom);
+    }
 }
 
 static LRESULT OnPaint(HWND frame, WPARAM, LPARAM)
 {
     PAINTSTRUCT paint;
     const HDC dc = BeginPaint(frame, &paint);
+    ExcludeChildren(dc, frame);
     PaintView(dc, g_document, g_view);
     EndPaint(frame, &paint);
     return 0;
@@ -107,6 +126,7 @@ static LRESULT OnEraseBackground(HWND frame, WPARAM wParam, LPARAM)
     RECT client;
     GetClientRect(frame, &client);
     const CBxRect<int>& area = g_view.area;
+    ExcludeChildren(dc, frame);
     ExcludeClipRect(dc, area.left, area.top, area.right, area.bottom);
     const HBRUSH brush = CreateSolidBrush(SkinColor(COLOR_BTNFACE));
     FillRect(dc, &client, brush);

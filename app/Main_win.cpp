@@ -1,5 +1,6 @@
 // Process entry of the window program.
 
+#include "app/AppState.h"
 #include "app/AppWindows_win.h"
 #include "app/CommandIds.h"
 #include "app/CommandsWnd.h"
@@ -16,13 +17,15 @@
 
 static bool g_processStarted;
 
-// "Open with": the first argument is a picture.
+// "Open with": the first argument is a picture. Its full path is kept, since dialogs change the
+// current folder.
 static void OpenFromCommandLine()
 {
     int count = 0;
     wchar_t** arguments = CommandLineToArgvW(GetCommandLineW(), &count);
-    if (arguments && count > 1)
-        OpenPictureFile(arguments[1]);
+    wchar_t path[kPathChars] = L"";
+    if (arguments && count > 1 && GetFullPathNameW(arguments[1], kPathChars, path, nullptr) > 0)
+        OpenPictureFile(path);
     LocalFree(arguments);
 }
 

@@ -97,7 +97,18 @@ static void AddButtons()
 }
 
 // Enter in the zoom box applies what was typed, Escape and leaving the box bring back the zoom that
-// is. Keys that are commands of the frame stay commands here.
+// is. Entering the box selects its text, so that typing replaces it. Keys that are commands of the
+// frame stay commands here, except for the arrows, which move the caret.
+static LRESULT OnZoomEditCommand(HWND edit, WPARAM wParam, LPARAM lParam)
+{
+    switch (LOWORD(wParam))
+    {
+    case ID_SOURCE_PREV: return DefSubclassProc(edit, WM_KEYDOWN, VK_LEFT, 0);
+    case ID_SOURCE_NEXT: return DefSubclassProc(edit, WM_KEYDOWN, VK_RIGHT, 0);
+    default: return SendMessageW(g_hwndMain, WM_COMMAND, wParam, lParam);
+    }
+}
+
 static LRESULT CALLBACK ZoomEditProc(HWND edit, UINT message, WPARAM wParam, LPARAM lParam,
                                      UINT_PTR, DWORD_PTR)
 {
@@ -109,7 +120,18 @@ static LRESULT CALLBACK ZoomEditProc(HWND edit, UINT message, WPARAM wParam, LPA
         return 0; // no beep
     }
     if (message == WM_COMMAND && HIWORD(wParam) == 1) // an accelerator met the focus here
-        return SendMessageW(g_hwndMain, message, wParam, lParam);
+        return OnZoomEditCommand(edit, wParam, lParam);
+    if (message == WM_LBUTTONDOWN && GetFocus() != edit)
+    {
+        SetFocus(edit); // the edit's own click would put the caret and lose the selection
+        return 0;
+    }
+    if (message == WM_SETFOCUS)
+    {
+        const LRESULT answer = DefSubclassProc(edit, message, wParam, lParam);
+        SendMessageW(edit, EM_SETSEL, 0, -1);
+        return answer;
+    }
     if (message == WM_KILLFOCUS)
         PostMessageW(g_hwndMain, WM_APP_ZOOM_TEXT_RESTORE, 0, 0);
     return DefSubclassProc(edit, message, wParam, lParam);

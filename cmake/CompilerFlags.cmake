@@ -14,6 +14,12 @@ if(PLENOVIZ_SANITIZE AND NOT DEFINED CMAKE_CROSSCOMPILING_EMULATOR)
     set(CMAKE_CROSSCOMPILING_EMULATOR "${CMAKE_SOURCE_DIR}/cmake/sanitized.sh")
 endif()
 
+if(MINGW)
+    # A program is no library to link with, though the task library marks symbols for export.
+    string(REPLACE "-Wl,--out-implib,<TARGET_IMPLIB>" ""
+        CMAKE_CXX_LINK_EXECUTABLE "${CMAKE_CXX_LINK_EXECUTABLE}")
+endif()
+
 add_library(plenoviz_flags INTERFACE)
 target_compile_options(plenoviz_flags INTERFACE
     -Wall -Wextra -Werror=return-type -Wshadow -Wundef -Wvla -Wcast-qual -Wformat=2

@@ -7,16 +7,26 @@
 #include <fstream>
 #include <iterator>
 
-static const wchar_t kProduct[] = L"PlenovizTest";
+// Test programs run at the same time: each has a product of its own.
+static const std::string& Product()
+{
+    static const std::string product = "PlenovizTest" + std::to_string(GetCurrentProcessId());
+    return product;
+}
+
+static std::wstring WideProduct()
+{
+    return {Product().begin(), Product().end()};
+}
 
 static std::wstring SettingsFolder()
 {
-    return std::wstring(_wgetenv(L"APPDATA")) + L"\\" + kProduct;
+    return std::wstring(_wgetenv(L"APPDATA")) + L"\\" + WideProduct();
 }
 
 std::wstring SettingsFilePath()
 {
-    return SettingsFolder() + L"\\" + kProduct + L".txt";
+    return SettingsFolder() + L"\\" + WideProduct() + L".txt";
 }
 
 std::wstring LocalizationFilePath()
@@ -29,7 +39,7 @@ std::wstring LocalizationFilePath()
 
 void UseFreshProfileFiles()
 {
-    g_productName = "PlenovizTest";
+    g_productName = Product().c_str();
     DeleteFileW(SettingsFilePath().c_str());
     DeleteFileW(LocalizationFilePath().c_str());
     RemoveDirectoryW(SettingsFolder().c_str());

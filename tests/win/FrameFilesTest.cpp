@@ -1,0 +1,221 @@
+// Opening: by drop and by dialog, every kind that is taken and every kind that is refused.
+
+#include "app/AppState.h"
+#include "app/AppWindows_win.h"
+#include "app/CommandIds.h"
+#include "app/FrameView_win.h"
+#include "app/Strings.h"
+#include "tests/win/FrameHarness.h"
+
+#include <algorithm>
+
+class FrameFiles : public FrameTest
+{
+protected:
+    // Everything that a refused or cancelled open leaves alone.
+    std::wstring Snapshot() const
+    {
+        return Title() + L"|" + g_szCurrentFile + L"|" + ZoomBoxText() + L"|" + StatusText() +
+               L"|" + std::to_wstring(HashOf(g_sourcePicture)) + L"|" +
+               std::to_wstring(HashOf(g_document.display)) + L"|" +
+               std::to_wstring(int(g_resultUnsaved)) + WideOf(Enabled());
+    }
+};
+
+TEST_F(FrameFiles, OpensEveryKind)
+{
+    struct Row
+    {
+        const char* name;
+        int width, height, components, bits;
+        bool alpha;
+    };
+    const Row rows[] = {
+        {"grey.bmp", 40, 30, 1, 8, false},      {"colour.jpg", 41, 31, 3, 8, false},
+        {"clear.png", 42, 32, 3, 8, true},      {"deep.tif", 43, 33, 3, 16, false},
+        {"deepgrey.png", 44, 34, 1, 16, false}, {"deepclear.png", 45, 35, 3, 16, true},
+        {"dot.png", 1, 1, 3, 8, false},         {"strip.png", 20000, 100, 3, 8, false},
+    };
+    for (const Row& row : rows)
+    {
+        SCOPED_TRACE(row.name);
+        const TestPicture picture =
+            ScenePicture(row.width, row.height, row.components, row.bits, 0);
+        const TestPicture alpha = FlatPicture(row.width, row.height, row.bits, {0});
+        Save(picture, folder.File(row.name), kFormatFromName, "", row.alpha ? &alpha : nullptr);
+        Drop({Wide(row.name)});
+        EXPECT_EQ(g_szCurrentFile, Wide(row.name));
+        EXPECT_EQ(Title(), L"Plenoviz - " + Wide(row.name));
+        EXPECT_EQ(ZoomBoxText(), L"100.0 %");
+        EXPECT_EQ(Enabled(), "111111111");
+        EXPECT_TRUE(g_showSources);
+        EXPECT_EQ(g_alphaPicture.data != nullptr, row.alpha);
+        if (std::string(row.name) != "colour.jpg")
+            ExpectSamePicture(g_sourcePicture, picture.pic);
+        const Bytes corner = ViewPixel(0, 0), centre = ViewCentre();
+        EXPECT_EQ(corner, Bytes({190, 190, 190})) << "background";
+        if (row.alpha)
+            EXPECT_TRUE(centre == Bytes({190, 190, 190}) || centre == Bytes({220, 220, 220}));
+        else if (row.bits == 8 && row.width > 1 && std::string(row.name) != "colour.jpg")
+        {
+            // The area is 998 x 640; even pictures have a pixel boundary at its centre.
+            const int x = row.width / 2, y = row.height / 2;
+            for (int c = 0; c < 3; ++c)
+                EXPECT_NEAR(centre[size_t(c)], picture.At(x, y, row.components == 3 ? c : 0), 1);
+        }
+    }
+}
+
+TEST_F(FrameFiles, RefusesWithOneMessageAndChangesNothing)
+{
+    folder.Write("bits1.bmp", MakeBmp({8, 1, 1, {0, 0, 0, 0, 255, 255, 255, 0}, {0x55, 0, 0, 0}}));
+    folder.Write("bits4.bmp", MakeBmp({2, 1, 4, Bytes(64, 7), {0x12, 0, 0, 0}}));
+    folder.Write("bits565.bmp", MakeBmp({2, 1, 16, {}, {1, 2, 3, 4}}));
+    Bytes palette(256 * 4, 0);
+    palette[5] = 200;
+    folder.Write("palette.bmp", MakeBmp({4, 1, 8, palette, {0, 1, 2, 3}}));
+    folder.Write("float.tif", MakeTiff({1, 1, 1, 32, 1, 3, {0, 0, 0x80, 0x3f}}));
+    folder.Write("broken.jpg", {0xff, 0xd8, 0xff, 0xe0, 0, 16, 'J', 'F'});
+    folder.Write("text.png", {'h', 'e', 'l', 'l', 'o'});
+    folder.Write("empty.tif", {});
+
+    OpenPicture("good.png", 60, 40);
+    Command(ID_ZOOM_IN);
+    const std::wstring before = Snapshot();
+    for (const char* name : {"bits1.bmp", "bits4.bmp", "bits565.bmp", "palette.bmp", "float.tif",
+                             "broken.jpg", "text.png", "empty.tif", "missing.png"})
+    {
+        SCOPED_TRACE(name);
+        RunModal([&] { Drop({Wide(name)}); }, {Box(41, 0)});
+        EXPECT_EQ(Snapshot(), before);
+    }
+}
+
+TEST_F(FrameFiles, DropTakesTheFirstFileAndAsksAboutAResult)
+{
+    Save(ScenePicture(30, 20, 3, 8, 0), folder.File("first.png"));
+    Save(ScenePicture(31, 21, 3, 8, 0), folder.File("second.png"));
+    Drop({Wide("first.png"), Wide("second.png")});
+    EXPECT_EQ(g_sourcePicture.width, 30);
+    MakeResult(77);
+    const std::wstring before = Snapshot();
+    RunModal([&] { Drop({Wide("second.png")}); }, {Box(21, 3, IDNO)});
+    EXPECT_EQ(Snapshot(), before);
+    RunModal([&] { Drop({Wide("second.png")}); }, {Box(21, 3, IDYES)});
+    EXPECT_EQ(g_sourcePicture.width, 31);
+    EXPECT_FALSE(g_resultUnsaved);
+    EXPECT_EQ(g_resultPicture.data, nullptr) << "the old photograph's result";
+
+    for (bool* busy : {&g_toolBusy, &g_workerBusy})
+    {
+        *busy = true;
+        Drop({Wide("first.png")});
+        *busy = false;
+        EXPECT_EQ(g_sourcePicture.width, 31);
+    }
+}
+
+TEST_F(FrameFiles, OpenCommandLoadsWhatIsChosen)
+{
+    Save(ScenePicture(50, 20, 3, 8, 0), folder.File("chosen.png"));
+    const std::wstring inFolder = WideOf(folder.path.u8string());
+    RunModal([] { Command(ID_FILE_OPEN); }, {[&](HWND dialog)
+                                             {
+                                                 EXPECT_EQ(WindowText(dialog), g_strings[49]);
+                                                 ChooseFile(dialog, inFolder, L"chosen.png");
+                                             }});
+    EXPECT_EQ(g_sourcePicture.width, 50);
+    EXPECT_EQ(Title(), L"Plenoviz - " + std::wstring(g_szCurrentFile));
+
+    const std::wstring before = Snapshot();
+    RunModal([] { Command(ID_FILE_OPEN); }, {[](HWND dialog) { PressButton(dialog, IDCANCEL); }});
+    EXPECT_EQ(Snapshot(), before);
+    MakeResult(50);
+    RunModal([] { Command(ID_FILE_OPEN); }, {Box(21, 3, IDNO)}); // and no dialog
+}
+
+TEST_F(FrameFiles, CloseForgetsEverything)
+{
+    OpenPicture("photo.png", 60, 40);
+    MakeResult(60);
+    RunModal([] { Command(ID_FILE_CLOSE); }, {Box(21, 3, IDNO)});
+    EXPECT_EQ(ViewCentre(), Bytes({60, 60, 60}));
+    RunModal([] { Command(ID_FILE_CLOSE); }, {Box(21, 3, IDYES)});
+    EXPECT_EQ(Enabled(), "110000000");
+    EXPECT_EQ(Title(), L"Plenoviz");
+    EXPECT_STREQ(g_szCurrentFile, L"");
+    EXPECT_FALSE(g_resultUnsaved || g_showSources);
+    EXPECT_EQ(ViewCentre(), Bytes({190, 190, 190}));
+    for (const SBxPicBuf* picture : {&g_sourcePicture, &g_resultPicture, &g_previewPicture})
+        EXPECT_EQ(picture->data, nullptr);
+    Command(ID_FILE_SAVEAS); // greyed: no dialog
+    OpenPicture("again.png", 20, 10);
+    EXPECT_TRUE(g_showSources);
+}
+
+// Entries in use of the process's own table of graphics objects; wine has no other count.
+static int GraphicsObjects()
+{
+    struct Entry
+    {
+        uint64_t object;
+        uint32_t owner;
+        uint16_t generation;
+        uint8_t type, flags;
+        uint64_t user;
+    };
+    constexpr int kEntries = 0x4000;
+    constexpr size_t kTableInProcessBlock = 0xF8;
+    using ProcessBlock = const uint8_t* (*)();
+    static const ProcessBlock processBlock = reinterpret_cast<ProcessBlock>(reinterpret_cast<void*>(
+        GetProcAddress(GetModuleHandleW(L"ntdll.dll"), "RtlGetCurrentPeb")));
+    const Entry* table =
+        *reinterpret_cast<const Entry* const*>(processBlock() + kTableInProcessBlock);
+    return int(
+        std::count_if(table, table + kEntries, [](const Entry& entry) { return entry.type != 0; }));
+}
+
+static BOOL CALLBACK CountWindow(HWND window, LPARAM count)
+{
+    ++*reinterpret_cast<int*>(count);
+    EnumChildWindows(
+        window, [](HWND, LPARAM children) -> BOOL { return ++*reinterpret_cast<int*>(children); },
+        count);
+    return TRUE;
+}
+
+static int Windows()
+{
+    int count = 0;
+    EnumThreadWindows(GetCurrentThreadId(), CountWindow, reinterpret_cast<LPARAM>(&count));
+    return count;
+}
+
+TEST_F(FrameFiles, ObjectsDoNotGrow)
+{
+    const auto cycle = [this]
+    {
+        Drop({Wide("photo.png")});
+        for (const int id : {ID_ZOOM_IN, ID_ZOOM_OUT, ID_ZOOM_FIT, ID_ZOOM_100, ID_FILE_CLOSE})
+            Command(id);
+        UpdateWindow(g_hwndMain);
+        SetClientSize(900, 600);
+        SetClientSize(1000, 700);
+    };
+    Save(ScenePicture(300, 200, 3, 8, 0), folder.File("photo.png"));
+    RunMenu([](HMENU) {});
+    cycle();
+    const int graphics = GraphicsObjects(), windows = Windows();
+    const HGDIOBJ one = CreateSolidBrush(RGB(1, 2, 3));
+    EXPECT_EQ(GraphicsObjects(), graphics + 1) << "the count sees an object";
+    DeleteObject(one);
+    DWORD handles = 0, handlesAfter = 0;
+    GetProcessHandleCount(GetCurrentProcess(), &handles);
+    for (int i = 0; i < 50; ++i)
+        cycle();
+    RunMenu([](HMENU) {});
+    GetProcessHandleCount(GetCurrentProcess(), &handlesAfter);
+    EXPECT_LE(GraphicsObjects(), graphics);
+    EXPECT_LE(Windows(), windows);
+    EXPECT_LE(handlesAfter, handles + 2);
+}

@@ -1,0 +1,307 @@
+// Zoom, pan, compare and layout of the frame.
+
+#include "app/AppState.h"
+#include "app/AppWindows_win.h"
+#include "app/CommandIds.h"
+#include "app/DockerWnd.h"
+#include "app/FrameView_win.h"
+#include "app/Messages.h"
+#include "app/Strings.h"
+#include "app/ToolbarWnd.h"
+#include "tests/win/FrameHarness.h"
+
+#include <commctrl.h>
+
+#include <cstdio>
+#include <cstring>
+
+class FrameView : public FrameTest
+{
+protected:
+    void TypeZoom(const wchar_t* text)
+    {
+        SetWindowTextW(g_hwndZoomCombo, text);
+        const HWND edit = GetWindow(g_hwndZoomCombo, GW_CHILD);
+        SendMessageW(edit, WM_CHAR, VK_RETURN, 0);
+        Pump();
+    }
+    static std::string State()
+    {
+        const ViewState& state = g_view.state;
+        char text[200];
+        std::snprintf(text, sizeof text, "%.9g of %.9g,%.9g at %g,%g", state.scale,
+                      state.srcCentreX, state.srcCentreY, state.dstCentreX,
+                      state.dstCentreY - g_view.area.top);
+        return text;
+    }
+};
+
+TEST_F(FrameView, CommandsZoomByTheirSteps)
+{
+    for (const int id : {ID_ZOOM_IN, ID_ZOOM_OUT, ID_ZOOM_FIT, ID_ZOOM_100})
+        Command(id);
+    EXPECT_EQ(ZoomBoxText(), L"100.0 %") << "nothing is open";
+
+    OpenPicture("photo.png", 1996, 640);
+    EXPECT_EQ(State(), "1 of 998,320 at 499,320");
+    for (const wchar_t* text : {L"120.0 %", L"144.0 %", L"172.8 %", L"207.4 %", L"248.8 %"})
+    {
+        Command(ID_ZOOM_IN);
+        EXPECT_EQ(ZoomBoxText(), text);
+    }
+    for (int i = 0; i < 5; ++i)
+        Command(ID_ZOOM_OUT);
+    EXPECT_EQ(ZoomBoxText(), L"100.0 %");
+    Command(ID_ZOOM_FIT);
+    EXPECT_EQ(State(), "0.5 of 998,320 at 499,320");
+    EXPECT_EQ(ZoomBoxText(), L"50.0 %");
+    EXPECT_EQ(ViewPixel(10, 10), Bytes({190, 190, 190})) << "above the fitted strip";
+    Command(ID_ZOOM_100);
+    EXPECT_EQ(State(), "1 of 998,320 at 499,320");
+    Mouse(WM_LBUTTONDBLCLK, 300, 300);
+    EXPECT_EQ(ZoomBoxText(), L"50.0 %");
+
+    SendMessageW(g_hwndZoomCombo, CB_SETCURSEL, 6, 0);
+    SendMessageW(g_hwndMain, WM_COMMAND, MAKEWPARAM(ID_ZOOM_COMBO, CBN_SELCHANGE),
+                 reinterpret_cast<LPARAM>(g_hwndZoomCombo));
+    EXPECT_EQ(ZoomBoxText(), L"400.0 %");
+    EXPECT_EQ(GetFocus(), g_hwndMain);
+}
+
+TEST_F(FrameView, TypedZoomIsReadAsSpelled)
+{
+    OpenPicture("photo.png", 300, 200);
+    const struct
+    {
+        const wchar_t *typed, *shown;
+    } rows[] = {{L"150", L"150.0 %"},  {L"80 %", L"80.0 %"},         {L"150.", L"150.0 %"},
+                {L"1,5", L"10.0 %"},   {L"12.55", L"12.6 %"},        {L"abc", L"12.6 %"},
+                {L"1e3", L"12.6 %"},   {L"-50", L"12.6 %"},          {L"", L"10.0 %"},
+                {L"5000", L"800.0 %"}, {L"99999999999", L"800.0 %"}, {L"120.0 %", L"120.0 %"}};
+    for (const auto& row : rows)
+    {
+        TypeZoom(row.typed);
+        EXPECT_EQ(ZoomBoxText(), row.shown) << WindowText(g_hwndZoomCombo).c_str();
+    }
+    EXPECT_EQ(State(), "1.2 of 150,100 at 499,320") << "typing moves nothing";
+}
+
+TEST_F(FrameView, EnteringTheZoomBoxSelectsItsTextAndLeavingRestoresIt)
+{
+    OpenPicture("photo.png", 300, 200);
+    const HWND edit = GetWindow(g_hwndZoomCombo, GW_CHILD);
+    SetFocus(g_hwndMain);
+    SendMessageW(edit, WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(5, 5));
+    EXPECT_EQ(GetFocus(), edit);
+    SendMessageW(edit, EM_REPLACESEL, FALSE, reinterpret_cast<LPARAM>(L"33"));
+    EXPECT_EQ(ZoomBoxText(), L"33");
+    SetFocus(g_hwndMain);
+    Pump();
+    EXPECT_EQ(ZoomBoxText(), L"100.0 %");
+
+    SetFocus(edit);
+    SendMessageW(edit, WM_CHAR, VK_ESCAPE, 0);
+    EXPECT_EQ(GetFocus(), g_hwndMain);
+
+    // Keys that are commands work in the box; the arrows move its caret.
+    SetFocus(edit);
+    SendMessageW(edit, EM_SETSEL, 3, 3);
+    SendMessageW(edit, WM_COMMAND, MAKEWPARAM(ID_SOURCE_PREV, 1), 0);
+    DWORD from = 0;
+    SendMessageW(edit, EM_GETSEL, reinterpret_cast<WPARAM>(&from), 0);
+    EXPECT_EQ(from, 2u);
+    SendMessageW(edit, WM_COMMAND, MAKEWPARAM(ID_ZOOM_IN, 1), 0);
+    EXPECT_EQ(ZoomBoxText(), L"120.0 %");
+}
+
+TEST_F(FrameView, WheelKeepsThePointUnderTheCursor)
+{
+    OpenPicture("photo.png", 900, 500);
+    for (const int delta : {120, 120, 360, -120, 40, -1, 0})
+    {
+        const double scale = g_view.state.scale;
+        double x0, y0, x1, y1;
+        MapOfView(g_view.state).MapPointDstToSrc(&x0, &y0, 250, 250);
+        Wheel(delta, 250, 250);
+        MapOfView(g_view.state).MapPointDstToSrc(&x1, &y1, 250, 250);
+        EXPECT_NEAR(g_view.state.scale / scale, delta > 0 ? 1.2 : 1 / 1.2, 1e-12) << delta;
+        EXPECT_NEAR(x0, x1, 1e-9);
+        EXPECT_NEAR(y0, y1, 1e-9);
+    }
+    EXPECT_EQ(ZoomBoxText(), L"120.0 %");
+}
+
+TEST_F(FrameView, DraggingMovesThePicture)
+{
+    OpenPicture("photo.png", 900, 500);
+    TypeZoom(L"200");
+    const Bytes before = ViewPixel(400, 300);
+    Mouse(WM_LBUTTONDOWN, 300, 300);
+    EXPECT_EQ(GetCapture(), g_hwndMain);
+    Mouse(WM_MOUSEMOVE, 330, 288, MK_LBUTTON);
+    EXPECT_EQ(State(), "2 of 435,256 at 499,320");
+    EXPECT_EQ(ViewPixel(430, 288), before) << "the picture follows the pointer";
+    Mouse(WM_LBUTTONUP, 330, 288);
+    EXPECT_NE(GetCapture(), g_hwndMain);
+    Mouse(WM_MOUSEMOVE, 400, 400);
+    EXPECT_EQ(State(), "2 of 435,256 at 499,320");
+}
+
+TEST_F(FrameView, RightButtonComparesOverAResultOnly)
+{
+    OpenPicture("photo.png", 900, 500);
+    const Bytes source = ViewCentre();
+    const auto press = [&](UINT message)
+    {
+        Mouse(message, 300, 300);
+        return ViewCentre();
+    };
+    EXPECT_EQ(press(WM_RBUTTONDOWN), source);
+    EXPECT_NE(GetCapture(), g_hwndMain) << "nothing to compare with";
+    press(WM_RBUTTONUP);
+    EXPECT_TRUE(g_showSources);
+
+    MakeResult(99);
+    const Bytes result = {99, 99, 99};
+    ASSERT_NE(source, result);
+    EXPECT_EQ(ViewCentre(), result);
+    EXPECT_EQ(press(WM_RBUTTONDOWN), source);
+    EXPECT_EQ(press(WM_RBUTTONUP), result);
+    press(WM_RBUTTONDOWN);
+    ReleaseCapture(); // another window takes the mouse away
+    EXPECT_EQ(ViewCentre(), result);
+    EXPECT_FALSE(g_showSources);
+}
+
+TEST_F(FrameView, IgnoresTheMouseWhileAToolComputes)
+{
+    OpenPicture("photo.png", 900, 500);
+    MakeResult(99);
+    const std::string before = State();
+    g_toolBusy = true;
+    Mouse(WM_LBUTTONDOWN, 300, 300);
+    Mouse(WM_MOUSEMOVE, 350, 350, MK_LBUTTON);
+    Mouse(WM_LBUTTONUP, 350, 350);
+    Mouse(WM_LBUTTONDBLCLK, 350, 350);
+    Mouse(WM_RBUTTONDOWN, 300, 300);
+    Wheel(120, 300, 300);
+    TypeZoom(L"300");
+    EXPECT_EQ(State(), before);
+    EXPECT_EQ(ViewCentre(), Bytes({99, 99, 99}));
+    g_toolBusy = false;
+    Wheel(120, 300, 300);
+    EXPECT_NE(State(), before);
+}
+
+TEST_F(FrameView, DockerTakesTheWidestWindow)
+{
+    const auto child = [](int width, int height)
+    {
+        return CreateWindowExW(0, L"STATIC", L"", WS_CHILD | WS_VISIBLE, 0, 0, width, height,
+                               g_hwndDocker, nullptr, nullptr, nullptr);
+    };
+    const auto place = [](HWND window)
+    {
+        RECT rect;
+        GetWindowRect(window, &rect);
+        MapWindowPoints(nullptr, GetParent(window), reinterpret_cast<POINT*>(&rect), 2);
+        return CBxRect<int>{int(rect.left), int(rect.top), int(rect.right), int(rect.bottom)};
+    };
+    OpenPicture("photo.png", 64, 48);
+    EXPECT_EQ(place(g_hwndDocker).left, 998);
+    EXPECT_EQ(place(g_hwndDocker).right, 999);
+    const HWND first = child(200, 100), second = child(260, 50);
+    DockWindow(first);
+    DockWindow(second);
+    EXPECT_EQ(place(g_hwndDocker).left, 738);
+    EXPECT_EQ(place(g_hwndDocker).right, 999);
+    EXPECT_EQ(place(first).left, 1);
+    EXPECT_EQ(place(first).top, 0);
+    EXPECT_EQ(place(second).top, 100);
+    Command(ID_ZOOM_FIT);
+    EXPECT_EQ(g_view.area.right, 738);
+    SetClientSize(900, 600);
+    EXPECT_EQ(place(g_hwndDocker).left, 638);
+    const CBxRect<int> docker = place(g_hwndDocker);
+    EXPECT_EQ(docker.top, place(g_hwndToolbar).bottom);
+    EXPECT_EQ(docker.bottom, place(g_hwndStatus).top);
+    UndockWindow(second);
+    EXPECT_EQ(place(g_hwndDocker).left, 698);
+    UndockWindow(first);
+    EXPECT_EQ(place(g_hwndDocker).left, 898);
+    Command(ID_ZOOM_FIT);
+    EXPECT_EQ(g_view.area.right, 898);
+    EXPECT_EQ(g_view.area.top, ToolbarClientHeight() + 3);
+    EXPECT_EQ(g_view.area.bottom, 577);
+}
+
+TEST_F(FrameView, ZoomGroupEndsAtTheRightEdge)
+{
+    for (const int width : {700, 1000, 850})
+    {
+        SetClientSize(width, 600);
+        RECT item, box;
+        SendMessageW(g_hwndToolbar, TB_GETITEMRECT, 17, reinterpret_cast<LPARAM>(&item));
+        EXPECT_NEAR(item.right, width, 2) << width;
+        SendMessageW(g_hwndToolbar, TB_GETITEMRECT, 16, reinterpret_cast<LPARAM>(&item));
+        GetWindowRect(g_hwndZoomCombo, &box);
+        MapWindowPoints(nullptr, g_hwndToolbar, reinterpret_cast<POINT*>(&box), 2);
+        EXPECT_EQ(box.left, item.left + 5);
+        EXPECT_EQ(box.top, item.top + 4);
+        EXPECT_EQ(box.right, item.right - 5);
+    }
+}
+
+TEST_F(FrameView, SurvivesMinimising)
+{
+    OpenPicture("photo.png", 900, 500);
+    const Bytes before = ViewCentre();
+    const std::string state = State();
+    ShowWindow(g_hwndMain, SW_MINIMIZE);
+    Command(ID_ZOOM_IN);
+    Command(ID_ZOOM_OUT);
+    ShowWindow(g_hwndMain, SW_RESTORE);
+    Pump();
+    EXPECT_EQ(State(), state);
+    EXPECT_EQ(ViewCentre(), before);
+}
+
+// Numbers between the tools' messages belong to nobody.
+TEST_F(FrameView, MessagesDoWhatTheirNumbersSay)
+{
+    OpenPicture("photo.png", 900, 500);
+    MakeResult(99);
+    const std::string state = State(), enabled = Enabled();
+    for (const UINT id : {4253u, 4254u, 4256u, 4261u, 4262u, 4263u, 4264u, 4265u, 4268u, 4269u,
+                          4272u, 4273u, 4274u})
+    {
+        EXPECT_EQ(SendMessageW(g_hwndMain, id, 0, 0), 0) << id;
+        EXPECT_EQ(State() + Enabled(), state + enabled) << id;
+        EXPECT_EQ(ViewCentre(), Bytes({99, 99, 99})) << id;
+    }
+    for (const auto& [id, cursor] :
+         {std::pair(WM_APP_CURSOR_WAIT, 32514), std::pair(WM_APP_CURSOR_MOVE, 32646),
+          std::pair(WM_APP_CURSOR_ARROW, 32512)})
+    {
+        SendMessageW(g_hwndMain, id, 0, 0);
+        EXPECT_EQ(reinterpret_cast<HCURSOR>(GetClassLongPtrW(g_hwndMain, GCLP_HCURSOR)),
+                  LoadCursorW(nullptr, MAKEINTRESOURCEW(cursor)));
+    }
+    g_resultUnsaved = false;
+    SendMessageW(g_hwndMain, WM_APP_RESULT_CREATED, 0, 0);
+    EXPECT_TRUE(g_resultUnsaved);
+
+    // The preview is the source still: cancelling brings it back.
+    g_workerBusy = true;
+    SendMessageW(g_hwndMain, WM_APP_TOOL_CANCELLED, 0, 0);
+    EXPECT_FALSE(g_resultUnsaved || g_workerBusy || g_showSources);
+    ExpectSamePicture(g_resultPicture, g_sourcePicture);
+
+    std::memset(g_previewPicture.data, 33, size_t(g_previewPicture.size));
+    SendMessageW(g_hwndMain, WM_APP_PREVIEW_READY, 0, 0);
+    EXPECT_EQ(ViewCentre(), Bytes({33, 33, 33}));
+    Command(ID_ZOOM_IN);
+    EXPECT_EQ(ViewCentre(), Bytes({33, 33, 33})) << "zooming keeps the preview";
+    SendMessageW(g_hwndMain, WM_APP_SHOW_RESULT, 0, 0);
+    EXPECT_NE(ViewCentre(), Bytes({33, 33, 33}));
+}
