@@ -13,6 +13,10 @@
 #include "app/Settings.h"
 #include "app/Strings.h"
 #include "app/ToolbarWnd.h"
+#include "fusion/ExposureFusionDlg.h"
+#include "fusion/PowerFusionDlg.h"
+#include "multiscale/SeriesWorkerWnd.h"
+#include "multiscale/ToneMapWorker_win.h"
 #include "skin/SkinColors.h"
 
 #include <commctrl.h>
@@ -96,9 +100,12 @@ static LRESULT OnSize(HWND frame, WPARAM wParam, LPARAM lParam)
     return 0;
 }
 
-// Keeps painting off toolbar, status bar and docker, which would flicker.
+// Keeps painting off toolbar, status bar and docker, which would flicker. Only on the frame's own
+// context: the toolbar has its background painted by its parent, and lends its context for that.
 static void ExcludeChildren(HDC dc, HWND frame)
 {
+    if (WindowFromDC(dc) != frame)
+        return;
     for (const HWND child : {g_hwndToolbar, g_hwndStatus, g_hwndDocker})
     {
         RECT rect;
@@ -134,8 +141,43 @@ static LRESULT OnEraseBackground(HWND frame, WPARAM wParam, LPARAM)
     return 1;
 }
 
+static bool CloseIfWanted()
+{
+    const bool closes = g_closeWanted && !g_toolBusy;
+    if (closes)
+        DestroyWindow(g_hwndMain);
+    return closes;
+}
+
+// The worker of a series has ended: the dialog over its files opens.
+static LRESULT OnSeriesReady(int id)
+{
+    EndSeries(true);
+    if (CloseIfWanted() || g_workerBusy || g_sourceCount <= 0 || !HasPicture(g_sourcePicture))
+        return 0;
+    if (id == ID_OPEN_EXPOSURE_FUSION)
+        ShowExposureFusionDialog();
+    else
+        ShowPowerFusionDialog(SeriesTitle());
+    return 0;
+}
+
+// Back to the photograph as it was opened.
+static LRESULT OnSeriesCancelled(HWND, WPARAM, LPARAM)
+{
+    EndSeries(false);
+    CBxPicBufAPI::DoneHeap(&g_resultPicture);
+    CBxPicBufAPI::DoneHeap(&g_previewPicture);
+    if (!CloseIfWanted() && HasPicture(g_sourcePicture))
+        ShowSource(g_sourcePicture);
+    return 0;
+}
+
 static LRESULT OnCommand(HWND frame, WPARAM wParam, LPARAM)
 {
+    const int id = LOWORD(wParam);
+    if (id == ID_OPEN_EXPOSURE_FUSION || id == ID_OPEN_POWER_FUSION)
+        return OnSeriesReady(id);
     return RunCommand(frame, LOWORD(wParam), HIWORD(wParam));
 }
 
@@ -178,12 +220,6 @@ static LRESULT OnClose(HWND frame, WPARAM, LPARAM)
     }
     DestroyWindow(frame);
     return 0;
-}
-
-static void CloseIfWanted()
-{
-    if (g_closeWanted && !g_toolBusy)
-        DestroyWindow(g_hwndMain);
 }
 
 static LRESULT OnQueryEndSession(HWND, WPARAM, LPARAM)
@@ -281,6 +317,13 @@ static LRESULT OnToolCancelled(HWND, WPARAM, LPARAM)
     return 0;
 }
 
+static LRESULT OnStartWorker(HWND, WPARAM, LPARAM)
+{
+    if (g_hwndActiveTool && !g_toolBusy)
+        StartToneMapWorker(g_hwndActiveTool);
+    return 0;
+}
+
 static LRESULT OnZoomText(HWND, WPARAM, LPARAM)
 {
     ApplyTypedZoom();
@@ -330,6 +373,8 @@ static const MessageRow kFrameMessages[] = {
     {WM_APP_SHOW_RESULT_FIT, OnShowResultFit},
     {WM_APP_TOOL_DONE, OnToolDone},
     {WM_APP_TOOL_CANCELLED, OnToolCancelled},
+    {WM_APP_SERIES_CANCELLED, OnSeriesCancelled},
+    {WM_APP_START_WORKER, OnStartWorker},
     {WM_APP_ZOOM_TEXT, OnZoomText},
     {WM_APP_ZOOM_TEXT_RESTORE, OnZoomTextRestore},
     {WM_APP_VIEW_REFRESH, OnViewRefresh},

@@ -252,6 +252,22 @@ TEST_F(FrameView, ZoomGroupEndsAtTheRightEdge)
     }
 }
 
+// The toolbar lets its parent paint the background into its own context, where no child is in the
+// way. In the frame's context the children are left alone.
+TEST_F(FrameView, PaintsTheToolbarsBackground)
+{
+    const HDC screen = GetDC(nullptr), dc = CreateCompatibleDC(screen);
+    const HBITMAP bitmap = CreateCompatibleBitmap(screen, 100, 20);
+    const HGDIOBJ previous = SelectObject(dc, bitmap);
+    SetPixel(dc, 50, 10, RGB(1, 2, 3));
+    EXPECT_TRUE(SendMessageW(g_hwndMain, WM_ERASEBKGND, reinterpret_cast<WPARAM>(dc), 0));
+    EXPECT_EQ(GetPixel(dc, 50, 10), GetSysColor(COLOR_BTNFACE));
+    SelectObject(dc, previous);
+    DeleteObject(bitmap);
+    DeleteDC(dc);
+    ReleaseDC(nullptr, screen);
+}
+
 TEST_F(FrameView, SurvivesMinimising)
 {
     OpenPicture("photo.png", 900, 500);
