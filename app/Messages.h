@@ -19,5 +19,8 @@ constexpr unsigned WM_APP_VIEW_REFRESH = 4275;     // render the cached display 
 constexpr unsigned WM_APP_SERIES_CANCELLED = 4300; // a series worker was stopped: show the source
 constexpr unsigned WM_APP_ZOOM_TEXT_RESTORE = 4301; // the zoom box lost the focus: its text anew
 
+// Posted to the progress panel by a series worker: percent and place of the bar.
+constexpr unsigned WM_APP_SERIES_PROGRESS = 4303;
+
 // Posted to the active tool, both parameters 0.
 constexpr unsigned WM_APP_VIEW_MOVED = 4302; // panned, zoomed or resized: another part is in view

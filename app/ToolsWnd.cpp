@@ -8,6 +8,9 @@
 #include "app/FrameView_win.h"
 #include "app/SourcePaging_win.h"
 #include "app/Strings.h"
+#include "fusion/ExposureFusionDlg.h"
+#include "multiscale/NoisePromptDlg.h"
+#include "multiscale/SeriesWorkerWnd.h"
 #include "multiscale/SmartContrastDlg.h"
 
 #include <algorithm>
@@ -84,6 +87,7 @@ void StartMultiImage()
     ZoomTo100(&g_view, g_sourcePicture);
     ShowSource(g_sourcePicture);
     ShowSourceStatus(31);
+    ShowExposureFusionDialog();
 }
 
 // What the single-image tools ask first. False ends the command.
@@ -98,19 +102,46 @@ static bool MayStartTool()
     return false;
 }
 
+// The prompt runs the message loop: the frame may be gone when it returns.
+static bool AskForNoiseLevel(unsigned* level)
+{
+    g_workerBusy = true;
+    EnableToolCommands(false);
+    const bool confirmed = RunNoiseLevelPrompt(level) == kPromptConfirmed;
+    if (!IsWindow(g_hwndMain))
+        return false;
+    g_workerBusy = false;
+    if (!confirmed)
+        EnableToolCommands(true);
+    return confirmed;
+}
+
 void StartSingleImage()
 {
-    MayStartTool();
+    unsigned noiseLevel = 0;
+    if (!MayStartTool() || !AskForNoiseLevel(&noiseLevel))
+        return;
+    g_resultUnsaved = false;
+    g_multiImageMode = false;
+    StartSeries(SeriesKind::Single, noiseLevel);
+}
+
+static void StartDaylight(SeriesKind kind)
+{
+    if (!MayStartTool())
+        return;
+    g_resultUnsaved = false;
+    StartSeries(kind, 0);
 }
 
 void StartDaylightUp()
 {
-    MayStartTool();
+    StartDaylight(SeriesKind::DaylightUp);
 }
 
 void StartDaylightDown()
 {
-    MayStartTool();
+    StartDaylight(SeriesKind::DaylightDown);
 }
 
 void StartSmartContrast()

@@ -1,0 +1,114 @@
+#include "multiscale/NoisePromptDlg.h"
+
+#include "app/AppWindows_win.h"
+#include "app/DockerWnd.h"
+#include "app/FrameView_win.h"
+#include "app/Settings.h"
+#include "app/Strings.h"
+#include "multiscale/ExposureSeries.h"
+#include "multiscale/SeriesDlgIds.h"
+
+static constexpr int kFirstLevelText = 84; // "None"; the others follow
+
+static int g_answer; // of the prompt that is open
+
+static const struct
+{
+    int control, string;
+} kTexts[] = {
+    {IDC_SERIES_TITLE, 82},
+    {IDC_NOISE_LABEL, 83},
+    {IDOK, 45},
+    {IDCANCEL, 46},
+};
+
+static unsigned* LevelOf(HWND dlg)
+{
+    return reinterpret_cast<unsigned*>(GetWindowLongPtrW(dlg, DWLP_USER));
+}
+
+static INT_PTR OnInit(HWND dlg, LPARAM lParam)
+{
+    SetWindowLongPtrW(dlg, DWLP_USER, lParam);
+    ReadSettings(SettingGroup::NoisePrompt);
+    *LevelOf(dlg) = ClampNoiseLevel(g_settings.denoiseStrength);
+    SetWindowTextW(dlg, g_strings[82]);
+    for (const auto& text : kTexts)
+        SetDlgItemTextW(dlg, text.control, g_strings[text.string]);
+    SendDlgItemMessageW(dlg, IDC_NOISE_LEVEL, CB_RESETCONTENT, 0, 0);
+    for (unsigned level = 0; level < kNoiseLevels; ++level)
+        SendDlgItemMessageW(dlg, IDC_NOISE_LEVEL, CB_ADDSTRING, 0,
+                            reinterpret_cast<LPARAM>(g_strings[kFirstLevelText + int(level)]));
+    SendDlgItemMessageW(dlg, IDC_NOISE_LEVEL, CB_SETCURSEL, *LevelOf(dlg), 0);
+    return TRUE;
+}
+
+static void StoreLevel(HWND dlg)
+{
+    const LRESULT selected = SendDlgItemMessageW(dlg, IDC_NOISE_LEVEL, CB_GETCURSEL, 0, 0);
+    if (selected == CB_ERR)
+        return;
+    *LevelOf(dlg) = unsigned(selected);
+    g_settings.denoiseStrength = int(selected);
+    WriteSettings(SettingGroup::NoisePrompt);
+}
+
+static INT_PTR OnButton(HWND dlg, int id)
+{
+    if (id != IDOK && id != IDCANCEL)
+        return FALSE;
+    g_answer = id == IDOK ? kPromptConfirmed : kPromptCancelled;
+    if (id == IDOK)
+        StoreLevel(dlg);
+    DestroyWindow(dlg);
+    return TRUE;
+}
+
+static INT_PTR CALLBACK NoisePromptProc(HWND dlg, UINT message, WPARAM wParam, LPARAM lParam)
+{
+    switch (message)
+    {
+    case WM_INITDIALOG: return OnInit(dlg, lParam);
+    case WM_COMMAND: return OnButton(dlg, LOWORD(wParam));
+    default: return FALSE;
+    }
+}
+
+// Cancel counts from the press on, as the user means it, unless OK is what follows.
+static void WaitForAnswer(HWND dlg)
+{
+    MSG message;
+    while (IsWindow(dlg))
+    {
+        if (GetMessageW(&message, nullptr, 0, 0) <= 0)
+        {
+            PostQuitMessage(int(message.wParam)); // the program's own loop has to see it too
+            return;
+        }
+        if (message.message == WM_LBUTTONDOWN && message.hwnd == GetDlgItem(dlg, IDCANCEL))
+            g_answer = kPromptCancelled;
+        TranslateMessage(&message);
+        DispatchMessageW(&message);
+    }
+}
+
+int RunNoiseLevelPrompt(unsigned* noiseLevel)
+{
+    const HWND dlg = CreateDialogParamW(g_hInst, MAKEINTRESOURCEW(IDD_NOISE_PROMPT), g_hwndDocker,
+                                        NoisePromptProc, reinterpret_cast<LPARAM>(noiseLevel));
+    if (!dlg)
+        return kPromptCancelled;
+    g_answer = kPromptConfirmed;
+    DockWindow(dlg);
+    ShowWindow(dlg, SW_SHOW);
+    RedrawView();
+    SetFocus(GetDlgItem(dlg, IDC_NOISE_LEVEL));
+    WaitForAnswer(dlg);
+    if (IsWindow(g_hwndMain))
+    {
+        UndockWindow(dlg);
+        RedrawView();
+        SetFocus(g_hwndMain);
+    }
+    return g_answer;
+}

@@ -1,0 +1,42 @@
+#include "multiscale/SeriesRun.h"
+
+#include "picture/ImageFile.h"
+#include "picture/SystemFiles.h"
+
+SeriesBar SeriesBarOf(SeriesKind kind)
+{
+    return kind == SeriesKind::Single ? SeriesBar{100, 5} : SeriesBar{40, 0};
+}
+
+// Without metadata: the result gets that from the photograph, and nobody else sees these files.
+static void WriteSeriesFile(const std::string& path, const SBxPicBuf& picture)
+{
+    std::string savePath;
+    if (SavePathFromUtf8(&savePath, path.c_str(), PathUse::Target))
+        return;
+    SBxPicBuf noAlpha;
+    CBxPicBufAPI::Init(&noAlpha);
+    SavePicturePair(picture, noAlpha, savePath.c_str(), "", kFormatTiff);
+}
+
+void MakeSeriesFiles(SeriesRun* run)
+{
+    run->files.clear();
+    const SeriesSink write = [run](int, const SBxPicBuf& picture, const char* name)
+    {
+        WriteSeriesFile(run->folder + name, picture);
+        return false;
+    };
+    if (run->kind == SeriesKind::Single)
+    {
+        const int count = MakeExposureSeries(run->source, run->noiseLevel, write, run->control);
+        for (int number = 0; number < count; ++number)
+            run->files.push_back(ExposureFileName(number));
+        return;
+    }
+    const DaylightMode mode =
+        run->kind == SeriesKind::DaylightUp ? DaylightMode::Up : DaylightMode::Down;
+    const std::vector<unsigned> keys = MakeDaylightSeries(run->source, mode, write, run->control);
+    for (const int number : DaylightOrder(mode, keys))
+        run->files.push_back(DaylightFileName(number));
+}
