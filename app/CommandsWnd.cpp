@@ -14,10 +14,20 @@
 
 #include <commctrl.h>
 
+// The dialog of a tool that has made its result stays open until its pictures go to something else.
+static void CloseFinishedTool()
+{
+    if (g_hwndActiveTool && !g_workerBusy)
+        DestroyWindow(g_hwndActiveTool);
+}
+
 bool MayLoseResult()
 {
-    return !g_resultUnsaved || MessageBoxW(g_hwndMain, g_strings[21], g_strings[3],
-                                           MB_YESNO | MB_ICONASTERISK) == IDYES;
+    const bool may = !g_resultUnsaved || MessageBoxW(g_hwndMain, g_strings[21], g_strings[3],
+                                                     MB_YESNO | MB_ICONASTERISK) == IDYES;
+    if (may)
+        CloseFinishedTool();
+    return may;
 }
 
 void SetStatusText(const wchar_t* text)

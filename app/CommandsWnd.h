@@ -8,7 +8,8 @@
 // Runs a command by its number; 0 as the answer to WM_COMMAND.
 LRESULT RunCommand(HWND frame, int id, int notification);
 
-// Asks about a result that has not been saved; false keeps everything as it is.
+// Asks about a result that has not been saved; false keeps everything as it is. After a yes, the
+// dialog of the tool that made the result is gone.
 bool MayLoseResult();
 
 // Opens a file as the Open command does after its dialog: file dropped on the frame, file of the

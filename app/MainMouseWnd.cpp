@@ -7,8 +7,11 @@
 
 #include <windowsx.h>
 
+#include <utility>
+
 static ViewDrag g_drag;
-static bool g_comparing; // the right button is down over the result
+static bool g_draggingPreview; // the active tool's rectangle, not the picture
+static bool g_comparing;       // the right button is down over the result
 
 // The message that came by way of WM_SETCURSOR: the ordinary one arrives as well, and must not act
 // a second time.
@@ -40,11 +43,20 @@ static bool OverDocker()
     return PtInRect(&docker, cursor);
 }
 
+// Whether the active tool has a rectangle there that it wants to move.
+static bool GrabPreview(int x, int y)
+{
+    return g_view.previewRect && g_hwndActiveTool &&
+           SendMessageW(g_hwndActiveTool, WM_APP_PREVIEW_GRAB, 0, MAKELPARAM(x, y)) != 0;
+}
+
 static void StartPan(int x, int y)
 {
     if (g_toolBusy || !HasPicture(ShownPicture()))
         return;
-    StartDrag(&g_drag, x, y);
+    g_draggingPreview = GrabPreview(x, y);
+    if (!g_draggingPreview)
+        StartDrag(&g_drag, x, y);
     SetCapture(g_hwndMain);
     SendMessageW(g_hwndMain, WM_APP_CURSOR_MOVE, 0, 0);
     SetCursor(LoadCursorW(nullptr, MAKEINTRESOURCEW(32646)));
@@ -52,13 +64,17 @@ static void StartPan(int x, int y)
 
 static void EndPan()
 {
-    if (!g_drag.active)
+    if (!g_drag.active && !g_draggingPreview)
         return;
+    const bool dropped = std::exchange(g_draggingPreview, false);
     ForgetDrag(&g_drag);
     SendMessageW(g_hwndMain, WM_APP_CURSOR_ARROW, 0, 0);
     if (GetCapture() == g_hwndMain)
         ReleaseCapture();
-    ViewMoved();
+    if (dropped && g_hwndActiveTool)
+        SendMessageW(g_hwndActiveTool, WM_APP_PREVIEW_DROP, 0, 0);
+    else
+        ViewMoved();
 }
 
 static void ZoomToFitView()
@@ -152,6 +168,8 @@ LRESULT OnLeftDown(HWND frame, WPARAM, LPARAM lParam)
 
 LRESULT OnMouseMove(HWND, WPARAM, LPARAM lParam)
 {
+    if (g_draggingPreview && g_hwndActiveTool)
+        SendMessageW(g_hwndActiveTool, WM_MOUSEMOVE, 1, lParam);
     if (!g_toolBusy &&
         DragTo(&g_drag, &g_view, ShownPicture(), GET_X_LPARAM(lParam), GET_Y_LPARAM(lParam)))
     {

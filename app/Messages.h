@@ -24,3 +24,9 @@ constexpr unsigned WM_APP_SERIES_PROGRESS = 4303;
 
 // Posted to the active tool, both parameters 0.
 constexpr unsigned WM_APP_VIEW_MOVED = 4302; // panned, zoomed or resized: another part is in view
+
+// Sent to the active tool while the mouse is on its preview rectangle, with the position in the
+// frame's client area in lParam. A grab is answered with 1 if the tool wants to move the rectangle;
+// then WM_MOUSEMOVE and one drop follow.
+constexpr unsigned WM_APP_PREVIEW_GRAB = 4310;
+constexpr unsigned WM_APP_PREVIEW_DROP = 4311;

@@ -12,6 +12,7 @@
 #include "multiscale/NoisePromptDlg.h"
 #include "multiscale/SeriesWorkerWnd.h"
 #include "multiscale/SmartContrastDlg.h"
+#include "multiscale/ToneMapDlg.h"
 
 #include <algorithm>
 #include <cwchar>
@@ -152,5 +153,6 @@ void StartSmartContrast()
 
 void StartToneMapping()
 {
-    MayStartTool();
+    if (MayStartTool())
+        OpenToneMapDialog();
 }

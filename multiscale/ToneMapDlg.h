@@ -1,0 +1,5 @@
+#pragma once
+
+// Opens the tone mapping dialog over the opened photograph. Tells the user and opens nothing when
+// memory is short.
+void OpenToneMapDialog();
