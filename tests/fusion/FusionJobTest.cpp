@@ -1,0 +1,277 @@
+#include "fusion/FusionJob.h"
+
+#include "fusion/FusionAccumulator.h"
+#include "tests/support/TestFiles.h"
+
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <filesystem>
+
+constexpr int kWidth = 300, kHeight = 200;
+const CBxRect<int> kWholePicture = {0, 0, kWidth, kHeight};
+
+// A series of exposures in files, the way a dialog finds it.
+struct Series
+{
+    TempFolder folder;
+    std::vector<TestPicture> pictures;
+    std::vector<std::string> paths;
+    FusionSources sources;
+
+    explicit Series(int count, int bits = 8, int components = 3)
+    {
+        for (int i = 0; i < count; ++i)
+        {
+            pictures.push_back(ScenePicture(kWidth, kHeight, components, bits, i - count / 2));
+            paths.push_back(folder.File("photo" + std::to_string(i) + ".tif"));
+            Save(pictures.back(), paths.back());
+        }
+        Open(int64_t(1) << 30);
+    }
+
+    void Open(int64_t budget) { OpenFusionSources(&sources, paths, pictures[0].pic, budget); }
+
+    // The engine fed with the same region of the listed sources, one after the other.
+    TestPicture FusedByHand(const CBxRect<int>& region, const std::vector<int>& which,
+                            unsigned mid) const
+    {
+        const SBxPicBuf& like = pictures[0].pic;
+        const CBxSize<int> size = {region.right - region.left, region.bottom - region.top};
+        TestPicture cut(size.cx, size.cy, like.components, like.bitsPerComponent);
+        VcFusionAccumulator sums;
+        EXPECT_FALSE(VcInitAccumulator(&sums, cut.pic, mid));
+        for (const int i : which)
+        {
+            CBxPicBufAPI::CopyRect(&cut.pic, pictures[size_t(i)].pic, {0, 0},
+                                   {region.left, region.top}, size);
+            EXPECT_FALSE(VcAccumulateImage(&sums, cut.pic));
+        }
+        EXPECT_FALSE(VcComposeResult(&cut.pic, sums));
+        VcFreeAccumulator(&sums);
+        return cut;
+    }
+
+    TestPicture Blank(const CBxRect<int>& region) const
+    {
+        const SBxPicBuf& like = pictures[0].pic;
+        return FlatPicture(region.right - region.left, region.bottom - region.top,
+                           like.bitsPerComponent,
+                           std::vector<double>(size_t(like.components), 7.0));
+    }
+};
+
+static std::vector<int> UpTo(int count)
+{
+    std::vector<int> all;
+    for (int i = 0; i < count; ++i)
+        all.push_back(i);
+    return all;
+}
+
+struct RegionCase
+{
+    const char* name;
+    CBxRect<int> area;
+    double scale, srcX, srcY; // of the middle of the area
+    CBxRect<int> expected;
+};
+
+TEST(FusionRegion, IsWhatIsSeenAndWhatSurroundsItInsideThePicture)
+{
+    const RegionCase cases[] = {
+        {"four times enlarged", {0, 40, 800, 640}, 4.0, 2000, 1500, {1644, 1169, 2356, 1831}},
+        {"all of it", {0, 40, 800, 640}, 0.1, 2000, 1500, {0, 0, 4000, 3000}},
+        {"a corner", {0, 40, 800, 640}, 1.0, 0, 0, {0, 0, 656, 556}},
+        {"part of a pixel at the edges", {0, 0, 9, 9}, 2.0, 1000, 1000, {741, 741, 1259, 1259}},
+        {"out of sight", {0, 40, 800, 640}, 1.0, 9000, 1500, {4000, 944, 4000, 2056}},
+        {"far out of sight", {0, 40, 800, 640}, 1e-9, -1e13, 0, {0, 0, 0, 3000}},
+    };
+    for (const RegionCase& test : cases)
+    {
+        ImageView view;
+        view.area = test.area;
+        view.state = {test.scale, (test.area.left + test.area.right) / 2.0,
+                      (test.area.top + test.area.bottom) / 2.0, test.srcX, test.srcY};
+        const CBxRect<int> region = FusionRegionOf(view, 4000, 3000);
+        EXPECT_TRUE(SameRect(region, test.expected))
+            << test.name << ": " << region.left << " " << region.top << " " << region.right << " "
+            << region.bottom;
+        EXPECT_EQ(IsEmptyRect(region), std::string(test.name).find("sight") != std::string::npos)
+            << test.name;
+    }
+}
+
+TEST(FusionRanges, AreOneTwoOrThreeNeighboursWhoseLastTakesTheRest)
+{
+    const std::vector<std::pair<int, std::vector<int>>> sizes = {
+        {1, {1}},       {4, {4}},        {5, {2, 3}},     {8, {4, 4}},
+        {9, {3, 3, 3}}, {10, {3, 3, 4}}, {11, {3, 3, 5}}, {39, {13, 13, 13}},
+    };
+    for (const auto& [sources, expected] : sizes)
+    {
+        std::vector<int> found;
+        int next = 0;
+        for (const SourceRange& range : FusionRangesOf(sources))
+        {
+            EXPECT_EQ(range.first, next) << sources;
+            found.push_back(range.end - range.first);
+            next = range.end;
+        }
+        EXPECT_EQ(found, expected) << sources;
+    }
+}
+
+TEST(FusionJob, GivesWhatTheEngineGivesForThatRegionOfThoseSources)
+{
+    const struct
+    {
+        int sources, bits, components;
+    } cases[] = {{3, 8, 3}, {6, 8, 1}, {9, 16, 3}};
+    for (const auto& test : cases)
+    {
+        Series series(test.sources + 1, test.bits, test.components); // one more than is asked for
+        const CBxRect<int> region = {40, 30, 260, 171};
+        TestPicture result = series.Blank(region);
+        ASSERT_EQ(FuseRegion(&result.pic, &series.sources, {region, test.sources, 110}, nullptr),
+                  FusionOutcome::Done);
+        // Sums of floats in another order: never more than the next step of 8 bits.
+        const double tolerance = test.bits == 8 ? 1 : 2;
+        ExpectSamePicture(result.pic, series.FusedByHand(region, UpTo(test.sources), 110).pic,
+                          tolerance);
+    }
+}
+
+TEST(FusionJob, ShowsInThePreviewOfTheWholePictureWhatTheResultBecomes)
+{
+    Series series(10);
+    TestPicture preview = series.Blank(kWholePicture), result = series.Blank(kWholePicture);
+    const FusionTask task = {kWholePicture, 10, 128};
+    ASSERT_EQ(FuseRegion(&preview.pic, &series.sources, task, nullptr), FusionOutcome::Done);
+    ASSERT_EQ(FuseWhole(&result.pic, &series.sources, {{}, 10, 128}), FusionOutcome::Done);
+    ExpectSamePicture(preview.pic, result.pic, 1);
+    ExpectSamePicture(result.pic, series.FusedByHand(kWholePicture, UpTo(10), 128).pic);
+}
+
+TEST(FusionJob, LeavesOutWhatCannotBeUsedAndNamesIt)
+{
+    Series series(9);
+    std::filesystem::remove(series.paths[0]); // the caller's own share starts with it
+    Save(ScenePicture(kWidth, kHeight, 3, 16, 0), series.paths[2]);
+    Save(ScenePicture(kWidth - 1, kHeight, 3, 8, 0), series.paths[4]);
+    for (const int i : {6, 7, 8}) // a whole share
+        series.folder.Write("photo" + std::to_string(i) + ".tif", {1, 2, 3});
+    TestPicture result = series.Blank(kWholePicture);
+    ASSERT_EQ(FuseRegion(&result.pic, &series.sources, {kWholePicture, 9, 100}, nullptr),
+              FusionOutcome::Done);
+    ExpectSamePicture(result.pic, series.FusedByHand(kWholePicture, {1, 3, 5}, 100).pic, 1);
+    const std::vector<bool> unusable = {true, false, true, false, true, false, true, true, true};
+    EXPECT_EQ(series.sources.unusable, unusable);
+}
+
+TEST(FusionJob, FailsWithoutTouchingTheResult)
+{
+    Series series(2);
+    const TestPicture before = series.Blank(kWholePicture);
+    TestPicture result = series.Blank(kWholePicture);
+    const CBxRect<int> narrow = {0, 0, kFusionMinSide - 1, kHeight};
+    EXPECT_EQ(FuseRegion(&result.pic, &series.sources, {{}, 2, 100}, nullptr),
+              FusionOutcome::Failed);
+    EXPECT_EQ(FuseRegion(&result.pic, &series.sources, {narrow, 2, 100}, nullptr),
+              FusionOutcome::Failed);
+    EXPECT_EQ(FuseRegion(&result.pic, &series.sources, {kWholePicture, 0, 100}, nullptr),
+              FusionOutcome::Failed);
+    for (const std::string& path : series.paths)
+        std::filesystem::remove(path);
+    EXPECT_EQ(FuseRegion(&result.pic, &series.sources, {kWholePicture, 2, 100}, nullptr),
+              FusionOutcome::Failed);
+    EXPECT_EQ(FuseWhole(&result.pic, &series.sources, {{}, 2, 100}), FusionOutcome::Failed);
+    ExpectSamePicture(result.pic, before.pic);
+}
+
+TEST(FusionJob, StopsBetweenSourcesWhenItIsOutdated)
+{
+    Series series(4); // on one thread
+    TestPicture result = series.Blank(kWholePicture);
+    int asked = 0;
+    const auto afterTwo = [&asked] { return ++asked > 2; };
+    EXPECT_EQ(FuseRegion(&result.pic, &series.sources, {kWholePicture, 4, 100}, afterTwo),
+              FusionOutcome::Outdated);
+    EXPECT_EQ(series.sources.filesRead, 2);
+    ExpectSamePicture(result.pic, series.Blank(kWholePicture).pic);
+
+    Series large(12); // the others stop as well
+    EXPECT_EQ(
+        FuseRegion(&result.pic, &large.sources, {kWholePicture, 12, 100}, [] { return true; }),
+        FusionOutcome::Outdated);
+    EXPECT_LE(large.sources.filesRead, 8); // all of theirs would be 8, and none of the first 4
+    EXPECT_EQ(FuseRegion(&result.pic, &large.sources, {kWholePicture, 12, 100}, nullptr),
+              FusionOutcome::Done);
+}
+
+TEST(FusionSources, AreReadOnceHoweverOftenAndWhereTheyAreLookedAt)
+{
+    Series series(5);
+    TestPicture whole = series.Blank(kWholePicture);
+    const CBxRect<int> region = {10, 20, 90, 80};
+    TestPicture part = series.Blank(region);
+    for (const unsigned mid : {60u, 100u, 140u})
+    {
+        EXPECT_EQ(FuseRegion(&part.pic, &series.sources, {region, 5, mid}, nullptr),
+                  FusionOutcome::Done);
+        EXPECT_EQ(FuseWhole(&whole.pic, &series.sources, {{}, 5, mid}), FusionOutcome::Done);
+    }
+    EXPECT_EQ(series.sources.filesRead, 5);
+}
+
+TEST(FusionSources, KeepRegionsWhenWholePicturesDoNotFit)
+{
+    Series series(4);
+    const CBxRect<int> region = {10, 20, 90, 80}, other = {100, 20, 180, 80};
+    const int64_t bytes = 80 * 60 * 3;
+    series.Open(4 * bytes);
+    TestPicture part = series.Blank(region);
+    const auto fuse = [&](const CBxRect<int>& where)
+    {
+        EXPECT_EQ(FuseRegion(&part.pic, &series.sources, {where, 4, 100}, nullptr),
+                  FusionOutcome::Done);
+        EXPECT_LE(series.sources.keptBytes, series.sources.budget);
+        ExpectSamePicture(part.pic, series.FusedByHand(where, UpTo(4), 100).pic);
+        return series.sources.filesRead;
+    };
+    EXPECT_EQ(fuse(region), 4);
+    EXPECT_EQ(fuse(region), 4);
+    EXPECT_EQ(fuse(other), 8); // takes the place of the first
+    EXPECT_EQ(fuse(other), 8);
+
+    series.Open(2 * bytes); // half of them stays, rather than none in turn
+    EXPECT_EQ(fuse(region), 4);
+    EXPECT_EQ(fuse(region), 6);
+    series.Open(0);
+    EXPECT_EQ(fuse(region), 4);
+    EXPECT_EQ(fuse(region), 8);
+}
+
+TEST(FusionSources, AreReadAgainWhenTheFileHasChanged)
+{
+    Series series(2);
+    const CBxRect<int> region = {0, 0, 50, 50};
+    ASSERT_TRUE(LoadFusionSource(&series.sources, 1, region));
+    const std::filesystem::path path = series.paths[1];
+    const auto later = std::filesystem::last_write_time(path) + std::chrono::seconds(5);
+    Save(FlatPicture(kWidth, kHeight, 8, {1, 2, 3}), series.paths[1]);
+    std::filesystem::last_write_time(path, later);
+    const SourceRegionPtr again = LoadFusionSource(&series.sources, 1, region);
+    ASSERT_TRUE(again);
+    ExpectSamePicture(again->picture, FlatPicture(50, 50, 8, {1, 2, 3}).pic);
+    EXPECT_EQ(series.sources.keptBytes, int64_t(kWidth) * kHeight * 3); // the old one has gone
+
+    std::filesystem::remove(path);
+    EXPECT_FALSE(LoadFusionSource(&series.sources, 1, region));
+}
+
+TEST(FusionSources, HaveABudgetOfRealMemory)
+{
+    EXPECT_GT(FusionSourceBudget(), int64_t(1) << 24);
+    EXPECT_LT(FusionSourceBudget(), int64_t(1) << 44);
+}

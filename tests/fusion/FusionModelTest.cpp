@@ -1,0 +1,120 @@
+#include "fusion/ExposureFusionModel.h"
+#include "fusion/PowerFusionModel.h"
+
+#include <gtest/gtest.h>
+
+static Settings StoredPower(int power)
+{
+    Settings settings = {};
+    settings.powerTool = {100, 3, power};
+    return settings;
+}
+
+static Settings StoredExposure(int exposure)
+{
+    Settings settings = {};
+    settings.fusionTool = {1, 2, 3, exposure};
+    return settings;
+}
+
+TEST(PowerModel, StepsByOneAndStaysInItsRange)
+{
+    PowerFusionModel model = OpenPowerFusion(StoredPower(15), 39);
+    EXPECT_TRUE(MovePower(&model, SliderMove::Up, 38)); // the thumb is for drags only
+    EXPECT_EQ(model.power, 16);
+    EXPECT_TRUE(MovePower(&model, SliderMove::Down, 0));
+    EXPECT_EQ(model.power, 15);
+    EXPECT_FALSE(MovePower(&model, SliderMove::Other, 30));
+    EXPECT_TRUE(MovePower(&model, SliderMove::Drag, 39));
+    EXPECT_FALSE(MovePower(&model, SliderMove::Up, 0));
+    EXPECT_TRUE(MovePower(&model, SliderMove::Drop, 3));
+    EXPECT_FALSE(MovePower(&model, SliderMove::Down, 0));
+    EXPECT_EQ(model.power, 3);
+}
+
+TEST(PowerModel, FusesAsManySourcesAsItSaysWithAFixedGrey)
+{
+    const CBxRect<int> region = {1, 2, 30, 40};
+    PowerFusionModel model = OpenPowerFusion(StoredPower(15), 39);
+    const FusionTask task = PowerTask(model, region);
+    EXPECT_TRUE(SameRect(task.region, region));
+    EXPECT_EQ(task.sources, 15);
+    EXPECT_EQ(task.exposureMid, 128u); // although 100 is stored
+    model.seriesCount = 7;             // of a series that was stopped
+    EXPECT_EQ(PowerTask(model, region).sources, 7);
+}
+
+TEST(PowerModel, StoresItsOwnValueOnly)
+{
+    Settings settings = StoredPower(15);
+    PowerFusionModel model = OpenPowerFusion(settings, 39);
+    MovePower(&model, SliderMove::Drop, 21);
+    StorePower(model, &settings);
+    EXPECT_EQ(settings.powerTool.power, 21);
+    EXPECT_EQ(settings.powerTool.exposure, 100);
+    EXPECT_EQ(settings.powerTool.flatness, 3);
+}
+
+TEST(PowerModel, ReturningToTheLastValueComputesNothing)
+{
+    const CBxRect<int> region = {0, 0, 30, 40}, panned = {10, 0, 40, 40};
+    PowerFusionModel model = OpenPowerFusion(StoredPower(15), 39);
+    const FusionTask shown = PowerTask(model, region);
+    MovePower(&model, SliderMove::Up, 0);
+    EXPECT_FALSE(SameTask(PowerTask(model, region), shown));
+    MovePower(&model, SliderMove::Down, 0);
+    EXPECT_TRUE(SameTask(PowerTask(model, region), shown));
+    EXPECT_FALSE(SameTask(PowerTask(model, panned), shown));
+    EXPECT_FALSE(SameTask(shown, FusionTask())); // nothing is shown yet
+}
+
+TEST(ExposureModel, OpensInsideItsRange)
+{
+    for (const auto& [stored, expected] :
+         std::vector<std::pair<int, int>>{{20, 48}, {48, 48}, {100, 100}, {160, 160}, {200, 160}})
+        EXPECT_EQ(OpenExposureFusion(StoredExposure(stored), 3).exposure, expected) << stored;
+}
+
+TEST(ExposureModel, GivesTheSlidersValueToAllSources)
+{
+    ExposureFusionModel model = OpenExposureFusion(StoredExposure(100), 11);
+    EXPECT_TRUE(MoveExposure(&model, SliderMove::Drag, 128));
+    const FusionTask task = ExposureTask(model, {0, 0, 5, 5});
+    EXPECT_EQ(task.sources, 11);
+    EXPECT_EQ(task.exposureMid, 128u);
+    EXPECT_TRUE(MoveExposure(&model, SliderMove::Drop, 999));
+    EXPECT_EQ(model.exposure, 160);
+}
+
+TEST(ExposureModel, KeepsTheStrengthsUntilTheyAreReset)
+{
+    Settings settings = StoredExposure(120);
+    ExposureFusionModel model = OpenExposureFusion(settings, 2);
+    StoreExposureFusion(model, &settings);
+    EXPECT_EQ(settings.fusionTool.sharpStrength, 1);
+    EXPECT_EQ(settings.fusionTool.satStrength, 2);
+    EXPECT_EQ(settings.fusionTool.expStrength, 3);
+    EXPECT_EQ(settings.fusionTool.exposure, 120);
+
+    SetFusionDefaults(&model);
+    StoreExposureFusion(model, &settings);
+    EXPECT_EQ(settings.fusionTool.sharpStrength, 5);
+    EXPECT_EQ(settings.fusionTool.satStrength, 5);
+    EXPECT_EQ(settings.fusionTool.expStrength, 5);
+    EXPECT_EQ(settings.fusionTool.exposure, 100);
+}
+
+TEST(ExposureModel, SwallowsKeysAndPagesOnReleasedArrowsOnce)
+{
+    const unsigned left = 0x25, right = 0x27, letter = 'A';
+    EXPECT_TRUE(KeyOfHook(-1, left, true).passOn);
+    for (const unsigned key : {left, right, letter})
+        for (const int code : {0, 3})
+            for (const bool released : {false, true})
+            {
+                const HookedKey hooked = KeyOfHook(code, key, released);
+                const bool arrow = code == 0 && released && key != letter;
+                EXPECT_FALSE(hooked.passOn);
+                EXPECT_EQ(hooked.page, !arrow ? 0 : key == left ? -1 : 1);
+            }
+}
