@@ -54,6 +54,8 @@ static int FilterPlane(SBxPicBuf* plane, const PlaneFilter& filter)
 
 static int FilterComponent(SBxPicBuf* yuv, unsigned component, const PlaneFilter& filter)
 {
+    if (filter.control->Cancelled())
+        return kToneMapCancelled;
     ScratchPicture plane;
     CBxPicBufAPI::ReinitHeap(&plane.pic, yuv->width, yuv->height, 1, yuv->bitsPerComponent);
     if (!plane.pic.data)
@@ -72,6 +74,8 @@ int ToneMapPicture(SBxPicBuf* out, const SBxPicBuf& in, int levels, double p1, d
     ScratchPicture padded;
     if (PadForPyramid(&padded.pic, in, levels))
         return kToneMapOutOfMemory;
+    if (control.Cancelled())
+        return kToneMapCancelled;
 
     int result = kToneMapDone;
     if (in.components == 1)
@@ -84,7 +88,8 @@ int ToneMapPicture(SBxPicBuf* out, const SBxPicBuf& in, int levels, double p1, d
         const unsigned planes = useColors ? 3 : 1;
         for (unsigned c = 0; c < planes && result == kToneMapDone; ++c)
             result = FilterComponent(&padded.pic, c, filter);
-        CBxPicBufAPI::ConvertYUVtoRGB(&padded.pic, padded.pic);
+        if (result == kToneMapDone)
+            CBxPicBufAPI::ConvertYUVtoRGB(&padded.pic, padded.pic);
     }
     if (result == kToneMapDone)
         CBxPicBufAPI::CopyRect(out, padded.pic, {0, 0}, {0, 0}, {in.width, in.height});
