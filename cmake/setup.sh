@@ -8,10 +8,10 @@ level=${1:-native}
 
 native=(g++ cmake ninja-build libfreeimage-dev libtbb-dev googletest libbenchmark-dev)
 # Windows: compiler, zlib, the assembler of the JPEG library, and wine to run the tests. wine32 and
-# the screen drivers are only recommended packages, so they stay away. The last two draw the images
-# and pack the icon.
+# the screen drivers are only recommended packages, so they stay away. Two draw the images and pack
+# the icon; the last three are a screen that nobody sees, a hand on it, and its photographer.
 windows=(g++-mingw-w64-x86-64-posix libz-mingw-w64-dev nasm dpkg-dev wine wine64
-    librsvg2-bin icoutils)
+    librsvg2-bin icoutils xvfb xdotool imagemagick)
 linting=(clang-format-14 clang-tidy-14)
 
 case $level in

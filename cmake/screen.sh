@@ -1,0 +1,80 @@
+# Shell functions, to be sourced: a screen that nobody sees, and the window program on it.
+#
+#   ScreenUp           starts the screen (1280 x 900) and exports DISPLAY; `ScreenDown` ends it
+#   ScreenFolder       makes the wine folder for windows that show, and exports WINEPREFIX
+#   StartProgram ARGS  starts Plenoviz.exe and waits for its window; its number is in $window
+#   Shot NAME          keeps what the screen shows as out/NAME.png, and for Pixel
+#   Pixel X Y          "red green blue" of the last shot
+
+root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
+program=${PLENOVIZ_PROGRAM:-$root/build/windows/app/Plenoviz.exe}
+screenWidth=1280 screenHeight=900
+screenPid='' programPid='' window=''
+scratch=$(mktemp -d)
+
+export WINEARCH=win64 WINEDEBUG=-all WINEDLLOVERRIDES="mscoree,mshtml=;winemenubuilder.exe=d"
+
+# The folder of the tests with the screen switched on again, copied since a new one takes long.
+ScreenFolder()
+{
+    export WINEPREFIX=$root/build/wineprefix-screen
+    (
+        flock 8
+        [[ -f $WINEPREFIX/complete ]] && exit
+        "$root/cmake/wine.sh" cmd /c exit </dev/null >/dev/null 2>&1 8>&-
+        rm -rf "$WINEPREFIX"
+        cp -a "$root/build/wineprefix" "$WINEPREFIX"
+        sed -i '/^"Graphics"="null"/d' "$WINEPREFIX/user.reg"
+    ) 8>"$root/build/wineprefix-screen.lock"
+    # A program that was stopped by force before is no crash to be warned of.
+    rm -f "$WINEPREFIX"/drive_c/users/*/AppData/Roaming/Plenoviz/Plenoviz.txt
+}
+
+ScreenUp()
+{
+    Xvfb -displayfd 3 -screen 0 ${screenWidth}x${screenHeight}x24 -nolisten tcp \
+        3>"$scratch/display" 2>"$scratch/xvfb.log" &
+    screenPid=$!
+    local tries
+    for ((tries = 0; tries < 200; tries++)); do
+        [[ -s $scratch/display ]] && break
+        sleep 0.05
+    done
+    export DISPLAY=:$(<"$scratch/display")
+}
+
+ScreenDown()
+{
+    [[ -n $programPid ]] && kill "$programPid" 2>/dev/null
+    [[ -n $screenPid ]] && kill "$screenPid" 2>/dev/null
+    rm -rf "$scratch"
+}
+
+StartProgram()
+{
+    local tries
+    wine "$program" "$@" </dev/null >/dev/null 2>&1 &
+    programPid=$!
+    for ((tries = 0; tries < 600; tries++)); do
+        window=$(xdotool search --onlyvisible --name '^Plenoviz' 2>/dev/null | head -n 1) || true
+        [[ -n $window ]] && return
+        kill -0 "$programPid" 2>/dev/null || break
+        sleep 0.05
+    done
+    echo "the window does not come" >&2
+    return 1
+}
+
+Shot()
+{
+    import -window root "$root/out/$1.png"
+    import -window root -depth 8 "ppm:$scratch/shot"
+}
+
+Pixel()
+{
+    local header
+    header=$(($(stat -c %s "$scratch/shot") - screenWidth * screenHeight * 3))
+    od -An -tu1 -N3 -j$((header + ($2 * screenWidth + $1) * 3)) "$scratch/shot" |
+        sed 's/^ *//; s/  */ /g'
+}
