@@ -2,6 +2,7 @@
 #
 #   ScreenUp           starts the screen (1280 x 900) and exports DISPLAY; `ScreenDown` ends it
 #   ScreenFolder       makes the wine folder for windows that show, and exports WINEPREFIX
+#   ForgetSettings     lets the program start as for the first time
 #   StartProgram ARGS  starts Plenoviz.exe and waits for its window; its number is in $window
 #   Shot NAME          keeps what the screen shows as out/NAME.png, and for Pixel
 #   Pixel X Y          "red green blue" of the last shot
@@ -26,9 +27,10 @@ ScreenFolder()
         cp -a "$root/build/wineprefix" "$WINEPREFIX"
         sed -i '/^"Graphics"="null"/d' "$WINEPREFIX/user.reg"
     ) 8>"$root/build/wineprefix-screen.lock"
-    # A program that was stopped by force before is no crash to be warned of.
-    rm -f "$WINEPREFIX"/drive_c/users/*/AppData/Roaming/Plenoviz/Plenoviz.txt
 }
+
+# As the first start of all. A program that was stopped by force is no crash to be warned of.
+ForgetSettings() { rm -f "$WINEPREFIX"/drive_c/users/*/AppData/Roaming/Plenoviz/Plenoviz.txt; }
 
 ScreenUp()
 {

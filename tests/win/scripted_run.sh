@@ -96,6 +96,7 @@ cp -a "$scratch/photo.png" "$scratch/photo 写真.png"
 
 mkdir -p "$root/out"
 ScreenFolder
+ForgetSettings
 ScreenUp
 StartProgram "Z:${scratch//\//\\}\\photo 写真.png"
 xdotool windowfocus "$window"
