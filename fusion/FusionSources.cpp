@@ -138,7 +138,7 @@ static std::shared_ptr<SourceRegion> ReadWhole(FusionSources* sources, int index
 
 static SourceRegionPtr FindOrRead(FusionSources* sources, int index, const CBxRect<int>& region)
 {
-    FileState state;
+    FileState state = {};
     if (!StateOfFile(sources->paths[size_t(index)], &state))
         return nullptr;
     if (const SourceRegionPtr kept = FindKept(sources, index, state, region))
