@@ -2,6 +2,7 @@
 
 #include "app/AppState.h"
 #include "app/AppWindows_win.h"
+#include "app/CommandsWnd.h"
 #include "app/Messages.h"
 #include "app/Settings.h"
 #include "app/Strings.h"
@@ -13,6 +14,8 @@
 
 #include <algorithm>
 #include <memory>
+
+constexpr int kCompareHint = 81, kNoHint = 76;
 
 static SliderControl LevelControl(int level)
 {
@@ -76,6 +79,7 @@ static INT_PTR OnCancel(HWND dlg)
 {
     CBxPicBufAPI::Copy(&g_previewPicture, g_sourcePicture);
     DestroyWindow(dlg);
+    SetStatusText(g_strings[kNoHint]);
     SendMessageW(g_hwndMain, WM_APP_TOOL_CANCELLED, 0, 0);
     return TRUE;
 }
@@ -137,5 +141,6 @@ void OpenSmartContrastDialog()
         ReleaseSmartContrast(model.get());
         return;
     }
+    SetStatusText(g_strings[kCompareHint]);
     ShowRecomposed(model.release()); // the dialog's from here on
 }

@@ -1,0 +1,299 @@
+// The dialogs of Smart Contrast and Tone Mapping in the real frame: controls, pictures, ways out.
+
+#include "app/AppState.h"
+#include "app/AppWindows_win.h"
+#include "app/CommandIds.h"
+#include "app/FrameView_win.h"
+#include "app/Messages.h"
+#include "app/ProfileStore.h"
+#include "app/Settings.h"
+#include "app/Strings.h"
+#include "multiscale/LevelsOfDetail.h"
+#include "multiscale/MultiscaleDlgIds.h"
+#include "multiscale/ToneMap.h"
+#include "tests/support/TestPictures.h"
+#include "tests/win/FrameHarness.h"
+
+#include <commctrl.h>
+
+static const char kAllOn[] = "111111111", kToolOpen[] = "000000001";
+
+class Tools : public FrameTest
+{
+protected:
+    static HWND Control(int id) { return GetDlgItem(g_hwndActiveTool, id); }
+
+    static void Press(int id) { SendMessageW(g_hwndActiveTool, WM_COMMAND, WPARAM(id), 0); }
+
+    static void Scroll(int slider, int code, int thumb = 0)
+    {
+        SendMessageW(g_hwndActiveTool, WM_HSCROLL, MAKEWPARAM(code, thumb),
+                     reinterpret_cast<LPARAM>(Control(slider)));
+    }
+
+    static void Check(int box, bool on)
+    {
+        CheckDlgButton(g_hwndActiveTool, box, on ? BST_CHECKED : BST_UNCHECKED);
+        Press(box);
+    }
+
+    // Handles messages until that is so; false when it never was.
+    static bool WaitUntil(const std::function<bool()>& reached)
+    {
+        const ULONGLONG deadline = GetTickCount64() + 60000;
+        while (!reached() && GetTickCount64() < deadline)
+        {
+            MsgWaitForMultipleObjects(0, nullptr, FALSE, 1000, QS_ALLINPUT);
+            Pump();
+        }
+        return reached();
+    }
+
+    static bool RunStarted()
+    {
+        return SendMessageW(Control(IDC_TONE_PROGRESS), PBM_GETPOS, 0, 0) > 3;
+    }
+
+    static TestPicture Like(const SBxPicBuf& picture)
+    {
+        return TestPicture(picture.width, picture.height, picture.components,
+                           picture.bitsPerComponent);
+    }
+
+    static TestPicture ToneMapped(bool useColors)
+    {
+        TestPicture out = Like(g_sourcePicture);
+        const ToneMapParams p = ToneMapParamsOf(10, 10, 10, 10);
+        EXPECT_EQ(ToneMapPicture(&out.pic, g_sourcePicture, kToneMapLevels, p.p1, p.p2, p.p3, p.p4,
+                                 useColors),
+                  kToneMapDone);
+        return out;
+    }
+
+    static void ExpectGivenUp()
+    {
+        EXPECT_FALSE(g_hwndActiveTool);
+        EXPECT_EQ(Enabled(), kAllOn);
+        EXPECT_FALSE(g_resultUnsaved || g_workerBusy || g_toolBusy);
+        EXPECT_EQ(g_view.previewRect, nullptr);
+        ExpectSamePicture(g_previewPicture, g_sourcePicture);
+        ExpectSamePicture(g_resultPicture, g_sourcePicture);
+    }
+};
+
+TEST_F(Tools, NeedAPictureOf8Or16Bits)
+{
+    for (const int id : {ID_SMART_CONTRAST, ID_TONE_MAPPING})
+    {
+        Command(id);
+        EXPECT_FALSE(g_hwndActiveTool) << id;
+    }
+}
+
+TEST_F(Tools, SmartContrastShowsEachMoveAndGivesTheSourceBack)
+{
+    OpenPicture("photo.png", 300, 200);
+    Command(ID_SMART_CONTRAST);
+    ASSERT_TRUE(g_hwndActiveTool);
+    EXPECT_EQ(Enabled(), kToolOpen);
+    EXPECT_TRUE(g_workerBusy);
+    EXPECT_FALSE(g_showSources);
+    EXPECT_EQ(WindowText(g_hwndActiveTool), L" Levels of details");
+    ExpectSamePicture(g_previewPicture, g_sourcePicture, 1); // all at 10: only floats round
+
+    const uint64_t before = HashOf(g_previewPicture);
+    Scroll(IDC_LEVEL_SLIDER, TB_THUMBTRACK, 25);
+    EXPECT_EQ(WindowText(Control(IDC_LEVEL_VALUE)), L"25");
+    EXPECT_EQ(HashOf(g_previewPicture), before) << "while it is dragged";
+    Scroll(IDC_LEVEL_SLIDER, TB_THUMBPOSITION, 25);
+    EXPECT_NE(HashOf(g_previewPicture), before);
+    Scroll(IDC_LEVEL_SLIDER, TB_ENDTRACK);
+
+    // The slider has gone a page of its own by the time it says so.
+    SendMessageW(Control(IDC_LEVEL_SLIDER), TBM_SETPOS, TRUE, 30);
+    Scroll(IDC_LEVEL_SLIDER, TB_PAGEDOWN);
+    EXPECT_EQ(WindowText(Control(IDC_LEVEL_VALUE)), L"26");
+    EXPECT_EQ(SendMessageW(Control(IDC_LEVEL_SLIDER), TBM_GETPOS, 0, 0), 26);
+    Scroll(IDC_LEVEL_SLIDER, TB_TOP);
+    EXPECT_EQ(WindowText(Control(IDC_LEVEL_VALUE)), L"0");
+
+    Press(IDCANCEL);
+    ExpectGivenUp();
+    EXPECT_EQ(ReadNumber(UserSettingsFile(), L"General", L"LOD_0", -1), -1) << "nothing stored";
+}
+
+TEST_F(Tools, SmartContrastMakesTheResultAndKeepsItsNumbers)
+{
+    OpenPicture("photo.tif", 160, 120, 1, 16);
+    Command(ID_SMART_CONTRAST);
+    Scroll(IDC_LEVEL_SLIDER + 1, TB_THUMBPOSITION, 22);
+    // A drag that was never let go counts as well.
+    Scroll(IDC_LEVEL_SLIDER + 3, TB_THUMBTRACK, 4);
+    Press(IDOK);
+    EXPECT_FALSE(g_hwndActiveTool);
+    EXPECT_EQ(Enabled(), kAllOn);
+    EXPECT_TRUE(g_resultUnsaved);
+    EXPECT_FALSE(g_workerBusy || g_toolBusy || g_showSources);
+
+    const int lod[kDetailLevels] = {10, 22, 10, 4, 10, 10, 10, 10};
+    TestPicture expected = Like(g_sourcePicture);
+    ASSERT_FALSE(SmartContrastPicture(&expected.pic, g_sourcePicture, lod, {}));
+    ExpectSamePicture(g_resultPicture, expected.pic);
+    for (int i = 0; i < kDetailLevels; ++i)
+    {
+        const std::wstring key = L"LOD_" + std::to_wstring(i);
+        EXPECT_EQ(ReadNumber(UserSettingsFile(), L"General", key.c_str(), -1), lod[i]) << i;
+    }
+
+    // It asks for the result, and starts from what was stored.
+    RunModal([] { Command(ID_SMART_CONTRAST); }, {Box(21, 3, IDNO)});
+    EXPECT_FALSE(g_hwndActiveTool);
+    RunModal([] { Command(ID_SMART_CONTRAST); }, {Box(21, 3, IDYES)});
+    ASSERT_TRUE(g_hwndActiveTool);
+    EXPECT_EQ(WindowText(Control(IDC_LEVEL_VALUE + 1)), L"22");
+    ExpectSamePicture(g_previewPicture, expected.pic);
+    Press(IDCANCEL);
+    ExpectGivenUp();
+}
+
+TEST_F(Tools, ToneMappingPreviewsARectangleThatTheMouseMoves)
+{
+    OpenPicture("photo.png", 900, 700);
+    Command(ID_TONE_MAPPING);
+    ASSERT_TRUE(g_hwndActiveTool);
+    EXPECT_EQ(Enabled(), kToolOpen);
+    EXPECT_EQ(g_view.previewRect, nullptr);
+    EXPECT_TRUE(IsDlgButtonChecked(g_hwndActiveTool, IDC_TONE_COLORS));
+    EXPECT_FALSE(IsWindowVisible(Control(IDC_TONE_STOP)));
+    ExpectSamePicture(g_previewPicture, g_sourcePicture);
+
+    Check(IDC_TONE_PREVIEW, true);
+    ASSERT_NE(g_view.previewRect, nullptr);
+    EXPECT_EQ(StatusText(), g_strings[80]);
+    EXPECT_NE(HashOf(g_previewPicture), HashOf(g_sourcePicture));
+    const CBxRect<int> first = *g_view.previewRect;
+    EXPECT_EQ(first.right - first.left, 512);
+
+    // From a point 30 pixels inside of its left edge.
+    const CBxPicMap map = MapOfView(g_view.state);
+    int x, y;
+    map.MapPointSrcToDst(&x, &y, first.left + 30, first.top + 200);
+    Mouse(WM_LBUTTONDOWN, x, y);
+    Mouse(WM_MOUSEMOVE, x - 20, y, MK_LBUTTON);
+    Mouse(WM_LBUTTONUP, x - 20, y);
+    EXPECT_EQ(g_view.previewRect->left, first.left - 20);
+    EXPECT_EQ(g_view.state.srcCentreX, 450) << "the picture stays";
+    EXPECT_EQ(PicRow<uint8_t>(g_previewPicture, 300)[3 * (first.right - 1)],
+              PicRow<uint8_t>(g_sourcePicture, 300)[3 * (first.right - 1)])
+        << "what the rectangle has left is the source again";
+
+    Command(ID_ZOOM_IN); // the rectangle comes to the middle of the view again
+    const CBxRect<int>& rect = *g_view.previewRect;
+    MapOfView(g_view.state)
+        .MapPointSrcToDst(&x, &y, (rect.left + rect.right) / 2, (rect.top + rect.bottom) / 2);
+    EXPECT_NEAR(x, (g_view.area.left + g_view.area.right) / 2, 2); // whole picture pixels
+    EXPECT_NEAR(y, (g_view.area.top + g_view.area.bottom) / 2, 2);
+
+    Check(IDC_TONE_PREVIEW, false);
+    EXPECT_EQ(g_view.previewRect, nullptr);
+    ExpectSamePicture(g_previewPicture, g_sourcePicture);
+    Check(IDC_TONE_PREVIEW, true);
+    Press(IDCANCEL);
+    ExpectGivenUp();
+}
+
+TEST_F(Tools, ToneMappingMakesTheResultAndWaitsToBeClosed)
+{
+    OpenPicture("grey.png", 200, 150, 1);
+    Command(ID_TONE_MAPPING);
+    EXPECT_FALSE(IsWindowVisible(Control(IDC_TONE_COLORS))) << "there are none";
+    Press(IDCANCEL);
+    OpenPicture("photo.png", 200, 150);
+    Command(ID_TONE_MAPPING);
+    Check(IDC_TONE_COLORS, false);
+    Scroll(IDC_TONE_SLIDER + 2, TB_LINEDOWN);
+    Scroll(IDC_TONE_SLIDER + 2, TB_LINEUP);
+    Press(IDOK);
+    EXPECT_TRUE(g_toolBusy);
+    EXPECT_FALSE(IsWindowEnabled(Control(IDC_TONE_SLIDER)));
+    ASSERT_TRUE(WaitUntil([] { return !g_toolBusy; }));
+
+    ExpectSamePicture(g_resultPicture, ToneMapped(false).pic);
+    EXPECT_TRUE(g_resultUnsaved);
+    EXPECT_EQ(g_settings.uiUseColors, 0);
+    EXPECT_EQ(g_settings.uiPowerT[2], 10);
+    EXPECT_EQ(Enabled(), kAllOn);
+    ASSERT_TRUE(g_hwndActiveTool) << "stays open";
+    EXPECT_FALSE(IsWindowVisible(Control(IDCANCEL)));
+    EXPECT_FALSE(IsWindowEnabled(Control(IDC_TONE_SLIDER)));
+
+    // Another command closes it, or its own button.
+    RunModal([] { Command(ID_TONE_MAPPING); }, {Box(21, 3, IDYES)});
+    ASSERT_TRUE(g_hwndActiveTool);
+    EXPECT_TRUE(IsWindowVisible(Control(IDCANCEL)));
+    EXPECT_EQ(Enabled(), kToolOpen);
+    Press(IDOK);
+    ASSERT_TRUE(WaitUntil([] { return !g_toolBusy; }));
+    Press(IDOK);
+    EXPECT_FALSE(g_hwndActiveTool);
+    EXPECT_EQ(Enabled(), kAllOn);
+    EXPECT_TRUE(g_resultUnsaved);
+}
+
+TEST_F(Tools, ToneMappingStopsAndCanBeStartedAgain)
+{
+    OpenPicture("photo.bmp", 1600, 1200);
+    Command(ID_TONE_MAPPING);
+    Check(IDC_TONE_PREVIEW, true);
+    Press(IDOK);
+    EXPECT_EQ(g_view.previewRect, nullptr);
+    EXPECT_TRUE(IsWindowVisible(Control(IDC_TONE_STOP)));
+    Press(IDOK); // does nothing now
+    ASSERT_TRUE(WaitUntil(RunStarted));
+    Press(IDC_TONE_STOP);
+    ASSERT_TRUE(WaitUntil([] { return !g_toolBusy; }));
+
+    ASSERT_TRUE(g_hwndActiveTool);
+    EXPECT_FALSE(g_stopRequested || g_resultUnsaved);
+    EXPECT_TRUE(g_workerBusy);
+    EXPECT_EQ(Enabled(), kToolOpen);
+    EXPECT_TRUE(IsWindowEnabled(Control(IDC_TONE_SLIDER)) && IsWindowEnabled(Control(IDCANCEL)));
+    EXPECT_FALSE(IsWindowVisible(Control(IDC_TONE_STOP)));
+    EXPECT_NE(g_view.previewRect, nullptr) << "the preview is back";
+    ExpectSamePicture(g_resultPicture, g_sourcePicture);
+
+    Press(IDOK);
+    ASSERT_TRUE(WaitUntil(RunStarted)) << "not stopped by the last stop";
+    Press(IDC_TONE_STOP);
+    ASSERT_TRUE(WaitUntil([] { return !g_toolBusy; }));
+    Press(IDCANCEL);
+    ExpectGivenUp();
+}
+
+TEST_F(Tools, TheProgramClosesWhenTheStoppedRunHasEnded)
+{
+    OpenPicture("photo.bmp", 1600, 1200);
+    Command(ID_TONE_MAPPING);
+    Press(IDOK);
+    ASSERT_TRUE(WaitUntil(RunStarted));
+    SendMessageW(g_hwndMain, WM_CLOSE, 0, 0);
+    EXPECT_TRUE(IsWindow(g_hwndMain)) << "the worker still has its pictures";
+    EXPECT_TRUE(WaitUntil([] { return !IsWindow(g_hwndMain); }));
+    EXPECT_FALSE(g_hwndActiveTool);
+    EXPECT_EQ(ReadNumber(UserSettingsFile(), L"General", L"Crashed Last Time", -1), 0);
+}
+
+TEST_F(Tools, TheProgramClosesOverAnOpenDialog)
+{
+    for (const int id : {ID_SMART_CONTRAST, ID_TONE_MAPPING})
+    {
+        if (!IsWindow(g_hwndMain))
+            SetUp();
+        OpenPicture("photo.png", 120, 90);
+        Command(id);
+        ASSERT_TRUE(g_hwndActiveTool);
+        CloseFrame();
+        EXPECT_FALSE(IsWindow(g_hwndMain)) << id;
+        EXPECT_FALSE(g_hwndActiveTool) << id;
+    }
+}
