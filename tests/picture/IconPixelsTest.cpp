@@ -16,27 +16,17 @@ Bytes Disabled(const Bytes& source, int width, int height, const IconKeyColour* 
 }
 } // namespace
 
-TEST(DisabledIcon, IsALowContrastGrey)
+TEST(DisabledIcon, IsALowContrastGreyWithHalfTheAlphaBelowOneHundred)
 {
-    struct Case
+    const int colours[][4] = {{255, 255, 255, 159}, {0, 0, 0, 50},   {0, 0, 255, 82},
+                              {0, 255, 0, 104},     {255, 0, 0, 71}, {128, 128, 128, 105}};
+    for (const auto& [blue, green, red, grey] : colours)
     {
-        uint8_t blue, green, red;
-        int grey;
-    };
-    const Case cases[] = {{255, 255, 255, 159}, {0, 0, 0, 50},   {0, 0, 255, 82},
-                          {0, 255, 0, 104},     {255, 0, 0, 71}, {128, 128, 128, 105}};
-    for (const Case& c : cases)
-    {
-        const Bytes got = Disabled({c.blue, c.green, c.red, 255}, 1, 1);
-        for (int i = 0; i < 3; ++i)
-            EXPECT_EQ(got[size_t(i)], c.grey);
+        const Bytes got = Disabled({uint8_t(blue), uint8_t(green), uint8_t(red), 255}, 1, 1);
+        EXPECT_EQ(got, (Bytes{uint8_t(grey), uint8_t(grey), uint8_t(grey), 255}));
     }
-}
-
-TEST(DisabledIcon, HalvesAlphaBelowOneHundred)
-{
     for (const auto& [before, after] :
-         {std::pair<int, int>{0, 0}, {1, 0}, {99, 49}, {100, 100}, {101, 101}, {255, 255}})
+         {std::pair(0, 0), {1, 0}, {99, 49}, {100, 100}, {101, 101}, {255, 255}})
         EXPECT_EQ(Disabled({9, 9, 9, uint8_t(before)}, 1, 1)[3], after);
 }
 

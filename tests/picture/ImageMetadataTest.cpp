@@ -119,6 +119,16 @@ TEST(Source, GivesItsProfileToEveryFormatThatHoldsOne)
     }
     ASSERT_TRUE(Save(picture, folder.File("none.tif")).written);
     EXPECT_EQ(ProfileOf(folder.File("none.tif")), Bytes());
+
+    // A file that is saved over keeps its profile and takes the new pixels, again and again.
+    const std::string same = WriteSource(folder, "same.tif", profile, {});
+    for (const int width : {30, 50})
+    {
+        const TestPicture other = ScenePicture(width, 10, 3, 8, 0);
+        ASSERT_TRUE(Save(other, same, kFormatFromName, same).written);
+        ExpectSamePicture(LoadedPair(same).picture.pic, other.pic);
+        EXPECT_EQ(ProfileOf(same), profile);
+    }
 }
 
 TEST(Source, GivesXmpToEveryFormatAndExifFromJpegToJpeg)
@@ -146,18 +156,22 @@ TEST(Exif, OfOurOwnSaysWhatWasPutIn)
     const std::string file = folder.File("a.jpg");
     ASSERT_TRUE(
         Save(ScenePicture(24, 16, 3, 8, 0), file, kFormatFromName, "", nullptr, &extras).written);
-    auto camera = TagsOf(file, FIMD_EXIF_MAIN), exposure = TagsOf(file, FIMD_EXIF_EXIF);
-    EXPECT_EQ(camera["Make"], "Plenoviz");
-    EXPECT_EQ(camera["Model"], "Sample");
-    EXPECT_EQ(camera["Software"], "1");
-    EXPECT_EQ(camera["DateTime"], "2024:05:06 07:08:09");
-    EXPECT_EQ(exposure["ExposureTime"], "1/250 sec");
-    EXPECT_EQ(exposure["FNumber"], "F5.6");
-    EXPECT_EQ(exposure["ISOSpeedRatings"], "400");
-    EXPECT_EQ(exposure["PixelXDimension"], "24");
-    EXPECT_EQ(exposure["PixelYDimension"], "16");
-    EXPECT_EQ(exposure["ExposureBiasValue"], "-2");
-    EXPECT_EQ(exposure["DateTimeOriginal"], "2024:05:06 07:08:09");
+    auto tags = TagsOf(file, FIMD_EXIF_MAIN);
+    tags.merge(TagsOf(file, FIMD_EXIF_EXIF));
+    const std::pair<const char*, const char*> expected[] = {
+        {"Make", "Plenoviz"},
+        {"Model", "Sample"},
+        {"Software", "1"},
+        {"DateTime", "2024:05:06 07:08:09"},
+        {"ExposureTime", "1/250 sec"},
+        {"FNumber", "F5.6"},
+        {"ISOSpeedRatings", "400"},
+        {"PixelXDimension", "24"},
+        {"PixelYDimension", "16"},
+        {"ExposureBiasValue", "-2"},
+        {"DateTimeOriginal", "2024:05:06 07:08:09"}};
+    for (const auto& [tag, text] : expected)
+        EXPECT_EQ(tags[tag], text) << tag;
 
     // It takes the place of the source's own.
     const std::string other = folder.File("b.jpg");
@@ -170,37 +184,28 @@ TEST(Exif, OfOurOwnSaysWhatWasPutIn)
     EXPECT_EQ(MakeExifBlock(ExifFields()).size() % 2, 0u);
 }
 
-// Some cameras put the date of the exposure beside their own name, where it does not belong.
-TEST(Exif, InTheWrongDirectoryDoesNotStopATiff)
+// Some cameras put the date of the exposure beside their own name, where it does not belong. And
+// FreeImage takes the directory's size on trust, and then reads where it should not.
+TEST(Exif, ThatIsDamagedStopsNothing)
 {
     const TempFolder folder;
-    Bytes exif = MakeExifBlock(SomeExposure());
-    const size_t firstEntry = 6 + 8 + 2, entryBytes = 12, dateTimeEntry = 6;
-    uint8_t* tag = &exif[firstEntry + entryBytes * dateTimeEntry];
-    ASSERT_EQ(tag[0] | tag[1] << 8, 0x0132);
-    tag[0] = 0x03;
-    tag[1] = 0x90;
-    const std::string from = WriteSource(folder, "s.jpg", MakeProfile(600, "RGB "), exif);
-    ASSERT_EQ(TagsOf(from, FIMD_EXIF_MAIN).count("DateTimeOriginal"), 1u);
-    for (const char* target : {"t.tif", "t.png", "t.jpg"})
-        EXPECT_TRUE(Save(ScenePicture(24, 16, 3, 8, 0), folder.File(target), kFormatFromName, from)
-                        .written);
-    EXPECT_EQ(ProfileOf(folder.File("t.tif")).size(), 600u);
-}
-
-// The directory's size is taken on trust by FreeImage, which then reads where it should not.
-TEST(Exif, ThatIsDamagedStaysBehindAndHurtsNobody)
-{
-    const TempFolder folder;
-    Bytes exif = MakeExifBlock(SomeExposure());
-    exif[6 + 8] = exif[6 + 8 + 1] = 0xFF; // number of entries
-    const std::string from = WriteSource(folder, "s.jpg", MakeProfile(600, "RGB "), exif);
-    const LoadedPair pair(from);
-    ASSERT_FALSE(pair.failed);
-    for (const char* target : {"t.jpg", "t.tif", "t.png"})
-        ASSERT_TRUE(Save(pair.picture, folder.File(target), kFormatFromName, from).written);
-    EXPECT_EQ(ProfileOf(folder.File("t.jpg")).size(), 600u);
-    EXPECT_TRUE(TagsOf(folder.File("t.jpg"), FIMD_EXIF_RAW).empty());
+    const size_t directory = 6 + 8, dateTime = directory + 2 + 12 * 6;
+    Bytes misplaced = MakeExifBlock(SomeExposure()), tooLong = misplaced;
+    ASSERT_EQ(misplaced[dateTime] | misplaced[dateTime + 1] << 8, 0x0132);
+    misplaced[dateTime] = 0x03;
+    misplaced[dateTime + 1] = 0x90;
+    tooLong[directory] = tooLong[directory + 1] = 0xFF; // number of entries
+    for (const Bytes& exif : {misplaced, tooLong})
+    {
+        const std::string from = WriteSource(folder, "s.jpg", MakeProfile(600, "RGB "), exif);
+        const LoadedPair pair(from);
+        ASSERT_FALSE(pair.failed);
+        for (const char* target : {"t.jpg", "t.tif", "t.png"})
+            ASSERT_TRUE(Save(pair.picture, folder.File(target), kFormatFromName, from).written);
+        EXPECT_EQ(ProfileOf(folder.File("t.jpg")).size(), 600u);
+        EXPECT_EQ(ProfileOf(folder.File("t.tif")).size(), 600u);
+        EXPECT_EQ(TagsOf(folder.File("t.jpg"), FIMD_EXIF_RAW).empty(), exif == tooLong);
+    }
 }
 
 TEST(Profile, OfOtherColourChannelsStaysBehind)

@@ -24,6 +24,15 @@ Pixels Changed(const TestView& t)
     return changed;
 }
 
+Pixels Inside(const TestView& t, const Pixels& pixels)
+{
+    Pixels inside;
+    for (const auto& [x, y] : pixels)
+        if (x >= 0 && y >= 0 && x < t.display.pic.width && y < t.display.pic.height)
+            inside.insert({x, y});
+    return inside;
+}
+
 // The frame as it is defined: four rows without the outer two columns, then four columns.
 Pixels FrameByDefinition(const TestView& t, const CBxRect<int>& r)
 {
@@ -34,13 +43,7 @@ Pixels FrameByDefinition(const TestView& t, const CBxRect<int>& r)
     for (const int x : {r.left, r.left + 1, r.right - 1, r.right})
         for (int y = r.top; y <= r.bottom; ++y)
             frame.insert({x, y});
-    for (auto it = frame.begin(); it != frame.end();)
-    {
-        const bool inside = it->first >= 0 && it->second >= 0 && it->first < t.display.pic.width &&
-                            it->second < t.display.pic.height;
-        it = inside ? std::next(it) : frame.erase(it);
-    }
-    return frame;
+    return Inside(t, frame);
 }
 
 // The curve as it is defined, without any thought of where the display ends.
@@ -108,9 +111,6 @@ TEST(PreviewFrame, InvertsTwoPixelsAllAroundOnceEach)
         InvertFrame(&t.display.pic, frame);
         EXPECT_TRUE(Changed(t).empty()) << "twice restores";
     }
-    TestView t(80, 70);
-    InvertFrame(&t.display.pic, frames[0]);
-    EXPECT_EQ(Changed(t).size(), 272u);
 }
 
 // Sides that meet must not invert back.
@@ -172,11 +172,7 @@ TEST(PointCurve, FollowsItsDefinitionInsideAndOutsideOfTheDisplay)
         expected.Draw(points);
         TestView t(120, 100);
         DrawPointCurve(&t.display.pic, points, {0, 0});
-        Pixels inside;
-        for (const auto& pixel : expected.pixels)
-            if (pixel.first >= 0 && pixel.first < 120 && pixel.second >= 0 && pixel.second < 100)
-                inside.insert(pixel);
-        ASSERT_EQ(Changed(t), inside) << "round " << round;
+        ASSERT_EQ(Changed(t), Inside(t, expected.pixels)) << "round " << round;
     }
 }
 

@@ -32,18 +32,12 @@ void ExpectState(const ViewState& state, const ViewState& expected)
 }
 } // namespace
 
-TEST(ViewArea, LiesBetweenToolbarDockerAndStatusBar)
-{
-    const CBxRect<int> area = ViewAreaOf(700, 34, 998);
-    EXPECT_EQ(area.left, 0);
-    EXPECT_EQ(area.top, 37);
-    EXPECT_EQ(area.right, 998);
-    EXPECT_EQ(area.bottom, 677);
-}
-
 TEST(ViewArea, KeepsThePictureInPlaceWhenResized)
 {
-    ImageView view = ViewWithArea({0, 37, 998, 677});
+    const CBxRect<int> area = ViewAreaOf(700, 34, 998); // below the toolbar, above the status bar
+    EXPECT_EQ(area.left, 0);
+    EXPECT_EQ(area.top, 37);
+    ImageView view = ViewWithArea(area);
     ExpectState(view.state, {1.0, 499, 357, 0, 0});
     SetViewArea(&view, {0, 37, 700, 500});
     ExpectState(view.state, {1.0, 499, 357, 0, 0});
@@ -57,17 +51,15 @@ TEST(ViewArea, KeepsThePictureInPlaceWhenResized)
 
 TEST(ZoomToFit, TakesTheSmallerRatioAndBothCentres)
 {
-    struct Case
+    const struct
     {
         int areaWidth, areaHeight, width, height;
         double scale;
+    } cases[] = {
+        {998, 640, 1996, 640, 0.5}, {800, 600, 400, 1200, 0.5},   {800, 600, 800, 600, 1.0},
+        {800, 600, 1, 1, 600.0},    {800, 600, 20000, 100, 0.04},
     };
-    const Case cases[] = {
-        {998, 640, 1996, 640, 0.5},   {800, 600, 400, 1200, 0.5}, {800, 600, 1600, 600, 0.5},
-        {800, 600, 800, 600, 1.0},    {800, 600, 8, 6, 100.0},    {800, 600, 1, 1, 600.0},
-        {800, 600, 20000, 100, 0.04},
-    };
-    for (const Case& c : cases)
+    for (const auto& c : cases)
     {
         SCOPED_TRACE(testing::Message() << c.width << " x " << c.height);
         ImageView view = ViewWithArea({0, 37, c.areaWidth, 37 + c.areaHeight});
@@ -163,12 +155,7 @@ TEST(ZoomPresets, AreThoseOfTheZoomBox)
 
 TEST(TypedZoom, CountsTenCharactersUpToABlankOrPercentSign)
 {
-    struct Case
-    {
-        const wchar_t* text;
-        double scale; // 0 = refused
-    };
-    const Case cases[] = {
+    const std::pair<const wchar_t*, double> cases[] = {
         {L"150", 1.5},
         {L"150 %", 1.5},
         {L"150.", 1.5},
@@ -188,19 +175,20 @@ TEST(TypedZoom, CountsTenCharactersUpToABlankOrPercentSign)
         {L"00000000150", 0.15},
         {L"150 abc", 1.5},
         {L"1.5.0", 0.1},
+        // refused
         {L"abc", 0},
         {L"1e3", 0},
         {L"-50", 0},
         {L"15\x0660", 0},
         {L"150x", 0},
     };
-    for (const Case& c : cases)
+    for (const auto& [text, scale] : cases)
     {
         ImageView view = ViewWithArea({0, 37, 800, 637});
         view.state = {2.5, 1, 2, 3, 4};
-        SCOPED_TRACE(testing::Message() << testing::PrintToString(c.text));
-        EXPECT_EQ(ZoomToTyped(&view, SizedPicture(30, 20), c.text), c.scale != 0);
-        ExpectState(view.state, {c.scale != 0 ? c.scale : 2.5, 1, 2, 3, 4});
+        SCOPED_TRACE(testing::PrintToString(text));
+        EXPECT_EQ(ZoomToTyped(&view, SizedPicture(30, 20), text), scale != 0);
+        ExpectState(view.state, {scale != 0 ? scale : 2.5, 1, 2, 3, 4});
     }
 }
 

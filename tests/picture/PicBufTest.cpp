@@ -14,12 +14,9 @@ TEST(PictureRecord, HasPackedRowsAndRefusesWhatItCannotDescribe)
     TestPicture odd(7, 3, 3, 16);
     EXPECT_EQ(odd.pic.stride, 42);
     EXPECT_EQ(odd.pic.size, 126);
-    uint8_t* block = odd.pic.data;
+    odd.Set(0, 0, 0, 12345);
     CBxPicBufAPI::ReinitHeap(&odd.pic, 7, 3, 3, 16);
-    ASSERT_NE(odd.pic.data, nullptr);
-    std::memset(block, 0,
-                126); // the old address may be kept; the memory must be there
-
+    EXPECT_EQ(odd.At(0, 0), 12345) << "the same geometry again keeps the block";
     const struct
     {
         int width, height, components, bits;
@@ -41,31 +38,31 @@ TEST(PictureRecord, HasPackedRowsAndRefusesWhatItCannotDescribe)
 
 TEST(PictureCopies, TouchNothingOutsideTheirRectangle)
 {
-    TestPicture small = FlatPicture(4, 4, 8, {1, 2, 3});
-    TestPicture large(8, 8, 3, 8);
-    CBxPicBufAPI::SetConst(&large.pic, 7);
-    CBxPicBufAPI::CopyRect(&large.pic, small.pic, {2, 2}, {0, 0}, {4, 4});
-    for (int y = 0; y < 8; ++y)
-        for (int x = 0; x < 8; ++x)
-            for (int c = 0; c < 3; ++c)
-            {
-                const bool inside = x >= 2 && x < 6 && y >= 2 && y < 6;
-                EXPECT_EQ(large.At(x, y, c), inside ? c + 1 : 7) << x << ", " << y;
-            }
-
-    TestPicture other(8, 8, 3, 8);
-    CBxPicBufAPI::SetConst(&other.pic, 9);
-    CBxPicBufAPI::Copy(&other.pic, large.pic, {2, 2, 6, 3});
-    EXPECT_EQ(other.At(2, 2, 1), 2);
-    EXPECT_EQ(other.At(5, 2, 2), 3);
-    EXPECT_EQ(other.At(1, 2), 9);
-    EXPECT_EQ(other.At(6, 2), 9);
-    EXPECT_EQ(other.At(2, 3), 9);
-    CBxPicBufAPI::SetConst(&other.pic, {0, 7, 8, 8}, 200);
-    EXPECT_EQ(other.At(0, 7), 200);
-    EXPECT_EQ(other.At(7, 6), 9);
-    CBxPicBufAPI::Copy(&other.pic, large.pic);
-    ExpectSamePicture(other.pic, large.pic);
+    const TestPicture flat = FlatPicture(8, 8, 8, {1, 2, 3});
+    const auto expectWithin = [](const TestPicture& picture, const CBxRect<int>& r, int first)
+    {
+        for (int y = 0; y < 8; ++y)
+            for (int x = 0; x < 8; ++x)
+                for (int c = 0; c < 3; ++c)
+                {
+                    const bool inside = x >= r.left && x < r.right && y >= r.top && y < r.bottom;
+                    ASSERT_EQ(picture.At(x, y, c), inside ? first + c : 7) << x << ", " << y;
+                }
+    };
+    for (const CBxRect<int>& r : {CBxRect<int>{2, 2, 6, 3}, {0, 7, 8, 8}, {0, 0, 8, 8}})
+    {
+        TestPicture copied = FlatPicture(8, 8, 8, {7, 7, 7}),
+                    moved = FlatPicture(8, 8, 8, {7, 7, 7});
+        CBxPicBufAPI::Copy(&copied.pic, flat.pic, r);
+        expectWithin(copied, r, 1);
+        CBxPicBufAPI::CopyRect(&moved.pic, flat.pic, {r.left, r.top}, {0, 0},
+                               {r.right - r.left, r.bottom - r.top});
+        expectWithin(moved, r, 1);
+        CBxPicBufAPI::SetConst(&moved.pic, r, 7);
+        ExpectSamePicture(moved.pic, FlatPicture(8, 8, 8, {7, 7, 7}).pic);
+        CBxPicBufAPI::Copy(&moved.pic, flat.pic);
+        ExpectSamePicture(moved.pic, flat.pic);
+    }
 }
 
 TEST(PictureCopies, WorkOnAWrapperWithLongerRows)
@@ -73,19 +70,14 @@ TEST(PictureCopies, WorkOnAWrapperWithLongerRows)
     uint8_t memory[4 * 12];
     std::memset(memory, 5, sizeof memory);
     SBxPicBuf wrapper = {memory, sizeof memory, 12, 3, 4, 3, 8}; // 9 of 12 bytes used
-    const TestPicture flat = FlatPicture(3, 4, 8, {10, 20, 30});
-    CBxPicBufAPI::Copy(&wrapper, flat.pic);
+    CBxPicBufAPI::Copy(&wrapper, FlatPicture(3, 4, 8, {10, 20, 30}).pic);
     for (int y = 0; y < 4; ++y)
     {
         EXPECT_EQ(memory[12 * y + 8], 30);
         EXPECT_EQ(memory[12 * y + 9], 5) << "beyond the picture's row";
     }
-}
-
-TEST(SixteenBitSamples, AreSetToTheByteAsANumber)
-{
     TestPicture deep(3, 2, 1, 16);
-    CBxPicBufAPI::SetConst(&deep.pic, 255);
+    CBxPicBufAPI::SetConst(&deep.pic, 255); // to the byte as a number
     EXPECT_EQ(deep.At(2, 1), 255);
 }
 
@@ -106,37 +98,28 @@ TEST(Components, ComeBackWhereTheyWereTaken)
     }
 }
 
-TEST(Conversion, RoundsClampsAndSurvivesNumbersThatAreNone)
+static double Converted(double sample, int bits, unsigned newBits)
 {
-    const double values[] = {-3.7, 99.5, 255.4, 300.0, std::numeric_limits<double>::quiet_NaN()};
-    const double expected8[] = {0, 100, 255, 255, 0};
-    const double expected16[] = {0, 100, 255, 300, 0};
-    for (int i = 0; i < 5; ++i)
-    {
-        TestPicture picture = FlatPicture(1, 1, 32, {values[i]});
-        ASSERT_TRUE(CBxPicBufAPI::ConvertBpcComp(&picture.pic, 8, 1));
-        EXPECT_EQ(picture.At(0, 0), expected8[i]) << values[i];
-        picture = FlatPicture(1, 1, 32, {values[i]});
-        ASSERT_TRUE(CBxPicBufAPI::ConvertBpcComp(&picture.pic, 16, 1));
-        EXPECT_EQ(picture.At(0, 0), expected16[i]) << values[i];
-    }
-    TestPicture huge = FlatPicture(1, 1, 32, {1e20});
-    ASSERT_TRUE(CBxPicBufAPI::ConvertBpcComp(&huge.pic, 16, 1));
-    EXPECT_EQ(huge.At(0, 0), 65535);
+    TestPicture picture = FlatPicture(1, 1, bits, {sample});
+    EXPECT_TRUE(CBxPicBufAPI::ConvertBpcComp(&picture.pic, newBits, 1));
+    return picture.At(0, 0);
 }
 
-TEST(Conversion, ToEightBitsDividesBy256AndBackKeepsWhiteWhite)
+TEST(Conversion, RoundsClampsAndSurvivesNumbersThatAreNone)
 {
-    TestPicture deep(3, 1, 1, 16);
-    deep.Set(0, 0, 0, 0x00FF);
-    deep.Set(1, 0, 0, 0x0100);
-    deep.Set(2, 0, 0, 0xFFFF);
-    ASSERT_TRUE(CBxPicBufAPI::ConvertBpcComp(&deep.pic, 8, 1));
-    EXPECT_EQ(deep.At(0, 0), 0);
-    EXPECT_EQ(deep.At(1, 0), 1);
-    EXPECT_EQ(deep.At(2, 0), 255);
-    ASSERT_TRUE(CBxPicBufAPI::ConvertBpcComp(&deep.pic, 16, 1));
-    EXPECT_EQ(deep.At(2, 0), 65535);
+    const double nothing = std::numeric_limits<double>::quiet_NaN();
+    const double cases[][3] = {{-3.7, 0, 0},    {99.5, 100, 100}, {255.4, 255, 255},
+                               {300, 255, 300}, {nothing, 0, 0},  {1e20, 255, 65535}};
+    for (const auto& [sample, in8, in16] : cases)
+    {
+        EXPECT_EQ(Converted(sample, 32, 8), in8) << sample;
+        EXPECT_EQ(Converted(sample, 32, 16), in16) << sample;
+    }
+    // 16 bits are divided by 256; white stays white.
+    const double deep[][2] = {{0x00FF, 0}, {0x0100, 1}, {0xFFFF, 255}};
+    for (const auto& [from, to] : deep)
+        EXPECT_EQ(Converted(from, 16, 8), to);
+    EXPECT_EQ(Converted(255, 8, 16), 65535);
 }
 
 TEST(Conversion, ThroughFloatKeepsEveryIntegerValue)
@@ -173,44 +156,29 @@ TEST(Conversion, BetweenGreyAndColourTakesLuma)
     EXPECT_EQ(kept.At(1, 1, 1), 2);
 }
 
-static int LargestDifference(const SBxPicBuf& a, const SBxPicBuf& b)
-{
-    int worst = 0;
-    const int samples = a.width * a.height * a.components;
-    for (int i = 0; i < samples; ++i)
-    {
-        const int d = a.bitsPerComponent == 8 ? int(a.data[i]) - int(b.data[i])
-                                              : int(reinterpret_cast<uint16_t*>(a.data)[i]) -
-                                                    int(reinterpret_cast<uint16_t*>(b.data)[i]);
-        worst = std::max(worst, std::abs(d));
-    }
-    return worst;
-}
-
 TEST(ColourConversion, ComesBackWithinOneStepForEveryColour)
 {
     TestPicture colours(4096, 1, 3, 8), converted(4096, 1, 3, 8);
     for (int block = 0; block < 4096; ++block)
     {
         for (int i = 0; i < 4096; ++i)
-        {
-            const int colour = block * 4096 + i;
-            uint8_t* pixel = colours.pic.data + 3 * i;
-            pixel[0] = uint8_t(colour), pixel[1] = uint8_t(colour >> 8),
-            pixel[2] = uint8_t(colour >> 16);
-        }
+            for (int c = 0, colour = block * 4096 + i; c < 3; ++c)
+                colours.pic.data[3 * i + c] = uint8_t(colour >> 8 * c);
         CBxPicBufAPI::ConvertRGBtoYUV(&converted.pic, colours.pic);
         CBxPicBufAPI::ConvertYUVtoRGB(&converted.pic, converted.pic);
-        ASSERT_LE(LargestDifference(colours.pic, converted.pic), 1) << "block " << block;
+        int worst = 0;
+        for (int i = 0; i < 3 * 4096; ++i)
+            worst = std::max(worst, std::abs(colours.pic.data[i] - converted.pic.data[i]));
+        ASSERT_LE(worst, 1) << "block " << block;
     }
 
-    TestPicture deep(1000, 1000, 3, 16), back(1000, 1000, 3, 16);
     std::mt19937 random(7);
-    for (int i = 0; i < 3000000; ++i)
-        reinterpret_cast<uint16_t*>(deep.pic.data)[i] = uint16_t(random());
+    const TestPicture deep =
+        PictureOf(1000, 1000, 3, 16, [&](int, int, int) { return double(uint16_t(random())); });
+    TestPicture back(1000, 1000, 3, 16);
     CBxPicBufAPI::ConvertRGBtoYUV(&back.pic, deep.pic);
     CBxPicBufAPI::ConvertYUVtoRGB(&back.pic, back.pic);
-    EXPECT_LE(LargestDifference(deep.pic, back.pic), 1);
+    ExpectSamePicture(back.pic, deep.pic, 1);
 }
 
 TEST(ColourConversion, PutsGreyInTheMiddleOfBothChromaPlanes)

@@ -32,18 +32,26 @@ void ForEachTransformVariant(Check check)
     }
 }
 
+// The area's middle shows this place of the picture.
+CBxPicMap MapTo(int width, int height, double scale, double centreX, double centreY,
+                double turn = 0.0)
+{
+    CBxPicMap map;
+    map.Compute(width / 2.0, height / 2.0, centreX, centreY, turn, scale);
+    return map;
+}
+
 TestPicture Transformed(const TestPicture& source, TransformFn transform, int width, int height,
-                        double scale, double centreX, double centreY)
+                        const CBxPicMap& map)
 {
     TestPicture area(width, height, source.pic.components, source.pic.bitsPerComponent);
     CBxPicBufAPI::SetConst(&area.pic, 190);
-    CBxPicMap map;
-    map.Compute(width / 2.0, height / 2.0, centreX, centreY, 0.0, scale);
     transform(&area.pic, source.pic, map);
     return area;
 }
 
-// Full-range noise: every wrong weight, sample or saturation shows.
+// Noise over all of 8 bits, or over as many steps at the top of 16: every wrong weight, sample or
+// saturation shows.
 TestPicture Noise(int width, int height, int components, int bits)
 {
     uint32_t state = 12345;
@@ -51,7 +59,7 @@ TestPicture Noise(int width, int height, int components, int bits)
                      [&](int, int, int)
                      {
                          state = state * 1664525u + 1013904223u;
-                         return double(bits == 8 ? state >> 24 : state >> 16);
+                         return double(state >> 24) + (bits == 16 ? 65280 : 0);
                      });
 }
 
@@ -78,7 +86,7 @@ double Filtered(const TestPicture& source, double sx, double sy, int c, double (
             sum += kernel(x + 0.5 - sx) * kernel(y + 0.5 - sy) *
                    source.At(std::clamp(x, 0, source.pic.width - 1),
                              std::clamp(y, 0, source.pic.height - 1), c);
-    return sum;
+    return std::clamp(sum, 0.0, source.pic.bitsPerComponent == 8 ? 255.0 : 65535.0);
 }
 } // namespace
 
@@ -91,17 +99,14 @@ TEST(TransformVariants, GiveTheSameBits)
             for (const TransformFn transform : kTransforms)
             {
                 const TestPicture source = Noise(width, 8, 3, 8);
-                const TransformRows* plain = VcTransformRowsOf(TransformVariant::Plain);
-                VcForceTransformRows(plain);
-                const TestPicture expected =
-                    Transformed(source, transform, 101, 33, scale, width * 0.5 + 0.21, 4.3);
+                const CBxPicMap map = MapTo(101, 33, scale, width * 0.5 + 0.21, 4.3);
+                VcForceTransformRows(VcTransformRowsOf(TransformVariant::Plain));
+                const TestPicture expected = Transformed(source, transform, 101, 33, map);
+                SCOPED_TRACE(testing::Message() << width << " wide, scale " << scale);
                 ForEachTransformVariant(
-                    [&]
-                    {
-                        SCOPED_TRACE(testing::Message() << width << " wide, scale " << scale);
-                        const TestPicture actual =
-                            Transformed(source, transform, 101, 33, scale, width * 0.5 + 0.21, 4.3);
-                        ExpectSamePicture(actual.pic, expected.pic);
+                    [&] {
+                        ExpectSamePicture(Transformed(source, transform, 101, 33, map).pic,
+                                          expected.pic);
                     });
             }
 }
@@ -109,77 +114,109 @@ TEST(TransformVariants, GiveTheSameBits)
 TEST(TransformThreads, ChangeNoBit)
 {
     const TestPicture source = Noise(500, 400, 3, 8);
+    const CBxPicMap map = MapTo(640, 480, 1.3, 250, 200);
     for (const TransformFn transform : kTransforms)
     {
         VcLimitThreads(1);
-        const TestPicture alone = Transformed(source, transform, 640, 480, 1.3, 250, 200);
+        const TestPicture alone = Transformed(source, transform, 640, 480, map);
         VcLimitThreads(0);
-        const TestPicture split = Transformed(source, transform, 640, 480, 1.3, 250, 200);
-        ExpectSamePicture(split.pic, alone.pic);
+        ExpectSamePicture(Transformed(source, transform, 640, 480, map).pic, alone.pic);
     }
 }
 
 TEST(TransformVariants, FollowTheFiltersDefinition)
 {
-    struct Filter
-    {
-        TransformFn transform;
-        double (*kernel)(double);
-    };
-    const Filter filters[] = {{CBxPicBufAPI::TransformBilinearFast, Tent},
-                              {CBxPicBufAPI::TransformBicubicFast, CatmullRom}};
+    const std::pair<TransformFn, double (*)(double)> filters[] = {
+        {CBxPicBufAPI::TransformBilinearFast, Tent},
+        {CBxPicBufAPI::TransformBicubicFast, CatmullRom}};
     for (const int components : {1, 3})
-    {
-        const TestPicture source = Noise(40, 30, components, 8);
-        for (const Filter& filter : filters)
-            ForEachTransformVariant(
-                [&]
+        for (const int bits : {8, 16})
+            for (const double scale : {0.37, 0.8333333333333334, 2.3})
+                for (const auto& [transform, kernel] : filters)
                 {
-                    const TestPicture area =
-                        Transformed(source, filter.transform, 90, 70, 2.3, 20.3, 15.1);
-                    CBxPicMap map;
-                    map.Compute(45, 35, 20.3, 15.1, 0.0, 2.3);
+                    const TestPicture source = Noise(300, 240, components, bits);
+                    const CBxPicMap map = MapTo(90, 70, scale, 150.3, 120.1);
                     const double* to = map.Inverse();
-                    double worst = 0;
-                    for (int y = 2; y < 68; ++y)
-                        for (int x = 2; x < 88; ++x)
+                    ForEachTransformVariant(
+                        [&, transform = transform, kernel = kernel]
                         {
-                            const double sx = to[0] * (x + 0.5) + to[2];
-                            const double sy = to[4] * (y + 0.5) + to[5];
-                            const double exact =
-                                std::clamp(Filtered(source, sx, sy, components - 1, filter.kernel),
-                                           0.0, 255.0);
-                            const double got = area.At(x, y, components - 1);
-                            worst = std::max(worst, std::fabs(got - exact));
-                            // Half a step of rounding, and weights of 11 bits (bilinear): a
-                            // quarter of a step at the most between black and white.
-                            ASSERT_NEAR(got, exact, 0.75) << x << ", " << y;
-                        }
-                    EXPECT_GT(worst, 0.4) << "rounding to whole steps must show";
-                });
-    }
+                            const TestPicture area = Transformed(source, transform, 90, 70, map);
+                            double worst = 0;
+                            for (int y = 0; y < 70; ++y)
+                                for (int x = 0; x < 90; ++x)
+                                {
+                                    const double exact =
+                                        Filtered(source, to[0] * (x + 0.5) + to[2],
+                                                 to[4] * (y + 0.5) + to[5], components - 1, kernel);
+                                    const double got = area.At(x, y, components - 1);
+                                    worst = std::max(worst, std::fabs(got - exact));
+                                    // Half a step of rounding, and weights of 11 bits
+                                    // (bilinear): a quarter of a step at the most between
+                                    // black and white.
+                                    ASSERT_NEAR(got, exact, 0.75)
+                                        << scale << ": " << x << ", " << y;
+                                }
+                            EXPECT_GT(worst, 0.4) << "rounding to whole steps must show";
+                        });
+                }
 }
 
-// One source pixel per area pixel takes a shortcut; it must meet the ordinary way.
-TEST(Transforms, AgreeJustBesideScaleOne)
+TEST(NearestTransform, MakesBlocksAndKeepsTheBackground)
+{
+    const TestPicture source = Noise(2, 2, 1, 8);
+    const TestPicture area = Transformed(source, kTransforms[0], 6, 6, MapTo(6, 6, 2.0, 1, 1));
+    for (int y = 0; y < 6; ++y)
+        for (int x = 0; x < 6; ++x)
+        {
+            const bool border = x == 0 || y == 0 || x == 5 || y == 5;
+            EXPECT_EQ(area.At(x, y), border ? 190 : source.At((x - 1) / 2, (y - 1) / 2))
+                << x << ", " << y;
+        }
+}
+
+// The area's sides are even and the picture's odd, as often as not: half a pixel would blur
+// everything. One source pixel per area pixel takes a shortcut, which must meet the ordinary way.
+TEST(Transforms, AtScaleOneReproduceThePicture)
 {
     for (const int bits : {8, 16})
-        for (const TransformFn transform : kTransforms)
-        {
-            const TestPicture source = Noise(30, 22, 3, bits);
-            const double nearOne = 1.0 + 1e-12;
-            const TestPicture exact = Transformed(source, transform, 40, 16, 1.0, 13, 12);
-            const TestPicture close = Transformed(source, transform, 40, 16, nearOne, 13, 12);
-            ExpectSamePicture(exact.pic, close.pic);
-            // Nothing of the picture in the area, far away on every side.
-            for (const double away : {-1e12, -60.0, 60.0, 1e12})
+        for (const int components : {1, 3})
+            for (const TransformFn transform : kTransforms)
             {
-                const TestPicture none = Transformed(source, transform, 40, 16, 1.0, away, 12);
-                const TestPicture above = Transformed(source, transform, 40, 16, 1.0, 13, away);
-                EXPECT_EQ(none.At(20, 8), 190);
-                EXPECT_EQ(above.At(20, 8), 190);
+                const TestPicture source = Noise(17, 13, components, bits);
+                const CBxPicMap map = MapTo(24, 20, 1.0, 8.5, 6.5);
+                const TestPicture area = Transformed(source, transform, 24, 20, map);
+                int left, top;
+                map.MapPointSrcToDst(&left, &top, 0, 0);
+                for (int y = 0; y < 20; ++y)
+                    for (int x = 0; x < 24; ++x)
+                    {
+                        const int sx = x - left, sy = y - top;
+                        const bool inside = sx >= 0 && sx < 17 && sy >= 0 && sy < 13;
+                        ASSERT_EQ(area.At(x, y), inside ? source.At(sx, sy) : 190)
+                            << x << ", " << y;
+                    }
+                ExpectSamePicture(
+                    Transformed(source, transform, 24, 20, MapTo(24, 20, 1.0, 8, 6)).pic,
+                    Transformed(source, transform, 24, 20, MapTo(24, 20, 1 + 1e-12, 8, 6)).pic);
+                // Nothing of the picture in the area, far away on every side.
+                for (const double away : {-1e12, -60.0, 60.0, 1e12})
+                    for (const CBxPicMap& none :
+                         {MapTo(24, 20, 1.0, away, 6.5), MapTo(24, 20, 1.0, 8.5, away)})
+                        EXPECT_EQ(Transformed(source, transform, 24, 20, none).At(12, 10), 190);
             }
-        }
+}
+
+TEST(Transforms, FollowATurnedMap)
+{
+    const TestPicture source = Noise(9, 9, 3, 8);
+    for (const TransformFn transform : kTransforms)
+    {
+        const TestPicture turned =
+            Transformed(source, transform, 9, 9, MapTo(9, 9, 1.0, 4.5, 4.5, 1.5707963267948966));
+        for (int y = 0; y < 9; ++y)
+            for (int x = 0; x < 9; ++x)
+                ASSERT_EQ(turned.At(8 - y, x, 2), source.At(x, y, 2)) << x << ", " << y;
+    }
 }
 
 // A wrapper's rows may lie further apart than its pixels need, and what lies between is not ours.
@@ -192,9 +229,7 @@ TEST(Transforms, LeaveTheGapBetweenRowsAlone)
         {
             std::memset(block, 77, sizeof block);
             SBxPicBuf wrapper = {block, sizeof block, 40, 12, 9, 3, 8};
-            CBxPicMap map;
-            map.Compute(6, 4.5, 6, 4.5, 0.0, scale);
-            transform(&wrapper, source.pic, map);
+            transform(&wrapper, source.pic, MapTo(12, 9, scale, 6, 4.5));
             for (int y = 0; y < 9; ++y)
                 for (int i = 36; i < 40; ++i)
                     ASSERT_EQ(block[40 * y + i], 77) << y << ", " << i;

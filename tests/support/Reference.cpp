@@ -1,24 +1,13 @@
 #include "tests/support/Reference.h"
 
+#include "tests/support/TestPictures.h"
+
 #include <algorithm>
 #include <cmath>
 
-namespace
-{
+using Plane = ReferencePlane;
 
-struct Plane
-{
-    int w = 0, h = 0;
-    std::vector<double> v;
-
-    Plane() = default;
-    Plane(int width, int height) : w(width), h(height), v(size_t(width) * size_t(height), 0.0) {}
-    double& At(int x, int y) { return v[size_t(y) * size_t(w) + size_t(x)]; }
-    double At(int x, int y) const { return v[size_t(y) * size_t(w) + size_t(x)]; }
-    bool Small() const { return w < 5 || h < 5; }
-};
-
-const double kTap[5] = {0.05, 0.25, 0.4, 0.25, 0.05};
+static const double kTap[5] = {0.05, 0.25, 0.4, 0.25, 0.05};
 
 Plane Halve(const Plane& src)
 {
@@ -57,6 +46,18 @@ Plane Enlarge(const Plane& src, int w, int h)
         }
     return dst;
 }
+
+Plane ComponentOf(const SBxPicBuf& picture, int component)
+{
+    Plane plane(picture.width, picture.height);
+    for (int y = 0; y < picture.height; ++y)
+        for (int x = 0; x < picture.width; ++x)
+            plane.At(x, y) = SampleOf(picture, x, y, component);
+    return plane;
+}
+
+namespace
+{
 
 double LaplacianAt(const std::vector<Plane>& planes, int x, int y)
 {
@@ -103,13 +104,6 @@ double WeightAt(const std::vector<Plane>& g, int x, int y, const Weighing& how)
     const double c = std::sqrt(std::pow(lap / 3.0 + tiny, 0.16));
     const double s = std::pow(std::sqrt(variance) + tiny, 0.16);
     return c * s * e * e + 1e-5;
-}
-
-double SampleOf(const SBxPicBuf& picture, int x, int y, int c)
-{
-    const int i = x * picture.components + c;
-    return picture.bitsPerComponent == 8 ? double(PicRow<const uint8_t>(picture, y)[i])
-                                         : double(PicRow<const uint16_t>(picture, y)[i]);
 }
 
 int LevelsOf(int w, int h)
@@ -190,12 +184,7 @@ ReferenceFusion FuseByFormula(const std::vector<const SBxPicBuf*>& sources, doub
     {
         std::vector<Plane> gauss;
         for (int c = 0; c < like.components; ++c)
-        {
-            gauss.emplace_back(like.width, like.height);
-            for (int y = 0; y < like.height; ++y)
-                for (int x = 0; x < like.width; ++x)
-                    gauss.back().At(x, y) = SampleOf(*source, x, y, c);
-        }
+            gauss.push_back(ComponentOf(*source, c));
         Add(&sums, std::move(gauss), how, levels);
     }
     ReferenceFusion fused;

@@ -54,7 +54,7 @@ Bytes ReadBytes(const std::string& path)
     return Bytes(std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>());
 }
 
-LoadedPair::LoadedPair(const std::string& path)
+LoadedPair::LoadedPair(const std::string& path) : picture(3, 3, 3, 8), alpha(3, 3, 1, 8)
 {
     LoadReport report;
     failed = LoadPicturePair(path.c_str(), &picture.pic, &alpha.pic, &report);
@@ -84,8 +84,8 @@ static void Put16(Bytes* out, int value)
 
 static void Put32(Bytes* out, int64_t value)
 {
-    for (int i = 0; i < 4; ++i)
-        out->push_back(uint8_t(value >> (8 * i)));
+    for (int shift = 0; shift < 32; shift += 8)
+        out->push_back(uint8_t(value >> shift));
 }
 
 static void PutText(Bytes* out, const std::string& text)
@@ -119,47 +119,41 @@ Bytes MakeBmp(const BmpParts& parts)
 
 Bytes MakeTiff(const TiffParts& parts)
 {
-    const bool colourMap = parts.photometric == 3;
-    const int entries = colourMap ? 11 : 10;
-    const int directoryOffset = 8;
-    const int bitsOffset = directoryOffset + 2 + 12 * entries + 4;
-    const int formatsOffset = bitsOffset + 8;
-    const int mapOffset = formatsOffset + 8;
-    const int mapCount = colourMap ? 3 << parts.bits : 0;
-    const int pixelOffset = mapOffset + 2 * mapCount;
-
-    Bytes file = {'I', 'I', 42, 0};
-    Put32(&file, directoryOffset);
-    Put16(&file, entries);
-    const auto entry = [&file](int tag, int type, int count, int64_t value)
+    const int kShort = 3, kLong = 4, directory = 8, entries = 10;
+    const int bitsOffset = directory + 2 + 12 * entries + 4, formatsOffset = bitsOffset + 8;
+    const int pixelOffset = formatsOffset + 8;
+    const auto perSample = [&](int value, int offset)
+    { return parts.samples <= 2 ? value * 0x10001LL : offset; };
+    const struct
     {
-        Put16(&file, tag);
-        Put16(&file, type);
-        Put32(&file, count);
-        Put32(&file, value);
+        int tag, type, count;
+        int64_t value;
+    } rows[entries] = {
+        {256, kLong, 1, parts.width},
+        {257, kLong, 1, parts.height},
+        {258, kShort, parts.samples, perSample(parts.bits, bitsOffset)},
+        {259, kShort, 1, 1}, // not compressed
+        {262, kShort, 1, parts.photometric},
+        {273, kLong, 1, pixelOffset},
+        {277, kShort, 1, parts.samples},
+        {278, kLong, 1, parts.height}, // all rows in one strip
+        {279, kLong, 1, int64_t(parts.pixels.size())},
+        {339, kShort, parts.samples, perSample(parts.sampleFormat, formatsOffset)},
     };
-    const int kShort = 3, kLong = 4;
-    const auto perSample = [&](int tag, int value, int offset)
-    { entry(tag, kShort, parts.samples, parts.samples <= 2 ? value * 0x10001LL : offset); };
-    entry(256, kLong, 1, parts.width);
-    entry(257, kLong, 1, parts.height);
-    perSample(258, parts.bits, bitsOffset);
-    entry(259, kShort, 1, 1); // not compressed
-    entry(262, kShort, 1, parts.photometric);
-    entry(273, kLong, 1, pixelOffset);
-    entry(277, kShort, 1, parts.samples);
-    entry(278, kLong, 1, parts.height); // all rows in one strip
-    entry(279, kLong, 1, int64_t(parts.pixels.size()));
-    if (colourMap)
-        entry(320, kShort, mapCount, mapOffset);
-    perSample(339, parts.sampleFormat, formatsOffset);
+    Bytes file = {'I', 'I', 42, 0};
+    Put32(&file, directory);
+    Put16(&file, entries);
+    for (const auto& row : rows)
+    {
+        Put16(&file, row.tag);
+        Put16(&file, row.type);
+        Put32(&file, row.count);
+        Put32(&file, row.value);
+    }
     Put32(&file, 0);
-    for (int i = 0; i < 4; ++i)
-        Put16(&file, parts.bits);
-    for (int i = 0; i < 4; ++i)
-        Put16(&file, parts.sampleFormat);
-    for (int i = 0; i < mapCount; ++i)
-        Put16(&file, i * 7919); // some colours
+    for (int value : {parts.bits, parts.sampleFormat})
+        for (int i = 0; i < 4; ++i)
+            Put16(&file, value);
     file.insert(file.end(), parts.pixels.begin(), parts.pixels.end());
     return file;
 }

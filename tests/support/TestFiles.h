@@ -27,7 +27,7 @@ struct TempFolder
 
 Bytes ReadBytes(const std::string& path); // empty when there is no such file
 
-// The pair that a file holds. A failed load leaves both records empty.
+// The pair that a file holds. The records hold something before; a failed load leaves both empty.
 struct LoadedPair
 {
     TestPicture picture, alpha;
@@ -57,7 +57,7 @@ Bytes MakeBmp(const BmpParts& parts);
 struct TiffParts
 {
     int width, height, samples, bits;
-    int photometric;      // 0 grey from white, 1 grey from black, 2 colour, 3 palette, 5 inks
+    int photometric;      // 0 grey from white, 1 grey from black, 2 colour, 5 inks
     int sampleFormat = 1; // 1 unsigned, 2 signed, 3 float
     Bytes pixels;         // uncompressed, top row first, little-endian
 };

@@ -28,18 +28,19 @@ TestPicture::~TestPicture()
     CBxPicBufAPI::DoneHeap(&pic);
 }
 
-static double SampleOf(const SBxPicBuf& picture, int y, int index)
+TestPicture TestPicture::Like(const SBxPicBuf& other)
 {
+    return TestPicture(other.width, other.height, other.components, other.bitsPerComponent);
+}
+
+double SampleOf(const SBxPicBuf& picture, int x, int y, int component)
+{
+    const int index = x * picture.components + component;
     if (picture.bitsPerComponent == 8)
         return PicRow<const uint8_t>(picture, y)[index];
     if (picture.bitsPerComponent == 16)
         return PicRow<const uint16_t>(picture, y)[index];
     return PicRow<const float>(picture, y)[index];
-}
-
-double TestPicture::At(int x, int y, int component) const
-{
-    return SampleOf(pic, y, x * pic.components + component);
 }
 
 void TestPicture::Set(int x, int y, int component, double value)
@@ -103,15 +104,14 @@ void ExpectSamePicture(const SBxPicBuf& actual, const SBxPicBuf& expected, doubl
     ASSERT_EQ(actual.components, expected.components);
     ASSERT_EQ(actual.bitsPerComponent, expected.bitsPerComponent);
     for (int y = 0; y < actual.height; ++y)
-    {
-        for (int i = 0; i < actual.width * actual.components; ++i)
-        {
-            const double a = SampleOf(actual, y, i), e = SampleOf(expected, y, i);
-            ASSERT_LE(std::fabs(a - e), tolerance)
-                << "first difference at x " << i / actual.components << ", y " << y
-                << ", component " << i % actual.components << ": " << a << " instead of " << e;
-        }
-    }
+        for (int x = 0; x < actual.width; ++x)
+            for (int c = 0; c < actual.components; ++c)
+            {
+                const double a = SampleOf(actual, x, y, c), e = SampleOf(expected, x, y, c);
+                ASSERT_LE(std::fabs(a - e), tolerance)
+                    << "first difference at x " << x << ", y " << y << ", component " << c << ": "
+                    << a << " instead of " << e;
+            }
 }
 
 uint64_t HashOf(const SBxPicBuf& picture)

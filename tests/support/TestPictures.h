@@ -9,6 +9,9 @@
 #include <string>
 #include <vector>
 
+// Sample as a number, whatever the depth.
+double SampleOf(const SBxPicBuf& picture, int x, int y, int component = 0);
+
 // A picture that frees itself. `pic` is what the functions under test take.
 struct TestPicture
 {
@@ -16,12 +19,12 @@ struct TestPicture
 
     TestPicture();
     TestPicture(int width, int height, int components, int bits);
+    static TestPicture Like(const SBxPicBuf& other); // of that geometry
     TestPicture(TestPicture&& other) noexcept;
     TestPicture& operator=(TestPicture&& other) noexcept;
     ~TestPicture();
 
-    // Sample as a number, whatever the depth.
-    double At(int x, int y, int component = 0) const;
+    double At(int x, int y, int component = 0) const { return SampleOf(pic, x, y, component); }
     void Set(int x, int y, int component, double value);
 };
 

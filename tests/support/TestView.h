@@ -1,9 +1,10 @@
 #pragma once
 
-#include "picture/ImageView.h"
+#include "picture/ImageViewZoom.h"
 #include "tests/support/TestPictures.h"
 
-// A view with a display of its own. The display starts with 77 everywhere.
+// A view with a display of its own, which is all of its area. The display starts with 77
+// everywhere.
 struct TestView
 {
     TestPicture display;
@@ -13,6 +14,7 @@ struct TestView
     {
         CBxPicBufAPI::SetConst(&display.pic, 77);
         view.display = display.pic;
+        SetViewArea(&view, {0, 0, displayWidth, displayHeight});
     }
     TestView(const TestView&) = delete;
     TestView& operator=(const TestView&) = delete;
