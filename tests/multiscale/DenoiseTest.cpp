@@ -53,8 +53,7 @@ TestPicture Shapes(int width, int height, int components, int bits)
 
 TestPicture Denoised(const TestPicture& noisy, int radius, unsigned threads = 2)
 {
-    const SBxPicBuf& like = noisy.pic;
-    TestPicture result(like.width, like.height, like.components, like.bitsPerComponent);
+    TestPicture result = TestPicture::Like(noisy.pic);
     double cache[3] = {-1, -1, -1};
     EXPECT_FALSE(
         DenoiseTiled(&result.pic, noisy.pic, radius, radius, 1.0, cache, threads, RunControl()));
@@ -167,18 +166,6 @@ TEST(Denoise, TakesAwayNoiseMoreWithALargerRadius)
             const double medium = Decibels(before, Error(Denoised(noisy, 14), clean));
             EXPECT_GT(low, 4.0);
             EXPECT_GT(medium, low + 1.0);
-
-            const TestPicture flat = FlatPicture(
-                300, 240, bits, std::vector<double>(size_t(components), TopOf(clean.pic) / 2));
-            const TestPicture grain = Noisy(flat, 8.0);
-            double left = 8.0;
-            for (int radius : {4, 8, 14})
-            {
-                const double now = Error(Denoised(grain, radius), flat);
-                EXPECT_LT(now, 0.8 * left) << radius;
-                left = now;
-            }
-            EXPECT_LT(left, 1.2);
         }
 }
 

@@ -28,13 +28,6 @@ Samples Up(const Samples& src, int width, int height)
     return dst;
 }
 
-Samples Impulse(int width, int height, int x, int y, float value)
-{
-    Samples plane(size_t(width) * size_t(height), 0.0f);
-    plane[size_t(y) * size_t(width) + size_t(x)] = value;
-    return plane;
-}
-
 int MirroredIndex(int i, int size)
 {
     i = std::abs(i);
@@ -70,31 +63,6 @@ double UpByFormula(const Samples& src, int width, int height, int x, int y)
 }
 } // namespace
 
-TEST(PyrDown, HasTheBinomialKernelCentredOnEvenSamples)
-{
-    const Samples even = Down(Impulse(64, 64, 32, 32, 256.0f), 64, 64);
-    EXPECT_FLOAT_EQ(even[16 * 32 + 16], 36.0f);
-    EXPECT_FLOAT_EQ(even[16 * 32 + 15], 6.0f);
-    EXPECT_FLOAT_EQ(even[15 * 32 + 15], 1.0f);
-    const Samples odd = Down(Impulse(64, 64, 33, 32, 256.0f), 64, 64);
-    EXPECT_FLOAT_EQ(odd[16 * 32 + 16], 24.0f);
-    EXPECT_FLOAT_EQ(odd[16 * 32 + 17], 24.0f);
-}
-
-TEST(PyrUp, SpreadsAnImpulseWithAGainOfFour)
-{
-    const Samples up = Up(Impulse(16, 16, 8, 8, 64.0f), 16, 16);
-    EXPECT_FLOAT_EQ(up[16 * 32 + 16], 36.0f);
-    EXPECT_FLOAT_EQ(up[16 * 32 + 17], 24.0f);
-    EXPECT_FLOAT_EQ(up[17 * 32 + 17], 16.0f);
-    EXPECT_FLOAT_EQ(up[16 * 32 + 18], 6.0f);
-    EXPECT_FLOAT_EQ(up[18 * 32 + 18], 1.0f);
-    float sum = 0.0f;
-    for (const float v : up)
-        sum += v;
-    EXPECT_FLOAT_EQ(sum, 256.0f);
-}
-
 TEST(PyrDownAndPyrUp, FollowTheirFormulaUpToEveryEdge)
 {
     for (const auto& size : {CBxSize<int>{2, 2}, {4, 2}, {6, 10}, {34, 16}, {66, 32}})
@@ -115,14 +83,6 @@ TEST(PyrDownAndPyrUp, FollowTheirFormulaUpToEveryEdge)
                             UpByFormula(plane, size.cx, size.cy, x, y), 1e-4)
                     << size.cx << "x" << size.cy << " at " << x << ", " << y;
     }
-}
-
-TEST(PyrDownAndPyrUp, KeepAFlatPlaneFlatIntoTheCorners)
-{
-    for (const float v : Down(Samples(64 * 32, 77.0f), 64, 32))
-        ASSERT_FLOAT_EQ(v, 77.0f);
-    for (const float v : Up(Samples(64 * 32, 77.0f), 64, 32))
-        ASSERT_FLOAT_EQ(v, 77.0f);
 }
 
 TEST(Pyramid, CollapsesToWhatItWasBuiltFrom)

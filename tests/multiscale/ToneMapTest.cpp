@@ -25,7 +25,7 @@ int Map(SBxPicBuf* out, const SBxPicBuf& in, const ToneMapParams& p, bool useCol
 TestPicture Mapped(const TestPicture& in, const ToneMapParams& p, bool useColors,
                    ToneMapMethod method = ToneMapMethod::Direct)
 {
-    TestPicture out(in.pic.width, in.pic.height, in.pic.components, in.pic.bitsPerComponent);
+    TestPicture out = TestPicture::Like(in.pic);
     EXPECT_EQ(Map(&out.pic, in.pic, p, useColors, method), kToneMapDone);
     return out;
 }
@@ -38,7 +38,7 @@ TestPicture FloatPlaneOf(const TestPicture& scene)
 
 TestPicture MappedPlane(const TestPicture& plane, const ToneMapParams& p, ToneMapMethod method)
 {
-    TestPicture out(plane.pic.width, plane.pic.height, 1, 32);
+    TestPicture out = TestPicture::Like(plane.pic);
     EXPECT_FALSE(
         ToneMapPlane(&out.pic, plane.pic, kToneMapLevels, p.p1, p.p2, p.p3, p.p4, {}, method));
     return out;
