@@ -71,10 +71,8 @@ TEST(DockerLayout, StacksItsWindowsAtTheRightEdge)
     EXPECT_EQ(two.origins[0].x, 1);
     EXPECT_EQ(two.origins[0].y, 0);
     EXPECT_EQ(two.origins[1].y, 120);
-    const DockerLayout none = LayOutDocked({}, 1000, false);
-    EXPECT_EQ(none.width, 1);
-    EXPECT_EQ(none.left, 998);
-    const DockerLayout left = LayOutDocked({{200, 120}}, 1000, true);
-    EXPECT_EQ(left.left, 0);
-    EXPECT_EQ(left.origins[0].x, 0);
+    EXPECT_EQ(LayOutDocked({}, 1000, false).width, 1);
+    EXPECT_EQ(LayOutDocked({}, 1000, false).left, 998);
+    EXPECT_EQ(LayOutDocked({{200, 120}}, 1000, true).left, 0);
+    EXPECT_EQ(LayOutDocked({{200, 120}}, 1000, true).origins[0].x, 0);
 }
