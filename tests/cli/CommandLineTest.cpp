@@ -51,9 +51,6 @@ std::string Summary(const ParsedLine& line)
     return text;
 }
 
-class Line : public testing::TestWithParam<LineCase>
-{};
-
 const std::string kFuseHelp = "; see plenoviz-cli fuse --help";
 const std::string kSampleHelp = "; see plenoviz-cli sample --help";
 
@@ -96,13 +93,12 @@ const LineCase kLines[] = {
      "unexpected argument 'extra'" + kSampleHelp},
 };
 
-TEST_P(Line, ComesToWhatTheTableSays)
+TEST(CommandLine, ComesToWhatTheTableSays)
 {
-    EXPECT_EQ(Summary(ParseCommandLine(Commands(), GetParam().arguments)), GetParam().expected);
+    for (const LineCase& line : kLines)
+        EXPECT_EQ(Summary(ParseCommandLine(Commands(), line.arguments)), line.expected)
+            << line.name;
 }
-
-INSTANTIATE_TEST_SUITE_P(CommandLine, Line, testing::ValuesIn(kLines),
-                         [](const auto& line) { return line.param.name; });
 
 TEST(Numbers, AreTakenWholeAndInRangeOnly)
 {

@@ -1,59 +1,22 @@
-#include "cli/CommandLine.h"
-#include "cli/Progress.h"
+#include "tests/cli/CliRun.h"
 
 #include "fusion/FusionAccumulator.h"
 
-#include "tests/support/TestFiles.h"
-
 #include <FreeImage.h>
-#include <gtest/gtest.h>
-
-#include <sstream>
-
-// The commands run in this process, on small pictures in a fresh folder.
 
 namespace
 {
 
-struct Outcome
-{
-    int code;
-    std::string out, err;
-};
-
-Outcome RunCli(const std::vector<std::string>& arguments, bool terminal = false)
-{
-    std::ostringstream out, err;
-    const int code = RunCommandLine(arguments, {out, err, terminal});
-    return {code, out.str(), err.str()};
-}
-
-class InFolder : public testing::Test
-{
-protected:
-    TempFolder folder;
-
-    std::string Put(const std::string& name, int width, int height, int components, int bits,
-                    int ev)
-    {
-        const std::string path = folder.File(name);
-        const TestPicture picture = ScenePicture(width, height, components, bits, ev);
-        EXPECT_TRUE(Save(picture, path).written);
-        return path;
-    }
-    ~InFolder() override { ForgetStop(); }
-};
 using Fuse = InFolder;
 using SampleSeries = InFolder;
 
 TEST_F(Fuse, WritesWhatTheEngineComputes)
 {
-    const std::vector<std::string> inputs = {Put("a.png", 40, 30, 3, 8, -2),
-                                             Put("b.png", 40, 30, 3, 8, 0),
-                                             Put("c.png", 40, 30, 3, 8, 2)};
+    const std::vector<std::string> inputs = {Put("a.png", ScenePicture(40, 30, 3, 8, -2)),
+                                             Put("b.png", ScenePicture(40, 30, 3, 8, 0)),
+                                             Put("c.png", ScenePicture(40, 30, 3, 8, 2))};
     const std::string output = folder.File("out.PNG");
-    const Outcome outcome =
-        RunCli({"fuse", "--exposure", "120", "-o", output, inputs[0], inputs[1], inputs[2]});
+    const Outcome outcome = RunCli(Joined({"fuse", "--exposure", "120", "-o", output}, inputs));
     EXPECT_EQ(outcome.code, 0) << outcome.err;
     EXPECT_EQ(outcome.err, "");
     EXPECT_EQ(outcome.out, output + ": 40 x 30, 8-bit colour, fused from 3 pictures\n");
@@ -69,53 +32,44 @@ TEST_F(Fuse, WritesWhatTheEngineComputes)
 
     // The same bytes on one thread, where nothing is read ahead, and over an input.
     const Bytes first = ReadBytes(output);
-    EXPECT_EQ(RunCli({"fuse", "-q", "--threads", "1", "--exposure=120", "-o", inputs[1], inputs[0],
-                      inputs[1], inputs[2]})
-                  .code,
-              0);
+    const std::vector<std::string> single = {"fuse",           "-q", "--threads", "1",
+                                             "--exposure=120", "-o", inputs[1]};
+    EXPECT_EQ(RunCli(Joined(single, inputs)).code, 0);
     EXPECT_EQ(ReadBytes(inputs[1]), first);
     EXPECT_EQ(RunCli({"--version"}).out, "plenoviz-cli " PLENOVIZ_VERSION "\n");
 }
 
-TEST_F(Fuse, KeepsDepthProfileAndAlphaOfTheFirst)
+TEST_F(Fuse, KeepsDepthAndAlphaOfTheFirst)
 {
-    TestPicture alpha = PictureOf(16, 12, 1, 16, [](int x, int y, int) { return 4000 * x + y; });
-    const TestPicture picture = ScenePicture(16, 12, 3, 16, 0);
-    const std::string first = folder.File("first.tif"),
-                      second = Put("second.tif", 16, 12, 3, 16, 1);
-    ASSERT_TRUE(Save(picture, first, kFormatTiff, "", &alpha).written);
-
-    const std::string output = folder.File("o.tiff");
+    const TestPicture alpha =
+        PictureOf(16, 12, 1, 16, [](int x, int y, int) { return 4000 * x + y; });
+    const std::string first = Put("first.tif", ScenePicture(16, 12, 3, 16, 0), &alpha),
+                      second = Put("second.tif", ScenePicture(16, 12, 3, 16, 1)),
+                      output = folder.File("o.tiff");
     ASSERT_EQ(RunCli({"fuse", "-q", "-o", output, first, second}).code, 0);
     const LoadedPair pair(output);
     EXPECT_EQ(pair.picture.pic.bitsPerComponent, 16);
     ExpectSamePicture(pair.alpha.pic, alpha.pic);
 
-    // A format without alpha drops it and says so.
-    const TestPicture small = ScenePicture(16, 12, 3, 8, 0);
-    const TestPicture smallAlpha = PictureOf(16, 12, 1, 8, [](int x, int, int) { return 10 * x; });
-    const std::string png = folder.File("p.png"), jpeg = folder.File("p.jpeg");
-    ASSERT_TRUE(Save(small, png, kFormatPng, "", &smallAlpha).written);
-    const Outcome outcome = RunCli({"fuse", "-o", jpeg, png});
-    EXPECT_EQ(outcome.code, 0) << outcome.err;
-    EXPECT_NE(outcome.out.find("without the alpha plane"), std::string::npos) << outcome.out;
-    EXPECT_EQ(LoadedPair(jpeg).alpha.pic.data, nullptr);
-
-    // Quality reaches the encoder; the picture is large enough to outweigh the headers.
-    const std::string large = Put("l.png", 200, 150, 3, 8, 0);
-    const std::string coarse = folder.File("c.jpg"), fine = folder.File("f.jpg");
-    ASSERT_EQ(RunCli({"fuse", "-q", "--jpeg-quality", "20", "-o", coarse, large}).code, 0);
-    ASSERT_EQ(RunCli({"fuse", "-q", "-o", fine, large}).code, 0);
+    // A format without alpha drops it and says so. Quality reaches the encoder; the picture is
+    // large enough to outweigh the headers.
+    const TestPicture veil = FlatPicture(200, 150, 8, {99});
+    const std::string png = Put("p.png", ScenePicture(200, 150, 3, 8, 0), &veil);
+    const std::string coarse = folder.File("c.jpg"), fine = folder.File("f.jpeg");
+    EXPECT_NE(RunCli({"fuse", "-o", fine, png}).out.find("without the alpha plane"),
+              std::string::npos);
+    EXPECT_EQ(LoadedPair(fine).alpha.pic.data, nullptr);
+    ASSERT_EQ(RunCli({"fuse", "-q", "--jpeg-quality", "20", "-o", coarse, png}).code, 0);
     EXPECT_LT(ReadBytes(coarse).size(), ReadBytes(fine).size() / 2);
 }
 
 TEST_F(Fuse, FailsInOneLineAndLeavesTheOutputAlone)
 {
-    const std::string good = Put("good.png", 20, 16, 3, 8, 0),
-                      deep = Put("deep.png", 20, 16, 3, 16, 0);
-    const std::string grey = Put("grey.png", 20, 16, 1, 8, 0),
-                      wide = Put("wide.png", 21, 16, 3, 8, 0);
-    const std::string thin = Put("thin.png", 40, 5, 3, 8, 0);
+    const std::string good = Put("good.png", ScenePicture(20, 16, 3, 8, 0)),
+                      deep = Put("deep.png", ScenePicture(20, 16, 3, 16, 0)),
+                      grey = Put("grey.png", ScenePicture(20, 16, 1, 8, 0)),
+                      wide = Put("wide.png", ScenePicture(21, 16, 3, 8, 0)),
+                      thin = Put("thin.png", ScenePicture(40, 5, 3, 8, 0));
     const std::string junk = folder.Write("junk.dat", {1, 2, 3, 4});
     const std::string none = folder.File("none.jpg");
     const Bytes old = {'o', 'l', 'd'};
@@ -144,9 +98,7 @@ TEST_F(Fuse, FailsInOneLineAndLeavesTheOutputAlone)
     const int files = folder.FileCount();
     for (const auto& c : cases)
     {
-        std::vector<std::string> arguments = {"fuse", "-o", c.output};
-        arguments.insert(arguments.end(), c.inputs.begin(), c.inputs.end());
-        const Outcome outcome = RunCli(arguments);
+        const Outcome outcome = RunCli(Joined({"fuse", "-o", c.output}, c.inputs));
         EXPECT_EQ(outcome.code, 1) << c.reason;
         EXPECT_EQ(outcome.out, "");
         EXPECT_EQ(outcome.err.find("plenoviz-cli: " + c.file + ": " + c.reason), 0u) << outcome.err;
@@ -163,7 +115,8 @@ TEST_F(Fuse, FailsInOneLineAndLeavesTheOutputAlone)
 
 TEST_F(Fuse, ShowsProgressOnATerminalOnly)
 {
-    const std::string input = Put("a.png", 12, 12, 3, 8, 0), output = folder.File("o.png");
+    const std::string input = Put("a.png", ScenePicture(12, 12, 3, 8, 0)),
+                      output = folder.File("o.png");
     const std::string shown = RunCli({"fuse", "-o", output, input}, true).err;
     EXPECT_NE(shown.find("\rFusing 1 of 1"), std::string::npos) << shown;
     EXPECT_EQ(shown.find('\n'), std::string::npos);
@@ -209,12 +162,10 @@ TEST_F(SampleSeries, IsWrittenWithExposureTimesAndCanBeFused)
 
 TEST_F(SampleSeries, AppearsAsAWholeOrNotAtAll)
 {
-    const std::vector<std::string> small = {"--width", "16", "--height", "16", "--frames", "3"};
-    const auto sample = [&](const std::string& dir)
+    const auto sample = [](const std::string& dir)
     {
-        std::vector<std::string> arguments = {"sample", "--out-dir", dir};
-        arguments.insert(arguments.end(), small.begin(), small.end());
-        return RunCli(arguments);
+        return RunCli(
+            {"sample", "--out-dir", dir, "--width", "16", "--height", "16", "--frames", "3"});
     };
     // A folder stands where the second frame should go.
     std::filesystem::create_directories(std::filesystem::u8path(folder.File("sample_2.jpg")));
