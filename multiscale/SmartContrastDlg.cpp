@@ -77,7 +77,7 @@ static INT_PTR OnOk(HWND dlg)
 
 static INT_PTR OnCancel(HWND dlg)
 {
-    CBxPicBufAPI::Copy(&g_previewPicture, g_sourcePicture);
+    CopyPicture(&g_previewPicture, g_sourcePicture);
     DestroyWindow(dlg);
     SetStatusText(g_strings[kNoHint]);
     SendMessageW(g_hwndMain, WM_APP_TOOL_CANCELLED, 0, 0);

@@ -191,7 +191,7 @@ static void StartRun(HWND dlg)
 
 static void GiveUp(HWND dlg)
 {
-    CBxPicBufAPI::Copy(&g_previewPicture, g_sourcePicture);
+    CopyPicture(&g_previewPicture, g_sourcePicture);
     DestroyWindow(dlg);
     SetStatusText(g_strings[kNoHint]);
     SendMessageW(g_hwndMain, WM_APP_TOOL_CANCELLED, 0, 0);
