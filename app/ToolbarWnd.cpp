@@ -150,7 +150,11 @@ static void CreateZoomBox()
         SendMessageW(g_hwndZoomCombo, CB_ADDSTRING, 0, reinterpret_cast<LPARAM>(preset.text));
     SelectInitialZoom();
     if (const HWND edit = GetWindow(g_hwndZoomCombo, GW_CHILD))
+    {
+        // "125.0 %" needs all the room there is.
+        SendMessageW(edit, EM_SETMARGINS, EC_LEFTMARGIN | EC_RIGHTMARGIN, 0);
         SetWindowSubclass(edit, ZoomEditProc, 1, 0);
+    }
 }
 
 bool CreateToolbar(HWND frame)
