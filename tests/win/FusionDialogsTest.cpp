@@ -1,0 +1,324 @@
+// The fusion dialogs and the series that lead to them, in the real frame.
+
+#include "app/AppState.h"
+#include "app/AppWindows_win.h"
+#include "app/CommandIds.h"
+#include "app/Messages.h"
+#include "app/Strings.h"
+#include "fusion/FusionDlgIds.h"
+#include "fusion/FusionJob.h"
+#include "multiscale/SeriesDlgIds.h"
+#include "multiscale/SeriesFolder_win.h"
+#include "tests/win/FrameHarness.h"
+#include "tests/win/ProfileFiles.h"
+
+#include <commctrl.h>
+
+#include <chrono>
+#include <cwchar>
+
+constexpr int kWidth = 160, kHeight = 120;
+const char* const kToolRunning = "000000001"; // every command off, the zoom box on
+const char* const kAllOn = "111111111";
+
+// Handles messages until the condition holds; fails after a minute.
+static void PumpUntil(const std::function<bool()>& done)
+{
+    const auto end = std::chrono::steady_clock::now() + std::chrono::minutes(1);
+    while (!done() && std::chrono::steady_clock::now() < end)
+    {
+        Pump();
+        MsgWaitForMultipleObjects(0, nullptr, FALSE, 20, QS_ALLINPUT);
+    }
+    EXPECT_TRUE(done());
+}
+
+static HWND DockedDialogWith(int control)
+{
+    for (HWND child = GetWindow(g_hwndDocker, GW_CHILD); child;
+         child = GetWindow(child, GW_HWNDNEXT))
+        if (GetDlgItem(child, control))
+            return child;
+    return nullptr;
+}
+
+static std::wstring SliderText()
+{
+    return WindowText(GetDlgItem(g_hwndActiveTool, IDC_FUSION_VALUE));
+}
+
+static void Scroll(int code, int thumb = 0)
+{
+    const HWND slider = GetDlgItem(g_hwndActiveTool, IDC_FUSION_SLIDER);
+    SendMessageW(g_hwndActiveTool, WM_HSCROLL, WPARAM(MAKELONG(code, thumb)), LPARAM(slider));
+}
+
+static void Press(int button)
+{
+    SendMessageW(g_hwndActiveTool, WM_COMMAND, WPARAM(button), 0);
+    Pump();
+}
+
+static bool SamePixels(const SBxPicBuf& a, const SBxPicBuf& b)
+{
+    return HashOf(a) == HashOf(b);
+}
+
+class FusionDialogs : public FrameTest
+{
+protected:
+    // A series that somebody has put into the table, and its dialog.
+    void OpenSeries(int count, int command, int width = kWidth)
+    {
+        OpenPicture("photo.png", width, kHeight);
+        for (int i = 0; i < count; ++i)
+        {
+            const std::string name = "source" + std::to_string(i) + ".tif";
+            Save(ScenePicture(width, kHeight, 3, 8, i - count / 2), folder.File(name));
+            std::wcscpy(g_sourceFiles[i], Wide(name).c_str());
+        }
+        g_sourceCount = count;
+        Command(command);
+        ASSERT_TRUE(g_hwndActiveTool);
+        EXPECT_EQ(Enabled(), kToolRunning);
+    }
+
+    TestPicture Fused(int sources, unsigned mid) const
+    {
+        FusionSources series;
+        std::vector<std::string> paths;
+        for (int i = 0; i < sources; ++i)
+            paths.push_back(folder.File("source" + std::to_string(i) + ".tif"));
+        OpenFusionSources(&series, paths, g_sourcePicture, int64_t(1) << 30);
+        TestPicture result(kWidth, kHeight, 3, 8);
+        EXPECT_EQ(FuseWhole(&result.pic, &series, {{}, sources, mid}), FusionOutcome::Done);
+        return result;
+    }
+
+    void ExpectClosed(bool unsaved) const
+    {
+        EXPECT_FALSE(g_hwndActiveTool);
+        EXPECT_EQ(Enabled(), kAllOn);
+        EXPECT_EQ(g_resultUnsaved, unsaved);
+        EXPECT_FALSE(g_toolBusy);
+        EXPECT_FALSE(g_workerBusy);
+        EXPECT_FALSE(GetWindow(g_hwndDocker, GW_CHILD));
+    }
+};
+
+TEST_F(FusionDialogs, PowerChoosesHowManySourcesAreFused)
+{
+    OpenSeries(7, ID_OPEN_POWER_FUSION);
+    EXPECT_EQ(SliderText(), L"15");
+    ExpectSamePicture(g_previewPicture, Fused(7, 128).pic, 1);
+    Scroll(TB_THUMBTRACK, 4);
+    EXPECT_EQ(SliderText(), L"4");
+    ExpectSamePicture(g_previewPicture, Fused(4, 128).pic, 1);
+    Scroll(TB_PAGEDOWN);
+    EXPECT_EQ(SliderText(), L"5");
+    Scroll(TB_LINEUP);
+    Scroll(TB_PAGEUP);
+    EXPECT_EQ(SliderText(), L"3");
+    Scroll(TB_LINEUP);
+    Scroll(TB_ENDTRACK);
+    EXPECT_EQ(SliderText(), L"3");
+    Press(IDOK);
+    ExpectClosed(true);
+    ExpectSamePicture(g_resultPicture, Fused(3, 128).pic);
+    const std::string settings = FileBytes(SettingsFilePath());
+    EXPECT_NE(settings.find("Exposure=128\r\nFlatness=3\r\nPower=3"), std::string::npos)
+        << settings;
+}
+
+TEST_F(FusionDialogs, AnUnchangedPreviewIsNotComputedAgain)
+{
+    const int width = 1600; // more than is in view
+    OpenSeries(4, ID_OPEN_POWER_FUSION, width);
+    const TestPicture marked = FlatPicture(width, kHeight, 8, {1, 2, 3});
+    CBxPicBufAPI::Copy(&g_previewPicture, marked.pic);
+    SendMessageW(g_hwndActiveTool, WM_LBUTTONUP, 0, 0); // a click on the dialog
+    Scroll(TB_THUMBPOSITION, 15);
+    Scroll(TB_THUMBPOSITION, 16); // there are only four sources
+    ExpectSamePicture(g_previewPicture, marked.pic);
+
+    Mouse(WM_LBUTTONDOWN, 300, 300);
+    Mouse(WM_MOUSEMOVE, 310, 300, MK_LBUTTON);
+    Pump();
+    ExpectSamePicture(g_previewPicture, marked.pic); // not while the picture is moving
+    Mouse(WM_LBUTTONUP, 310, 300);
+    Pump();
+    EXPECT_FALSE(SamePixels(g_previewPicture, marked.pic));
+    CBxPicBufAPI::Copy(&g_previewPicture, marked.pic);
+    Scroll(TB_THUMBPOSITION, 3);
+    EXPECT_FALSE(SamePixels(g_previewPicture, marked.pic));
+    CBxPicBufAPI::Copy(&g_previewPicture, marked.pic);
+    Command(ID_ZOOM_IN);
+    Pump();
+    EXPECT_FALSE(SamePixels(g_previewPicture, marked.pic));
+}
+
+TEST_F(FusionDialogs, CancelBringsTheSourceBackAndWritesNothing)
+{
+    for (const int command : {ID_OPEN_POWER_FUSION, ID_OPEN_EXPOSURE_FUSION})
+    {
+        OpenSeries(5, command);
+        Scroll(TB_PAGEDOWN);
+        Scroll(TB_THUMBTRACK, 60);
+        EXPECT_FALSE(SamePixels(g_previewPicture, g_sourcePicture));
+        Press(IDCANCEL);
+        ExpectClosed(false);
+        ExpectSamePicture(g_resultPicture, g_sourcePicture);
+        EXPECT_EQ(FileBytes(SettingsFilePath()).find("Exposure"), std::string::npos);
+    }
+}
+
+TEST_F(FusionDialogs, ExposureIsTheGreyOfAllSources)
+{
+    WritePrivateProfileStringW(L"General", L"Exposure", L"200", SettingsFilePath().c_str());
+    OpenSeries(6, ID_OPEN_EXPOSURE_FUSION);
+    EXPECT_EQ(SliderText(), L"160");
+    ExpectSamePicture(g_previewPicture, Fused(6, 160).pic, 1);
+    SendMessageW(g_hwndActiveTool, WM_COMMAND, IDC_FUSION_DEFAULT, 0);
+    EXPECT_EQ(SliderText(), L"100");
+    ExpectSamePicture(g_previewPicture, Fused(6, 100).pic, 1);
+    Scroll(TB_THUMBTRACK, 128);
+    SendMessageW(g_hwndActiveTool, WM_CLOSE, 0, 0); // any close but Cancel counts as OK
+    Pump();
+    ExpectClosed(true);
+    ExpectSamePicture(g_resultPicture, Fused(6, 128).pic);
+    const std::string settings = FileBytes(SettingsFilePath());
+    EXPECT_NE(settings.find("Exposure=128"), std::string::npos) << settings;
+    EXPECT_NE(settings.find("Sharp Strength=5\r\nSat Strength=5\r\nExp Strength=5"),
+              std::string::npos)
+        << settings;
+}
+
+TEST_F(FusionDialogs, PagingShowsASourceUntilTheSliderMoves)
+{
+    g_multiImageMode = false;
+    OpenSeries(3, ID_OPEN_EXPOSURE_FUSION);
+    SendMessageW(g_hwndActiveTool, ID_SOURCE_NEXT, 0, 0);
+    EXPECT_EQ(g_sourceIndex, 0); // a series that the program has made is not looked through
+    g_multiImageMode = true;
+    SendMessageW(g_hwndActiveTool, ID_SOURCE_PREV, 0, 0);
+    EXPECT_EQ(g_sourceIndex, 2);
+    EXPECT_TRUE(g_showSources);
+    SendMessageW(g_hwndActiveTool, ID_SOURCE_NEXT, 0, 0);
+    EXPECT_EQ(g_sourceIndex, 0);
+    Scroll(TB_PAGEDOWN);
+    EXPECT_FALSE(g_showSources);
+    Press(IDCANCEL);
+}
+
+TEST_F(FusionDialogs, NameAFileThatCannotBeReadOnce)
+{
+    OpenPicture("photo.png", kWidth, kHeight);
+    for (int i = 0; i < 3; ++i)
+        std::wcscpy(g_sourceFiles[i], Wide("photo.png").c_str());
+    std::wcscpy(g_sourceFiles[1], Wide("missing.tif").c_str());
+    g_sourceCount = 3;
+    RunModal([] { Command(ID_OPEN_EXPOSURE_FUSION); },
+             {[this](HWND box)
+              {
+                  const std::wstring text = MessageBoxText(box);
+                  EXPECT_EQ(text.find(g_strings[33]), 0u);
+                  EXPECT_NE(text.find(L"missing.tif"), std::wstring::npos);
+                  PressButton(box, IDOK);
+              }});
+    EXPECT_FALSE(SamePixels(g_previewPicture, g_sourcePicture));
+    RunModal([] { Scroll(TB_PAGEDOWN); }, {}); // says nothing any more
+    Press(IDOK);
+    ExpectClosed(true);
+}
+
+TEST_F(FusionDialogs, SeriesFolderIsEmptiedOfFilesOnly)
+{
+    std::wstring series;
+    ASSERT_TRUE(PrepareSeriesFolder(&series));
+    const std::wstring file = series + L"file_000.tif", inner = series + L"inner";
+    CloseHandle(CreateFileW(file.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS,
+                            FILE_ATTRIBUTE_READONLY, nullptr));
+    CreateDirectoryW(inner.c_str(), nullptr);
+    ASSERT_TRUE(PrepareSeriesFolder(&series));
+    EXPECT_EQ(GetFileAttributesW(file.c_str()), INVALID_FILE_ATTRIBUTES);
+    EXPECT_TRUE(RemoveDirectoryW(inner.c_str()));
+}
+
+TEST_F(FusionDialogs, DaylightOpensThePowerDialogOverItsSeries)
+{
+    OpenPicture("photo.png", kWidth, kHeight, 1, 16);
+    Command(ID_DAYLIGHT_UP);
+    EXPECT_TRUE(g_toolBusy);
+    EXPECT_EQ(Enabled(), kToolRunning);
+    EXPECT_EQ(WindowText(GetDlgItem(DockedDialogWith(IDC_PROGRESS_BAR), IDCANCEL)), L"Abort");
+    PumpUntil([] { return g_hwndActiveTool != nullptr; });
+    EXPECT_EQ(g_sourceCount, 39);
+    EXPECT_EQ(SliderText(), L"15");
+    EXPECT_FALSE(DockedDialogWith(IDC_PROGRESS_BAR));
+    EXPECT_FALSE(g_toolBusy);
+    Press(IDOK);
+    ExpectClosed(true);
+    EXPECT_FALSE(SamePixels(g_resultPicture, g_sourcePicture));
+}
+
+TEST_F(FusionDialogs, AbortLeavesThePhotographAsItWasOpened)
+{
+    OpenPicture("photo.png", 1200, 900);
+    for (const int command : {ID_DAYLIGHT_DOWN, ID_DAYLIGHT_UP})
+    {
+        Command(command);
+        const HWND panel = DockedDialogWith(IDC_PROGRESS_BAR);
+        SendMessageW(panel, WM_COMMAND, IDCANCEL, 0);
+        SendMessageW(panel, WM_APP_SERIES_PROGRESS, 50, 10); // still on its way
+        EXPECT_EQ(WindowText(GetDlgItem(panel, IDC_PROGRESS_TEXT)), g_strings[57]);
+        PumpUntil([] { return !g_toolBusy; });
+        ExpectClosed(false);
+        EXPECT_TRUE(g_showSources);
+        EXPECT_EQ(g_sourceCount, 0);
+        EXPECT_FALSE(g_cancelRequested);
+    }
+}
+
+TEST_F(FusionDialogs, ClosingTheProgramWaitsForTheWorkerWithoutBlocking)
+{
+    OpenPicture("photo.png", 1200, 900);
+    Command(ID_DAYLIGHT_UP);
+    const HWND frame = g_hwndMain;
+    SendMessageW(frame, WM_CLOSE, 0, 0);
+    EXPECT_TRUE(IsWindow(frame));
+    PumpUntil([frame] { return !IsWindow(frame); });
+    EXPECT_FALSE(g_toolBusy);
+}
+
+// Presses a button of the noise prompt, whose loop runs inside the command.
+static int g_promptButton;
+static void CALLBACK PressInPrompt(HWND, UINT, UINT_PTR timer, DWORD)
+{
+    const HWND prompt = DockedDialogWith(IDC_NOISE_LEVEL);
+    if (!prompt)
+        return;
+    KillTimer(nullptr, timer);
+    EXPECT_EQ(Enabled(), kToolRunning);
+    SendDlgItemMessageW(prompt, IDC_NOISE_LEVEL, CB_SETCURSEL, 0, 0);
+    SendMessageW(prompt, WM_COMMAND, WPARAM(g_promptButton), 0);
+}
+
+TEST_F(FusionDialogs, NoisePromptDecidesWhetherTheSeriesIsMade)
+{
+    OpenPicture("photo.png", kWidth, kHeight);
+    g_promptButton = IDCANCEL;
+    SetTimer(nullptr, 0, 10, PressInPrompt);
+    Command(ID_SINGLE_LIGHT);
+    ExpectClosed(false);
+    EXPECT_EQ(FileBytes(SettingsFilePath()).find("Denoise"), std::string::npos);
+
+    g_promptButton = IDOK;
+    SetTimer(nullptr, 0, 10, PressInPrompt);
+    Command(ID_SINGLE_LIGHT);
+    EXPECT_NE(FileBytes(SettingsFilePath()).find("Denoise Strength=0"), std::string::npos);
+    PumpUntil([] { return g_hwndActiveTool != nullptr; });
+    EXPECT_EQ(g_sourceCount, 11);
+    EXPECT_EQ(g_sourceIndex, 0);
+    Press(IDCANCEL);
+    ExpectClosed(false);
+}
