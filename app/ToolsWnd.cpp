@@ -8,6 +8,7 @@
 #include "app/FrameView_win.h"
 #include "app/SourcePaging_win.h"
 #include "app/Strings.h"
+#include "app/ToolbarWnd.h"
 #include "fusion/ExposureFusionDlg.h"
 #include "multiscale/NoisePromptDlg.h"
 #include "multiscale/SeriesWorkerWnd.h"
@@ -86,6 +87,7 @@ void StartMultiImage()
     EnableToolCommands(true);
     UpdateViewArea();
     ZoomTo100(&g_view, g_sourcePicture);
+    SetZoomBoxText(ZoomText(g_view.state.scale).c_str());
     ShowSource(g_sourcePicture);
     ShowSourceStatus(31);
     ShowExposureFusionDialog();
