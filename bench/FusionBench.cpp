@@ -184,10 +184,7 @@ static void EveryVariant(benchmark::internal::Benchmark* bench)
 BENCHMARK(Reduce)->Apply(EveryVariant)->Unit(benchmark::kMillisecond)->UseRealTime();
 BENCHMARK(Expand)->Apply(EveryVariant)->Unit(benchmark::kMillisecond)->UseRealTime();
 BENCHMARK(Weigh)
-    ->ArgsProduct({
-        {0,  1, 2, 3},
-        {1, 3 }
-})
+    ->ArgsProduct({{0, 1, 2, 3}, {1, 3}})
     ->ArgNames({"variant", "channels"})
     ->Unit(benchmark::kMillisecond)
     ->UseRealTime();

@@ -139,11 +139,13 @@ bool VcMergeAccumulator(VcFusionAccumulator* acc, const VcFusionAccumulator& oth
                 continue;
             const uint32_t level = slot % kFusionLevelSlots;
             const int width = int(acc->levelWidth[level]);
-            VcParallelRows(int(acc->levelHeight[level]), width, [=](int first, int end) {
-                const int64_t last = int64_t(end) * width;
-                for (int64_t i = int64_t(first) * width; i < last; ++i)
-                    to[i] += from[i];
-            });
+            VcParallelRows(int(acc->levelHeight[level]), width,
+                           [=](int first, int end)
+                           {
+                               const int64_t last = int64_t(end) * width;
+                               for (int64_t i = int64_t(first) * width; i < last; ++i)
+                                   to[i] += from[i];
+                           });
         }
     }
     return false;

@@ -101,9 +101,11 @@ static void MakeCoarser(const FusionBandJob& job, FusionSamples samples, Scratch
     for (int c = 0; c < count; ++c)
     {
         float* to = scratch->gauss[c][level + 1].get();
-        VcParallelRows(height, width, [&](int first, int end) {
-            kernels.reduceRows[samples](to, width, height, &job.gauss[c], job.kernel, first, end);
-        });
+        VcParallelRows(height, width,
+                       [&](int first, int end) {
+                           kernels.reduceRows[samples](to, width, height, &job.gauss[c], job.kernel,
+                                                       first, end);
+                       });
     }
 }
 
@@ -180,18 +182,21 @@ static void WriteSamples(T* to, const float* from, int width)
 static void ComposeFinest(SBxPicBuf* plane, const VcFusionAccumulator& acc, unsigned channel,
                           const float* coarse)
 {
-    VcParallelRows(plane->height, plane->width, [&](int first, int end) {
-        std::vector<float> row(size_t(plane->width));
-        for (int y = first; y < end; ++y)
-        {
-            std::fill(row.begin(), row.end(), 0.0f);
-            ComposeRows(acc, channel, 0, coarse, y, y + 1, [&](int) { return row.data(); });
-            if (acc.bitsPerComponent == 8)
-                WriteSamples(PicRow<uint8_t>(*plane, y), row.data(), plane->width);
-            else
-                WriteSamples(PicRow<uint16_t>(*plane, y), row.data(), plane->width);
-        }
-    });
+    VcParallelRows(plane->height, plane->width,
+                   [&](int first, int end)
+                   {
+                       std::vector<float> row(size_t(plane->width));
+                       for (int y = first; y < end; ++y)
+                       {
+                           std::fill(row.begin(), row.end(), 0.0f);
+                           ComposeRows(acc, channel, 0, coarse, y, y + 1,
+                                       [&](int) { return row.data(); });
+                           if (acc.bitsPerComponent == 8)
+                               WriteSamples(PicRow<uint8_t>(*plane, y), row.data(), plane->width);
+                           else
+                               WriteSamples(PicRow<uint16_t>(*plane, y), row.data(), plane->width);
+                       }
+                   });
 }
 
 bool VcComposePlane(SBxPicBuf* plane, const VcFusionAccumulator& acc, unsigned channel)
@@ -203,10 +208,13 @@ bool VcComposePlane(SBxPicBuf* plane, const VcFusionAccumulator& acc, unsigned c
         FloatPlane fine = PlaneOf(size);
         if (!fine)
             return true;
-        VcParallelRows(size.height, size.width, [&](int first, int end) {
-            ComposeRows(acc, channel, k, coarse.get(), first, end,
-                        [&](int row) { return fine.get() + int64_t(row) * size.width; });
-        });
+        VcParallelRows(size.height, size.width,
+                       [&](int first, int end)
+                       {
+                           ComposeRows(acc, channel, k, coarse.get(), first, end,
+                                       [&](int row)
+                                       { return fine.get() + int64_t(row) * size.width; });
+                       });
         coarse = std::move(fine);
     }
     ComposeFinest(plane, acc, channel, coarse.get());

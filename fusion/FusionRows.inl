@@ -95,7 +95,8 @@ static void ReduceRows(float* dst, int dstW, int dstH, const FusionPlane* src,
             const int end = Smaller(first + kPiece, dstW);
             const int base = ReduceStart(first, srcW);
             ReduceColumns(scratch, window, srcW, taps, base, ReduceStart(end - 1, srcW) + 5);
-            const auto sample = [&](int j) {
+            const auto sample = [&](int j)
+            {
                 const float* s = scratch + (ReduceStart(j, srcW) - base);
                 return Filtered(taps, s[0], s[1], s[2], s[3], s[4]);
             };
@@ -150,7 +151,8 @@ static void ExpandPiece(float* __restrict out, int dstW, int dstH, const float* 
     const int base = ExpandStart(first, dstW) / 2;
     const int last = Smaller((ExpandStart(end - 1, dstW) + 4) / 2, srcW - 1);
     ExpandColumns(scratch, src, srcW, srcH, dstH, taps, row, base, last + 1);
-    const auto sample = [&](int j) {
+    const auto sample = [&](int j)
+    {
         const int start = ExpandStart(j, dstW);
         const float* s = scratch + ((start + 1) / 2 - base);
         if (start & 1)
@@ -350,12 +352,10 @@ using Word = unsigned short;
 
 constexpr FusionKernels TunedKernels(const char* name)
 {
-    return {
-        name,
-        {ReduceRows<float>, ReduceRows<Byte>, ReduceRows<Word>},
-        ExpandRow,
-        AddRatios,
-        { Weigh<float, 1>, Weigh<Byte,                                   1>, Weigh<Word, 1>},
-        { Weigh<float, 3>, Weigh<Byte,                                   3>, Weigh<Word, 3>}
-    };
+    return {name,
+            {ReduceRows<float>, ReduceRows<Byte>, ReduceRows<Word>},
+            ExpandRow,
+            AddRatios,
+            {Weigh<float, 1>, Weigh<Byte, 1>, Weigh<Word, 1>},
+            {Weigh<float, 3>, Weigh<Byte, 3>, Weigh<Word, 3>}};
 }

@@ -74,7 +74,8 @@ static float Laplacian(const FusionBandJob& job, int channels, int row, int colu
 {
     const int y = std::clamp(row, 1, job.gauss[0].height - 2);
     const int x = std::clamp(column, 1, job.gauss[0].width - 2);
-    const auto sum = [&](int dy, int dx) {
+    const auto sum = [&](int dy, int dx)
+    {
         float total = SampleAt<T>(job.gauss[0], y + dy, x + dx);
         for (int c = 1; c < channels; ++c)
             total += SampleAt<T>(job.gauss[c], y + dy, x + dx);
@@ -138,6 +139,5 @@ const FusionKernels kFusionKernelsPlain = {
     {ReduceRows<float>, ReduceRows<uint8_t>, ReduceRows<uint16_t>},
     ExpandRow,
     AddRatios,
-    { Weigh<float, 1>, Weigh<uint8_t,                                      1>, Weigh<uint16_t, 1>},
-    { Weigh<float, 3>, Weigh<uint8_t,                                      3>, Weigh<uint16_t, 3>}
-};
+    {Weigh<float, 1>, Weigh<uint8_t, 1>, Weigh<uint16_t, 1>},
+    {Weigh<float, 3>, Weigh<uint8_t, 3>, Weigh<uint16_t, 3>}};

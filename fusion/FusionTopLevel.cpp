@@ -92,7 +92,8 @@ static float LaplacianAt(const FusionBandJob& job, unsigned channels, int row, i
     const size_t width = size_t(job.gauss[0].width);
     const size_t centre = size_t(std::clamp(row, 1, job.gauss[0].height - 2)) * width +
                           size_t(std::clamp(column, 1, job.gauss[0].width - 2));
-    const auto at = [&](size_t i) {
+    const auto at = [&](size_t i)
+    {
         const float sample = Samples(job, 0)[i];
         return double(channels == 3 ? sample + Samples(job, 1)[i] + Samples(job, 2)[i] : sample);
     };

@@ -21,7 +21,8 @@ class VcUpdateAplitude_x8
 public:
     VcUpdateAplitude_x8(const FusionBandJob& band, FusionSamples samples)
         : job(band), weigh(VcFusionKernels().weigh1[samples])
-    {}
+    {
+    }
 
     void operator()(const TaskRange& range) const
     {

@@ -23,15 +23,17 @@ static void Stretch(SBxPicBuf* dst, const SBxPicBuf& src, unsigned lo, unsigned 
 
     const T* lookup = table; // the caller's table, whichever thread takes the rows
     const int samples = src.width * src.components;
-    VcParallelRows(src.height, samples, [&](int first, int end) {
-        for (int y = first; y < end; ++y)
-        {
-            const T* from = PicRow<const T>(src, y);
-            T* to = PicRow<T>(*dst, y);
-            for (int x = 0; x < samples; ++x)
-                to[x] = lookup[from[x]];
-        }
-    });
+    VcParallelRows(src.height, samples,
+                   [&](int first, int end)
+                   {
+                       for (int y = first; y < end; ++y)
+                       {
+                           const T* from = PicRow<const T>(src, y);
+                           T* to = PicRow<T>(*dst, y);
+                           for (int x = 0; x < samples; ++x)
+                               to[x] = lookup[from[x]];
+                       }
+                   });
 }
 
 bool VcStretchRange8(SBxPicBuf* dst, const SBxPicBuf& src, unsigned lo, unsigned hi)
