@@ -107,7 +107,7 @@ static void Weigh(benchmark::State& state)
         job.sums[c] = sums[c].get();
     }
     for (auto _ : state)
-        VcWeighBand(job, kFusionFloats, channels, 8);
+        VcWeighBand(job, kFusionFloats, channels, 8, 0, kHeight);
     const double ratio = double(sums[0].get()[4321]) / double(weights.get()[4321]);
     if (std::fabs(ratio - double(gauss[0].get()[4321])) > 0.01)
         state.SkipWithError("wrong result");

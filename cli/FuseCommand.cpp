@@ -124,8 +124,10 @@ static int AddSource(FuseJob* job, Source* source, size_t index)
         picture.bitsPerComponent != first.bitsPerComponent)
         return FailJob(job, path,
                        "the picture is " + Kind(picture) + ", but the first one is " + Kind(first));
-    if (VcAccumulateImage(&job->accumulator, picture))
-        return FailJob(job, path, "not enough memory to fuse pictures of this size");
+    if (VcAccumulateImage(&job->accumulator, picture, StopRequested))
+        return FailJob(job, StopRequested() ? "" : path,
+                       StopRequested() ? "stopped"
+                                       : "not enough memory to fuse pictures of this size");
     return kExitDone;
 }
 

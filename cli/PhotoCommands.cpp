@@ -1,6 +1,7 @@
 // The commands on single photographs: what each of them computes.
 
 #include "cli/PhotoCommand.h"
+#include "cli/Progress.h"
 
 #include "fusion/FusionAccumulator.h"
 #include "multiscale/DaylightSeries.h"
@@ -45,7 +46,7 @@ static std::string Single(SBxPicBuf* result, const SBxPicBuf& photo, const Photo
     control.denoiseThreads = unsigned(options.threads);
     const SeriesSink fuse = [&](int number, const SBxPicBuf& exposure, const char*)
     {
-        const bool failed = VcAccumulateImage(&fusion.accumulator, exposure);
+        const bool failed = VcAccumulateImage(&fusion.accumulator, exposure, StopRequested);
         progress.show(double(number + 1) / (kExposures + 1));
         return failed;
     };
@@ -70,7 +71,7 @@ static std::string Daylight(SBxPicBuf* result, const SBxPicBuf& photo,
     for (int i = 0; i < options.power && !failed && !progress.stopped(); ++i)
     {
         MakeDaylightVariant(&variant, photo, mode, order[size_t(i)]);
-        failed = VcAccumulateImage(&fusion.accumulator, variant);
+        failed = VcAccumulateImage(&fusion.accumulator, variant, StopRequested);
         progress.show(double(i + 1) / (options.power + 1));
     }
     CBxPicBufAPI::DoneHeap(&variant);

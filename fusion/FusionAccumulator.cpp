@@ -93,7 +93,7 @@ static SBxPicBuf ComponentPlane(const SBxPicBuf& picture, unsigned index)
     return plane;
 }
 
-static bool AccumulateThree(VcFusionAccumulator* acc, const SBxPicBuf& picture)
+static bool AccumulateThree(VcFusionAccumulator* acc, const SBxPicBuf& picture, FusionStop stop)
 {
     SBxPicBuf planes[3];
     bool failed = false;
@@ -102,26 +102,26 @@ static bool AccumulateThree(VcFusionAccumulator* acc, const SBxPicBuf& picture)
         planes[c] = ComponentPlane(picture, c);
         failed |= !planes[c].data;
     }
-    failed = failed || VcAccumulatePlanes3(acc->planes, planes, *acc);
+    failed = failed || VcAccumulatePlanes3(acc->planes, planes, *acc, stop);
     for (SBxPicBuf& plane : planes)
         CBxPicBufAPI::DoneHeap(&plane);
     return failed;
 }
 
-bool VcAccumulateImage(VcFusionAccumulator* acc, const SBxPicBuf& picture)
+bool VcAccumulateImage(VcFusionAccumulator* acc, const SBxPicBuf& picture, FusionStop stop)
 {
     if (!FitsAccumulator(*acc, picture) || uint32_t(picture.components) != acc->channels)
         return true;
     if (acc->channels == 1)
-        return VcAccumulatePlane(acc->planes, picture, *acc);
+        return VcAccumulatePlane(acc->planes, picture, *acc, stop);
     if (acc->channels == 3)
-        return AccumulateThree(acc, picture);
+        return AccumulateThree(acc, picture, stop);
 
     bool failed = false;
     for (unsigned c = 0; c < acc->channels; ++c)
     {
         SBxPicBuf plane = ComponentPlane(picture, c);
-        failed |= !plane.data || VcAccumulatePlane(acc->planes + c, plane, *acc);
+        failed |= !plane.data || VcAccumulatePlane(acc->planes + c, plane, *acc, stop);
         CBxPicBufAPI::DoneHeap(&plane);
     }
     return failed;

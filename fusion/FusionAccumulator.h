@@ -60,16 +60,23 @@ bool VcFusionAcceptsSize(int width, int height);
 // Releases the planes; copes with a half-filled accumulator. Always false.
 bool VcFreeAccumulator(VcFusionAccumulator* acc);
 
+// Whether the user wants the work to end; asked on the calling thread.
+using FusionStop = bool (*)();
+
 // Adds one source. Fails, and adds nothing, when its geometry differs from the accumulator's or
-// scratch memory is short.
-[[nodiscard]] bool VcAccumulateImage(VcFusionAccumulator* acc, const SBxPicBuf& picture);
+// scratch memory is short. With `stop`, a source of any size ends soon after the wish: that is a
+// failure, too, and the sums are worthless then.
+[[nodiscard]] bool VcAccumulateImage(VcFusionAccumulator* acc, const SBxPicBuf& picture,
+                                     FusionStop stop = nullptr);
 
 // The two routes of VcAccumulateImage: one plane into one channel, and three planes with common
 // weights. `channelPlanes` is the channel's entry (or the three entries) of acc->planes.
 [[nodiscard]] bool VcAccumulatePlane(float* const (*channelPlanes)[kFusionPlanes],
-                                     const SBxPicBuf& plane, const VcFusionAccumulator& acc);
+                                     const SBxPicBuf& plane, const VcFusionAccumulator& acc,
+                                     FusionStop stop = nullptr);
 [[nodiscard]] bool VcAccumulatePlanes3(float* const (*channelPlanes)[kFusionPlanes],
-                                       const SBxPicBuf planes[3], const VcFusionAccumulator& acc);
+                                       const SBxPicBuf planes[3], const VcFusionAccumulator& acc,
+                                       FusionStop stop = nullptr);
 
 // Adds other's sums to acc's. Both must have been set up alike; nothing checks it. Always false.
 bool VcMergeAccumulator(VcFusionAccumulator* acc, const VcFusionAccumulator& other);

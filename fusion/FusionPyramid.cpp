@@ -12,6 +12,7 @@
 #include "fusion/FusionWeights.h"
 #include "picture/FloatPlane.h"
 
+#include <algorithm>
 #include <utility>
 #include <vector>
 
@@ -109,38 +110,54 @@ static void MakeCoarser(const FusionBandJob& job, FusionSamples samples, Scratch
     }
 }
 
+// Weights a level, in strips of rows when somebody may want to stop. True when that is so.
+static bool WeighLevel(const FusionBandJob& job, FusionSamples samples, int channels, unsigned bits,
+                       FusionStop stop)
+{
+    constexpr int kStripPixels = 1 << 20; // some hundredths of a second
+    const int width = job.gauss[0].width, height = job.gauss[0].height;
+    const int strip = stop ? kStripPixels / width + 1 : height;
+    for (int row = 0; row < height; row += strip)
+    {
+        if (stop && stop())
+            return true;
+        VcWeighBand(job, samples, unsigned(channels), bits, row, std::min(row + strip, height));
+    }
+    return false;
+}
+
 static bool AccumulatePlanes(float* const (*channelPlanes)[kFusionPlanes], const SBxPicBuf* planes,
-                             int count, const VcFusionAccumulator& acc)
+                             int count, const VcFusionAccumulator& acc, FusionStop stop)
 {
     Scratch scratch;
     if (AllocateScratch(&scratch, acc, count))
         return true;
-    const unsigned channels = unsigned(count);
     for (unsigned k = 0; k < acc.levels; ++k)
     {
         const FusionSamples samples = SamplesOf(planes, k);
         const FusionBandJob job = JobOf(scratch, channelPlanes, planes, acc, k, count);
         MakeCoarser(job, samples, &scratch, k, count);
-        if (CarriesBand(SizeOf(acc, k)))
-            VcWeighBand(job, samples, channels, acc.bitsPerComponent);
+        if (CarriesBand(SizeOf(acc, k)) &&
+            WeighLevel(job, samples, count, acc.bitsPerComponent, stop))
+            return true;
         for (int c = 0; c < count; ++c)
             scratch.gauss[c][k].reset();
     }
-    VcWeighTop(JobOf(scratch, channelPlanes, planes, acc, acc.levels, count), channels,
+    VcWeighTop(JobOf(scratch, channelPlanes, planes, acc, acc.levels, count), unsigned(count),
                acc.bitsPerComponent);
     return false;
 }
 
 bool VcAccumulatePlane(float* const (*channelPlanes)[kFusionPlanes], const SBxPicBuf& plane,
-                       const VcFusionAccumulator& acc)
+                       const VcFusionAccumulator& acc, FusionStop stop)
 {
-    return AccumulatePlanes(channelPlanes, &plane, 1, acc);
+    return AccumulatePlanes(channelPlanes, &plane, 1, acc, stop);
 }
 
 bool VcAccumulatePlanes3(float* const (*channelPlanes)[kFusionPlanes], const SBxPicBuf planes[3],
-                         const VcFusionAccumulator& acc)
+                         const VcFusionAccumulator& acc, FusionStop stop)
 {
-    return AccumulatePlanes(channelPlanes, planes, 3, acc);
+    return AccumulatePlanes(channelPlanes, planes, 3, acc, stop);
 }
 
 // Rows [first, end) of a level of the blend: the coarser level expanded, plus what the sources have

@@ -77,11 +77,11 @@ public:
 };
 
 template <typename Body>
-static void RunBody(const FusionBandJob& job, FusionSamples samples)
+static void RunBody(const FusionBandJob& job, FusionSamples samples, int firstRow, int endRow)
 {
     tbb::task_group_context context(tbb::task_group_context::bound);
-    tbb::parallel_for(TaskRange(0, job.gauss[0].height, 1, 0, job.gauss[0].width, 1),
-                      Body(job, samples), tbb::auto_partitioner(), context);
+    tbb::parallel_for(TaskRange(firstRow, endRow, 1, 0, job.gauss[0].width, 1), Body(job, samples),
+                      tbb::auto_partitioner(), context);
 }
 
 float VcExposureSpread(unsigned bitsPerComponent)
@@ -93,16 +93,16 @@ float VcExposureSpread(unsigned bitsPerComponent)
 }
 
 void VcWeighBand(FusionBandJob job, FusionSamples samples, unsigned channels,
-                 unsigned bitsPerComponent)
+                 unsigned bitsPerComponent, int firstRow, int endRow)
 {
     job.spread = VcExposureSpread(bitsPerComponent);
     job.additions = 1;
     if (channels == 3)
-        bitsPerComponent == 8 ? RunBody<VcUpdateAplitude_3x8>(job, samples)
-                              : RunBody<VcUpdateAplitude_3x16>(job, samples);
+        bitsPerComponent == 8 ? RunBody<VcUpdateAplitude_3x8>(job, samples, firstRow, endRow)
+                              : RunBody<VcUpdateAplitude_3x16>(job, samples, firstRow, endRow);
     else
-        bitsPerComponent == 8 ? RunBody<VcUpdateAplitude_x8>(job, samples)
-                              : RunBody<VcUpdateAplitude_x16>(job, samples);
+        bitsPerComponent == 8 ? RunBody<VcUpdateAplitude_x8>(job, samples, firstRow, endRow)
+                              : RunBody<VcUpdateAplitude_x16>(job, samples, firstRow, endRow);
 }
 
 void VcParallelRows(int rows, int rowSamples, const std::function<void(int, int)>& rowRange)

@@ -5,9 +5,10 @@
 // Weights one band level and adds it to the sums: every pixel counts for more where its
 // surroundings are busy, where its colours are far from grey and where its brightness is close to
 // `mid`. Fills in the job's spread and additions by depth and channel count, then runs over the
-// task pool. One channel or three; `samples` says how the job's Gaussian planes are stored.
+// task pool. One channel or three; `samples` says how the job's Gaussian planes are stored. Rows
+// [firstRow, endRow) of the level.
 void VcWeighBand(FusionBandJob job, FusionSamples samples, unsigned channels,
-                 unsigned bitsPerComponent);
+                 unsigned bitsPerComponent, int firstRow, int endRow);
 
 // The same for the coarsest level, whose values are the Gaussian samples themselves, in floats (the
 // job's coarse planes are not looked at). Its formulas differ from the bands' on purpose. Serial:

@@ -304,6 +304,27 @@ TEST(Accumulator, RefusesPicturesOfAnotherGeometryAndStaysAsItWas)
     ExpectSamePicture(Composed(accumulator.acc, sources[0].pic).pic, Fused(sources, 128).pic);
 }
 
+// Asked before every strip of rows: a large picture is not finished first.
+TEST(Accumulator, StopsInTheMiddleOfASource)
+{
+    static int looksLeft;
+    const FusionStop stop = [] { return looksLeft == 0 || --looksLeft == 0; };
+    const TestPicture source = ScenePicture(1500, 1400, 1, 8, 0);
+    for (const int looks : {1, 2, 5})
+    {
+        Accumulator accumulator(source.pic, 128);
+        looksLeft = looks;
+        EXPECT_TRUE(VcAccumulateImage(&accumulator.acc, source.pic, stop)) << looks;
+    }
+    // Looking changes nothing.
+    Accumulator plain(source.pic, 128), watched(source.pic, 128);
+    looksLeft = 1000;
+    ASSERT_FALSE(VcAccumulateImage(&plain.acc, source.pic));
+    ASSERT_FALSE(VcAccumulateImage(&watched.acc, source.pic, stop));
+    EXPECT_LT(looksLeft, 1000 - 7);
+    ExpectSamePicture(Composed(watched.acc, source.pic).pic, Composed(plain.acc, source.pic).pic);
+}
+
 TEST(Accumulator, ReportsThatMemoryIsShort)
 {
     VcFusionAccumulator acc;
