@@ -63,6 +63,6 @@ std::wstring DialogFilter(const std::vector<std::wstring>& patterns)
 {
     std::wstring filter;
     for (const std::wstring& pattern : patterns)
-        filter += pattern + L'\0' + pattern + L'\0';
+        filter.append(pattern).append(1, L'\0').append(pattern).append(1, L'\0');
     return filter + L'\0';
 }
