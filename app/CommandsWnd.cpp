@@ -1,5 +1,6 @@
 #include "app/CommandsWnd.h"
 
+#include "Version.h"
 #include "app/AppState.h"
 #include "app/AppWindows_win.h"
 #include "app/CommandIds.h"
@@ -111,7 +112,7 @@ static void OnExit()
 static void OnAbout()
 {
     const std::wstring text = VcFormatText(
-        L"Plenoviz, Version 2.2\n"
+        L"Plenoviz, Version " PLENOVIZ_SHORT_VERSION L"\n"
         L"Photographs with detail in shadows and highlights\n\n"
         L"This software uses the FreeImage open source image library under the FreeImage Public "
         L"License, oneTBB under the Apache License 2.0, libjpeg-turbo, libpng, libtiff, libwebp, "

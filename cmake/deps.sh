@@ -61,6 +61,8 @@ Fetch()
         if apt-get "${aptOptions[@]}" source "$name=$version" </dev/null; then
             sourceFolder=$(find "$work/$name" -mindepth 1 -maxdepth 1 -type d)
             echo "$name $version" >>"$stage/versions.txt"
+            # The notices of the packages are made of these.
+            install -D -m 644 "$sourceFolder/debian/copyright" "$stage/share/doc/$name/copyright"
             return
         fi
         rm -rf "${work:?}/$name"

@@ -1,23 +1,28 @@
 #!/bin/bash
 # Installs the Debian packages that a build needs: `setup.sh native` for the program itself on this
-# machine, `setup.sh all` for everything that ./check does. Silent when nothing is missing.
+# machine, `setup.sh package` for what ./package makes, `setup.sh all` for everything that ./check
+# does. Silent when nothing is missing.
 
 set -euo pipefail
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 level=${1:-native}
 
 native=(g++ cmake ninja-build libfreeimage-dev libtbb-dev googletest libbenchmark-dev)
-# Windows: compiler, zlib, the assembler of the JPEG library, and wine to run the tests. wine32 and
-# the screen drivers are only recommended packages, so they stay away. Two draw the images and pack
-# the icon; the last three are a screen that nobody sees, a hand on it, and its photographer.
-windows=(g++-mingw-w64-x86-64-posix libz-mingw-w64-dev nasm dpkg-dev wine wine64
-    librsvg2-bin icoutils xvfb xdotool imagemagick)
+# Windows: compiler, zlib, the assembler of the JPEG library, what unpacks the sources of libraries;
+# three draw the images and pack the icon.
+windows=(g++-mingw-w64-x86-64-posix libz-mingw-w64-dev nasm dpkg-dev librsvg2-bin icoutils
+    imagemagick)
+packing=(nsis zip unzip)
+# Wine to run the tests, and a screen that nobody sees with a hand on it. wine32 and the screen
+# drivers are only recommended packages, so they stay away.
+showing=(wine wine64 xvfb xdotool)
 linting=(clang-format-14 clang-tidy-14)
 
 case $level in
 native) packages=("${native[@]}") ;;
-all) packages=("${native[@]}" "${windows[@]}" "${linting[@]}") ;;
-*) echo "setup.sh: unknown level '$level' (native or all)" >&2; exit 2 ;;
+package) packages=("${native[@]}" "${windows[@]}" "${packing[@]}") ;;
+all) packages=("${native[@]}" "${windows[@]}" "${packing[@]}" "${showing[@]}" "${linting[@]}") ;;
+*) echo "setup.sh: unknown level '$level' (native, package or all)" >&2; exit 2 ;;
 esac
 
 # The stamp names the packages and the state of the package database they were seen in, so a stamp
