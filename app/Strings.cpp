@@ -106,6 +106,15 @@ static const EnglishRow kEnglish[] = {
     {111, L"Details Enhancement:"},
     {112, L"Tone Equalization:"},
     {113, L"Use Extra Colors"},
+    {kTextInvitation, L"Open a picture (Ctrl+O) or drop it here"},
+    {kTextPurpose, L"Photographs with detail in shadows and highlights"},
+    {kTextLibraries, L"Libraries in this program:"},
+    {kTextSaveMemory, L"There is not enough memory to save the picture."},
+    {kTextSaveFormat, L"Pictures cannot be saved in this format."},
+    {kTextSaveDepth, L"This format cannot hold the picture (16 bits need TIFF or PNG)."},
+    {kTextSaveCreate, L"The file cannot be created."},
+    {kTextSaveEncode, L"The picture cannot be encoded in this format."},
+    {kTextSaveWrite, L"The file cannot be written."},
 };
 
 const wchar_t* EnglishText(int number)

@@ -96,7 +96,7 @@ TEST_F(RealProfileFiles, OfTheProgramHoldEveryEnglishText)
     LanguageList list;
     LoadLanguageChoice(LocalizationFile(), &list);
     LoadLanguageNames(LocalizationFile(), &list);
-    ASSERT_EQ(list.count, 1);
+    ASSERT_EQ(list.count, 15);
     EXPECT_EQ(list.languages[0].name, L"English");
     for (int number = 1; number <= kStringCount; ++number)
     {
