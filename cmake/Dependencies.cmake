@@ -35,6 +35,18 @@ find_package(TBB REQUIRED CONFIG)
 
 if(WIN32)
     find_package(FreeImage REQUIRED CONFIG)
+elseif(PLENOVIZ_PRESET STREQUAL "fuzz")
+    # Built with the fuzzer's instruments, so that it sees into the decoders.
+    execute_process(COMMAND "${CMAKE_SOURCE_DIR}/fuzz/libraries.sh" path
+        OUTPUT_VARIABLE fuzz_libraries OUTPUT_STRIP_TRAILING_WHITESPACE
+        COMMAND_ERROR_IS_FATAL ANY)
+    add_library(FreeImage::FreeImage STATIC IMPORTED)
+    set_target_properties(FreeImage::FreeImage PROPERTIES
+        IMPORTED_LOCATION "${fuzz_libraries}/lib/libfreeimage.a"
+        INTERFACE_INCLUDE_DIRECTORIES "${fuzz_libraries}/include"
+        INTERFACE_COMPILE_DEFINITIONS FREEIMAGE_LIB
+        INTERFACE_LINK_LIBRARIES
+            "${fuzz_libraries}/lib/libtiff.a;${fuzz_libraries}/lib/libraw.a;webpmux;webp;jpeg;png16;z")
 else()
     find_library(FREEIMAGE_LIBRARY freeimage REQUIRED)
     find_path(FREEIMAGE_INCLUDE_DIR FreeImage.h REQUIRED)

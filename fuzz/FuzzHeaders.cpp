@@ -1,0 +1,28 @@
+#include "fuzz/FuzzTarget.h"
+
+#include "picture/FileHeaders.h"
+
+#include <cstdio>
+
+// What the program reads of a picture file by itself, whatever kind of file it is.
+
+int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
+{
+    if (size == 0)
+        return 0;
+    FILE* stream = fmemopen(const_cast<uint8_t*>(data), size, "rb");
+    Promise(stream);
+    int width = -1, height = -1;
+    if (GifFrameSize(stream, &width, &height))
+        Promise(width >= 0 && width <= 0xFFFF && height >= 0 && height <= 0xFFFF);
+    std::vector<uint8_t> packed;
+    if (FindPngProfile(stream, &packed))
+        Promise(!packed.empty() && packed.size() < size);
+    TiffCountsFromWhite(stream);
+    const std::vector<long> all = FindJpegExif(stream, false), damaged = FindJpegExif(stream, true);
+    Promise(damaged.size() <= all.size());
+    for (const long offset : all)
+        Promise(offset >= 6 && size_t(offset) < size && data[offset] == 'E');
+    std::fclose(stream);
+    return 0;
+}

@@ -1,0 +1,101 @@
+#include "fuzz/FuzzTarget.h"
+
+#include "picture/ImageFile.h"
+#include "picture/SystemFiles.h"
+
+#include <sys/mman.h>
+#include <unistd.h>
+
+#include <numeric>
+#include <string>
+
+// A picture file of any kind: loaded as the program loads it, and then taken as the source of
+// colour profile and metadata of another picture. The file is one in memory.
+
+// With the memory of this machine a header of a few bytes may rightly ask for gigabytes. The linker
+// puts this in the place of the system's function.
+extern "C" long __real_sysconf(int name);
+extern "C" long __wrap_sysconf(int name);
+
+long __wrap_sysconf(int name)
+{
+    const long kMemoryBytes = 96L << 20;
+    return name == _SC_PHYS_PAGES ? kMemoryBytes / __real_sysconf(_SC_PAGESIZE)
+                                  : __real_sysconf(name);
+}
+
+// Every sample is read, so that one that nobody wrote or owns is noticed.
+static unsigned SumOf(const SBxPicBuf& picture)
+{
+    return std::accumulate(picture.data, picture.data + picture.size, 0u);
+}
+
+static void CheckPair(const SBxPicBuf& picture, const SBxPicBuf& alpha, bool failed)
+{
+    Promise(failed == !picture.data);
+    Promise(!failed || !alpha.data);
+    if (failed)
+        return;
+    Promise(PictureBytes(picture.width, picture.height, picture.components,
+                         picture.bitsPerComponent) == picture.size);
+    volatile unsigned sum = SumOf(picture);
+    if (alpha.data)
+    {
+        Promise(alpha.width == picture.width && alpha.height == picture.height);
+        sum = SumOf(alpha);
+    }
+    (void)sum;
+}
+
+static void Load(const std::string& path)
+{
+    SBxPicBuf picture, alpha;
+    CBxPicBufAPI::Init(&picture);
+    CBxPicBufAPI::Init(&alpha);
+    LoadReport report;
+    const bool failed = LoadPicturePair(path.c_str(), &picture, &alpha, &report);
+    Promise(failed == (report.problem != LoadProblem::None));
+    CheckPair(picture, alpha, failed);
+    CBxPicBufAPI::DoneHeap(&picture);
+    CBxPicBufAPI::DoneHeap(&alpha);
+}
+
+static void SaveWithSource(const std::string& source, int format)
+{
+    static const std::string target = "/dev/shm/plenoviz-fuzz-" + std::to_string(getpid());
+    SBxPicBuf picture, alpha;
+    CBxPicBufAPI::Init(&picture);
+    CBxPicBufAPI::Init(&alpha);
+    CBxPicBufAPI::ReinitHeap(&picture, 9, 7, 3, 8);
+    CBxPicBufAPI::SetConst(&picture, 77);
+    SaveReport report;
+    bool thrown = false;
+    try
+    {
+        SavePicturePair(picture, alpha, target.c_str(), source.c_str(), format, &report);
+    }
+    catch (const std::runtime_error&) // the two of ImageFile.h; any other is a finding
+    {
+        thrown = true;
+    }
+    Promise(report.written == (report.problem == SaveProblem::None));
+    Promise(thrown == (report.problem == SaveProblem::SourceFormat ||
+                       report.problem == SaveProblem::SourceUnreadable));
+    if (report.written)
+        Promise(!LoadPicturePair(target.c_str(), &picture, &alpha) && picture.width == 9);
+    CBxPicBufAPI::DoneHeap(&picture);
+    CBxPicBufAPI::DoneHeap(&alpha);
+    unlink(target.c_str());
+}
+
+int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
+{
+    const int file = memfd_create("picture", MFD_CLOEXEC);
+    Promise(file >= 0 && write(file, data, size) == ssize_t(size));
+    const std::string path = "/proc/self/fd/" + std::to_string(file);
+    Load(path);
+    const int formats[] = {kFormatJpeg, kFormatPng, kFormatTiff, kFormatBmp};
+    SaveWithSource(path, formats[size % 4]);
+    close(file);
+    return 0;
+}
