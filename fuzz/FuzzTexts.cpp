@@ -145,7 +145,8 @@ static void TryCommandLine(const std::string& text)
     {
         Promise(!row->required || !(line.options.*row->text).empty());
         if (row->number)
-            Promise(line.options.*row->number >= row->low && line.options.*row->number <= row->high);
+            Promise(line.options.*row->number >= row->low &&
+                    line.options.*row->number <= row->high);
     }
     for (const int level : line.options.lod)
         Promise(level >= 0 && level <= 30);

@@ -189,12 +189,24 @@ static Bytes MakeRaw()
 {
     const uint32_t width = 32, height = 32, kShort = 3, kLong = 4, kByte = 1, kText = 2;
     const uint32_t rows[][4] = {
-        {254, kLong, 1, 0},      {256, kLong, 1, width},         {257, kLong, 1, height},
-        {258, kShort, 1, 16},    {259, kShort, 1, 1},            {262, kShort, 1, 32803},
-        {271, kText, 4, 0x4241}, {272, kText, 4, 0x4443},        {273, kLong, 1, 512},
-        {274, kShort, 1, 1},     {277, kShort, 1, 1},            {278, kLong, 1, height},
-        {284, kShort, 1, 1},     {279, kLong, 1, 2 * width * height}, {33421, kShort, 2, 0x00020002},
-        {33422, kByte, 4, 0x02010100}, {50706, kByte, 4, 0x00000401}, {50717, kLong, 1, 65535},
+        {254, kLong, 1, 0},
+        {256, kLong, 1, width},
+        {257, kLong, 1, height},
+        {258, kShort, 1, 16},
+        {259, kShort, 1, 1},
+        {262, kShort, 1, 32803},
+        {271, kText, 4, 0x4241},
+        {272, kText, 4, 0x4443},
+        {273, kLong, 1, 512},
+        {274, kShort, 1, 1},
+        {277, kShort, 1, 1},
+        {278, kLong, 1, height},
+        {284, kShort, 1, 1},
+        {279, kLong, 1, 2 * width * height},
+        {33421, kShort, 2, 0x00020002},
+        {33422, kByte, 4, 0x02010100},
+        {50706, kByte, 4, 0x00000401},
+        {50717, kLong, 1, 65535},
     };
     Bytes file = {'I', 'I', 42, 0, 8, 0, 0, 0};
     Put(&file, uint32_t(std::size(rows)), 2);

@@ -1,7 +1,9 @@
 #pragma once
 
+#include <algorithm>
 #include <cstdio>
 #include <filesystem>
+#include <string>
 
 // Writing a file so that its name holds either the old contents or the complete
 // new ones, never anything between. The new contents go into a fresh file in
@@ -12,6 +14,10 @@
 //   if (BeginReplacing(&file, path)) ... write to file.stream, note failures in
 //   file.error ... file.error ? CancelReplacing(&file) :
 //   FinishReplacing(&file);
+//
+// A process that is killed leaves its sibling behind. The next save into the
+// same folder removes it; the siblings of whoever still writes stay, on this
+// machine or another.
 //
 // Paths are save paths (SystemFiles.h). Errors are errno values on every
 // system.
@@ -35,3 +41,24 @@ bool FinishReplacing(ReplacingFile* file);
 
 // Closes and removes the sibling.
 void CancelReplacing(ReplacingFile* file);
+
+// The number of the process that a sibling's name tells, 0 when it is no such
+// name: ".plenoviz-PROCESS-COUNTER.tmp", both in decimal digits.
+template <typename Letter>
+unsigned long SiblingProcess(const std::basic_string<Letter>& name)
+{
+    const std::string start = ".plenoviz-", end = ".tmp";
+    if (name.size() < start.size() + end.size() ||
+        !std::equal(start.begin(), start.end(), name.begin()) ||
+        !std::equal(end.rbegin(), end.rend(), name.rbegin()))
+        return 0;
+    unsigned long process = 0;
+    size_t i = start.size();
+    for (; i < name.size() && name[i] >= '0' && name[i] <= '9'; ++i)
+        process = process * 10 + (unsigned long)(name[i] - '0');
+    const size_t dash = i++;
+    while (i < name.size() && name[i] >= '0' && name[i] <= '9')
+        ++i;
+    const bool counted = name[dash] == '-' && i > dash + 1 && i + end.size() == name.size();
+    return counted ? process : 0;
+}

@@ -5,6 +5,7 @@
 #include <filesystem>
 
 #include <fcntl.h>
+#include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -41,6 +42,38 @@ static int WhyNotReplaceable(const char* path, const struct stat& info)
     return access(path, W_OK) == 0 ? 0 : errno;
 }
 
+// Every sibling is locked until it has taken the target's place. The lock goes with its process, so
+// a sibling that can be locked belongs to nobody any more.
+static void RemoveIfAbandoned(const std::filesystem::path& sibling)
+{
+    const int handle = open(sibling.c_str(), O_RDWR | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK);
+    if (handle < 0)
+        return;
+    struct stat info = {};
+    if (fstat(handle, &info) == 0 && S_ISREG(info.st_mode) && flock(handle, LOCK_EX | LOCK_NB) == 0)
+        unlink(sibling.c_str());
+    close(handle);
+}
+
+static void RemoveAbandonedSiblings(const std::filesystem::path& target)
+{
+    std::error_code failed;
+    const std::filesystem::path folder = target.has_parent_path() ? target.parent_path() : ".";
+    std::filesystem::directory_iterator entry(folder, failed);
+    for (; !failed && entry != std::filesystem::directory_iterator(); entry.increment(failed))
+        if (SiblingProcess(entry->path().filename().native()) != 0)
+            RemoveIfAbandoned(entry->path());
+}
+
+// Somebody who is tidying up may have taken the new file for an abandoned one before it was locked.
+static bool LockSibling(int handle)
+{
+    if (flock(handle, LOCK_EX | LOCK_NB) != 0)
+        return errno != EWOULDBLOCK; // file systems without locks: nobody tidies up there
+    struct stat info = {};
+    return fstat(handle, &info) != 0 || info.st_nlink > 0;
+}
+
 // A new file in the folder of the target. Its name does not grow out of the target's, which may be
 // as long as names can be already.
 static int CreateSibling(ReplacingFile* file)
@@ -52,8 +85,12 @@ static int CreateSibling(ReplacingFile* file)
             ".plenoviz-" + std::to_string(getpid()) + "-" + std::to_string(counter++) + ".tmp";
         file->sibling = file->target.parent_path() / name;
         const int handle = open(file->sibling.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
-        if (handle >= 0 || errno != EEXIST)
+        if (handle < 0 && errno != EEXIST)
             return handle;
+        if (handle >= 0 && LockSibling(handle))
+            return handle;
+        if (handle >= 0)
+            close(handle);
     }
 }
 
@@ -70,6 +107,7 @@ bool BeginReplacing(ReplacingFile* file, const char* target)
     if (file->error)
         return false;
 
+    RemoveAbandonedSiblings(file->target);
     const int handle = CreateSibling(file);
     if (handle < 0)
     {
@@ -107,11 +145,14 @@ bool FinishReplacing(ReplacingFile* file)
 {
     if (!file->error)
         file->error = SyncToDisk(file->stream);
+    const int lock = dup(fileno(file->stream)); // outlives the stream
     if (std::fclose(file->stream) != 0 && !file->error)
         file->error = errno;
     file->stream = nullptr;
     if (!file->error && std::rename(file->sibling.c_str(), file->target.c_str()) != 0)
         file->error = errno;
+    if (lock >= 0)
+        close(lock);
     if (!file->error)
         return true;
     CancelReplacing(file);

@@ -42,6 +42,33 @@ static std::wstring EndOfLink(const std::wstring& path)
     return end.empty() ? path : end;
 }
 
+static bool IsRunning(DWORD process)
+{
+    HANDLE handle = OpenProcess(SYNCHRONIZE, FALSE, process);
+    if (!handle)
+        return GetLastError() == ERROR_ACCESS_DENIED; // somebody else's
+    const bool running = WaitForSingleObject(handle, 0) == WAIT_TIMEOUT;
+    CloseHandle(handle);
+    return running;
+}
+
+// Whoever writes a sibling has it open and lets nobody delete it, on this machine or another. Only
+// between closing and moving it is it open to all: then the number of its process protects it.
+static void RemoveAbandonedSiblings(const std::filesystem::path& folder)
+{
+    WIN32_FIND_DATAW entry;
+    HANDLE search = FindFirstFileW((folder / L".plenoviz-*.tmp").c_str(), &entry);
+    if (search == INVALID_HANDLE_VALUE)
+        return;
+    do
+    {
+        const DWORD process = SiblingProcess(std::wstring(entry.cFileName));
+        if (process != 0 && !IsRunning(process))
+            DeleteFileW((folder / entry.cFileName).c_str());
+    } while (FindNextFileW(search, &entry));
+    FindClose(search);
+}
+
 static FILE* CreateSibling(ReplacingFile* file)
 {
     static std::atomic<unsigned> counter{0};
@@ -89,6 +116,7 @@ bool BeginReplacing(ReplacingFile* file, const char* target)
             return false;
     }
     file->target = path;
+    RemoveAbandonedSiblings(file->target.parent_path());
     file->stream = CreateSibling(file);
     return file->stream != nullptr;
 }
