@@ -1,7 +1,7 @@
 # Shell functions, to be sourced: a screen that nobody sees, and the window program on it.
 #
 #   ScreenUp           starts the screen (1280 x 900) and exports DISPLAY; `ScreenDown` ends it
-#   ScreenFolder       makes the wine folder for windows that show, and exports WINEPREFIX
+#   ScreenFolder NAME  makes a wine folder for windows that show, and exports WINEPREFIX
 #   ForgetSettings     lets the program start as for the first time
 #   StartProgram ARGS  starts Plenoviz.exe and waits for its window; its number is in $window
 #   Shot NAME          keeps what the screen shows as out/NAME.png, and for Pixel
@@ -18,7 +18,7 @@ export WINEARCH=win64 WINEDEBUG=-all WINEDLLOVERRIDES="mscoree,mshtml=;winemenub
 # The folder of the tests with the screen switched on again, copied since a new one takes long.
 ScreenFolder()
 {
-    export WINEPREFIX=$root/build/wineprefix-screen
+    export WINEPREFIX=$root/build/wineprefix-${1:-screen}
     (
         flock 8
         [[ -f $WINEPREFIX/complete ]] && exit
@@ -26,7 +26,7 @@ ScreenFolder()
         rm -rf "$WINEPREFIX"
         cp -a "$root/build/wineprefix" "$WINEPREFIX"
         sed -i '/^"Graphics"="null"/d' "$WINEPREFIX/user.reg"
-    ) 8>"$root/build/wineprefix-screen.lock"
+    ) 8>"$WINEPREFIX.lock"
 }
 
 # As the first start of all. A program that was stopped by force is no crash to be warned of.

@@ -7,11 +7,9 @@ set -euo pipefail
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 level=${1:-native}
 
-native=(g++ cmake ninja-build libfreeimage-dev libtbb-dev googletest libbenchmark-dev)
-# Windows: compiler, zlib, the assembler of the JPEG library, what unpacks the sources of libraries;
-# three draw the images and pack the icon.
-windows=(g++-mingw-w64-x86-64-posix libz-mingw-w64-dev nasm dpkg-dev librsvg2-bin icoutils
-    imagemagick)
+native=(g++ cmake ninja-build libfreeimage-dev libtbb-dev googletest libbenchmark-dev dpkg-dev)
+# Windows: compiler, zlib, the assembler of the JPEG library; three draw the images and pack the icon.
+windows=(g++-mingw-w64-x86-64-posix libz-mingw-w64-dev nasm librsvg2-bin icoutils imagemagick)
 packing=(nsis zip unzip)
 # Wine to run the tests, and a screen that nobody sees with a hand on it. wine32 and the screen
 # drivers are only recommended packages, so they stay away.
