@@ -2,6 +2,7 @@
 
 #include "app/AppWindows_win.h"
 #include "app/DockerLayout.h"
+#include "skin/SkinBrushes_win.h"
 #include "skin/SkinColors.h"
 
 #include <algorithm>
@@ -98,9 +99,7 @@ static LRESULT OnEraseBackground(HWND docker, WPARAM wParam, LPARAM)
         MapWindowPoints(nullptr, docker, reinterpret_cast<POINT*>(&rect), 2);
         ExcludeClipRect(dc, rect.left, rect.top, rect.right, rect.bottom);
     }
-    const HBRUSH brush = CreateSolidBrush(SkinColor(COLOR_BTNFACE));
-    FillRect(dc, &client, brush);
-    DeleteObject(brush);
+    FillRect(dc, &client, SkinBrush(COLOR_BTNFACE));
     if (state && state->caption && *state->caption)
         DrawCaption(dc, *state, client);
     return 1;
@@ -159,7 +158,7 @@ HWND CreateDocker(HWND parent)
     windowClass.lpfnWndProc = DockerProc;
     windowClass.hInstance = g_hInst;
     windowClass.hCursor = LoadCursorW(nullptr, MAKEINTRESOURCEW(32512)); // the arrow
-    windowClass.hbrBackground = GetSysColorBrush(COLOR_BTNFACE);
+    windowClass.hbrBackground = SkinBrush(COLOR_BTNFACE);
     windowClass.lpszClassName = kDockerClass;
     RegisterClassW(&windowClass); // fails harmlessly when it is there already
 

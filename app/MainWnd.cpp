@@ -17,6 +17,7 @@
 #include "fusion/PowerFusionDlg.h"
 #include "multiscale/SeriesWorkerWnd.h"
 #include "multiscale/ToneMapWorker_win.h"
+#include "skin/SkinBrushes_win.h"
 #include "skin/SkinColors.h"
 
 #include <commctrl.h>
@@ -135,9 +136,7 @@ static LRESULT OnEraseBackground(HWND frame, WPARAM wParam, LPARAM)
     const CBxRect<int>& area = g_view.area;
     ExcludeChildren(dc, frame);
     ExcludeClipRect(dc, area.left, area.top, area.right, area.bottom);
-    const HBRUSH brush = CreateSolidBrush(SkinColor(COLOR_BTNFACE));
-    FillRect(dc, &client, brush);
-    DeleteObject(brush);
+    FillRect(dc, &client, SkinBrush(COLOR_BTNFACE));
     return 1;
 }
 
@@ -399,7 +398,7 @@ bool RegisterMainWindowClass(HINSTANCE instance, const wchar_t* className)
                                                   IMAGE_ICON, GetSystemMetrics(SM_CXSMICON),
                                                   GetSystemMetrics(SM_CYSMICON), 0));
     frame.hCursor = LoadCursorW(nullptr, MAKEINTRESOURCEW(32512));
-    frame.hbrBackground = GetSysColorBrush(COLOR_WINDOW);
+    frame.hbrBackground = SkinScheme() ? SkinBrush(COLOR_BTNFACE) : GetSysColorBrush(COLOR_WINDOW);
     frame.lpszClassName = className;
     return RegisterClassExW(&frame) != 0;
 }

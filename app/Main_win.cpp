@@ -6,6 +6,7 @@
 #include "app/CommandsWnd.h"
 #include "app/MainWnd.h"
 #include "app/Strings.h"
+#include "skin/SkinHooks_win.h"
 
 #include <commctrl.h>
 #include <objidl.h>
@@ -34,6 +35,7 @@ int WINAPI wWinMain(HINSTANCE instance, HINSTANCE, wchar_t*, int show)
     LoadLocalizedStrings();
     g_processStarted = true;
     InitCommonControls();
+    InstallSkin();
     wchar_t title[100] = L"", className[100] = L"";
     LoadStringW(instance, IDS_APP_TITLE, title, 100);
     LoadStringW(instance, IDS_WINDOW_CLASS, className, 100);
@@ -48,6 +50,7 @@ int WINAPI wWinMain(HINSTANCE instance, HINSTANCE, wchar_t*, int show)
         OpenFromCommandLine();
         code = RunMessageLoop(LoadAcceleratorsW(instance, MAKEINTRESOURCEW(IDR_ACCELERATORS)));
     }
+    RemoveSkin();
     Gdiplus::GdiplusShutdown(token);
     return code;
 }

@@ -1,6 +1,6 @@
 #pragma once
 
-// Colours of the controls. For now these are the system's.
+// Colours of the controls, for windows of the program's own.
 
 // Colour scheme: 0 leaves the controls as the system paints them; 2 and 3 are dark.
 int SkinScheme();

@@ -32,7 +32,7 @@ Until()
 # waits for it; a new shot is taken for every look.
 ExpectMark()
 {
-    local -A colours=([red]="255 0 0" [green]="0 255 0" [blue]="0 0 255" [grey]="190 190 190")
+    local -A colours=([red]="255 0 0" [green]="0 255 0" [blue]="0 0 255" [grey]="48 48 48")
     Until PixelIs "${colours[$2]}" "$3" "$4" ||
         Complain "$1: no $2 at $3,$4 but $(Pixel "$3" "$4") (see out/$shot.png)"
 }

@@ -1,0 +1,126 @@
+// Progress bars, track bars and the status bar.
+
+#include "skin/SkinColors.h"
+#include "skin/SkinDraw_win.h"
+#include "skin/SkinPaintings_win.h"
+
+#include <commctrl.h>
+
+#include <algorithm>
+
+static bool DrawProgress(const SkinCall& call, HDC dc, const RECT& client)
+{
+    PBRANGE range = {};
+    SendMessageW(call.hwnd, PBM_GETRANGE, TRUE, reinterpret_cast<LPARAM>(&range));
+    const int position = int(SendMessageW(call.hwnd, PBM_GETPOS, 0, 0));
+    FillBox(dc, client, SkinShade::kGroove);
+    if (!(call.window.style & WS_BORDER))
+        DrawPlate(dc, client, SkinShade::kGroove, SkinShade::kEdge, SkinColor(kSkinFace));
+    RECT done = client;
+    InflateRect(&done, -1, -1);
+    const int span = std::max(range.iHigh - range.iLow, 1);
+    const int at = std::clamp(position - range.iLow, 0, span);
+    done.right = done.left + MulDiv(done.right - done.left, at, span);
+    FillBox(dc, done, SkinShade::kAccent);
+    return true;
+}
+
+bool PaintProgress(const SkinCall& call, LRESULT* answer)
+{
+    *answer = 0;
+    if (call.window.style & (PBS_MARQUEE | PBS_VERTICAL))
+        return false;
+    return PaintBuffered(call, DrawProgress);
+}
+
+constexpr int kGrooveHeight = 4;
+constexpr float kThumbRadius = 5.5f, kRingRadius = 7.0f, kHoleRadius = 3.5f;
+
+// The groove is lit up to the thumb; a ring around the thumb shows the focus.
+static bool DrawTrackbar(const SkinCall& call, HDC dc, const RECT& client)
+{
+    RECT channel = {}, thumb = {};
+    SendMessageW(call.hwnd, TBM_GETCHANNELRECT, 0, reinterpret_cast<LPARAM>(&channel));
+    SendMessageW(call.hwnd, TBM_GETTHUMBRECT, 0, reinterpret_cast<LPARAM>(&thumb));
+    if (thumb.right <= thumb.left)
+        return false;
+    const bool enabled = call.window.enabled;
+    const bool hot = HotWindow() == call.hwnd || GetCapture() == call.hwnd;
+    const float x = float(thumb.left + thumb.right) / 2.0f, y = float(client.bottom) / 2.0f;
+    const int middle = (thumb.left + thumb.right) / 2;
+    RECT groove = {channel.left, (client.bottom - kGrooveHeight) / 2, channel.right, 0};
+    groove.bottom = groove.top + kGrooveHeight;
+
+    FillRect(dc, &client, ParentBrush(call.hwnd, dc));
+    DrawPlate(dc, groove, SkinShade::kGroove, SkinShade::kGroove, SkinColor(kSkinFace));
+    RECT lit = groove;
+    lit.right = std::clamp<LONG>(middle, groove.left, groove.right);
+    const COLORREF light = enabled ? SkinShade::kAccent : SkinShade::kEdgeOff;
+    if (lit.right > lit.left)
+        DrawPlate(dc, lit, light, light, SkinColor(kSkinFace));
+    if (GetFocus() == call.hwnd && enabled)
+        DrawDisc(dc, x, y, kRingRadius, SkinShade::kAccent);
+    DrawDisc(dc, x, y, kThumbRadius,
+             enabled ? (hot ? SkinShade::kThumbHot : SkinShade::kThumb) : SkinShade::kThumbOff);
+    if (!enabled)
+        DrawDisc(dc, x, y, kHoleRadius, SkinColor(kSkinFace));
+    return true;
+}
+
+bool PaintTrackbar(const SkinCall& call, LRESULT* answer)
+{
+    *answer = 0;
+    return !(call.window.style & TBS_VERT) && PaintBuffered(call, DrawTrackbar);
+}
+
+constexpr int kMaxParts = 256;
+
+static void DrawStatusPart(HDC dc, HWND bar, int part, bool simple, HFONT font)
+{
+    RECT box = {};
+    if (simple)
+        GetClientRect(bar, &box);
+    else
+        SendMessageW(bar, SB_GETRECT, WPARAM(part), reinterpret_cast<LPARAM>(&box));
+    const WPARAM from = simple ? WPARAM(SB_SIMPLEID) : WPARAM(part);
+    const LRESULT length = SendMessageW(bar, SB_GETTEXTLENGTHW, from, 0);
+    std::wstring text(size_t(LOWORD(length)) + 1, L'\0');
+    SendMessageW(bar, SB_GETTEXTW, from, reinterpret_cast<LPARAM>(text.data()));
+    text.resize(LOWORD(length));
+    InflateRect(&box, -6, 0);
+    DrawLabel(dc, font, text, box, DT_SINGLELINE | DT_VCENTER | DT_NOPREFIX | DT_END_ELLIPSIS,
+              SkinColor(kSkinText));
+}
+
+// Six dots in the corner by which the window is sized.
+static void DrawSizeGrip(HDC dc, const RECT& client)
+{
+    for (int row = 0; row < 3; ++row)
+        for (int column = 0; column <= row; ++column)
+            FillRectangle(dc, client.right - 5 - 4 * column, client.bottom - 13 + 4 * row, 2, 2,
+                          SkinColor(kSkinHighlight));
+}
+
+static bool DrawStatusBar(const SkinCall& call, HDC dc, const RECT& client)
+{
+    FillBox(dc, client, SkinColor(kSkinFace));
+    FillRectangle(dc, 0, 0, client.right, 1, SkinColor(kSkinShadow));
+    const HFONT font = FontOf(call.hwnd);
+    const bool simple = SendMessageW(call.hwnd, SB_ISSIMPLE, 0, 0) != 0;
+    int ends[kMaxParts];
+    const LRESULT parts =
+        simple ? 1
+               : SendMessageW(call.hwnd, SB_GETPARTS, kMaxParts, reinterpret_cast<LPARAM>(ends));
+    for (int i = 0; i < int(parts); ++i)
+        DrawStatusPart(dc, call.hwnd, i, simple, font);
+    const bool sizes = (call.window.style & SBARS_SIZEGRIP) != 0;
+    if (sizes && !IsZoomed(GetAncestor(call.hwnd, GA_ROOT)))
+        DrawSizeGrip(dc, client);
+    return true;
+}
+
+bool PaintStatusBar(const SkinCall& call, LRESULT* answer)
+{
+    *answer = 0;
+    return PaintBuffered(call, DrawStatusBar);
+}

@@ -1,0 +1,192 @@
+#include "skin/SkinDraw_win.h"
+
+#include "skin/SkinBrushes_win.h"
+#include "skin/SkinColors.h"
+
+#include <objidl.h>
+
+#include <gdiplus.h>
+
+SkinCanvas::SkinCanvas(int width, int height)
+{
+    const HDC screen = GetDC(nullptr);
+    dc = CreateCompatibleDC(screen);
+    bitmap = dc ? CreateCompatibleBitmap(screen, width, height) : nullptr;
+    ReleaseDC(nullptr, screen);
+    if (bitmap)
+        firstBitmap = SelectObject(dc, bitmap);
+    if (firstBitmap)
+        return;
+    DeleteDC(dc);
+    dc = nullptr;
+}
+
+SkinCanvas::~SkinCanvas()
+{
+    if (dc)
+        SelectObject(dc, firstBitmap);
+    DeleteDC(dc);
+    DeleteObject(bitmap);
+}
+
+static void ExcludeBox(HDC dc, const RECT& box)
+{
+    ExcludeClipRect(dc, box.left, box.top, box.right, box.bottom);
+}
+
+static void ExcludeChildren(HDC dc, HWND hwnd)
+{
+    for (HWND child = GetWindow(hwnd, GW_CHILD); child; child = GetWindow(child, GW_HWNDNEXT))
+    {
+        RECT rect;
+        if (!IsWindowVisible(child) || !GetWindowRect(child, &rect))
+            continue;
+        MapWindowPoints(nullptr, hwnd, reinterpret_cast<POINT*>(&rect), 2);
+        ExcludeBox(dc, rect);
+    }
+}
+
+static void ShowCanvas(HDC dc, const SkinCall& call, const SkinCanvas& canvas, const RECT& client,
+                       const RECT* hole)
+{
+    const int saved = SaveDC(dc);
+    ExcludeChildren(dc, call.hwnd);
+    if (hole)
+        ExcludeBox(dc, *hole);
+    BitBlt(dc, 0, 0, client.right, client.bottom, canvas.dc, 0, 0, SRCCOPY);
+    RestoreDC(dc, saved);
+}
+
+bool PaintBuffered(const SkinCall& call, SkinPainting painting, const RECT* hole)
+{
+    RECT client;
+    if (!GetClientRect(call.hwnd, &client) || client.right <= 0 || client.bottom <= 0)
+        return false;
+    const SkinCanvas canvas(client.right, client.bottom);
+    // On the canvas first: the window is left unpainted for the previous procedure when it fails.
+    if (!canvas.dc || !painting(call, canvas.dc, client))
+        return false;
+    if (const HDC given = reinterpret_cast<HDC>(call.wParam))
+    {
+        ShowCanvas(given, call, canvas, client, hole);
+        return true;
+    }
+    PAINTSTRUCT paint;
+    if (const HDC dc = BeginPaint(call.hwnd, &paint))
+        ShowCanvas(dc, call, canvas, client, hole);
+    EndPaint(call.hwnd, &paint);
+    return true;
+}
+
+void FillRectangle(HDC dc, int x, int y, int width, int height, COLORREF colour)
+{
+    const RECT box = {x, y, x + width, y + height};
+    const COLORREF before = SetBkColor(dc, colour);
+    ExtTextOutW(dc, 0, 0, ETO_OPAQUE, &box, L"", 0, nullptr);
+    SetBkColor(dc, before);
+}
+
+void FillBox(HDC dc, const RECT& box, COLORREF colour)
+{
+    FillRectangle(dc, box.left, box.top, box.right - box.left, box.bottom - box.top, colour);
+}
+
+void FrameBox(HDC dc, const RECT& box, COLORREF colour)
+{
+    const int width = box.right - box.left, height = box.bottom - box.top;
+    FillRectangle(dc, box.left, box.top, width, 1, colour);
+    FillRectangle(dc, box.left, box.bottom - 1, width, 1, colour);
+    FillRectangle(dc, box.left, box.top, 1, height, colour);
+    FillRectangle(dc, box.right - 1, box.top, 1, height, colour);
+}
+
+static COLORREF Mix(COLORREF a, COLORREF b)
+{
+    return RGB((GetRValue(a) + GetRValue(b)) / 2, (GetGValue(a) + GetGValue(b)) / 2,
+               (GetBValue(a) + GetBValue(b)) / 2);
+}
+
+void DrawPlate(HDC dc, const RECT& box, COLORREF fill, COLORREF edge, COLORREF around)
+{
+    FillBox(dc, box, fill);
+    FrameBox(dc, box, edge);
+    for (const LONG x : {box.left, box.right - 1})
+        for (const LONG y : {box.top, box.bottom - 1})
+            SetPixelV(dc, x, y, Mix(edge, around));
+}
+
+void DrawArrow(HDC dc, const RECT& box, ArrowTo to, COLORREF colour, int base)
+{
+    const Glyph glyph = ArrowGlyph(to, base);
+    const int left = (box.left + box.right - glyph.width) / 2;
+    const int top = (box.top + box.bottom - glyph.height) / 2;
+    for (const GlyphLine& line : glyph.lines)
+        FillRectangle(dc, left + line.x, top + line.y, glyph.vertical ? 1 : line.length,
+                      glyph.vertical ? line.length : 1, colour);
+}
+
+COLORREF StateTextColour(bool enabled)
+{
+    return SkinColor(enabled ? kSkinText : kSkinGreyText);
+}
+
+static bool DrawSmoothDisc(HDC dc, float x, float y, float radius, COLORREF colour)
+{
+    namespace Flat = Gdiplus::DllExports;
+    Gdiplus::GpGraphics* graphics = nullptr;
+    Gdiplus::GpSolidFill* brush = nullptr;
+    const Gdiplus::ARGB argb =
+        Gdiplus::Color::MakeARGB(255, GetRValue(colour), GetGValue(colour), GetBValue(colour));
+    if (Flat::GdipCreateFromHDC(dc, &graphics) != Gdiplus::Ok)
+        return false;
+    Flat::GdipSetSmoothingMode(graphics, Gdiplus::SmoothingModeAntiAlias);
+    bool drawn = Flat::GdipCreateSolidFill(argb, &brush) == Gdiplus::Ok;
+    drawn = drawn && Flat::GdipFillEllipse(graphics, brush, x - radius, y - radius, 2 * radius,
+                                           2 * radius) == Gdiplus::Ok;
+    if (brush)
+        Flat::GdipDeleteBrush(brush);
+    Flat::GdipDeleteGraphics(graphics);
+    return drawn;
+}
+
+void DrawDisc(HDC dc, float x, float y, float radius, COLORREF colour)
+{
+    if (DrawSmoothDisc(dc, x, y, radius, colour))
+        return;
+    const HGDIOBJ pen = SelectObject(dc, GetStockObject(NULL_PEN));
+    const HGDIOBJ brush = SelectObject(dc, GetStockObject(DC_BRUSH));
+    SetDCBrushColor(dc, colour);
+    Ellipse(dc, int(x - radius), int(y - radius), int(x + radius) + 1, int(y + radius) + 1);
+    SelectObject(dc, brush);
+    SelectObject(dc, pen);
+}
+
+std::wstring TextOf(HWND hwnd)
+{
+    std::wstring text(size_t(GetWindowTextLengthW(hwnd)) + 1, L'\0');
+    text.resize(size_t(GetWindowTextW(hwnd, text.data(), int(text.size()))));
+    return text;
+}
+
+HFONT FontOf(HWND hwnd)
+{
+    const HFONT font = reinterpret_cast<HFONT>(SendMessageW(hwnd, WM_GETFONT, 0, 0));
+    return font ? font : static_cast<HFONT>(GetStockObject(DEFAULT_GUI_FONT));
+}
+
+void DrawLabel(HDC dc, HFONT font, const std::wstring& text, RECT box, UINT flags, COLORREF colour)
+{
+    const HGDIOBJ previous = SelectObject(dc, font);
+    SetBkMode(dc, TRANSPARENT);
+    SetTextColor(dc, colour);
+    DrawTextW(dc, text.c_str(), int(text.size()), &box, flags);
+    SelectObject(dc, previous);
+}
+
+HBRUSH ParentBrush(HWND hwnd, HDC dc)
+{
+    const LRESULT brush =
+        SendMessageW(GetParent(hwnd), WM_CTLCOLORSTATIC, reinterpret_cast<WPARAM>(dc),
+                     reinterpret_cast<LPARAM>(hwnd));
+    return brush ? reinterpret_cast<HBRUSH>(brush) : SkinBrush(kSkinFace);
+}

@@ -1,0 +1,29 @@
+#pragma once
+
+#include <vector>
+
+// Small arrows of lines one pixel wide, as lists of pixels to draw. Coordinates are relative to the
+// glyph's upper left corner.
+struct GlyphLine
+{
+    int x, y, length;
+};
+
+struct Glyph
+{
+    bool vertical; // direction of the lines
+    int width, height;
+    std::vector<GlyphLine> lines;
+};
+
+enum class ArrowTo
+{
+    Up,
+    Down,
+    Left,
+    Right
+};
+
+// Up and down: horizontal lines, each two pixels shorter than the last, from `base` pixels (odd)
+// to one. Left and right: four vertical lines of 7, 5, 3 and 1 pixels.
+Glyph ArrowGlyph(ArrowTo to, int base = 7);

@@ -1,0 +1,7 @@
+#pragma once
+
+#include "app/Win.h"
+
+// Keys of a converted button that looks like a push button, in dialogs that are modal. True when
+// the key has been used up.
+bool HandleButtonKey(const MSG& message);

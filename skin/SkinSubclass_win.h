@@ -1,0 +1,15 @@
+#pragma once
+
+#include "app/Win.h"
+
+// Windows whose procedure the skin has replaced, each with a count, since messages nest: only the
+// last release puts the old procedure back.
+
+void SubclassWindowForSkin(HWND hwnd, WNDPROC procedure);
+void UnsubclassWindowForSkin(HWND hwnd);
+
+// The window is gone, whatever its count.
+void ForgetSkinnedWindow(HWND hwnd);
+
+// Calls the procedure that the skin has replaced.
+LRESULT CallPrevious(HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam);

@@ -1,0 +1,216 @@
+// The skin over real windows: colours on their pixels, converted buttons, and nothing left behind.
+
+#include "app/AppWindows_win.h"
+#include "app/FrameView_win.h"
+#include "multiscale/MultiscaleDlgIds.h"
+#include "skin/SkinBrushes_win.h"
+#include "skin/SkinColors.h"
+#include "skin/SkinHooks_win.h"
+#include "tests/win/FrameHarness.h"
+
+#include <commctrl.h>
+
+#include <string>
+#include <vector>
+
+constexpr int kSide = 120; // of the pictures of controls
+
+class Skin : public FrameTest
+{
+protected:
+    HWND dialog = nullptr;
+
+    void SetUp() override
+    {
+        InstallSkin();
+        FrameTest::SetUp();
+        dialog = MakeDialog(0);
+    }
+    void TearDown() override
+    {
+        DestroyWindow(dialog);
+        FrameTest::TearDown();
+        RemoveSkin();
+    }
+
+    static INT_PTR CALLBACK NoProc(HWND, UINT, WPARAM, LPARAM) { return FALSE; }
+    static HWND MakeDialog(DWORD style)
+    {
+        struct
+        {
+            DLGTEMPLATE head;
+            WORD menu, windowClass, title;
+        } dlg = {{WS_POPUP | style, 0, 0, 0, 0, 200, 150}, 0, 0, 0};
+        return CreateDialogIndirectParamW(nullptr, &dlg.head, g_hwndMain, NoProc, 0);
+    }
+    HWND Make(const wchar_t* name, DWORD style, HWND parent = nullptr)
+    {
+        return CreateWindowExW(0, name, L"", WS_CHILD | WS_VISIBLE | style, 0, 0, kSide, 20,
+                               parent ? parent : dialog, nullptr, nullptr, nullptr);
+    }
+};
+
+// What a control shows, as its message for pictures paints it; or what its background is.
+class Picture
+{
+public:
+    Picture(HWND hwnd, UINT message = WM_PRINTCLIENT)
+    {
+        BITMAPINFO info = {};
+        info.bmiHeader = {sizeof info.bmiHeader, kSide, -kSide, 1, 32, BI_RGB, 0, 0, 0, 0, 0};
+        void* bits = nullptr;
+        dc = CreateCompatibleDC(nullptr);
+        bitmap = CreateDIBSection(dc, &info, DIB_RGB_COLORS, &bits, nullptr, 0);
+        before = SelectObject(dc, bitmap);
+        SendMessageW(hwnd, message, reinterpret_cast<WPARAM>(dc), PRF_CLIENT);
+    }
+    ~Picture()
+    {
+        SelectObject(dc, before);
+        DeleteObject(bitmap);
+        DeleteDC(dc);
+    }
+    COLORREF At(int x, int y) const { return GetPixel(dc, x, y); }
+
+private:
+    HDC dc;
+    HBITMAP bitmap;
+    HGDIOBJ before;
+};
+
+TEST_F(Skin, AnswersForTheSystemsColours)
+{
+    EXPECT_EQ(SkinScheme(), 2);
+    EXPECT_EQ(SkinColor(30), 0u);
+    EXPECT_EQ(SkinColor(13), GetSysColor(13));
+    EXPECT_EQ(SkinBrush(13), GetSysColorBrush(13));
+    EXPECT_EQ(SkinBrush(-1), nullptr);
+    EXPECT_EQ(Picture(g_hwndDocker, WM_ERASEBKGND).At(0, kSide - 1), RGB(70, 70, 70));
+    EXPECT_EQ(Picture(dialog, WM_ERASEBKGND).At(5, 5), RGB(70, 70, 70));
+    RedrawView();
+    EXPECT_EQ(ViewCentre(), Bytes({48, 48, 48}));
+    RemoveSkin();
+    EXPECT_EQ(SkinColor(15), GetSysColor(15));
+    RedrawView();
+    EXPECT_EQ(ViewCentre(), Bytes({190, 190, 190}));
+}
+
+TEST_F(Skin, ColoursLists)
+{
+    const HWND list = Make(WC_LISTVIEWW, LVS_LIST), box = Make(L"LISTBOX", 0);
+    EXPECT_EQ(COLORREF(SendMessageW(list, LVM_GETBKCOLOR, 0, 0)), RGB(65, 65, 65));
+    EXPECT_EQ(COLORREF(SendMessageW(list, LVM_GETTEXTBKCOLOR, 0, 0)), RGB(65, 65, 65));
+    EXPECT_EQ(COLORREF(SendMessageW(list, LVM_GETTEXTCOLOR, 0, 0)), RGB(190, 190, 190));
+    const HDC dc = CreateCompatibleDC(nullptr);
+    const LRESULT brush = SendMessageW(dialog, WM_CTLCOLORLISTBOX, reinterpret_cast<WPARAM>(dc),
+                                       reinterpret_cast<LPARAM>(box));
+    EXPECT_EQ(reinterpret_cast<HBRUSH>(brush), SkinBrush(COLOR_WINDOW));
+    EXPECT_EQ(GetTextColor(dc), RGB(190, 190, 190));
+    EXPECT_EQ(GetBkColor(dc), RGB(65, 65, 65));
+    DeleteDC(dc);
+}
+
+TEST_F(Skin, ShowsTheStateOfACheckBox)
+{
+    const HWND box = Make(L"BUTTON", BS_AUTOCHECKBOX);
+    const COLORREF cleared = Picture(box).At(4, 6);
+    EnableWindow(box, FALSE);
+    const COLORREF disabled = Picture(box).At(4, 6);
+    SendMessageW(box, BM_SETCHECK, BST_CHECKED, 0);
+    const COLORREF disabledChecked = Picture(box).At(4, 6);
+    EnableWindow(box, TRUE);
+    const COLORREF checked = Picture(box).At(4, 6);
+    // As res/icons/dark_on.css and dark_off.css colour the drawings.
+    EXPECT_EQ(cleared, RGB(0x36, 0x36, 0x36));
+    EXPECT_EQ(disabled, RGB(0x42, 0x42, 0x42));
+    EXPECT_EQ(checked, RGB(0x3f, 0x93, 0xdd));
+    EXPECT_EQ(disabledChecked, RGB(0x5c, 0x5c, 0x5c));
+    EXPECT_EQ(Picture(box).At(kSide - 2, 2), RGB(70, 70, 70));
+}
+
+static bool IsOn(HWND button)
+{
+    return (GetWindowLongPtrW(button, GWLP_USERDATA) & 1) != 0;
+}
+
+TEST_F(Skin, ChecksOneRadioButtonOfAGroup)
+{
+    constexpr DWORD kRadio = BS_AUTORADIOBUTTON | BS_PUSHLIKE;
+    const HWND buttons[] = {Make(L"BUTTON", kRadio | WS_GROUP), Make(L"BUTTON", kRadio),
+                            Make(L"BUTTON", kRadio), Make(L"BUTTON", kRadio | WS_GROUP)};
+    const auto click = [&](HWND button)
+    { SendMessageW(dialog, WM_COMMAND, MAKEWPARAM(0, BN_CLICKED), LPARAM(button)); };
+    click(buttons[3]);
+    click(buttons[0]);
+    EXPECT_TRUE(IsOn(buttons[0]));
+    click(buttons[1]);
+    EXPECT_FALSE(IsOn(buttons[0]));
+    EXPECT_TRUE(IsOn(buttons[1]));
+    EXPECT_FALSE(IsOn(buttons[2]));
+    EXPECT_TRUE(IsOn(buttons[3])) << "of another group";
+
+    const HWND check = Make(L"BUTTON", BS_AUTOCHECKBOX | BS_PUSHLIKE);
+    click(check);
+    EXPECT_TRUE(IsOn(check));
+    click(check);
+    EXPECT_FALSE(IsOn(check));
+}
+
+TEST_F(Skin, KeepsTheDefaultButton)
+{
+    const HWND ok = Make(L"BUTTON", BS_DEFPUSHBUTTON);
+    EXPECT_EQ(GetWindowLongPtrW(ok, GWL_STYLE) & 0x1F, 0x1B);
+    EXPECT_TRUE(SendMessageW(ok, WM_GETDLGCODE, 0, 0) & DLGC_DEFPUSHBUTTON);
+    const COLORREF marked = Picture(ok).At(10, 0);
+    SendMessageW(ok, BM_SETSTYLE, BS_PUSHBUTTON, TRUE);
+    EXPECT_EQ(GetWindowLongPtrW(ok, GWL_STYLE) & 0x1F, 0x1B);
+    EXPECT_FALSE(SendMessageW(ok, WM_GETDLGCODE, 0, 0) & DLGC_DEFPUSHBUTTON);
+    EXPECT_NE(Picture(ok).At(10, 0), marked);
+}
+
+TEST_F(Skin, LeavesDialogsThatAskForIt)
+{
+    for (const DWORD style : {0x100, 0x200})
+    {
+        const HWND plain = MakeDialog(style);
+        const HWND button = Make(L"BUTTON", BS_PUSHBUTTON, plain);
+        EXPECT_EQ(GetWindowLongPtrW(button, GWL_STYLE) & 0x1F, 0);
+        EXPECT_EQ(Picture(plain, WM_ERASEBKGND).At(5, 5), GetSysColor(COLOR_BTNFACE));
+        DestroyWindow(plain);
+    }
+}
+
+TEST_F(Skin, PutsProceduresBack)
+{
+    for (const wchar_t* name : {L"BUTTON", L"STATIC", L"EDIT", L"COMBOBOX", L"LISTBOX",
+                                TRACKBAR_CLASSW, PROGRESS_CLASSW, WC_TABCONTROLW})
+    {
+        const HWND control = Make(name, 0);
+        const LONG_PTR procedure = GetWindowLongPtrW(control, GWLP_WNDPROC);
+        SetWindowTextW(control, L"text");
+        EnableWindow(control, FALSE);
+        const COLORREF shown = Picture(control).At(kSide / 2, 10);
+        EXPECT_LT(GetRValue(shown), 120) << name;
+        RedrawWindow(control, nullptr, nullptr, RDW_INVALIDATE | RDW_FRAME | RDW_UPDATENOW);
+        EXPECT_EQ(GetWindowLongPtrW(control, GWLP_WNDPROC), procedure) << name;
+    }
+}
+
+// More rounds than a process may have of these objects.
+TEST_F(Skin, LeavesNothingBehind)
+{
+    const HWND box = Make(L"BUTTON", BS_AUTOCHECKBOX);
+    for (int i = 0; i < 1500; ++i)
+    {
+        InstallSkin();
+        if (i % 10 == 0)
+        {
+            EXPECT_EQ(Picture(box).At(4, 6), RGB(0x36, 0x36, 0x36)) << i;
+        }
+        RemoveSkin();
+    }
+    InstallSkin();
+    const HBRUSH brush = SkinBrush(COLOR_BTNFACE);
+    EXPECT_TRUE(brush && brush != GetSysColorBrush(COLOR_BTNFACE));
+    EXPECT_EQ(Picture(dialog, WM_ERASEBKGND).At(5, 5), RGB(70, 70, 70));
+}
