@@ -107,6 +107,7 @@ Function ChooseLanguage
         StrCpy $0 0
         ${While} $0 < $1
             ReadINIStr $3 "$INSTDIR\${TEXTS}" "$0" "Acronym"
+            StrCpy $3 $3 2 ; "pt" of "pt-BR"
             ${If} $3 == $2
                 StrCpy $9 $0
             ${EndIf}

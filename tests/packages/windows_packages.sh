@@ -61,6 +61,15 @@ FuseWith()
     rm -f "$photos/fused.bmp"
 }
 
+# The number of the language in the file of texts.
+Language() { iconv -f UTF-16 -t UTF-8 "$installed/Plenoviz_loc.ini" | tr -d '\r' | sed -n 's/^Language Current=//p'; }
+SetLanguage()
+{
+    iconv -f UTF-16 -t UTF-8 "$installed/Plenoviz_loc.ini" | sed "s/^\(Language Current=\)[0-9]*/\1$1/" |
+        iconv -f UTF-8 -t UTF-16LE >"$scratch/texts"
+    { printf '\xff\xfe'; cat "$scratch/texts"; } >"$installed/Plenoviz_loc.ini"
+}
+
 Uninstall()
 {
     wine "$installed/Uninstall.exe" "$@"
@@ -115,6 +124,9 @@ wine "$installed/Uninstall.exe" /S "_?=$(wine winepath -w "$installed" 2>/dev/nu
 [[ -f $installed/Plenoviz.exe && -f $menu ]] || Complain "a running program is removed"
 CloseProgram
 FuseWith "$installed/plenoviz-cli.exe" installed
+SetLanguage 7
+wine "$packages"/*-setup.exe /S || Complain "setup over an older one ends with exit code $?"
+[[ $(Language) == 7 ]] || Complain "setup forgets the language: $(Language)"
 [[ -f $settings/Plenoviz.txt ]] || Complain "no settings"
 
 mkdir -p "$settings/tmpfolder"
