@@ -8,8 +8,10 @@
 #include "app/FrameView_win.h"
 #include "app/SourcePaging_win.h"
 #include "app/Strings.h"
+#include "app/ToolDialogWnd.h"
 #include "app/ToolbarWnd.h"
 #include "fusion/ExposureFusionDlg.h"
+#include "fusion/FusionToolWnd.h"
 #include "multiscale/NoisePromptDlg.h"
 #include "multiscale/SeriesWorkerWnd.h"
 #include "multiscale/SmartContrastDlg.h"
@@ -17,36 +19,27 @@
 
 #include <algorithm>
 #include <cwchar>
+#include <filesystem>
 
 static void Warn(const wchar_t* text)
 {
     MessageBoxW(g_hwndMain, text, g_strings[3], MB_OK | MB_ICONASTERISK);
 }
 
-// Checks that a file of the series loads and fits to the first one; `first` is empty for that one.
-static bool CheckSeriesFile(const std::wstring& path, SBxPicBuf* first, SBxPicBuf* alpha)
+// Tells what is wrong with the first source that does not load or does not fit to the first one.
+static bool SeriesFits(const FusionSources& series, const std::vector<std::wstring>& paths)
 {
-    SBxPicBuf picture, plane;
-    CBxPicBufAPI::Init(&picture);
-    CBxPicBufAPI::Init(&plane);
-    const bool loaded = LoadSilently(path.c_str(), &picture, &plane);
-    const bool fits =
-        loaded &&
-        (!first->data || (picture.width == first->width && picture.height == first->height &&
-                          picture.components == first->components &&
-                          picture.bitsPerComponent == first->bitsPerComponent));
-    if (!loaded)
-        Warn(VcFormatText(L"%s %s", g_strings[33], path.c_str()).c_str());
-    else if (!fits)
-        Warn(g_strings[54]);
-    if (fits && !first->data)
+    for (size_t i = 0; i < paths.size(); ++i)
     {
-        std::swap(*first, picture);
-        std::swap(*alpha, plane);
+        if (series.problems[i] == SourceProblem::Unreadable)
+            Warn(VcFormatText(L"%s %s", g_strings[33], paths[i].c_str()).c_str());
+        else if (series.problems[i] == SourceProblem::Different)
+            Warn(g_strings[54]);
+        else
+            continue;
+        return false;
     }
-    CBxPicBufAPI::DoneHeap(&picture);
-    CBxPicBufAPI::DoneHeap(&plane);
-    return fits;
+    return true;
 }
 
 static void StoreSeries(const std::vector<std::wstring>& paths)
@@ -55,6 +48,47 @@ static void StoreSeries(const std::vector<std::wstring>& paths)
     g_sourceIndex = 0;
     for (int32_t i = 0; i < g_sourceCount; ++i)
         VcFormat(g_sourceFiles[i], kSourcePathChars, L"%s", paths[size_t(i)].c_str());
+}
+
+static std::vector<std::string> Utf8Paths(const std::vector<std::wstring>& paths)
+{
+    std::vector<std::string> utf8;
+    for (const std::wstring& path : paths)
+        utf8.push_back(std::filesystem::path(path).u8string());
+    return utf8;
+}
+
+// The series with its first source, or null when the user has been told what is wrong with it. What
+// has been read to check it serves the dialog as well.
+static std::unique_ptr<FusionSources> ReadSeries(const std::vector<std::wstring>& paths,
+                                                 SBxPicBuf* first, SBxPicBuf* alpha)
+{
+    const ToolWaitCursor wait;
+    auto series = std::make_unique<FusionSources>();
+    const bool loaded = LoadSilently(paths[0].c_str(), first, alpha);
+    OpenFusionSources(series.get(), Utf8Paths(paths), *first, FusionSourceBudget());
+    if (loaded)
+        ReadFusionSources(series.get(), *first, RegionAt100(*first));
+    else
+        series->problems[0] = SourceProblem::Unreadable;
+    return SeriesFits(*series, paths) ? std::move(series) : nullptr;
+}
+
+// The first source stands for the series: size, profile, metadata and proposed name.
+static void OpenSeries(const std::vector<std::wstring>& paths, SBxPicBuf* first, SBxPicBuf* alpha,
+                       std::unique_ptr<FusionSources> series)
+{
+    ForgetViewPicture(&g_view);
+    TakeSource(first, alpha, paths[0].c_str());
+    g_multiImageMode = true;
+    StoreSeries(paths);
+    EnableToolCommands(true);
+    UpdateViewArea();
+    ZoomTo100(&g_view, g_sourcePicture);
+    SetZoomBoxText(ZoomText(g_view.state.scale).c_str());
+    ShowSource(g_sourcePicture);
+    ShowSourceStatus(31);
+    ShowExposureFusionDialog(std::move(series));
 }
 
 void StartMultiImage()
@@ -72,25 +106,10 @@ void StartMultiImage()
     SBxPicBuf first, alpha;
     CBxPicBufAPI::Init(&first);
     CBxPicBufAPI::Init(&alpha);
-    for (const std::wstring& path : picked.paths)
-        if (!CheckSeriesFile(path, &first, &alpha))
-        {
-            CBxPicBufAPI::DoneHeap(&first);
-            CBxPicBufAPI::DoneHeap(&alpha);
-            return;
-        }
-    // The first source stands for the series: size, profile, metadata and proposed name.
-    ForgetViewPicture(&g_view);
-    TakeSource(&first, &alpha, picked.paths[0].c_str());
-    g_multiImageMode = true;
-    StoreSeries(picked.paths);
-    EnableToolCommands(true);
-    UpdateViewArea();
-    ZoomTo100(&g_view, g_sourcePicture);
-    SetZoomBoxText(ZoomText(g_view.state.scale).c_str());
-    ShowSource(g_sourcePicture);
-    ShowSourceStatus(31);
-    ShowExposureFusionDialog();
+    if (auto series = ReadSeries(picked.paths, &first, &alpha))
+        OpenSeries(picked.paths, &first, &alpha, std::move(series));
+    CBxPicBufAPI::DoneHeap(&first);
+    CBxPicBufAPI::DoneHeap(&alpha);
 }
 
 // What the single-image tools ask first. False ends the command.

@@ -50,63 +50,111 @@ std::vector<SourceRange> FusionRangesOf(int sources)
     return {{0, third}, {third, 2 * third}, {2 * third, sources}};
 }
 
-// What one thread adds up. Set up with the first source that can be used: a share without any has
-// no accumulator to merge.
+// What one thread adds up. A share without any source that can be used has nothing to merge.
 struct FusionShare
 {
     SourceRange range = {0, 0};
-    VcFusionAccumulator sums = {};
-    bool started = false;
+    std::unique_ptr<FusionSums> sums = std::make_unique<FusionSums>();
+    bool filled = false;
     bool failed = false;
-
-    ~FusionShare()
-    {
-        if (started)
-            VcFreeAccumulator(&sums);
-    }
 };
 
-static void AddSource(FusionShare* share, const SBxPicBuf& source, unsigned exposureMid)
+// An accumulator for the region. One of the last preview still has its planes.
+static bool SetUpSums(FusionSums* sums, const FusionSources& sources, const FusionTask& task)
 {
-    if (!share->started)
-    {
-        share->failed = VcInitAccumulator(&share->sums, source, exposureMid);
-        share->started = !share->failed;
-    }
-    share->failed = share->failed || VcAccumulateImage(&share->sums, source);
+    sums->acc.exposureMid = task.exposureMid;
+    if (sums->acc.planes)
+        return false;
+    SBxPicBuf like = sources.geometry;
+    like.width = task.region.right - task.region.left;
+    like.height = task.region.bottom - task.region.top;
+    return VcInitAccumulator(&sums->acc, like, task.exposureMid);
 }
 
-static void AddShare(FusionShare* share, FusionSources* sources, const FusionTask& task,
-                     const std::function<bool()>& givenUp)
+using GivenUp = std::function<bool()>;
+
+// One source in memory at a time.
+static void AddSources(FusionShare* share, FusionSources* sources, const FusionTask& task,
+                       const GivenUp& givenUp)
 {
     for (int i = share->range.first; i < share->range.end && !share->failed; ++i)
     {
         if (givenUp && givenUp())
             return;
         if (const SourceRegionPtr source = LoadFusionSource(sources, i, task.region))
-            AddSource(share, source->picture, task.exposureMid);
+        {
+            share->failed = VcAccumulateImage(&share->sums->acc, source->picture);
+            share->filled = true;
+        }
     }
+}
+
+static void AddPrepared(FusionShare* share, FusionSources* sources, const GivenUp& givenUp)
+{
+    std::vector<PreparedSourcePtr> loaded;
+    for (int i = share->range.first; i < share->range.end; ++i)
+    {
+        if (givenUp())
+            return;
+        if (PreparedSourcePtr source = LoadPreparedSource(sources, i, share->sums->acc))
+            loaded.push_back(std::move(source));
+    }
+    share->filled = !loaded.empty() && !VcSumPrepared(&share->sums->acc, loaded, givenUp);
+}
+
+static void AddShare(FusionShare* share, FusionSources* sources, const FusionTask& task,
+                     const GivenUp& givenUp)
+{
+    share->failed = SetUpSums(share->sums.get(), *sources, task);
+    if (share->failed)
+        return;
+    if (sources->prepared.empty())
+        AddSources(share, sources, task, givenUp);
+    else
+        AddPrepared(share, sources, givenUp);
 }
 
 // The shares in the order of their sources, into the first that has anything.
 static FusionOutcome ComposeShares(SBxPicBuf* result, std::vector<FusionShare>* shares)
 {
-    FusionShare* sum = nullptr;
+    VcFusionAccumulator* sum = nullptr;
     for (FusionShare& share : *shares)
     {
         if (share.failed)
             return FusionOutcome::Failed;
-        if (!share.started)
+        if (!share.filled)
             continue;
         if (sum)
-            VcMergeAccumulator(&sum->sums, share.sums);
+            VcMergeAccumulator(sum, share.sums->acc);
         else
-            sum = &share;
+            sum = &share.sums->acc;
     }
-    if (!sum || uint32_t(result->components) != sum->sums.channels ||
-        VcComposeResult(result, sum->sums))
+    if (!sum || uint32_t(result->components) != sum->channels || VcComposeResult(result, *sum))
         return FusionOutcome::Failed;
     return FusionOutcome::Done;
+}
+
+// Accumulators of the preview before, as far as there are any, and back when it is done. They stay
+// only where there is room for prepared sources, too.
+static std::vector<FusionShare> TakeShares(FusionSources* sources, int count)
+{
+    const std::vector<SourceRange> ranges = FusionRangesOf(count);
+    std::vector<FusionShare> shares(ranges.size());
+    for (size_t i = 0; i < ranges.size(); ++i)
+    {
+        shares[i].range = ranges[i];
+        if (i < sources->sums.size())
+            shares[i].sums = std::move(sources->sums[i]);
+    }
+    sources->sums.clear();
+    return shares;
+}
+
+static void KeepSums(FusionSources* sources, std::vector<FusionShare>* shares)
+{
+    for (FusionShare& share : *shares)
+        if (!sources->prepared.empty())
+            sources->sums.push_back(std::move(share.sums));
 }
 
 // Counts the helpers that are still adding, so that waiting for them can look around meanwhile.
@@ -151,10 +199,8 @@ FusionOutcome FuseRegion(SBxPicBuf* result, FusionSources* sources, const Fusion
         return stop.load();
     };
 
-    const std::vector<SourceRange> ranges = FusionRangesOf(task.sources);
-    std::vector<FusionShare> shares(ranges.size());
-    for (size_t i = 0; i < ranges.size(); ++i)
-        shares[i].range = ranges[i];
+    PrepareForRegion(sources, task.region);
+    std::vector<FusionShare> shares = TakeShares(sources, task.sources);
     Helpers helpers;
     helpers.running = int(shares.size()) - 1;
     std::vector<std::thread> threads;
@@ -171,7 +217,9 @@ FusionOutcome FuseRegion(SBxPicBuf* result, FusionSources* sources, const Fusion
     WaitForHelpers(&helpers, askAround);
     for (std::thread& thread : threads)
         thread.join();
-    return stop ? FusionOutcome::Outdated : ComposeShares(result, &shares);
+    const FusionOutcome outcome = stop ? FusionOutcome::Outdated : ComposeShares(result, &shares);
+    KeepSums(sources, &shares);
+    return outcome;
 }
 
 FusionOutcome FuseWhole(SBxPicBuf* result, FusionSources* sources, const FusionTask& task)
@@ -182,6 +230,8 @@ FusionOutcome FuseWhole(SBxPicBuf* result, FusionSources* sources, const FusionT
         return FusionOutcome::Failed;
     std::vector<FusionShare> shares(1);
     shares[0].range = {0, whole.sources};
-    AddShare(&shares[0], sources, whole, nullptr);
+    shares[0].failed = SetUpSums(shares[0].sums.get(), *sources, whole);
+    if (!shares[0].failed)
+        AddSources(&shares[0], sources, whole, nullptr);
     return ComposeShares(result, &shares);
 }

@@ -4,16 +4,15 @@
 #include "picture/ImageFile.h"
 
 #include <algorithm>
+#include <atomic>
 #include <filesystem>
+#include <iterator>
+#include <thread>
 
 namespace fs = std::filesystem;
 
-// What tells one state of a file from another.
-struct FileState
-{
-    uint64_t size;
-    int64_t time;
-};
+static constexpr int kMostShares = 3;       // accumulators of one preview
+static constexpr unsigned kMostReaders = 4; // threads; each holds a whole picture and its file
 
 static bool StateOfFile(const std::string& path, FileState* state)
 {
@@ -24,6 +23,11 @@ static bool StateOfFile(const std::string& path, FileState* state)
         return false;
     state->time = int64_t(fs::last_write_time(file, error).time_since_epoch().count());
     return !error;
+}
+
+static bool SameFile(const FileState& a, const FileState& b)
+{
+    return a.size == b.size && a.time == b.time;
 }
 
 bool SameRect(const CBxRect<int>& a, const CBxRect<int>& b)
@@ -57,7 +61,10 @@ void OpenFusionSources(FusionSources* sources, const std::vector<std::string>& p
     sources->kept.clear();
     sources->keptBytes = 0;
     sources->filesRead = 0;
-    sources->unusable.assign(paths.size(), false);
+    sources->problems.assign(paths.size(), SourceProblem::None);
+    sources->preparedRegion = {};
+    sources->prepared.clear();
+    sources->sums.clear();
 }
 
 // The part of `from` (whose top-left corner is at `origin`) that `region` asks for, as a picture
@@ -83,8 +90,7 @@ static SourceRegionPtr FindKept(FusionSources* sources, int index, const FileSta
     {
         const std::lock_guard<std::mutex> lock(sources->mutex);
         for (const KeptSource& kept : sources->kept)
-            if (kept.index == index && kept.fileSize == state.size && kept.fileTime == state.time &&
-                Contains(kept.region, region))
+            if (kept.index == index && SameFile(kept.file, state) && Contains(kept.region, region))
                 found = kept;
     }
     if (!found.pixels || SameRect(found.region, region))
@@ -116,11 +122,41 @@ static void Keep(FusionSources* sources, const KeptSource& fresh)
     sources->keptBytes += bytes;
 }
 
+static void ForgetKept(FusionSources* sources, int index)
+{
+    const std::lock_guard<std::mutex> lock(sources->mutex);
+    for (auto kept = sources->kept.begin(); kept != sources->kept.end();)
+    {
+        const bool forget = kept->index == index;
+        sources->keptBytes -= forget ? kept->pixels->picture.size : 0;
+        kept = forget ? sources->kept.erase(kept) : std::next(kept);
+    }
+}
+
 static bool Fits(const SBxPicBuf& picture, const SBxPicBuf& geometry)
 {
     return picture.width == geometry.width && picture.height == geometry.height &&
            picture.components == geometry.components &&
            picture.bitsPerComponent == geometry.bitsPerComponent;
+}
+
+static int64_t BytesOfSeries(const FusionSources& sources, const CBxRect<int>& region)
+{
+    const SBxPicBuf& like = sources.geometry;
+    return PictureBytes(region.right - region.left, region.bottom - region.top, like.components,
+                        like.bitsPerComponent) *
+           int64_t(sources.paths.size());
+}
+
+static bool KeepsWholePictures(const FusionSources& sources)
+{
+    return BytesOfSeries(sources, WholeOf(sources.geometry)) <= sources.budget;
+}
+
+static void NoteProblem(FusionSources* sources, int index, SourceProblem problem)
+{
+    const std::lock_guard<std::mutex> lock(sources->mutex);
+    sources->problems[size_t(index)] = problem;
 }
 
 static std::shared_ptr<SourceRegion> ReadWhole(FusionSources* sources, int index)
@@ -133,34 +169,116 @@ static std::shared_ptr<SourceRegion> ReadWhole(FusionSources* sources, int index
     CBxPicBufAPI::DoneHeap(&alpha);
     const std::lock_guard<std::mutex> lock(sources->mutex);
     ++sources->filesRead;
-    return failed || !Fits(whole->picture, sources->geometry) ? nullptr : whole;
+    SourceProblem* problem = &sources->problems[size_t(index)];
+    if (failed)
+        *problem = SourceProblem::Unreadable;
+    else if (!Fits(whole->picture, sources->geometry))
+        *problem = SourceProblem::Different;
+    return *problem == SourceProblem::None ? whole : nullptr;
 }
 
-static SourceRegionPtr FindOrRead(FusionSources* sources, int index, const CBxRect<int>& region)
+static SourceRegionPtr FindOrRead(FusionSources* sources, int index, const FileState& state,
+                                  const CBxRect<int>& region)
 {
-    FileState state = {};
-    if (!StateOfFile(sources->paths[size_t(index)], &state))
-        return nullptr;
     if (const SourceRegionPtr kept = FindKept(sources, index, state, region))
         return kept;
     const SourceRegionPtr whole = ReadWhole(sources, index);
     if (!whole)
         return nullptr;
     const CBxRect<int> all = WholeOf(whole->picture);
-    const bool keepWhole =
-        int64_t(whole->picture.size) * int64_t(sources->paths.size()) <= sources->budget;
+    const bool keepWhole = KeepsWholePictures(*sources);
     const SourceRegionPtr cut =
         SameRect(all, region) ? whole : CutOut(whole->picture, {0, 0}, region);
-    const SourceRegionPtr toKeep = keepWhole ? whole : cut;
-    if (toKeep)
-        Keep(sources, {index, state.size, state.time, keepWhole ? all : region, toKeep});
+    if (keepWhole)
+        Keep(sources, {index, state, all, whole});
+    else if (cut)
+        Keep(sources, {index, state, region, cut});
     return cut;
+}
+
+// The state of the source's file; notes whether there is one.
+static bool LookAtFile(FusionSources* sources, int index, FileState* state)
+{
+    const bool found = StateOfFile(sources->paths[size_t(index)], state);
+    NoteProblem(sources, index, found ? SourceProblem::None : SourceProblem::Unreadable);
+    return found;
 }
 
 SourceRegionPtr LoadFusionSource(FusionSources* sources, int index, const CBxRect<int>& region)
 {
-    const SourceRegionPtr pixels = FindOrRead(sources, index, region);
-    const std::lock_guard<std::mutex> lock(sources->mutex);
-    sources->unusable[size_t(index)] = !pixels;
-    return pixels;
+    FileState state = {};
+    return LookAtFile(sources, index, &state) ? FindOrRead(sources, index, state, region) : nullptr;
+}
+
+void PrepareForRegion(FusionSources* sources, const CBxRect<int>& region)
+{
+    if (SameRect(region, sources->preparedRegion))
+        return;
+    SBxPicBuf like = sources->geometry;
+    like.width = region.right - region.left;
+    like.height = region.bottom - region.top;
+    const int64_t wholes =
+        KeepsWholePictures(*sources) ? BytesOfSeries(*sources, WholeOf(sources->geometry)) : 0;
+    const int64_t bytes = VcPreparedBytes(like) * int64_t(sources->paths.size());
+    sources->preparedRegion = region;
+    sources->prepared.clear();
+    sources->sums.clear(); // other sizes
+    if (wholes + bytes + kMostShares * VcAccumulatorBytes(like) <= sources->budget)
+        sources->prepared.resize(sources->paths.size());
+}
+
+PreparedSourcePtr LoadPreparedSource(FusionSources* sources, int index,
+                                     const VcFusionAccumulator& acc)
+{
+    KeptPrepared* kept = &sources->prepared[size_t(index)]; // of nobody else but who asks for it
+    FileState state = {};
+    if (!LookAtFile(sources, index, &state))
+        return nullptr;
+    if (kept->source && SameFile(kept->file, state))
+        return kept->source;
+    kept->source.reset();
+    if (const SourceRegionPtr cut = FindOrRead(sources, index, state, sources->preparedRegion))
+        *kept = {state, VcPrepareSource(acc, cut->picture)};
+    if (kept->source && !KeepsWholePictures(*sources))
+        ForgetKept(sources, index); // one copy is enough
+    return kept->source;
+}
+
+static void KeepFirst(FusionSources* sources, const SBxPicBuf& first, const CBxRect<int>& region)
+{
+    FileState state = {};
+    const CBxRect<int> part = KeepsWholePictures(*sources) ? WholeOf(first) : region;
+    if (!LookAtFile(sources, 0, &state) || part.right <= part.left || part.bottom <= part.top)
+        return;
+    if (const SourceRegionPtr copy = CutOut(first, {0, 0}, part))
+        Keep(sources, {0, state, part, copy});
+}
+
+void ReadFusionSources(FusionSources* sources, const SBxPicBuf& first, const CBxRect<int>& region)
+{
+    KeepFirst(sources, first, region);
+    std::atomic<int> next = 1;
+    const auto read = [&]
+    {
+        for (int i = next++; i < int(sources->paths.size()); i = next++)
+            (void)LoadFusionSource(sources, i, region);
+    };
+    std::vector<std::thread> helpers;
+    for (unsigned i = 1; i < std::min(std::thread::hardware_concurrency(), kMostReaders); ++i)
+        helpers.emplace_back(read);
+    read();
+    for (std::thread& helper : helpers)
+        helper.join();
+}
+
+void CheckFusionSources(FusionSources* sources)
+{
+    const auto isKept = [&](int index)
+    {
+        return std::any_of(sources->kept.begin(), sources->kept.end(),
+                           [=](const KeptSource& kept) { return kept.index == index; });
+    };
+    for (int i = 0; i < int(sources->paths.size()); ++i)
+        if (!isKept(i) && CheckPictureFile(sources->paths[size_t(i)].c_str()) != LoadProblem::None)
+            NoteProblem(sources, i, SourceProblem::Unreadable);
 }

@@ -1,10 +1,9 @@
 #pragma once
 
-#include "picture/PicBuf.h"
+#include "fusion/PreparedSource.h"
 
 #include <cstdint>
 #include <list>
-#include <memory>
 #include <mutex>
 #include <string>
 #include <vector>
@@ -12,7 +11,8 @@
 // The series of a fusion dialog, decoded. What has been read stays in memory while the dialog is
 // open, so that moving a slider reads no file a second time. When the whole series fits into the
 // budget, whole pictures stay and panning reads nothing either; otherwise only the regions asked
-// for do. A file that has changed since (size or time) is read again; one that has gone is gone.
+// for do. Where there is room for them, too, the regions stay as previews need them: taken apart.
+// A file that has changed since (size or time) is read again; one that has gone is gone.
 
 // Pixels of one source. Shared with whoever is fusing them, so that they may be dropped meanwhile.
 struct SourceRegion
@@ -26,13 +26,44 @@ struct SourceRegion
 };
 using SourceRegionPtr = std::shared_ptr<const SourceRegion>;
 
+// What tells one state of a file from another.
+struct FileState
+{
+    uint64_t size;
+    int64_t time;
+};
+
 struct KeptSource
 {
     int index;
-    uint64_t fileSize;
-    int64_t fileTime;
+    FileState file;
     CBxRect<int> region;
     SourceRegionPtr pixels;
+};
+
+struct KeptPrepared
+{
+    FileState file;
+    PreparedSourcePtr source; // null = not made yet
+};
+
+// An accumulator that frees itself.
+struct FusionSums
+{
+    VcFusionAccumulator acc = {};
+
+    FusionSums() = default;
+    FusionSums(const FusionSums&) = delete;
+    FusionSums& operator=(const FusionSums&) = delete;
+    ~FusionSums() { VcFreeAccumulator(&acc); }
+};
+
+// Why a source takes no part.
+enum class SourceProblem
+{
+    None,
+    Unreadable,
+    Different, // size, components or bits are not those of the others
 };
 
 struct FusionSources
@@ -45,7 +76,12 @@ struct FusionSources
     std::list<KeptSource> kept;
     int64_t keptBytes = 0;
     int filesRead = 0;
-    std::vector<bool> unusable; // the source did not load or did not fit when it was asked for last
+    std::vector<SourceProblem> problems; // of each source when it was looked at last
+    CBxRect<int> preparedRegion = {};    // of all that is prepared
+    std::vector<KeptPrepared> prepared;  // by source; empty = there is no room for that region
+
+    // Of the last preview, for the next one. Not guarded: of the thread that asks for previews.
+    std::vector<std::unique_ptr<FusionSums>> sums;
 };
 
 // Half of the memory that is free now: the fusion itself needs some as well.
@@ -57,5 +93,22 @@ void OpenFusionSources(FusionSources* sources, const std::vector<std::string>& p
 // That region of a source (picture coordinates, inside of the picture), or null when the file does
 // not load, differs in kind from the others, or memory is short. Any thread.
 SourceRegionPtr LoadFusionSource(FusionSources* sources, int index, const CBxRect<int>& region);
+
+// Gets ready for previews of that region: what is prepared of another one goes, and `prepared`
+// tells whether there is room for this one. The thread that asks for previews, while no other
+// reads.
+void PrepareForRegion(FusionSources* sources, const CBxRect<int>& region);
+
+// The same as LoadFusionSource, taken apart, with levels like the accumulator's; for the region
+// that has been prepared for. Any thread.
+PreparedSourcePtr LoadPreparedSource(FusionSources* sources, int index,
+                                     const VcFusionAccumulator& acc);
+
+// Reads the whole series on several threads and notes the problems. What there is room for, whole
+// pictures or that region, is not read again. The first source has been read by the caller.
+void ReadFusionSources(FusionSources* sources, const SBxPicBuf& first, const CBxRect<int>& region);
+
+// Notes the problems that show without reading pixels, of sources that have not been read.
+void CheckFusionSources(FusionSources* sources);
 
 bool SameRect(const CBxRect<int>& a, const CBxRect<int>& b);

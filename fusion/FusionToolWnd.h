@@ -1,38 +1,38 @@
 #pragma once
 
-#include "app/Win.h"
+#include "app/ToolDialogWnd.h"
 #include "fusion/FusionJob.h"
 
-// What the two fusion dialogs do alike: previews of what the view shows, the result, the ways out.
-// Window thread only.
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
 
-struct FusionTool
+// What the two fusion dialogs do alike: opening, the slider, previews of what the view shows, the
+// result, the ways out. Window thread only.
+
+// What one of them is and knows. Its functions work on its model.
+struct FusionToolKind
 {
-    HWND dialog = nullptr;
-    HWND slider = nullptr;   // whose newer input makes a preview outdated
-    bool peeksAtKeys = true; // keyboard input is looked at too
-    FusionSources sources;   // the series
-    FusionTask last = {};    // of the preview on the screen; no sources = none yet
-    std::vector<bool> told;  // the user knows that this source cannot be used
-    SBxPicBuf working = {};  // the preview's region
-    bool computing = false;
+    int dialogId;
+    SliderControl slider;
+    std::wstring title;
+    std::vector<std::pair<int, int>> texts; // control, number of its text
+
+    std::function<int()> value; // of the slider
+    std::function<void(SliderMove, int thumb)> move;
+    std::function<void()> setDefaults; // empty = there is no such button
+    std::function<FusionTask(const CBxRect<int>& region)> task;
+    std::function<void()> store;         // into the settings, at OK
+    std::function<void()> opened, ended; // may be empty
+
+    bool peeksAtKeys; // waiting keys make a preview outdated, too
 };
 
-void OpenFusionTool(FusionTool* tool, HWND dialog, int slider);
-void ReleaseFusionTool(FusionTool* tool);
+// Opens the dialog over the series that the frame holds. `sources` is that series as far as it has
+// been read already, or null. Makes result and preview from the source first. False when memory is
+// short or the dialog cannot be made, which the user has been told.
+bool ShowFusionTool(const FusionToolKind& kind, std::unique_ptr<FusionSources> sources);
 
-// The region that is looked at now.
-CBxRect<int> RegionInView();
-
-// Computes and shows the preview, unless it is the one on the screen already. One that gets
-// outdated on the way is given up and tried again when the input has been dealt with.
-void ShowFusionPreview(FusionTool* tool, const FusionTask& task);
-
-// The timer of a preview that was given up.
-constexpr UINT_PTR kPreviewTimer = 1;
-
-// OK: the whole picture into the result. The frame is told how it went, and the dialog goes.
-void FinishFusion(FusionTool* tool, const FusionTask& task);
-
-// Cancel: the result is the source again, and the dialog goes.
-void CancelFusion(FusionTool* tool);
+// The region that the dialog will begin with when that picture has been opened at 100 %.
+CBxRect<int> RegionAt100(const SBxPicBuf& picture);

@@ -177,16 +177,24 @@ static void InvertSixteenBits(SBxPicBuf* picture)
         samples[i] = uint16_t(~samples[i]);
 }
 
-static LoadProblem LoadPair(const char* path, SBxPicBuf* picture, SBxPicBuf* alpha)
+// The file and the format of what it holds.
+static LoadProblem OpenPicture(const char* path, FileOwner* file, ImageStream* stream,
+                               FREE_IMAGE_FORMAT* format)
 {
-    const FileOwner file(OpenUtf8Path(path));
-    if (!file)
+    file->reset(OpenUtf8Path(path));
+    if (!*file)
         return errno == ENOENT || errno == ENOTDIR ? LoadProblem::NoSuchFile
                                                    : LoadProblem::CannotOpen;
+    stream->file = file->get();
+    return FindReadableFormat(format, stream, path);
+}
+
+static LoadProblem LoadPair(const char* path, SBxPicBuf* picture, SBxPicBuf* alpha)
+{
+    FileOwner file;
     ImageStream stream;
-    stream.file = file.get();
     FREE_IMAGE_FORMAT format = FIF_UNKNOWN;
-    LoadProblem problem = FindReadableFormat(&format, &stream, path);
+    LoadProblem problem = OpenPicture(path, &file, &stream, &format);
     if (problem != LoadProblem::None)
         return problem;
     const BitmapOwner bitmap = LoadWhole(format, &stream, Metadata::NotNeeded, &problem);
@@ -214,6 +222,16 @@ bool LoadPicturePair(const char* path, SBxPicBuf* picture, SBxPicBuf* alpha, Loa
     if (report)
         report->problem = problem;
     return problem != LoadProblem::None;
+}
+
+LoadProblem CheckPictureFile(const char* path)
+{
+    InitImageLibrary();
+    FileOwner file;
+    ImageStream stream;
+    FREE_IMAGE_FORMAT format = FIF_UNKNOWN;
+    const LoadProblem problem = OpenPicture(path, &file, &stream, &format);
+    return problem == LoadProblem::None ? CheckHeader(format, &stream) : problem;
 }
 
 // Gives the source the profile that stands in its file. The size is not known before it is

@@ -64,6 +64,9 @@ const char* LoadProblemText(LoadProblem problem); // end of a one-line message, 
 [[nodiscard]] bool LoadPicturePair(const char* path, SBxPicBuf* picture, SBxPicBuf* alpha,
                                    LoadReport* report = nullptr);
 
+// Whether a file could be read, from its header alone. Damage further on does not show.
+LoadProblem CheckPictureFile(const char* path);
+
 enum class SaveProblem
 {
     None,
