@@ -181,19 +181,37 @@ static void EveryVariant(benchmark::internal::Benchmark* bench)
         bench->Arg(variant);
 }
 
-BENCHMARK(Reduce)->Apply(EveryVariant)->Unit(benchmark::kMillisecond)->UseRealTime();
-BENCHMARK(Expand)->Apply(EveryVariant)->Unit(benchmark::kMillisecond)->UseRealTime();
+BENCHMARK(Reduce)
+    ->Apply(EveryVariant)
+    ->Unit(benchmark::kMillisecond)
+    ->MeasureProcessCPUTime()
+    ->UseRealTime();
+BENCHMARK(Expand)
+    ->Apply(EveryVariant)
+    ->Unit(benchmark::kMillisecond)
+    ->MeasureProcessCPUTime()
+    ->UseRealTime();
 BENCHMARK(Weigh)
     ->ArgsProduct({{0, 1, 2, 3}, {1, 3}})
     ->ArgNames({"variant", "channels"})
     ->Unit(benchmark::kMillisecond)
+    ->MeasureProcessCPUTime()
     ->UseRealTime();
-BENCHMARK(Accumulate)->Apply(EveryVariant)->Unit(benchmark::kMillisecond)->UseRealTime();
-BENCHMARK(Compose)->Apply(EveryVariant)->Unit(benchmark::kMillisecond)->UseRealTime();
+BENCHMARK(Accumulate)
+    ->Apply(EveryVariant)
+    ->Unit(benchmark::kMillisecond)
+    ->MeasureProcessCPUTime()
+    ->UseRealTime();
+BENCHMARK(Compose)
+    ->Apply(EveryVariant)
+    ->Unit(benchmark::kMillisecond)
+    ->MeasureProcessCPUTime()
+    ->UseRealTime();
 BENCHMARK(FuseBracket)
     ->Args({3, 4000, 3000, 8})
     ->Args({3, 4000, 3000, 16})
     ->Args({11, 2000, 1500, 8})
     ->ArgNames({"sources", "width", "height", "bits"})
     ->Unit(benchmark::kMillisecond)
+    ->MeasureProcessCPUTime()
     ->UseRealTime();

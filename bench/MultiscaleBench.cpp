@@ -131,18 +131,35 @@ static void DenoiseLevel(benchmark::State& state)
     ReportPixels(state, kWidth, kHeight);
 }
 
-BENCHMARK(DecomposeColour)->Unit(benchmark::kMillisecond)->UseRealTime();
-BENCHMARK(RecomposeColour)->Unit(benchmark::kMillisecond)->UseRealTime();
-BENCHMARK(SmartContrastWhole)->Arg(8)->Arg(16)->Unit(benchmark::kMillisecond)->UseRealTime();
+BENCHMARK(DecomposeColour)->Unit(benchmark::kMillisecond)->MeasureProcessCPUTime()->UseRealTime();
+BENCHMARK(RecomposeColour)->Unit(benchmark::kMillisecond)->MeasureProcessCPUTime()->UseRealTime();
+BENCHMARK(SmartContrastWhole)
+    ->Arg(8)
+    ->Arg(16)
+    ->Unit(benchmark::kMillisecond)
+    ->MeasureProcessCPUTime()
+    ->UseRealTime();
 BENCHMARK(MakeExposures)
     ->DenseRange(0, kNoiseLevels - 1)
     ->ArgName("noise")
     ->Unit(benchmark::kMillisecond)
+    ->MeasureProcessCPUTime()
     ->UseRealTime();
-BENCHMARK(MakeDaylight)->Arg(8)->Arg(16)->Unit(benchmark::kMillisecond)->UseRealTime();
-BENCHMARK(OrderDaylight)->Arg(8)->Arg(16)->Unit(benchmark::kMillisecond)->UseRealTime();
+BENCHMARK(MakeDaylight)
+    ->Arg(8)
+    ->Arg(16)
+    ->Unit(benchmark::kMillisecond)
+    ->MeasureProcessCPUTime()
+    ->UseRealTime();
+BENCHMARK(OrderDaylight)
+    ->Arg(8)
+    ->Arg(16)
+    ->Unit(benchmark::kMillisecond)
+    ->MeasureProcessCPUTime()
+    ->UseRealTime();
 BENCHMARK(DenoiseLevel)
     ->ArgsProduct({{1, 2}, {1, 2, 3}})
     ->ArgNames({"variant", "noise"})
     ->Unit(benchmark::kMillisecond)
+    ->MeasureProcessCPUTime()
     ->UseRealTime();

@@ -110,7 +110,10 @@ static void Load(benchmark::State& state)
 static void Files(benchmark::internal::Benchmark* bench)
 {
     bench->Args({kFormatJpeg, 8})->Args({kFormatTiff, 8})->Args({kFormatTiff, 16});
-    bench->ArgNames({"format", "bits"})->Unit(benchmark::kMillisecond)->UseRealTime();
+    bench->ArgNames({"format", "bits"})
+        ->Unit(benchmark::kMillisecond)
+        ->MeasureProcessCPUTime()
+        ->UseRealTime();
 }
 
 BENCHMARK(Convert)->Unit(benchmark::kMillisecond);
@@ -119,6 +122,7 @@ BENCHMARK(TransformView)
     ->ArgsProduct({{0, 1, 2}, {25, 100}})
     ->ArgNames({"filter", "percent"})
     ->Unit(benchmark::kMillisecond)
+    ->MeasureProcessCPUTime()
     ->UseRealTime();
 BENCHMARK(Load)->Apply(Files);
 BENCHMARK(Save)->Apply(Files);

@@ -84,12 +84,18 @@ static void ToneMap12MP(benchmark::State& state)
     ReportPixels(state, 4000, 3000);
 }
 
-BENCHMARK(BenchPyrDown)->Unit(benchmark::kMillisecond)->UseRealTime();
-BENCHMARK(BenchPyrUp)->Unit(benchmark::kMillisecond)->UseRealTime();
-BENCHMARK(RemapPlane)->Arg(0)->Arg(1)->Unit(benchmark::kMillisecond)->UseRealTime();
+BENCHMARK(BenchPyrDown)->Unit(benchmark::kMillisecond)->MeasureProcessCPUTime()->UseRealTime();
+BENCHMARK(BenchPyrUp)->Unit(benchmark::kMillisecond)->MeasureProcessCPUTime()->UseRealTime();
+BENCHMARK(RemapPlane)
+    ->Arg(0)
+    ->Arg(1)
+    ->Unit(benchmark::kMillisecond)
+    ->MeasureProcessCPUTime()
+    ->UseRealTime();
 BENCHMARK(ToneMap12MP)
     ->ArgsProduct({{1, 2, 3}, {0}})
     ->Args({0, 1})
     ->ArgNames({"set", "chroma"})
     ->Unit(benchmark::kMillisecond)
+    ->MeasureProcessCPUTime()
     ->UseRealTime();

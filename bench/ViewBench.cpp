@@ -116,15 +116,18 @@ BENCHMARK(Drag)
     ->ArgsProduct({{0, 1, 2}, {25, 100, 200}, {0, 1}})
     ->ArgNames({"filter", "percent", "variant"})
     ->Unit(benchmark::kMillisecond)
+    ->MeasureProcessCPUTime()
     ->UseRealTime();
 BENCHMARK(DragTransparent)
     ->ArgsProduct({{1}, {25, 200}})
     ->ArgNames({"filter", "percent"})
     ->Unit(benchmark::kMillisecond)
+    ->MeasureProcessCPUTime()
     ->UseRealTime();
 BENCHMARK(Rebuild)
     ->ArgsProduct({{0, 1, 2}, {25, 100, 200}, {8}})
     ->ArgsProduct({{1}, {25}, {16}})
     ->ArgNames({"filter", "percent", "bits"})
     ->Unit(benchmark::kMillisecond)
+    ->MeasureProcessCPUTime()
     ->UseRealTime();
