@@ -1,13 +1,26 @@
 #include "picture/FloatPlane.h"
 
-#include <cstdlib>
+#include "picture/LargeBlocks.h"
+
+#include <new>
+
+// Stands before the first sample; as long as a cache line, so that rows begin at one.
+struct alignas(64) PlaneHeader
+{
+    size_t bytes;
+};
 
 float* VcAllocPlane(int64_t samples)
 {
-    return static_cast<float*>(std::calloc(size_t(samples), sizeof(float)));
+    const size_t bytes = sizeof(PlaneHeader) + size_t(samples) * sizeof(float);
+    void* block = VcAllocBlock(bytes, true);
+    return block ? reinterpret_cast<float*>(new (block) PlaneHeader{bytes} + 1) : nullptr;
 }
 
 void VcFreePlane(float* plane)
 {
-    std::free(plane);
+    if (!plane)
+        return;
+    PlaneHeader* header = reinterpret_cast<PlaneHeader*>(plane) - 1;
+    VcFreeBlock(header, header->bytes);
 }

@@ -1,7 +1,8 @@
 #include "picture/PicBuf.h"
 
+#include "picture/LargeBlocks.h"
+
 #include <algorithm>
-#include <cstdlib>
 #include <cstring>
 
 // Calls fn with a null pointer of the picture's sample type, so that one generic body serves all
@@ -53,8 +54,8 @@ void CBxPicBufAPI::ReinitHeap(SBxPicBuf* buffer, int width, int height, int comp
     // Tools call this before every run with the geometry they already have: keep the block.
     if (!buffer->data || buffer->size != size)
     {
-        std::free(buffer->data);
-        buffer->data = static_cast<uint8_t*>(std::malloc(size_t(size)));
+        VcFreeBlock(buffer->data, size_t(buffer->size));
+        buffer->data = static_cast<uint8_t*>(VcAllocBlock(size_t(size), false));
         if (!buffer->data)
         {
             Init(buffer);
@@ -76,7 +77,7 @@ void CBxPicBufAPI::ReinitHeap(SBxPicBuf* dst, const SBxPicBuf& like)
 
 void CBxPicBufAPI::DoneHeap(SBxPicBuf* buffer)
 {
-    std::free(buffer->data);
+    VcFreeBlock(buffer->data, size_t(buffer->size));
     Init(buffer);
 }
 
