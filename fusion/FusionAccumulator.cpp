@@ -1,5 +1,6 @@
 #include "fusion/FusionAccumulator.h"
 
+#include "fusion/FusionKernels.h"
 #include "fusion/FusionThreads.h"
 #include "picture/FloatPlane.h"
 
@@ -93,16 +94,40 @@ static SBxPicBuf ComponentPlane(const SBxPicBuf& picture, unsigned index)
     return plane;
 }
 
+// The three components, taken apart in one pass. True when memory is short.
+static bool SplitPicture(SBxPicBuf planes[3], const SBxPicBuf& picture)
+{
+    bool failed = false;
+    for (int c = 0; c < 3; ++c)
+    {
+        CBxPicBufAPI::Init(&planes[c]);
+        CBxPicBufAPI::ReinitHeap(&planes[c], picture.width, picture.height, 1,
+                                 picture.bitsPerComponent);
+        failed |= !planes[c].data;
+    }
+    if (failed)
+        return true;
+    const auto split =
+        VcFusionKernels().splitRow[picture.bitsPerComponent == 8 ? kFusionBytes : kFusionWords];
+    VcParallelRows(picture.height, picture.width,
+                   [&](int first, int end)
+                   {
+                       for (int y = first; y < end; ++y)
+                       {
+                           void* const to[3] = {PicRow<void>(planes[0], y),
+                                                PicRow<void>(planes[1], y),
+                                                PicRow<void>(planes[2], y)};
+                           split(to, PicRow<const void>(picture, y), picture.width);
+                       }
+                   });
+    return false;
+}
+
 static bool AccumulateThree(VcFusionAccumulator* acc, const SBxPicBuf& picture, FusionStop stop)
 {
     SBxPicBuf planes[3];
-    bool failed = false;
-    for (unsigned c = 0; c < 3; ++c)
-    {
-        planes[c] = ComponentPlane(picture, c);
-        failed |= !planes[c].data;
-    }
-    failed = failed || VcAccumulatePlanes3(acc->planes, planes, *acc, stop);
+    const bool failed =
+        SplitPicture(planes, picture) || VcAccumulatePlanes3(acc->planes, planes, *acc, stop);
     for (SBxPicBuf& plane : planes)
         CBxPicBufAPI::DoneHeap(&plane);
     return failed;
@@ -157,6 +182,8 @@ bool VcComposeResult(SBxPicBuf* picture, const VcFusionAccumulator& acc)
         return true;
     if (acc.channels == 1 && picture->components == 1)
         return VcComposePlane(picture, acc, 0);
+    if (acc.channels == 3 && picture->components == 3)
+        return VcComposePlanes3(picture, acc);
 
     SBxPicBuf plane;
     CBxPicBufAPI::Init(&plane);

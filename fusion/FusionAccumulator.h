@@ -86,3 +86,6 @@ bool VcMergeAccumulator(VcFusionAccumulator* acc, const VcFusionAccumulator& oth
 [[nodiscard]] bool VcComposeResult(SBxPicBuf* picture, const VcFusionAccumulator& acc);
 [[nodiscard]] bool VcComposePlane(SBxPicBuf* plane, const VcFusionAccumulator& acc,
                                   unsigned channel);
+
+// The same for three channels at once, into a picture of three components.
+[[nodiscard]] bool VcComposePlanes3(SBxPicBuf* picture, const VcFusionAccumulator& acc);

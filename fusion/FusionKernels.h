@@ -45,6 +45,12 @@ struct FusionKernels
 {
     const char* name;
 
+    // A row of three-component samples to a row of each component (bytes and words).
+    void (*splitRow[kFusionSampleKinds])(void* const to[3], const void* from, int width);
+
+    // Three rows of floats, clamped and truncated, to such a row.
+    void (*joinRow[kFusionSampleKinds])(void* to, const float* const from[3], int width);
+
     // Rows [firstRow, endRow) of VcReduce; see FusionFilter.h.
     void (*reduceRows[kFusionSampleKinds])(float* dst, int dstW, int dstH, const FusionPlane* src,
                                            const float kernel[5][5], int firstRow, int endRow);

@@ -196,29 +196,17 @@ static void WriteSamples(T* to, const float* from, int width)
     }
 }
 
-static void ComposeFinest(SBxPicBuf* plane, const VcFusionAccumulator& acc, unsigned channel,
-                          const float* coarse)
+// One row of the finest level.
+static void ComposeFinestRow(float* out, const VcFusionAccumulator& acc, unsigned channel,
+                             const float* coarse, int y)
 {
-    VcParallelRows(plane->height, plane->width,
-                   [&](int first, int end)
-                   {
-                       std::vector<float> row(size_t(plane->width));
-                       for (int y = first; y < end; ++y)
-                       {
-                           std::fill(row.begin(), row.end(), 0.0f);
-                           ComposeRows(acc, channel, 0, coarse, y, y + 1,
-                                       [&](int) { return row.data(); });
-                           if (acc.bitsPerComponent == 8)
-                               WriteSamples(PicRow<uint8_t>(*plane, y), row.data(), plane->width);
-                           else
-                               WriteSamples(PicRow<uint16_t>(*plane, y), row.data(), plane->width);
-                       }
-                   });
+    std::fill(out, out + acc.width, 0.0f);
+    ComposeRows(acc, channel, 0, coarse, y, y + 1, [&](int) { return out; });
 }
 
-bool VcComposePlane(SBxPicBuf* plane, const VcFusionAccumulator& acc, unsigned channel)
+// All levels but the finest put together. True when memory is short.
+static bool ComposeCoarse(FloatPlane* coarse, const VcFusionAccumulator& acc, unsigned channel)
 {
-    FloatPlane coarse;
     for (unsigned k = acc.levels; k > 0; --k)
     {
         const LevelSize size = SizeOf(acc, k);
@@ -228,12 +216,57 @@ bool VcComposePlane(SBxPicBuf* plane, const VcFusionAccumulator& acc, unsigned c
         VcParallelRows(size.height, size.width,
                        [&](int first, int end)
                        {
-                           ComposeRows(acc, channel, k, coarse.get(), first, end,
+                           ComposeRows(acc, channel, k, coarse->get(), first, end,
                                        [&](int row)
                                        { return fine.get() + int64_t(row) * size.width; });
                        });
-        coarse = std::move(fine);
+        *coarse = std::move(fine);
     }
-    ComposeFinest(plane, acc, channel, coarse.get());
+    return false;
+}
+
+bool VcComposePlane(SBxPicBuf* plane, const VcFusionAccumulator& acc, unsigned channel)
+{
+    FloatPlane coarse;
+    if (ComposeCoarse(&coarse, acc, channel))
+        return true;
+    VcParallelRows(plane->height, plane->width,
+                   [&](int first, int end)
+                   {
+                       std::vector<float> row(size_t(plane->width));
+                       for (int y = first; y < end; ++y)
+                       {
+                           ComposeFinestRow(row.data(), acc, channel, coarse.get(), y);
+                           if (acc.bitsPerComponent == 8)
+                               WriteSamples(PicRow<uint8_t>(*plane, y), row.data(), plane->width);
+                           else
+                               WriteSamples(PicRow<uint16_t>(*plane, y), row.data(), plane->width);
+                       }
+                   });
+    return false;
+}
+
+bool VcComposePlanes3(SBxPicBuf* picture, const VcFusionAccumulator& acc)
+{
+    FloatPlane coarse[3];
+    for (unsigned c = 0; c < 3; ++c)
+        if (ComposeCoarse(&coarse[c], acc, c))
+            return true;
+    const auto join =
+        VcFusionKernels().joinRow[acc.bitsPerComponent == 8 ? kFusionBytes : kFusionWords];
+    const size_t width = size_t(picture->width);
+    VcParallelRows(picture->height, picture->width,
+                   [&](int first, int end)
+                   {
+                       std::vector<float> samples(3 * width);
+                       float* const rows[3] = {samples.data(), samples.data() + width,
+                                               samples.data() + 2 * width};
+                       for (int y = first; y < end; ++y)
+                       {
+                           for (unsigned c = 0; c < 3; ++c)
+                               ComposeFinestRow(rows[c], acc, c, coarse[c].get(), y);
+                           join(PicRow<void>(*picture, y), rows, picture->width);
+                       }
+                   });
     return false;
 }

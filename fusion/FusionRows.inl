@@ -199,6 +199,59 @@ static void AddRatios(float* __restrict out, const float* __restrict sums,
     }
 }
 
+template <typename T>
+static void SplitPixels(T* __restrict a, T* __restrict b, T* __restrict c, const T* from, int width)
+{
+    for (int x = 0; x < width; ++x)
+    {
+        a[x] = from[3 * x];
+        b[x] = from[3 * x + 1];
+        c[x] = from[3 * x + 2];
+    }
+}
+
+template <typename T>
+static void SplitRow(void* const to[3], const void* from, int width)
+{
+    SplitPixels(static_cast<T*>(to[0]), static_cast<T*>(to[1]), static_cast<T*>(to[2]),
+                static_cast<const T*>(from), width);
+}
+
+template <typename T>
+static void ClampToSamples(T* __restrict to, const float* __restrict from, int count)
+{
+    const float top = float((1 << (8 * sizeof(T))) - 1);
+    for (int x = 0; x < count; ++x)
+    {
+        const float lifted = from[x] > 0.0f ? from[x] : 0.0f;
+        to[x] = T(int(lifted < top ? lifted : top));
+    }
+}
+
+template <typename T>
+static void JoinPixels(T* __restrict to, const T* a, const T* b, const T* c, int count)
+{
+    for (int x = 0; x < count; ++x)
+    {
+        to[3 * x] = a[x];
+        to[3 * x + 1] = b[x];
+        to[3 * x + 2] = c[x];
+    }
+}
+
+template <typename T>
+static void JoinRow(void* to, const float* const from[3], int width)
+{
+    T samples[3][kPiece];
+    for (int first = 0; first < width; first += kPiece)
+    {
+        const int count = Smaller(kPiece, width - first);
+        for (int c = 0; c < 3; ++c)
+            ClampToSamples(samples[c], from[c] + first, count);
+        JoinPixels(static_cast<T*>(to) + 3 * first, samples[0], samples[1], samples[2], count);
+    }
+}
+
 #include "fusion/FusionWeigh.inl"
 
 using Byte = unsigned char;
@@ -207,6 +260,8 @@ using Word = unsigned short;
 constexpr FusionKernels TunedKernels(const char* name)
 {
     return {name,
+            {nullptr, SplitRow<Byte>, SplitRow<Word>},
+            {nullptr, JoinRow<Byte>, JoinRow<Word>},
             {ReduceRows<float>, ReduceRows<Byte>, ReduceRows<Word>},
             ExpandRow,
             AddRatios,

@@ -133,9 +133,26 @@ static void Weigh(const FusionBandJob* job, int row, int firstColumn, int endCol
     }
 }
 
+template <typename T>
+static void SplitRow(void* const to[3], const void* from, int width)
+{
+    for (int i = 0; i < 3 * width; ++i)
+        static_cast<T*>(to[i % 3])[i / 3] = static_cast<const T*>(from)[i];
+}
+
+template <typename T>
+static void JoinRow(void* to, const float* const from[3], int width)
+{
+    const float top = float(std::numeric_limits<T>::max());
+    for (int i = 0; i < 3 * width; ++i)
+        static_cast<T*>(to)[i] = T(std::clamp(from[i % 3][i / 3], 0.0f, top));
+}
+
 extern const FusionKernels kFusionKernelsPlain;
 const FusionKernels kFusionKernelsPlain = {
     "plain",
+    {nullptr, SplitRow<uint8_t>, SplitRow<uint16_t>},
+    {nullptr, JoinRow<uint8_t>, JoinRow<uint16_t>},
     {ReduceRows<float>, ReduceRows<uint8_t>, ReduceRows<uint16_t>},
     ExpandRow,
     AddRatios,

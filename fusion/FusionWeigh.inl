@@ -165,6 +165,13 @@ static void AddBand(float* __restrict to, const float* __restrict weights,
             to[n] += weights[n] * (gauss[n] - expanded[n]);
 }
 
+// Sums come from main memory: asked for now, they arrive while the weights are being computed.
+static void FetchSums(const float* sums, int count)
+{
+    for (int n = 0; n < count; n += 16) // floats of a cache line
+        __builtin_prefetch(sums + n, 1);
+}
+
 template <typename T, int Channels>
 static void Weigh(const FusionBandJob* job, int row, int firstColumn, int endColumn)
 {
@@ -175,6 +182,9 @@ static void Weigh(const FusionBandJob* job, int row, int firstColumn, int endCol
     {
         const int end = Smaller(from + kColumns, endColumn), count = end - from;
         const long long at = (long long)row * width + from;
+        FetchSums(job->weights + at, count);
+        for (int c = 0; c < Channels; ++c)
+            FetchSums(job->sums[c] + at, count);
         for (int c = 0; c < Channels; ++c)
             LoadFloats<T>(piece.gauss[c], job->gauss[c], row, from, count);
         Laplacians<T, Channels>(&piece, job->gauss, row, from, end);
