@@ -113,10 +113,17 @@ static void OnAbout()
 {
     const std::wstring text = VcFormatText(
         L"Plenoviz, Version " PLENOVIZ_SHORT_VERSION L"\n"
-        L"Photographs with detail in shadows and highlights\n\n"
-        L"This software uses the FreeImage open source image library under the FreeImage Public "
-        L"License, oneTBB under the Apache License 2.0, libjpeg-turbo, libpng, libtiff, libwebp, "
-        L"LibRaw, Imath and zlib under their licenses.");
+        L"%s\n\n"
+        L"%s\n"
+        L"FreeImage (FreeImage Public License 1.0)\n"
+        L"oneTBB (Apache License 2.0)\n"
+        L"libjpeg-turbo (BSD; based in part on the work of the Independent JPEG Group)\n"
+        L"libpng (libpng License 2.0)\n"
+        L"LibTIFF (libtiff License)\n"
+        L"libwebp, Imath (BSD)\n"
+        L"LibRaw (CDDL 1.0)\n"
+        L"zlib (zlib License)",
+        g_strings[kTextPurpose], g_strings[kTextLibraries]);
     MessageBoxW(g_hwndMain, text.c_str(), g_strings[42], MB_ICONASTERISK);
 }
 

@@ -15,6 +15,7 @@
 #include <dlgs.h>
 
 #include <algorithm>
+#include <cerrno>
 #include <cwchar>
 
 static constexpr DWORD kDialogFlags =
@@ -215,10 +216,42 @@ static bool AskForTarget(HWND owner, int bitsPerComponent, const wchar_t* source
     return true;
 }
 
-static void TellFailure(HWND owner, int string, const wchar_t* path, const std::string& reason)
+static const struct
 {
-    const std::wstring text =
-        VcFormatText(L"%s\n%s\n%s", g_strings[string], path, WideFromUtf8(reason.c_str()).c_str());
+    SaveProblem problem;
+    int string;
+} kSaveProblems[] = {
+    {SaveProblem::OutOfMemory, kTextSaveMemory},   {SaveProblem::UnknownFormat, kTextSaveFormat},
+    {SaveProblem::DepthNotHeld, kTextSaveDepth},   {SaveProblem::CannotCreate, kTextSaveCreate},
+    {SaveProblem::EncoderFailed, kTextSaveEncode}, {SaveProblem::CannotWrite, kTextSaveWrite},
+};
+
+// The errors of files that a user can do something about, as the system calls them.
+static const struct
+{
+    int number; // errno
+    DWORD system;
+} kFileErrors[] = {
+    {ENOSPC, ERROR_DISK_FULL}, {EACCES, ERROR_ACCESS_DENIED},  {EROFS, ERROR_WRITE_PROTECT},
+    {EIO, ERROR_IO_DEVICE},    {ENOENT, ERROR_PATH_NOT_FOUND}, {ENAMETOOLONG, ERROR_BAD_PATHNAME},
+};
+
+// Why a picture was not saved: in the user's language, and in the system's words what is behind it.
+static std::wstring SaveReason(const SaveReport& report)
+{
+    std::wstring reason;
+    for (const auto& row : kSaveProblems)
+        if (row.problem == report.problem)
+            reason = g_strings[row.string];
+    for (const auto& row : kFileErrors)
+        if (row.number == report.systemError)
+            reason += L"\n" + SystemErrorText(row.system);
+    return reason;
+}
+
+static void TellFailure(HWND owner, int string, const wchar_t* path, const std::wstring& reason)
+{
+    const std::wstring text = VcFormatText(L"%s\n%s\n%s", g_strings[string], path, reason.c_str());
     MessageBoxW(owner, text.c_str(), g_strings[40], MB_OK | MB_ICONERROR);
 }
 
@@ -249,7 +282,7 @@ static bool WritePicture(HWND owner, const SBxPicBuf& picture, const SBxPicBuf& 
     std::string path, from;
     if (SavePathFromWide(&path, target.path.c_str(), PathUse::Target))
     {
-        TellFailure(owner, 41, target.path.c_str(), "");
+        TellFailure(owner, 41, target.path.c_str(), L"");
         return false;
     }
     if (*source && SavePathFromWide(&from, source, PathUse::Source))
@@ -258,11 +291,11 @@ static bool WritePicture(HWND owner, const SBxPicBuf& picture, const SBxPicBuf& 
     if (!report.written && (report.problem == SaveProblem::SourceFormat ||
                             report.problem == SaveProblem::SourceUnreadable))
     {
-        TellFailure(owner, 33, source, "");
+        TellFailure(owner, 33, source, L"");
         report = TrySave(picture, alpha, path, "", target.format);
     }
     if (!report.written)
-        TellFailure(owner, 33, target.path.c_str(), SaveReportText(report));
+        TellFailure(owner, 33, target.path.c_str(), SaveReason(report));
     return report.written;
 }
 

@@ -40,3 +40,12 @@ std::wstring VcFormatText(const wchar_t* format, ...)
     text.resize(text.find(L'\0'));
     return text;
 }
+
+std::wstring SystemErrorText(unsigned long error)
+{
+    wchar_t text[256] = L"";
+    FormatMessageW(FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS, nullptr, error, 0,
+                   text, 256, nullptr);
+    const std::wstring whole = text;
+    return whole.substr(0, whole.find_last_not_of(L"\r\n ") + 1);
+}

@@ -11,3 +11,6 @@ bool VcFormat(wchar_t* text, size_t capacity, const wchar_t* format, ...);
 
 // The whole text, however long.
 std::wstring VcFormatText(const wchar_t* format, ...);
+
+// What the system says about one of its error numbers, in its own language.
+std::wstring SystemErrorText(unsigned long error);

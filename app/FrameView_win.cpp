@@ -2,7 +2,9 @@
 
 #include "app/AppState.h"
 #include "app/AppWindows_win.h"
+#include "app/Invitation.h"
 #include "app/Messages.h"
+#include "app/Strings.h"
 #include "app/ToolbarWnd.h"
 #include "skin/SkinColors.h"
 
@@ -74,9 +76,53 @@ void ShowPreview()
     Render(ViewRebuild::Rebuild, &g_previewPicture, ViewShows::Result);
 }
 
+// The font in which the system speaks to the user: it has the letters of the user's language.
+static HFONT InvitationFont(int height)
+{
+    NONCLIENTMETRICSW metrics = {};
+    metrics.cbSize = sizeof metrics;
+    SystemParametersInfoW(SPI_GETNONCLIENTMETRICS, sizeof metrics, &metrics, 0);
+    metrics.lfMessageFont.lfHeight = -height;
+    metrics.lfMessageFont.lfWidth = 0;
+    return CreateFontIndirectW(&metrics.lfMessageFont);
+}
+
+static void DrawInvitationFrame(HDC dc, const InvitationLayout& layout)
+{
+    const CBxRect<int>& frame = layout.frame;
+    const int grey = layout.frameGrey;
+    const HGDIOBJ pen = SelectObject(dc, CreatePen(PS_SOLID, 2, RGB(grey, grey, grey)));
+    const HGDIOBJ brush = SelectObject(dc, GetStockObject(NULL_BRUSH));
+    RoundRect(dc, frame.left, frame.top, frame.right, frame.bottom, layout.fontHeight,
+              layout.fontHeight);
+    SelectObject(dc, brush);
+    DeleteObject(SelectObject(dc, pen));
+}
+
+// Into the display bitmap, so that the window gets background and text in one piece.
+static void DrawInvitation(HDC dc, CBxSize<int> area, int background)
+{
+    constexpr UINT kFormat = DT_CENTER | DT_WORDBREAK | DT_NOPREFIX;
+    const wchar_t* text = g_strings[kTextInvitation];
+    const HGDIOBJ font = SelectObject(dc, InvitationFont(InvitationFontHeight(area)));
+    RECT room = {0, 0, InvitationTextWidth(area), 0};
+    DrawTextW(dc, text, -1, &room, kFormat | DT_CALCRECT);
+    const InvitationLayout layout = LayOutInvitation(area, {room.right, room.bottom}, background);
+    DrawInvitationFrame(dc, layout);
+    room = {layout.text.left, layout.text.top, layout.text.right, layout.text.bottom};
+    SetBkMode(dc, TRANSPARENT);
+    SetTextColor(dc, RGB(layout.textGrey, layout.textGrey, layout.textGrey));
+    DrawTextW(dc, text, -1, &room, kFormat);
+    DeleteObject(SelectObject(dc, font));
+    GdiFlush(); // the view writes into the bitmap by itself
+}
+
 void ShowNothing()
 {
     Render(ViewRebuild::Keep, nullptr, ViewShows::Nothing);
+    if (g_document.bitmap && *g_strings[kTextInvitation])
+        DrawInvitation(g_document.memoryDc, SizeOfArea(g_view.area),
+                       ViewBackground(g_view.colourScheme));
 }
 
 void ZoomChanged()

@@ -22,7 +22,7 @@ void ShowSource(const SBxPicBuf& picture);
 void ShowResult();
 void ShowPreview();
 
-// The background only, for a closed picture.
+// For a closed picture: the background, and the invitation to open another.
 void ShowNothing();
 
 // A zoom has changed: the box's text, the focus, the picture.

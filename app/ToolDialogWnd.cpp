@@ -4,6 +4,7 @@
 #include "app/AppWindows_win.h"
 #include "app/CommandsWnd.h"
 #include "app/DockerWnd.h"
+#include "app/Format_win.h"
 #include "app/Messages.h"
 #include "app/Strings.h"
 
@@ -47,10 +48,8 @@ ToolWaitCursor::~ToolWaitCursor()
 
 void WarnOfShortMemory()
 {
-    wchar_t text[256] = L"";
-    FormatMessageW(FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS, nullptr,
-                   ERROR_NOT_ENOUGH_MEMORY, 0, text, 256, nullptr);
-    MessageBoxW(g_hwndMain, text, g_strings[3], MB_OK | MB_ICONASTERISK);
+    const std::wstring text = SystemErrorText(ERROR_NOT_ENOUGH_MEMORY);
+    MessageBoxW(g_hwndMain, text.c_str(), g_strings[3], MB_OK | MB_ICONASTERISK);
 }
 
 void SetUpSlider(HWND dialog, const SliderControl& control, int value)

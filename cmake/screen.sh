@@ -21,11 +21,13 @@ ScreenFolder()
     export WINEPREFIX=$root/build/wineprefix-${1:-screen}
     (
         flock 8
-        [[ -f $WINEPREFIX/complete ]] && exit
+        [[ $WINEPREFIX/complete -nt $root/cmake/wine.sh ]] && exit
         "$root/cmake/wine.sh" cmd /c exit </dev/null >/dev/null 2>&1 8>&-
+        [[ -d $WINEPREFIX ]] && wineserver -k || true
         rm -rf "$WINEPREFIX"
         cp -a "$root/build/wineprefix" "$WINEPREFIX"
         sed -i '/^"Graphics"="null"/d' "$WINEPREFIX/user.reg"
+        touch "$WINEPREFIX/complete"
     ) 8>"$WINEPREFIX.lock"
 }
 

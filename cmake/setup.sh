@@ -12,8 +12,8 @@ native=(g++ cmake ninja-build libfreeimage-dev libtbb-dev googletest libbenchmar
 windows=(g++-mingw-w64-x86-64-posix libz-mingw-w64-dev nasm librsvg2-bin icoutils imagemagick)
 packing=(nsis zip unzip)
 # Wine to run the tests, and a screen that nobody sees with a hand on it. wine32 and the screen
-# drivers are only recommended packages, so they stay away.
-showing=(wine wine64 xvfb xdotool)
+# drivers are only recommended packages, so they stay away. The fonts are those of all languages.
+showing=(wine wine64 xvfb xdotool fonts-dejavu-core fonts-droid-fallback)
 linting=(clang-format-14 clang-tidy-14)
 
 case $level in

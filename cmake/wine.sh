@@ -14,11 +14,19 @@ mkdir -p "$root/build"
 
 MakeFolder()
 {
+    # A server that still runs in the old folder would keep the old settings.
+    [[ -d $WINEPREFIX ]] && wineserver -k || true
     rm -rf "$WINEPREFIX"
     mkdir -p "$WINEPREFIX"
     wineboot -i
     # Windows are created and painted as usual, but shown nowhere.
     wine reg add 'HKCU\Software\Wine\Drivers' /v Graphics /d null /f
+    # The font that stands in for the system's has no Chinese and Japanese letters.
+    local link='HKLM\Software\Microsoft\Windows NT\CurrentVersion\FontLink\SystemLink' font
+    for font in 'DejaVu Sans' 'DejaVu Serif'; do
+        wine reg add "$link" /v "$font" /t REG_MULTI_SZ \
+            /d 'DroidSansFallbackFull.ttf,Droid Sans Fallback' /f
+    done
     # The server writes the registry when its last program has ended.
     wineserver -w
     touch "$WINEPREFIX/complete"
@@ -36,7 +44,9 @@ StartServer()
 
 (
     flock 8
-    [[ -f $WINEPREFIX/complete ]] || MakeFolder </dev/null >"$root/build/wineprefix.log" 2>&1 8>&-
+    # A folder that an older script has made is made again.
+    [[ $WINEPREFIX/complete -nt $root/cmake/wine.sh ]] ||
+        MakeFolder </dev/null >"$root/build/wineprefix.log" 2>&1 8>&-
     StartServer </dev/null >/dev/null 2>&1 8>&-
 ) 8>"$root/build/wineprefix.lock"
 exec wine "$@"

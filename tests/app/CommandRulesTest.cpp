@@ -1,9 +1,12 @@
 #include "app/CommandRules.h"
 
 #include "app/CommandIds.h"
+#include "app/Invitation.h"
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <cmath>
 #include <set>
 #include <string>
 
@@ -57,4 +60,27 @@ TEST(CommandTable, KnowsEveryCommandOnce)
     ASSERT_NE(FindCommand(ID_SMART_CONTRAST), nullptr);
     EXPECT_EQ(FindCommand(ID_SMART_CONTRAST)->tooltipString, 101);
     EXPECT_FALSE(IsCommandEnabled(CommandStates(), 4242)) << "not a command";
+}
+
+// How much light a grey gives on a screen, seen against black.
+static double Light(int grey)
+{
+    return std::pow((grey / 255.0 + 0.055) / 1.055, 2.4) + 0.05;
+}
+
+TEST(Invitation, StandsInTheMiddleAndIsLegible)
+{
+    for (const int background : {48, 190})
+    {
+        const InvitationLayout layout = LayOutInvitation({1000, 640}, {420, 40}, background);
+        const double ratio = Light(layout.textGrey) / Light(background);
+        EXPECT_GE(std::max(ratio, 1 / ratio), 7.0) << background;
+        EXPECT_EQ(layout.text.left, 290);
+        EXPECT_EQ(layout.text.top, 300);
+        EXPECT_EQ(layout.frame.left + layout.frame.right, 1000);
+        EXPECT_EQ(layout.frame.top + layout.frame.bottom, 640);
+        EXPECT_GT(layout.text.left - layout.frame.left, layout.fontHeight);
+    }
+    EXPECT_GE(InvitationFontHeight({60, 20}), 13);
+    EXPECT_LT(InvitationFontHeight({3840, 2100}), 40);
 }

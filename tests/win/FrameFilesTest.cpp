@@ -134,6 +134,23 @@ TEST_F(FrameFiles, OpenCommandLoadsWhatIsChosen)
     RunModal([] { Command(ID_FILE_OPEN); }, {Box(21, 3, IDNO)}); // and no dialog
 }
 
+// Whether there are letters in the middle of the view.
+static bool IsInvited()
+{
+    bool dark = false;
+    for (int x = 300; x < 480; ++x) // beside what is open
+        for (int y = kAreaHeight / 2 - 10; y < kAreaHeight / 2 + 10; ++y)
+            dark = dark || ViewPixel(x, y)[0] < 60;
+    return dark;
+}
+
+TEST_F(FrameFiles, AnEmptyViewInvitesUntilAPictureIsOpen)
+{
+    EXPECT_TRUE(IsInvited());
+    OpenPicture("photo.png", 6, 4);
+    EXPECT_FALSE(IsInvited());
+}
+
 TEST_F(FrameFiles, CloseForgetsEverything)
 {
     OpenPicture("photo.png", 60, 40);
@@ -145,7 +162,8 @@ TEST_F(FrameFiles, CloseForgetsEverything)
     EXPECT_EQ(Title(), L"Plenoviz");
     EXPECT_STREQ(g_szCurrentFile, L"");
     EXPECT_FALSE(g_resultUnsaved || g_showSources);
-    EXPECT_EQ(ViewCentre(), Bytes({190, 190, 190}));
+    EXPECT_EQ(ViewPixel(500, 100), Bytes({190, 190, 190}));
+    EXPECT_TRUE(IsInvited());
     for (const SBxPicBuf* picture : {&g_sourcePicture, &g_resultPicture, &g_previewPicture})
         EXPECT_EQ(picture->data, nullptr);
     Command(ID_FILE_SAVEAS); // greyed: no dialog

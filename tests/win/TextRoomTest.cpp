@@ -1,0 +1,158 @@
+// Every text of every language, measured in the control that shows it.
+
+#include "app/AppState.h"
+#include "app/AppWindows_win.h"
+#include "app/CommandIds.h"
+#include "app/FileDialogsIds.h"
+#include "app/Format_win.h"
+#include "app/LanguageFile.h"
+#include "app/OptionsDlg.h"
+#include "app/Settings.h"
+#include "app/Strings.h"
+#include "fusion/FusionDlgIds.h"
+#include "multiscale/NoisePromptDlg.h"
+#include "multiscale/ProgressPanelDlg.h"
+#include "multiscale/SeriesDlgIds.h"
+#include "tests/win/FrameHarness.h"
+#include "tests/win/ProfileFiles.h"
+
+#include <cwchar>
+
+constexpr double kSpare = 0.90; // of the room: fonts differ between versions of Windows
+
+static CBxSize<int> TextSize(HWND control, const std::wstring& text)
+{
+    const HDC dc = GetDC(control);
+    const HGDIOBJ font = SelectObject(dc, HGDIOBJ(SendMessageW(control, WM_GETFONT, 0, 0)));
+    RECT rect = {};
+    DrawTextW(dc, text.c_str(), -1, &rect, DT_CALCRECT | DT_SINGLELINE);
+    SelectObject(dc, font);
+    ReleaseDC(control, dc);
+    return {rect.right, rect.bottom};
+}
+
+// What a control needs beside its text: the box of a check box, the borders of a push button, the
+// corners of a group, the arrow of a combo box.
+static int Furniture(HWND control, const std::wstring& kind)
+{
+    if (kind == L"ComboBox")
+        return GetSystemMetrics(SM_CXVSCROLL) + 8;
+    if (kind != L"Button")
+        return 0;
+    const LONG_PTR type = GetWindowLongPtrW(control, GWL_STYLE) & BS_TYPEMASK;
+    return type == BS_GROUPBOX || type == BS_AUTOCHECKBOX ? 20 : 12;
+}
+
+static void ExpectRoom(HWND control, const std::wstring& text, const std::wstring& kind)
+{
+    RECT client;
+    GetClientRect(control, &client);
+    const int room = int(client.right * kSpare) - Furniture(control, kind);
+    const CBxSize<int> needed = TextSize(control, text);
+    EXPECT_TRUE(needed.cx <= room && needed.cy <= client.bottom)
+        << testing::PrintToString(text) << " needs " << needed.cx << " x " << needed.cy << " of "
+        << room << " x " << client.bottom << " pixels in language " << g_languages.current;
+}
+
+static BOOL CALLBACK MeasureChild(HWND control, LPARAM count)
+{
+    wchar_t kind[32] = L"", item[1024] = L"";
+    GetClassNameW(control, kind, 32);
+    *reinterpret_cast<int*>(count) += !WindowText(control).empty();
+    for (int i = int(SendMessageW(control, CB_GETCOUNT, 0, 0)); i-- > 0;)
+    {
+        SendMessageW(control, CB_GETLBTEXT, WPARAM(i), LPARAM(item));
+        ExpectRoom(control, item, kind);
+    }
+    if (std::wstring(kind) != L"ComboBox")
+        ExpectRoom(control, WindowText(control), kind);
+    return TRUE;
+}
+
+// All that a dialog says; `texts` guards against one that did not open or says nothing.
+static void Measure(HWND dialog, int texts)
+{
+    int count = 0;
+    ASSERT_TRUE(dialog);
+    EnumChildWindows(dialog, MeasureChild, LPARAM(&count));
+    EXPECT_GE(count, texts);
+    SendMessageW(dialog, WM_COMMAND, IDCANCEL, 0);
+    Pump();
+}
+
+static void CALLBACK MeasurePrompt(HWND, UINT, UINT_PTR timer, DWORD)
+{
+    KillTimer(nullptr, timer);
+    Measure(GetWindow(g_hwndDocker, GW_CHILD), 4);
+}
+
+// The titles of a fusion dialog are several.
+static void MeasureTool(int command, int texts, std::initializer_list<int> titles = {})
+{
+    Command(command);
+    for (const int title : titles)
+        ExpectRoom(GetDlgItem(g_hwndActiveTool, IDC_FUSION_TITLE), g_strings[title], L"Button");
+    Measure(g_hwndActiveTool, texts);
+}
+
+static void MeasureSaveRow()
+{
+    const HWND row =
+        CreateDialogW(g_hInst, MAKEINTRESOURCEW(IDD_JPEG_QUALITY), g_hwndMain, nullptr);
+    ExpectRoom(GetDlgItem(row, IDC_QUALITY_LABEL), g_strings[48], L"");
+    DestroyWindow(row);
+}
+
+static void MeasureDialogs()
+{
+    MeasureTool(ID_SMART_CONTRAST, 10);
+    MeasureTool(ID_TONE_MAPPING, 10);
+    for (int i = 0; i < 3; ++i)
+        std::wcscpy(g_sourceFiles[i], g_szCurrentFile);
+    g_sourceCount = 3;
+    MeasureTool(ID_OPEN_EXPOSURE_FUSION, 5, {63, 64});
+    MeasureTool(ID_OPEN_POWER_FUSION, 4, {99, 100});
+
+    const HWND panel = OpenProgressPanel(SeriesKind::Single);
+    for (const int text : {7, 57})
+        ExpectRoom(GetDlgItem(panel, IDC_PROGRESS_TEXT), g_strings[text], L"");
+    Measure(panel, 3);
+    CloseProgressPanel(panel);
+
+    SetTimer(nullptr, 0, 10, MeasurePrompt);
+    unsigned level = 0;
+    RunNoiseLevelPrompt(&level);
+    RunModal([] { ShowOptionsDialog(g_hwndMain); }, {[](HWND dialog) { Measure(dialog, 3); }});
+    MeasureSaveRow();
+}
+
+class TextRoom : public FrameTest
+{
+};
+
+// What stands in the status bar, also behind the number of a source.
+static void MeasureStatusBar()
+{
+    for (const int text : {55, 56, 80, 81})
+        ExpectRoom(g_hwndStatus, g_strings[text], L"");
+    for (const int text : {31, 55})
+        ExpectRoom(
+            g_hwndStatus,
+            VcFormatText(L"%s %i %s %i. %s", g_strings[22], 10, g_strings[23], 10, g_strings[text]),
+            L"");
+}
+
+TEST_F(TextRoom, IsEnoughInEveryLanguage)
+{
+    ASSERT_TRUE(CopyFileW(PLENOVIZ_TEXTS, LocalizationFilePath().c_str(), FALSE));
+    OpenPicture("photo.png", 60, 40);
+    LoadSettings();
+    ASSERT_GE(g_languages.count, 15);
+    for (int language = 0; language < g_languages.count; ++language)
+    {
+        ChooseLanguage(LocalizationFile(), &g_languages, language);
+        LoadLocalizedStrings();
+        MeasureStatusBar();
+        MeasureDialogs();
+    }
+}
