@@ -88,11 +88,11 @@ TEST_F(Skin, AnswersForTheSystemsColours)
     EXPECT_EQ(Picture(g_hwndDocker, WM_ERASEBKGND).At(0, kSide - 1), RGB(70, 70, 70));
     EXPECT_EQ(Picture(dialog, WM_ERASEBKGND).At(5, 5), RGB(70, 70, 70));
     RedrawView();
-    EXPECT_EQ(ViewCentre(), Bytes({48, 48, 48}));
+    EXPECT_EQ(ViewPixel(500, 100), Bytes({48, 48, 48}));
     RemoveSkin();
     EXPECT_EQ(SkinColor(15), GetSysColor(15));
     RedrawView();
-    EXPECT_EQ(ViewCentre(), Bytes({190, 190, 190}));
+    EXPECT_EQ(ViewPixel(500, 100), Bytes({190, 190, 190}));
 }
 
 TEST_F(Skin, ColoursLists)
