@@ -17,6 +17,11 @@ static std::string Utf8(const wchar_t* text)
     return result;
 }
 
+// The shell of Windows leaves * and ? to programs. With this the start-up code replaces them,
+// unless they are in quotes; a pattern without a match stays as it is.
+extern "C" int _dowildcard; // NOLINT: the name is the start-up code's
+int _dowildcard = -1;
+
 extern "C" int wmain(int argc, wchar_t** argv); // no system header declares it
 
 extern "C" int wmain(int argc, wchar_t** argv)

@@ -36,11 +36,8 @@ Series()
 Tools()
 {
     local power
-    Cli single --exposure 120 --noise medium -o single.png series/sample_3.jpg
+    Cli single --exposure 140 -o single.png series/sample_3.jpg
     InARow single 428 series/sample_3.jpg single.png
-    Cli single --exposure 120 --noise none -o noisy.png series/sample_2.jpg
-    Cli single --exposure 120 --noise medium -o calm.png series/sample_2.jpg
-    Details noise 428x280+620+500 noisy.png calm.png
     for power in 3 15 39; do
         Cli daylight-up --power $power -o up-$power.png series/sample_2.jpg
     done
@@ -54,5 +51,77 @@ Tools()
     Cli smart-contrast --lod 2,4,8,10,10,10,10,10 -o soft.png fused.png
     Details smart-contrast 283x283+340+130 soft.png fused.png crisp.png
 }
+
+# Begin [PICTURE]: the window as at its first start, where everything has its known place.
+Begin()
+{
+    ForgetSettings
+    StartProgram "$@"
+    xdotool windowfocus "$window"
+    eval "$(xdotool getwindowgeometry --shell "$window")"
+    Still
+}
+
+Still()
+{
+    local now='' last tries
+    for ((tries = 0; tries < 60; tries++)); do
+        last=$now
+        sleep 0.7
+        import -window root -depth 8 "ppm:$scratch/still"
+        now=$(cksum <"$scratch/still")
+        [[ $now == "$last" ]] && return
+    done
+}
+
+# Places count from the corner of the window.
+ClickAt() { xdotool mousemove $((X + $1)) $((Y + $2)) click 1; Still; }
+FitView() { ClickAt $((WIDTH - 149)) 23; }
+DragBy()
+{
+    xdotool mousemove $((X + $1)) $((Y + $2)) mousedown 1 sleep 0.3
+    xdotool mousemove_relative $(($3 / 2)) 0 sleep 0.3 mousemove_relative $(($3 - $3 / 2)) 0 sleep 0.3 mouseup 1
+    Still
+}
+KeepWindow()
+{
+    xdotool mousemove $((X + 250)) $((Y + HEIGHT + 60))
+    Still
+    import -window root "$scratch/window.png"
+    Keep "$1" "$scratch/window.png" -crop "${WIDTH}x${HEIGHT}+$X+$Y" +repage
+    kill "$programPid"
+    wait "$programPid" || true
+    programPid=''
+}
+
+Windows()
+{
+    local toolbar=23 multi=195 tone=323 smart=115 path=${scratch//\//\\}
+    Begin
+    ClickAt $multi $toolbar
+    xdotool type "Z:$path\\series"
+    xdotool key Return
+    Still
+    xdotool type '"sample_1.jpg" "sample_2.jpg" "sample_3.jpg" "sample_4.jpg" "sample_5.jpg"'
+    xdotool key Return
+    Still
+    FitView
+    KeepWindow window
+
+    Begin "Z:$path\\series\\sample_3.jpg"
+    ClickAt $tone $toolbar
+    ClickAt 644 274 # only the brightness
+    ClickAt 644 294 # preview
+    DragBy 695 198 60
+    KeepWindow window-tone-mapping
+
+    Begin "Z:$path\\fused.png"
+    ClickAt $smart $toolbar
+    KeepWindow window-smart-contrast
+}
+
 Series
 Tools
+ScreenFolder pictures
+ScreenUp
+Windows
