@@ -92,15 +92,6 @@ static void DrawStatusPart(HDC dc, HWND bar, int part, bool simple, HFONT font)
               SkinColor(kSkinText));
 }
 
-// Six dots in the corner by which the window is sized.
-static void DrawSizeGrip(HDC dc, const RECT& client)
-{
-    for (int row = 0; row < 3; ++row)
-        for (int column = 0; column <= row; ++column)
-            FillRectangle(dc, client.right - 5 - 4 * column, client.bottom - 13 + 4 * row, 2, 2,
-                          SkinColor(kSkinHighlight));
-}
-
 static bool DrawStatusBar(const SkinCall& call, HDC dc, const RECT& client)
 {
     FillBox(dc, client, SkinColor(kSkinFace));

@@ -3,10 +3,6 @@
 #include "skin/SkinBrushes_win.h"
 #include "skin/SkinColors.h"
 
-#include <objidl.h>
-
-#include <gdiplus.h>
-
 SkinCanvas::SkinCanvas(int width, int height)
 {
     const HDC screen = GetDC(nullptr);
@@ -130,35 +126,44 @@ COLORREF StateTextColour(bool enabled)
     return SkinColor(enabled ? kSkinText : kSkinGreyText);
 }
 
-static bool DrawSmoothDisc(HDC dc, float x, float y, float radius, COLORREF colour)
+static uint32_t PremultipliedPixel(COLORREF colour, float coverage)
 {
-    namespace Flat = Gdiplus::DllExports;
-    Gdiplus::GpGraphics* graphics = nullptr;
-    Gdiplus::GpSolidFill* brush = nullptr;
-    const Gdiplus::ARGB argb =
-        Gdiplus::Color::MakeARGB(255, GetRValue(colour), GetGValue(colour), GetBValue(colour));
-    if (Flat::GdipCreateFromHDC(dc, &graphics) != Gdiplus::Ok)
-        return false;
-    Flat::GdipSetSmoothingMode(graphics, Gdiplus::SmoothingModeAntiAlias);
-    bool drawn = Flat::GdipCreateSolidFill(argb, &brush) == Gdiplus::Ok;
-    drawn = drawn && Flat::GdipFillEllipse(graphics, brush, x - radius, y - radius, 2 * radius,
-                                           2 * radius) == Gdiplus::Ok;
-    if (brush)
-        Flat::GdipDeleteBrush(brush);
-    Flat::GdipDeleteGraphics(graphics);
-    return drawn;
+    const auto part = [coverage](int value) { return uint32_t(float(value) * coverage + 0.5f); };
+    return part(255) << 24 | part(GetRValue(colour)) << 16 | part(GetGValue(colour)) << 8 |
+           part(GetBValue(colour));
 }
 
 void DrawDisc(HDC dc, float x, float y, float radius, COLORREF colour)
 {
-    if (DrawSmoothDisc(dc, x, y, radius, colour))
-        return;
-    const HGDIOBJ pen = SelectObject(dc, GetStockObject(NULL_PEN));
-    const HGDIOBJ brush = SelectObject(dc, GetStockObject(DC_BRUSH));
-    SetDCBrushColor(dc, colour);
-    Ellipse(dc, int(x - radius), int(y - radius), int(x + radius) + 1, int(y + radius) + 1);
-    SelectObject(dc, brush);
-    SelectObject(dc, pen);
+    const int left = int(x - radius) - 1, top = int(y - radius) - 1;
+    const int side = int(2 * radius) + 4;
+    BITMAPINFO info = {};
+    info.bmiHeader = {sizeof info.bmiHeader, side, -side, 1, 32, BI_RGB, 0, 0, 0, 0, 0};
+    void* bits = nullptr;
+    const HDC source = CreateCompatibleDC(dc);
+    const HBITMAP bitmap = CreateDIBSection(source, &info, DIB_RGB_COLORS, &bits, nullptr, 0);
+    if (bitmap)
+    {
+        uint32_t* pixel = static_cast<uint32_t*>(bits);
+        for (int row = top; row < top + side; ++row)
+            for (int column = left; column < left + side; ++column)
+                *pixel++ = PremultipliedPixel(
+                    colour, DiscCoverage(float(column) - x, float(row) - y, radius));
+        const HGDIOBJ before = SelectObject(source, bitmap);
+        GdiAlphaBlend(dc, left, top, side, side, source, 0, 0, side, side,
+                      {AC_SRC_OVER, 0, 255, AC_SRC_ALPHA});
+        SelectObject(source, before);
+        DeleteObject(bitmap);
+    }
+    DeleteDC(source);
+}
+
+void DrawSizeGrip(HDC dc, const RECT& client)
+{
+    for (int row = 0; row < 3; ++row)
+        for (int column = 0; column <= row; ++column)
+            FillRectangle(dc, client.right - 5 - 4 * column, client.bottom - 13 + 4 * row, 2, 2,
+                          SkinColor(kSkinHighlight));
 }
 
 std::wstring TextOf(HWND hwnd)

@@ -43,6 +43,9 @@ COLORREF StateTextColour(bool enabled);
 // With smooth edges; middle and radius in pixels.
 void DrawDisc(HDC dc, float x, float y, float radius, COLORREF colour);
 
+// Six dots in the lower right corner, by which a window is sized.
+void DrawSizeGrip(HDC dc, const RECT& client);
+
 // Text of a window, and the font it wants.
 std::wstring TextOf(HWND hwnd);
 HFONT FontOf(HWND hwnd);

@@ -1,5 +1,8 @@
 #include "skin/SkinGlyphs.h"
 
+#include <algorithm>
+#include <cmath>
+
 constexpr int kSideBase = 7;
 
 Glyph ArrowGlyph(ArrowTo to, int base)
@@ -19,4 +22,11 @@ Glyph ArrowGlyph(ArrowTo to, int base)
             glyph.lines.push_back({inset, i, length});
     }
     return glyph;
+}
+
+// The edge is taken for straight inside of a pixel.
+float DiscCoverage(float x, float y, float radius)
+{
+    const float distance = std::hypot(x + 0.5f, y + 0.5f);
+    return std::clamp(radius - distance + 0.5f, 0.0f, 1.0f);
 }

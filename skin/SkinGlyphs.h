@@ -27,3 +27,7 @@ enum class ArrowTo
 // Up and down: horizontal lines, each two pixels shorter than the last, from `base` pixels (odd)
 // to one. Left and right: four vertical lines of 7, 5, 3 and 1 pixels.
 Glyph ArrowGlyph(ArrowTo to, int base = 7);
+
+// How much of a pixel a disc covers, from 0 to 1; the pixel's upper left corner is given relative
+// to the disc's middle.
+float DiscCoverage(float x, float y, float radius);

@@ -60,10 +60,16 @@ static bool DrawScrollBar(const SkinCall& call, HDC dc, const RECT&)
     return DrawWindowScrollBar(dc, call.hwnd, OBJID_CLIENT);
 }
 
+static bool DrawGripBox(const SkinCall&, HDC dc, const RECT& client)
+{
+    FillBox(dc, client, SkinColor(kSkinFace));
+    DrawSizeGrip(dc, client);
+    return true;
+}
+
 bool PaintScrollBar(const SkinCall& call, LRESULT* answer)
 {
     *answer = 0;
-    if (call.window.style & (SBS_SIZEBOX | SBS_SIZEGRIP))
-        return false;
-    return PaintBuffered(call, DrawScrollBar);
+    const bool grip = (call.window.style & (SBS_SIZEBOX | SBS_SIZEGRIP)) != 0;
+    return PaintBuffered(call, grip ? DrawGripBox : DrawScrollBar);
 }

@@ -4,6 +4,8 @@
 
 #include <commctrl.h>
 
+constexpr int kImageGap = 4;
+
 static HIMAGELIST ImagesOf(HWND bar, bool enabled)
 {
     if (!enabled)
@@ -22,6 +24,32 @@ static void DrawSeparator(HDC dc, const TBBUTTON& button, const RECT& box)
     FillRectangle(dc, x, box.top + 5, 1, box.bottom - box.top - 10, SkinColor(kSkinHighlight));
 }
 
+static std::wstring ToolText(HWND bar, const TBBUTTON& button)
+{
+    const LRESULT length = SendMessageW(bar, TB_GETBUTTONTEXTW, WPARAM(button.idCommand), 0);
+    if (length <= 0)
+        return {};
+    std::wstring text(size_t(length) + 1, L'\0');
+    SendMessageW(bar, TB_GETBUTTONTEXTW, WPARAM(button.idCommand),
+                 reinterpret_cast<LPARAM>(text.data()));
+    text.resize(size_t(length));
+    return text;
+}
+
+// The text stands below the image, or to its right in bars that are lists.
+static void DrawToolText(HDC dc, HWND bar, const std::wstring& text, RECT box, const SIZE& image,
+                         bool enabled)
+{
+    const bool beside = (GetWindowLongPtrW(bar, GWL_STYLE) & TBSTYLE_LIST) != 0;
+    if (beside)
+        box.left += image.cx + 2 * kImageGap;
+    else
+        box.top += image.cy + kImageGap;
+    DrawLabel(dc, FontOf(bar), text, box,
+              beside ? DT_LEFT | DT_VCENTER | DT_SINGLELINE : DT_CENTER | DT_SINGLELINE,
+              StateTextColour(enabled));
+}
+
 static void DrawTool(HDC dc, HWND bar, const TBBUTTON& button, RECT box, bool hot)
 {
     const bool enabled = (button.fsState & TBSTATE_ENABLED) != 0;
@@ -35,8 +63,15 @@ static void DrawTool(HDC dc, HWND bar, const TBBUTTON& button, RECT box, bool ho
     const HIMAGELIST images = ImagesOf(bar, enabled);
     if (!images || button.iBitmap < 0 || !ImageList_GetIconSize(images, &width, &height))
         return;
-    ImageList_Draw(images, LOWORD(button.iBitmap), dc, (box.left + box.right - width) / 2,
-                   (box.top + box.bottom - height) / 2, ILD_TRANSPARENT);
+    const std::wstring text = ToolText(bar, button);
+    int left = (box.left + box.right - width) / 2, top = (box.top + box.bottom - height) / 2;
+    if (!text.empty() && (GetWindowLongPtrW(bar, GWL_STYLE) & TBSTYLE_LIST))
+        left = box.left + kImageGap;
+    else if (!text.empty())
+        top = box.top + kImageGap;
+    if (!text.empty())
+        DrawToolText(dc, bar, text, box, {width, height}, enabled);
+    ImageList_Draw(images, LOWORD(button.iBitmap), dc, left, top, ILD_TRANSPARENT);
 }
 
 static bool DrawToolbar(const SkinCall& call, HDC dc, const RECT& client)
@@ -54,8 +89,6 @@ static bool DrawToolbar(const SkinCall& call, HDC dc, const RECT& client)
             SendMessageW(bar, TB_GETITEMRECT, WPARAM(i), reinterpret_cast<LPARAM>(&box)) != 0;
         if (!placed || (button.fsState & TBSTATE_HIDDEN))
             continue;
-        if (button.iString != -1 && button.iString != 0 && !(button.fsStyle & BTNS_SEP))
-            return false; // buttons with words keep the system's look
         if (button.fsStyle & BTNS_SEP)
             DrawSeparator(dc, button, box);
         else
