@@ -56,8 +56,8 @@ Scene()
     tooltip) Open "$photo"; xdotool mousemove 119 23; Settle 1.5; Keep "$1" ;;
     contrast) Contrast; ClickDocked 70 24; xdotool key Right; StillFor; Keep "$1" ;;
     tonemap) ToneMap; ClickDocked 60 34; StillFor; ClickDocked 16 154; StillFor; Keep "$1" ;;
-    running) ToneMap; ClickDocked 92 178; Keep "$1" ;;
-    finished) ToneMap; ClickDocked 92 178; StillFor; Keep "$1" ;;
+    running) ToneMap; ClickDocked 92 181; Keep "$1" ;;
+    finished) ToneMap; ClickDocked 92 181; StillFor; Keep "$1" ;;
     noise) Noise; Keep "$1" ;;
     progress) Noise; ClickDocked 92 62; Settle 0.5; Keep "$1" ;;
     power) Open "$photo"; ClickTool 246; StillFor; Keep "$1" ;;
@@ -73,8 +73,8 @@ Scene()
         Settle 1; xdotool key F4; Keep "$1" ;;
     about) Open; ClickTool "width - 20"; xdotool key Up Right Return; Settle 1; Keep "$1" ;;
     open) Open; xdotool key ctrl+o; Settle 2; Keep "$1" ;;
-    save) Contrast; ClickDocked 92 176; StillFor; xdotool key ctrl+s; Settle 2; Keep "$1" ;;
-    question) Contrast; ClickDocked 92 176; StillFor; xdotool key alt+F4; Settle 1; Keep "$1" ;;
+    save) Contrast; ClickDocked 92 174; StillFor; xdotool key ctrl+s; Settle 2; Keep "$1" ;;
+    question) Contrast; ClickDocked 92 174; StillFor; xdotool key alt+F4; Settle 1; Keep "$1" ;;
     esac
     Close
 }
