@@ -223,21 +223,10 @@ static int Run(const ParsedLine& line, const CliStreams& streams)
     g_jpegQuality = line.options.jpegQuality;
     VcLimitThreads(line.options.threads);
     LimitRemapThreads(line.options.threads);
-    try
-    {
-        return line.command->run(line.options, streams);
-    }
-    catch (const std::bad_alloc&)
-    {
-        return Fail(streams, "", "not enough memory");
-    }
-    catch (const std::exception& error)
-    {
-        return Fail(streams, "", error.what());
-    }
+    return line.command->run(line.options, streams);
 }
 
-int RunCommandLine(const std::vector<std::string>& arguments, const CliStreams& streams)
+static int ParseAndRun(const std::vector<std::string>& arguments, const CliStreams& streams)
 {
     const ParsedLine line = ParseCommandLine(Commands(), arguments);
     switch (line.action)
@@ -252,4 +241,21 @@ int RunCommandLine(const std::vector<std::string>& arguments, const CliStreams& 
     }
     Fail(streams, "", line.message);
     return kExitUsage;
+}
+
+int RunCommandLine(const std::vector<std::string>& arguments, const CliStreams& streams)
+{
+    try
+    {
+        return ParseAndRun(arguments, streams);
+    }
+    catch (const std::bad_alloc&) // no text is put together here: that would take memory as well
+    {
+        streams.err << "plenoviz-cli: not enough memory" << std::endl;
+    }
+    catch (const std::exception& error)
+    {
+        streams.err << "plenoviz-cli: " << error.what() << std::endl;
+    }
+    return kExitFailed;
 }

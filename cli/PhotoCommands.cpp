@@ -8,6 +8,7 @@
 #include "multiscale/ExposureSeries.h"
 #include "multiscale/LevelsOfDetail.h"
 #include "multiscale/ToneMap.h"
+#include "picture/ShortMemory.h"
 
 static const char kNoMemory[] = "not enough memory for a picture of this size";
 
@@ -63,18 +64,16 @@ static std::string Daylight(SBxPicBuf* result, const SBxPicBuf& photo,
     const std::string problem = StartFusion(&fusion, photo, 128);
     if (!problem.empty())
         return problem;
-    SBxPicBuf variant;
-    CBxPicBufAPI::Init(&variant);
-    CBxPicBufAPI::ReinitHeap(&variant, photo);
+    ScratchPicture variant;
+    CBxPicBufAPI::ReinitHeap(&variant.pic, photo);
     const std::vector<int> order = DaylightOrder(mode, DaylightKeys(photo, mode));
-    bool failed = !variant.data;
+    bool failed = !variant.pic.data;
     for (int i = 0; i < options.power && !failed && !progress.stopped(); ++i)
     {
-        MakeDaylightVariant(&variant, photo, mode, order[size_t(i)]);
-        failed = VcAccumulateImage(&fusion.accumulator, variant, StopRequested);
+        MakeDaylightVariant(&variant.pic, photo, mode, order[size_t(i)]);
+        failed = VcAccumulateImage(&fusion.accumulator, variant.pic, StopRequested);
         progress.show(double(i + 1) / (options.power + 1));
     }
-    CBxPicBufAPI::DoneHeap(&variant);
     return failed ? kNoMemory : FinishFusion(fusion, result, photo);
 }
 

@@ -1,6 +1,7 @@
 #include "fusion/FusionJob.h"
 
 #include "fusion/FusionAccumulator.h"
+#include "picture/ShortMemory.h"
 
 #include <algorithm>
 #include <atomic>
@@ -73,6 +74,13 @@ static bool SetUpSums(FusionSums* sums, const FusionSources& sources, const Fusi
 
 using GivenUp = std::function<bool()>;
 
+// Why a source did not come. Only one with a problem of its own is left out.
+static bool LacksMemory(FusionSources* sources, int index)
+{
+    const std::lock_guard<std::mutex> lock(sources->mutex);
+    return sources->problems[size_t(index)] == SourceProblem::None;
+}
+
 // One source in memory at a time.
 static void AddSources(FusionShare* share, FusionSources* sources, const FusionTask& task,
                        const GivenUp& givenUp)
@@ -86,6 +94,8 @@ static void AddSources(FusionShare* share, FusionSources* sources, const FusionT
             share->failed = VcAccumulateImage(&share->sums->acc, source->picture);
             share->filled = true;
         }
+        else
+            share->failed = LacksMemory(sources, i);
     }
 }
 
@@ -98,6 +108,11 @@ static void AddPrepared(FusionShare* share, FusionSources* sources, const GivenU
             return;
         if (PreparedSourcePtr source = LoadPreparedSource(sources, i, share->sums->acc))
             loaded.push_back(std::move(source));
+        else if (LacksMemory(sources, i))
+        {
+            share->failed = true;
+            return;
+        }
     }
     share->filled = !loaded.empty() && !VcSumPrepared(&share->sums->acc, loaded, givenUp);
 }
@@ -105,13 +120,18 @@ static void AddPrepared(FusionShare* share, FusionSources* sources, const GivenU
 static void AddShare(FusionShare* share, FusionSources* sources, const FusionTask& task,
                      const GivenUp& givenUp)
 {
-    share->failed = SetUpSums(share->sums.get(), *sources, task);
-    if (share->failed)
-        return;
-    if (sources->prepared.empty())
-        AddSources(share, sources, task, givenUp);
-    else
-        AddPrepared(share, sources, givenUp);
+    const auto add = [&]
+    {
+        share->failed = SetUpSums(share->sums.get(), *sources, task);
+        if (share->failed)
+            return true;
+        if (sources->prepared.empty())
+            AddSources(share, sources, task, givenUp);
+        else
+            AddPrepared(share, sources, givenUp);
+        return share->failed;
+    };
+    share->failed = FailsOrLacksMemory(add); // an exception would end a helper, and all with it
 }
 
 // The shares in the order of their sources, into the first that has anything.
@@ -185,14 +205,27 @@ static bool CanFuse(const FusionTask& task)
            VcFusionAcceptsSize(region.right - region.left, region.bottom - region.top);
 }
 
-FusionOutcome FuseRegion(SBxPicBuf* result, FusionSources* sources, const FusionTask& task,
-                         const std::function<bool()>& outdated)
+// A thread for the work. False when the system has no more of them to give.
+template <typename Work>
+static bool StartHelper(std::vector<std::thread>* threads, Work work)
 {
-    if (!CanFuse(task))
-        return FusionOutcome::Failed;
+    try
+    {
+        threads->emplace_back(work);
+        return true;
+    }
+    catch (const std::exception&)
+    {
+        return false;
+    }
+}
+
+static FusionOutcome FuseShares(SBxPicBuf* result, FusionSources* sources, const FusionTask& task,
+                                const std::function<bool()>& outdated)
+{
     std::atomic<bool> stop = false;
-    const auto stopped = [&stop] { return stop.load(); };
-    const auto askAround = [&]
+    const GivenUp stopped = [&stop] { return stop.load(); };
+    const GivenUp askAround = [&]
     {
         if (!stop && outdated && outdated())
             stop = true;
@@ -204,15 +237,19 @@ FusionOutcome FuseRegion(SBxPicBuf* result, FusionSources* sources, const Fusion
     Helpers helpers;
     helpers.running = int(shares.size()) - 1;
     std::vector<std::thread> threads;
+    threads.reserve(shares.size());
     for (size_t i = 1; i < shares.size(); ++i)
-        threads.emplace_back(
-            [&, share = &shares[i]]
-            {
-                AddShare(share, sources, task, stopped);
-                const std::lock_guard<std::mutex> lock(helpers.mutex);
-                --helpers.running;
-                helpers.ended.notify_one();
-            });
+    {
+        const auto help = [&, share = &shares[i]]
+        {
+            AddShare(share, sources, task, stopped);
+            const std::lock_guard<std::mutex> lock(helpers.mutex);
+            --helpers.running;
+            helpers.ended.notify_one();
+        };
+        if (!StartHelper(&threads, help))
+            help();
+    }
     AddShare(&shares[0], sources, task, askAround);
     WaitForHelpers(&helpers, askAround);
     for (std::thread& thread : threads)
@@ -222,16 +259,33 @@ FusionOutcome FuseRegion(SBxPicBuf* result, FusionSources* sources, const Fusion
     return outcome;
 }
 
+FusionOutcome FuseRegion(SBxPicBuf* result, FusionSources* sources, const FusionTask& task,
+                         const std::function<bool()>& outdated)
+{
+    FusionOutcome outcome = FusionOutcome::Failed;
+    const auto fuse = [&]
+    {
+        if (CanFuse(task))
+            outcome = FuseShares(result, sources, task, outdated);
+        return outcome == FusionOutcome::Failed;
+    };
+    return FailsOrLacksMemory(fuse) ? FusionOutcome::Failed : outcome;
+}
+
 FusionOutcome FuseWhole(SBxPicBuf* result, FusionSources* sources, const FusionTask& task)
 {
     FusionTask whole = task;
     whole.region = {0, 0, sources->geometry.width, sources->geometry.height};
-    if (!CanFuse(whole))
-        return FusionOutcome::Failed;
-    std::vector<FusionShare> shares(1);
-    shares[0].range = {0, whole.sources};
-    shares[0].failed = SetUpSums(shares[0].sums.get(), *sources, whole);
-    if (!shares[0].failed)
-        AddSources(&shares[0], sources, whole, nullptr);
-    return ComposeShares(result, &shares);
+    const auto fuse = [&]
+    {
+        if (!CanFuse(whole))
+            return true;
+        std::vector<FusionShare> shares(1);
+        shares[0].range = {0, whole.sources};
+        shares[0].failed = SetUpSums(shares[0].sums.get(), *sources, whole);
+        if (!shares[0].failed)
+            AddSources(&shares[0], sources, whole, nullptr);
+        return ComposeShares(result, &shares) == FusionOutcome::Failed;
+    };
+    return FailsOrLacksMemory(fuse) ? FusionOutcome::Failed : FusionOutcome::Done;
 }

@@ -11,6 +11,7 @@
 #include "fusion/FusionThreads.h"
 #include "fusion/FusionWeights.h"
 #include "picture/FloatPlane.h"
+#include "picture/ShortMemory.h"
 
 #include <algorithm>
 #include <utility>
@@ -151,13 +152,15 @@ static bool AccumulatePlanes(float* const (*channelPlanes)[kFusionPlanes], const
 bool VcAccumulatePlane(float* const (*channelPlanes)[kFusionPlanes], const SBxPicBuf& plane,
                        const VcFusionAccumulator& acc, FusionStop stop)
 {
-    return AccumulatePlanes(channelPlanes, &plane, 1, acc, stop);
+    return FailsOrLacksMemory([&]
+                              { return AccumulatePlanes(channelPlanes, &plane, 1, acc, stop); });
 }
 
 bool VcAccumulatePlanes3(float* const (*channelPlanes)[kFusionPlanes], const SBxPicBuf planes[3],
                          const VcFusionAccumulator& acc, FusionStop stop)
 {
-    return AccumulatePlanes(channelPlanes, planes, 3, acc, stop);
+    return FailsOrLacksMemory([&]
+                              { return AccumulatePlanes(channelPlanes, planes, 3, acc, stop); });
 }
 
 // Rows [first, end) of a level of the blend: the coarser level expanded, plus what the sources have
@@ -225,7 +228,7 @@ static bool ComposeCoarse(FloatPlane* coarse, const VcFusionAccumulator& acc, un
     return false;
 }
 
-bool VcComposePlane(SBxPicBuf* plane, const VcFusionAccumulator& acc, unsigned channel)
+static bool ComposePlane(SBxPicBuf* plane, const VcFusionAccumulator& acc, unsigned channel)
 {
     FloatPlane coarse;
     if (ComposeCoarse(&coarse, acc, channel))
@@ -246,7 +249,12 @@ bool VcComposePlane(SBxPicBuf* plane, const VcFusionAccumulator& acc, unsigned c
     return false;
 }
 
-bool VcComposePlanes3(SBxPicBuf* picture, const VcFusionAccumulator& acc)
+bool VcComposePlane(SBxPicBuf* plane, const VcFusionAccumulator& acc, unsigned channel)
+{
+    return FailsOrLacksMemory([&] { return ComposePlane(plane, acc, channel); });
+}
+
+static bool ComposePlanes3(SBxPicBuf* picture, const VcFusionAccumulator& acc)
 {
     FloatPlane coarse[3];
     for (unsigned c = 0; c < 3; ++c)
@@ -269,4 +277,9 @@ bool VcComposePlanes3(SBxPicBuf* picture, const VcFusionAccumulator& acc)
                        }
                    });
     return false;
+}
+
+bool VcComposePlanes3(SBxPicBuf* picture, const VcFusionAccumulator& acc)
+{
+    return FailsOrLacksMemory([&] { return ComposePlanes3(picture, acc); });
 }

@@ -2,6 +2,7 @@
 
 #include "fusion/FreeMemory.h"
 #include "picture/ImageFile.h"
+#include "picture/ShortMemory.h"
 
 #include <algorithm>
 #include <atomic>
@@ -164,17 +165,18 @@ static std::shared_ptr<SourceRegion> ReadWhole(FusionSources* sources, int index
     const auto whole = std::make_shared<SourceRegion>();
     SBxPicBuf alpha;
     CBxPicBufAPI::Init(&alpha);
+    LoadReport report;
     const bool failed =
-        LoadPicturePair(sources->paths[size_t(index)].c_str(), &whole->picture, &alpha);
+        LoadPicturePair(sources->paths[size_t(index)].c_str(), &whole->picture, &alpha, &report);
     CBxPicBufAPI::DoneHeap(&alpha);
     const std::lock_guard<std::mutex> lock(sources->mutex);
     ++sources->filesRead;
     SourceProblem* problem = &sources->problems[size_t(index)];
-    if (failed)
+    if (failed && report.problem != LoadProblem::OutOfMemory)
         *problem = SourceProblem::Unreadable;
-    else if (!Fits(whole->picture, sources->geometry))
+    else if (!failed && !Fits(whole->picture, sources->geometry))
         *problem = SourceProblem::Different;
-    return *problem == SourceProblem::None ? whole : nullptr;
+    return !failed && *problem == SourceProblem::None ? whole : nullptr;
 }
 
 static SourceRegionPtr FindOrRead(FusionSources* sources, int index, const FileState& state,
@@ -258,14 +260,22 @@ void ReadFusionSources(FusionSources* sources, const SBxPicBuf& first, const CBx
 {
     KeepFirst(sources, first, region);
     std::atomic<int> next = 1;
+    const auto readOne = [&](int index)
+    { return FailsOrLacksMemory([&] { return !LoadFusionSource(sources, index, region); }); };
     const auto read = [&]
     {
         for (int i = next++; i < int(sources->paths.size()); i = next++)
-            (void)LoadFusionSource(sources, i, region);
+            (void)readOne(i); // one that lacks memory is read again when it is fused
     };
     std::vector<std::thread> helpers;
-    for (unsigned i = 1; i < std::min(std::thread::hardware_concurrency(), kMostReaders); ++i)
-        helpers.emplace_back(read);
+    try
+    {
+        for (unsigned i = 1; i < std::min(std::thread::hardware_concurrency(), kMostReaders); ++i)
+            helpers.emplace_back(read);
+    }
+    catch (const std::exception&) // no memory or no threads: those that there are do it
+    {
+    }
     read();
     for (std::thread& helper : helpers)
         helper.join();

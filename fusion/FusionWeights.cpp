@@ -105,7 +105,7 @@ void VcWeighBand(FusionBandJob job, FusionSamples samples, unsigned channels,
                               : RunBody<VcUpdateAplitude_x16>(job, samples, firstRow, endRow);
 }
 
-void VcParallelRows(int rows, int rowSamples, const std::function<void(int, int)>& rowRange)
+void VcParallelRows(int rows, int rowSamples, const LoopBody<int, int>& rowRange)
 {
     // Below some ten thousand samples a task costs more than its work.
     constexpr int kSamplesPerTask = 16384;

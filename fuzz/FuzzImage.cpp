@@ -94,6 +94,13 @@ int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
     Promise(file >= 0 && write(file, data, size) == ssize_t(size));
     const std::string path = "/proc/self/fd/" + std::to_string(file);
     Load(path);
+    // The same with the name of a camera raw file, which chooses another decoder.
+    static const std::string raw = "/dev/shm/plenoviz-fuzz-" + std::to_string(getpid()) + ".dng";
+    if (size > 2 && data[0] == data[1] && symlink(path.c_str(), raw.c_str()) == 0)
+    {
+        Load(raw);
+        unlink(raw.c_str());
+    }
     const int formats[] = {kFormatJpeg, kFormatPng, kFormatTiff, kFormatBmp};
     SaveWithSource(path, formats[size % 4]);
     close(file);

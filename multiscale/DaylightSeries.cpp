@@ -2,6 +2,7 @@
 
 #include "fusion/FusionThreads.h"
 #include "fusion/RangeStretch.h"
+#include "picture/ShortMemory.h"
 
 #include <algorithm>
 #include <cmath>
@@ -185,27 +186,33 @@ std::vector<int> DaylightOrder(DaylightMode mode, const std::vector<unsigned>& k
     return order;
 }
 
+// True when the series ended early.
+static bool MakeVariants(std::vector<unsigned>* keys, const SBxPicBuf& source, DaylightMode mode,
+                         const SeriesSink& sink, const SeriesControl& control)
+{
+    ScratchPicture working;
+    CBxPicBufAPI::ReinitHeap(&working.pic, source);
+    if (!working.pic.data)
+        return true;
+    const std::vector<unsigned> all = DaylightKeys(source, mode);
+    for (int number = 0; number < kDaylightVariants; ++number)
+    {
+        MakeDaylightVariant(&working.pic, source, mode, number);
+        if (sink(number, working.pic, DaylightFileName(number).c_str()))
+            return true;
+        if (control.progress)
+            control.progress({DaylightPercent(number), number + 1, !control.CancelRequested()});
+        if (control.Ending())
+            return true;
+        keys->push_back(all[size_t(number)]);
+    }
+    return false;
+}
+
 std::vector<unsigned> MakeDaylightSeries(const SBxPicBuf& source, DaylightMode mode,
                                          const SeriesSink& sink, const SeriesControl& control)
 {
     std::vector<unsigned> keys;
-    SBxPicBuf working;
-    CBxPicBufAPI::Init(&working);
-    CBxPicBufAPI::ReinitHeap(&working, source);
-    if (!working.data)
-        return keys;
-    const std::vector<unsigned> all = DaylightKeys(source, mode);
-    for (int number = 0; number < kDaylightVariants; ++number)
-    {
-        MakeDaylightVariant(&working, source, mode, number);
-        if (sink(number, working, DaylightFileName(number).c_str()))
-            break;
-        if (control.progress)
-            control.progress({DaylightPercent(number), number + 1, !control.CancelRequested()});
-        if (control.Ending())
-            break;
-        keys.push_back(all[size_t(number)]);
-    }
-    CBxPicBufAPI::DoneHeap(&working);
-    return keys;
+    (void)FailsOrLacksMemory([&] { return MakeVariants(&keys, source, mode, sink, control); });
+    return keys; // their number tells how it went
 }

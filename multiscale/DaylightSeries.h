@@ -39,7 +39,8 @@ int DaylightPercent(int number);
 // before the range is adjusted.
 std::vector<uint16_t> DaylightTable(DaylightMode mode, int number, int bitsPerComponent);
 
-// dst has the geometry of the source, 8 or 16 bits, and may be the source.
+// dst has the geometry of the source, 8 or 16 bits, and may be the source. Throws std::bad_alloc,
+// as DaylightTable and DaylightKeys do.
 void MakeDaylightVariant(SBxPicBuf* dst, const SBxPicBuf& source, DaylightMode mode, int number);
 
 // Brightness keys by number, without making the pictures: the sum of the three channel means (a

@@ -224,7 +224,8 @@ bool DenoiseTiled(SBxPicBuf* dst, const SBxPicBuf& src, int radiusX, int radiusY
     const double radius = 0.5 * (radiusX + radiusY);
     if (cache[0] < 0.0)
     {
-        EstimateNoise(cache, src);
+        if (EstimateNoise(cache, src))
+            return true;
         cache[2] = radius;
     }
     const double scale = strength * (src.bitsPerComponent == 8 ? 1.0 : 256.0);

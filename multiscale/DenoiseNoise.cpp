@@ -3,6 +3,7 @@
 // over the picture, and a low quantile of theirs is taken: noise is everywhere, texture is not.
 
 #include "multiscale/Denoise.h"
+#include "picture/ShortMemory.h"
 
 #include <algorithm>
 #include <cmath>
@@ -90,24 +91,24 @@ static double Quantile(std::vector<double>* values)
     return *at;
 }
 
-void EstimateNoise(double noise[2], const SBxPicBuf& picture)
+bool EstimateNoise(double noise[2], const SBxPicBuf& picture)
 {
     std::vector<double> fine, coarse;
     const int width = std::min(kPatch, picture.width), height = std::min(kPatch, picture.height);
     const int stepX = std::max(kPatch, picture.width / kPatchesPerSide);
     const int stepY = std::max(kPatch, picture.height / kPatchesPerSide);
-    SBxPicBuf grey;
-    CBxPicBufAPI::Init(&grey);
+    ScratchPicture scratch;
+    SBxPicBuf& grey = scratch.pic;
     for (int y = 0; y + height <= picture.height; y += stepY)
         for (int x = 0; x + width <= picture.width; x += stepX)
         {
             CBxPicBufAPI::ReinitHeap(&grey, width, height, picture.components,
                                      picture.bitsPerComponent);
             if (!grey.data)
-                continue;
+                return true;
             CBxPicBufAPI::CopyRect(&grey, picture, {0, 0}, {x, y}, {width, height});
             if (!CBxPicBufAPI::ConvertBpcComp(&grey, 8, 1))
-                continue;
+                return true;
             const Patch patch = PatchOf(grey);
             double here;
             if (ImmerkaerNoise(&here, patch))
@@ -115,7 +116,7 @@ void EstimateNoise(double noise[2], const SBxPicBuf& picture)
             if (ImmerkaerNoise(&here, HalfSize(patch)))
                 coarse.push_back(2.0 * here);
         }
-    CBxPicBufAPI::DoneHeap(&grey);
     noise[0] = Quantile(&fine);
     noise[1] = std::clamp(Quantile(&coarse), noise[0], kCoarsest * noise[0]);
+    return false;
 }

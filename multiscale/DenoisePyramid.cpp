@@ -13,7 +13,7 @@
 #include <cmath>
 #include <vector>
 
-void SplitRows(unsigned threads, int rows, const std::function<void(int, int, int)>& rowRange)
+void SplitRows(unsigned threads, int rows, const LoopBody<int, int, int>& rowRange)
 {
     const int parts = int(std::min(threads, unsigned(rows)));
     constexpr int kAlwaysWorthATask = 1 << 20;

@@ -3,8 +3,7 @@
 #include "multiscale/DenoiseBlocks.h"
 #include "multiscale/RunControl.h"
 #include "picture/FloatPlane.h"
-
-#include <functional>
+#include "picture/ParallelRows.h"
 
 // The smoothing of one float plane: its blocks are smoothed at full size and in a Gaussian pyramid,
 // where noise is that is too coarse for them, and what the coarser sizes know better goes back
@@ -46,4 +45,4 @@ struct DenoiseStrength
 
 // Calls rowRange(part, first, end) for at most `threads` parts of the rows [0, rows), perhaps at
 // once, and waits for all. Parts count from 0.
-void SplitRows(unsigned threads, int rows, const std::function<void(int, int, int)>& rowRange);
+void SplitRows(unsigned threads, int rows, const LoopBody<int, int, int>& rowRange);

@@ -2,6 +2,7 @@
 
 #include "fusion/RangeStretch.h"
 #include "multiscale/Denoise.h"
+#include "picture/ShortMemory.h"
 
 #include <algorithm>
 #include <cstdio>
@@ -92,27 +93,37 @@ static void ReportExposure(int number, const SeriesControl& control)
     control.progress({percent, percent, !cancelled});
 }
 
-int MakeExposureSeries(const SBxPicBuf& source, unsigned noiseLevel, const SeriesSink& sink,
-                       const SeriesControl& control)
+// Counts the exposures in `made`; true when the series ended early.
+static bool MakeExposures(int* made, const SBxPicBuf& source, unsigned noiseLevel,
+                          const SeriesSink& sink, const SeriesControl& control)
 {
     SeriesPictures pictures;
     CBxPicBufAPI::ReinitHeap(&pictures.working, source);
     if (!pictures.working.data)
-        return 0;
+        return true;
     double noise[3] = {-1.0, -1.0, -1.0}; // estimated by the first denoising, for all three
-    for (int k = 0; k < kExposures; ++k)
+    for (int k = 0; k < kExposures; *made = ++k)
     {
         MakeExposure(&pictures.working, source, k);
         const int radius = DenoiseRadius(k, noiseLevel);
         if (radius > 0 && DenoiseExposure(&pictures, radius, noise, control))
-            return k;
+            return true;
         if (sink(k, pictures.working, ExposureFileName(k).c_str()))
-            return k;
+            return true;
         ReportExposure(k, control);
         if (control.Ending())
-            return k;
+            return true;
     }
-    return kExposures;
+    return false;
+}
+
+int MakeExposureSeries(const SBxPicBuf& source, unsigned noiseLevel, const SeriesSink& sink,
+                       const SeriesControl& control)
+{
+    int made = 0;
+    (void)FailsOrLacksMemory([&]
+                             { return MakeExposures(&made, source, noiseLevel, sink, control); });
+    return made;
 }
 
 uint8_t ProcessorCount(uint64_t processMask, uint64_t systemMask)

@@ -6,6 +6,7 @@
 
 #include "fusion/FusionFilter.h"
 #include "fusion/FusionThreads.h"
+#include "picture/ShortMemory.h"
 
 #include <algorithm>
 
@@ -258,11 +259,10 @@ bool SmartContrastPicture(SBxPicBuf* out, const SBxPicBuf& in, const int lod[kDe
     float gains[kDetailLevels];
     std::transform(lod, lod + kDetailLevels, gains, LevelGain);
     const DetailPadding padding = DetailPaddingOf(in.width, in.height);
-    SBxPicBuf padded;
-    CBxPicBufAPI::Init(&padded);
-    CBxPicBufAPI::ReinitHeap(&padded, padding.width, padding.height, 1, in.bitsPerComponent);
-    const bool failed =
-        !padded.data || SmartContrastComponents(out, in, &padded, padding, gains, control);
-    CBxPicBufAPI::DoneHeap(&padded);
-    return failed;
+    ScratchPicture padded;
+    CBxPicBufAPI::ReinitHeap(&padded.pic, padding.width, padding.height, 1, in.bitsPerComponent);
+    return !padded.pic.data ||
+           FailsOrLacksMemory(
+               [&]
+               { return SmartContrastComponents(out, in, &padded.pic, padding, gains, control); });
 }

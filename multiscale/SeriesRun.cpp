@@ -1,6 +1,7 @@
 #include "multiscale/SeriesRun.h"
 
 #include "picture/ImageFile.h"
+#include "picture/ShortMemory.h"
 #include "picture/SystemFiles.h"
 
 SeriesBar SeriesBarOf(SeriesKind kind)
@@ -19,9 +20,8 @@ static void WriteSeriesFile(const std::string& path, const SBxPicBuf& picture)
     SavePicturePair(picture, noAlpha, savePath.c_str(), "", kFormatTiff);
 }
 
-void MakeSeriesFiles(SeriesRun* run)
+static void MakeFiles(SeriesRun* run)
 {
-    run->files.clear();
     const SeriesSink write = [run](int, const SBxPicBuf& picture, const char* name)
     {
         WriteSeriesFile(run->folder + name, picture);
@@ -39,4 +39,17 @@ void MakeSeriesFiles(SeriesRun* run)
     const std::vector<unsigned> keys = MakeDaylightSeries(run->source, mode, write, run->control);
     for (const int number : DaylightOrder(mode, keys))
         run->files.push_back(DaylightFileName(number));
+}
+
+void MakeSeriesFiles(SeriesRun* run)
+{
+    run->files.clear();
+    const bool failed = FailsOrLacksMemory(
+        [run]
+        {
+            MakeFiles(run);
+            return false;
+        });
+    if (failed)
+        run->files.clear();
 }

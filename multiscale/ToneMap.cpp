@@ -1,6 +1,7 @@
 #include "multiscale/ToneMap.h"
 
 #include "multiscale/Pyramid.h"
+#include "picture/ShortMemory.h"
 
 #include <utility>
 
@@ -10,17 +11,6 @@ ToneMapParams ToneMapParamsOf(int contrast, int noiseAmplitude, int details, int
     return {double(float(contrast + 1) / 50.0f), double(float(noiseAmplitude + 1) / 50.0f),
             double(float(50 - details) / 80.0f), double(float(50 - equalization) / 50.0f)};
 }
-
-// A picture that is released on every way out.
-struct ScratchPicture
-{
-    SBxPicBuf pic;
-
-    ScratchPicture() { CBxPicBufAPI::Init(&pic); }
-    ~ScratchPicture() { CBxPicBufAPI::DoneHeap(&pic); }
-    ScratchPicture(const ScratchPicture&) = delete;
-    ScratchPicture& operator=(const ScratchPicture&) = delete;
-};
 
 struct PlaneFilter
 {
@@ -67,14 +57,13 @@ static int FilterComponent(SBxPicBuf* yuv, unsigned component, const PlaneFilter
     return result;
 }
 
-int ToneMapPicture(SBxPicBuf* out, const SBxPicBuf& in, int levels, double p1, double p2, double p3,
-                   double p4, bool useColors, const RunControl& control, ToneMapMethod method)
+static int FilterPicture(SBxPicBuf* out, const SBxPicBuf& in, const PlaneFilter& filter,
+                         bool useColors)
 {
-    const PlaneFilter filter = {levels, p1, p2, p3, p4, &control, method};
     ScratchPicture padded;
-    if (PadForPyramid(&padded.pic, in, levels))
+    if (PadForPyramid(&padded.pic, in, filter.levels))
         return kToneMapOutOfMemory;
-    if (control.Cancelled())
+    if (filter.control->Cancelled())
         return kToneMapCancelled;
 
     int result = kToneMapDone;
@@ -94,4 +83,17 @@ int ToneMapPicture(SBxPicBuf* out, const SBxPicBuf& in, int levels, double p1, d
     if (result == kToneMapDone)
         CBxPicBufAPI::CopyRect(out, padded.pic, {0, 0}, {0, 0}, {in.width, in.height});
     return result;
+}
+
+int ToneMapPicture(SBxPicBuf* out, const SBxPicBuf& in, int levels, double p1, double p2, double p3,
+                   double p4, bool useColors, const RunControl& control, ToneMapMethod method)
+{
+    const PlaneFilter filter = {levels, p1, p2, p3, p4, &control, method};
+    int result = kToneMapOutOfMemory;
+    const auto run = [&]
+    {
+        result = FilterPicture(out, in, filter, useColors);
+        return false;
+    };
+    return FailsOrLacksMemory(run) ? kToneMapOutOfMemory : result;
 }

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <iterator>
 
 // Number of `count` bytes at `bytes`.
 static uint64_t FileNumber(const uint8_t* bytes, int count, bool bigEndian)
@@ -98,12 +99,14 @@ bool FindPngProfile(FILE* stream, std::vector<uint8_t>* packed)
 
 // A TIFF file begins with its byte order and the offset of a directory: a count, then entries of
 // tag, type, number of values, and value. Files of type 43 have wider offsets and counts.
-bool TiffCountsFromWhite(FILE* stream)
+// Calls entry(offset, tag, first two bytes of the value) for each entry until it returns true.
+template <typename EntryFn>
+static void EachTiffEntry(FILE* stream, EntryFn entryFound)
 {
     uint8_t head[16] = {};
     std::rewind(stream);
     if (std::fread(head, 1, sizeof head, stream) < 8)
-        return false;
+        return;
     const bool bigEndian = head[0] == 'M';
     const bool wide = FileNumber(head + 2, 2, bigEndian) == 43;
     const uint64_t offset = FileNumber(head + (wide ? 8 : 4), wide ? 8 : 4, bigEndian);
@@ -111,13 +114,64 @@ bool TiffCountsFromWhite(FILE* stream)
     uint8_t entry[20];
     if (offset > INT32_MAX || std::fseek(stream, long(offset), SEEK_SET) != 0 ||
         std::fread(entry, size_t(countBytes), 1, stream) != 1)
-        return false;
-    const uint64_t kPhotometric = 262;
+        return;
+    long at = long(offset) + countBytes;
     uint64_t left = FileNumber(entry, countBytes, bigEndian);
     for (; left > 0 && std::fread(entry, size_t(entryBytes), 1, stream) == 1; --left)
-        if (FileNumber(entry, 2, bigEndian) == kPhotometric)
-            return FileNumber(entry + entryBytes - (wide ? 8 : 4), 2, bigEndian) == 0;
-    return false;
+    {
+        const uint8_t* value = entry + entryBytes - (wide ? 8 : 4);
+        if (entryFound(at, int(FileNumber(entry, 2, bigEndian)), FileNumber(value, 2, bigEndian)))
+            return;
+        at += entryBytes;
+    }
+}
+
+bool TiffCountsFromWhite(FILE* stream)
+{
+    const int kPhotometric = 262;
+    bool fromWhite = false;
+    EachTiffEntry(stream,
+                  [&](long, int tag, uint64_t value)
+                  {
+                      fromWhite = tag == kPhotometric && value == 0;
+                      return tag == kPhotometric;
+                  });
+    return fromWhite;
+}
+
+std::vector<long> FindTiffCaptions(FILE* stream)
+{
+    const int kCaptions = 33723;
+    std::vector<long> offsets;
+    EachTiffEntry(stream,
+                  [&](long at, int tag, uint64_t)
+                  {
+                      if (tag == kCaptions)
+                          offsets.insert(offsets.end(), {at, at + 1});
+                      return false;
+                  });
+    return offsets;
+}
+
+bool LooksLikeRaw(FILE* stream)
+{
+    struct Signature
+    {
+        int offset, length;
+        const char* bytes;
+    };
+    static const Signature kSignatures[] = {
+        {0, 4, "II*\0"}, {0, 4, "MM\0*"}, {0, 4, "IIRO"},     {0, 4, "IIRS"},
+        {0, 4, "MMOR"},  {0, 4, "IIU\0"}, {0, 8, "FUJIFILM"}, {6, 8, "HEAPCCDR"},
+        {0, 4, "\0MRM"}, {0, 4, "FOVb"},  {4, 7, "ftypcrx"},
+    };
+    char head[16] = {};
+    std::rewind(stream);
+    const size_t count = std::fread(head, 1, sizeof head, stream);
+    return count == sizeof head &&
+           std::any_of(std::begin(kSignatures), std::end(kSignatures),
+                       [&](const Signature& s)
+                       { return std::memcmp(head + s.offset, s.bytes, size_t(s.length)) == 0; });
 }
 
 // Whether the first directory of an EXIF block, with the offset behind it, lies inside the block.

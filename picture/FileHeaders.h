@@ -20,6 +20,15 @@ bool FindPngProfile(FILE* stream, std::vector<uint8_t>* packed);
 // where it makes a palette of it, but forgets it for 16.
 bool TiffCountsFromWhite(FILE* stream);
 
+// Captions (IPTC) of a TIFF stream, as offsets of the bytes of their entries' tags. FreeImage
+// counts them in units of four bytes, the TIFF library in bytes: it reads four times as much as
+// there is, and turns the bytes of that round when the file's order is not the machine's.
+std::vector<long> FindTiffCaptions(FILE* stream);
+
+// Whether the file begins like a camera raw file that cameras of the last twenty years write: only
+// those are handed to the raw library, which else tries decoders of long gone makers on anything.
+bool LooksLikeRaw(FILE* stream);
+
 // EXIF blocks of a JPEG stream, as offsets from the start of the file to their first letter. With
 // `damagedOnly` those alone whose first directory does not fit into the block: FreeImage takes the
 // directory's size on trust, and reads far behind the end of the block.

@@ -3,12 +3,14 @@
 #include "picture/FileHeaders.h"
 #include "picture/FileReplace.h"
 #include "picture/ImageCodec.h"
+#include "picture/ShortMemory.h"
 #include "picture/SystemFiles.h"
 
 #include <FreeImage.h>
 
 #include <algorithm>
 #include <cerrno>
+#include <cstring>
 #include <memory>
 #include <mutex>
 #include <system_error>
@@ -85,12 +87,27 @@ int FormatFromFileName(const char* name)
     return FreeImage_GetFIFFromFilename(name);
 }
 
+// Camera raw files mostly look like TIFF files: their names have to say so, too.
+static bool IsRaw(FILE* file, const char* name)
+{
+    const char* point = std::strrchr(name, '.');
+    if (!point || !LooksLikeRaw(file))
+        return false;
+    std::string ending = point + 1;
+    for (char& letter : ending)
+        letter = letter >= 'A' && letter <= 'Z' ? char(letter - 'A' + 'a') : letter;
+    const std::string known = std::string(",") + FreeImage_GetFIFExtensionList(FIF_RAW) + ",";
+    return known.find("," + ending + ",") != known.npos;
+}
+
 // Contents decide, then the name.
 static LoadProblem FindReadableFormat(FREE_IMAGE_FORMAT* format, ImageStream* stream,
                                       const char* name)
 {
     FreeImageIO io = StreamFunctions();
-    *format = FreeImage_GetFileTypeFromHandle(&io, stream, 0);
+    const bool raw = IsRaw(stream->file, name);
+    std::rewind(stream->file);
+    *format = raw ? FIF_RAW : FreeImage_GetFileTypeFromHandle(&io, stream, 0);
     if (*format == FIF_UNKNOWN)
         *format = FREE_IMAGE_FORMAT(FormatFromFileName(name));
     if (*format == FIF_UNKNOWN)
@@ -152,6 +169,8 @@ static BitmapOwner LoadWhole(FREE_IMAGE_FORMAT format, ImageStream* stream, Meta
 {
     if (format == FIF_JPEG)
         stream->hidden = FindJpegExif(stream->file, metadata == Metadata::Read);
+    if (format == FIF_TIFF)
+        stream->hidden = FindTiffCaptions(stream->file);
     *problem = CheckHeader(format, stream);
     if (*problem != LoadProblem::None)
         return nullptr;
@@ -218,10 +237,21 @@ bool LoadPicturePair(const char* path, SBxPicBuf* picture, SBxPicBuf* alpha, Loa
     InitImageLibrary();
     CBxPicBufAPI::DoneHeap(picture);
     CBxPicBufAPI::DoneHeap(alpha);
-    const LoadProblem problem = LoadPair(path, picture, alpha);
+    LoadProblem problem = LoadProblem::OutOfMemory;
+    const auto load = [&]
+    {
+        problem = LoadPair(path, picture, alpha);
+        return problem != LoadProblem::None;
+    };
+    const bool failed = FailsOrLacksMemory(load);
+    if (failed)
+    {
+        CBxPicBufAPI::DoneHeap(picture);
+        CBxPicBufAPI::DoneHeap(alpha);
+    }
     if (report)
         report->problem = problem;
-    return problem != LoadProblem::None;
+    return failed;
 }
 
 LoadProblem CheckPictureFile(const char* path)
@@ -276,9 +306,12 @@ static void TakeProfileAndMetadata(FIBITMAP* bitmap, FREE_IMAGE_FORMAT format, F
     // The samples count from black to white, whatever those of the source did.
     FreeImage_SetMetadata(FIMD_EXIF_MAIN, bitmap, "PhotometricInterpretation", nullptr);
     // The TIFF encoder writes no entry of this directory; but it follows a null pointer when a
-    // camera has put exposure entries there, as some do.
+    // camera has put exposure entries there, as some do. Of the captions it writes a quarter.
     if (format == FIF_TIFF)
+    {
         FreeImage_SetMetadata(FIMD_EXIF_MAIN, bitmap, nullptr, nullptr);
+        FreeImage_SetMetadata(FIMD_IPTC, bitmap, nullptr, nullptr);
+    }
     // The PNG encoder reads the date as text; only text has a zero at its end.
     FITAG* date = nullptr;
     if (FreeImage_GetMetadata(FIMD_EXIF_MAIN, bitmap, "DateTime", &date) &&
@@ -330,6 +363,19 @@ static void SetExif(FIBITMAP* bitmap, const std::vector<uint8_t>& exif)
     FreeImage_DeleteTag(tag);
 }
 
+static bool Encode(FREE_IMAGE_FORMAT format, FIBITMAP* bitmap, FreeImageIO* io, ImageStream* stream,
+                   int flags)
+{
+    try // short memory
+    {
+        return FreeImage_SaveToHandle(format, bitmap, io, stream, flags);
+    }
+    catch (...)
+    {
+        return false;
+    }
+}
+
 // Encoders return success for some files that they gave up on; such a file has no readable header.
 static bool HeaderMatches(ImageStream* stream, FREE_IMAGE_FORMAT format, FIBITMAP* bitmap)
 {
@@ -355,8 +401,8 @@ static void WriteFile(FIBITMAP* bitmap, const char* target, FREE_IMAGE_FORMAT fo
     FreeImageIO io = StreamFunctions();
     ImageStream stream;
     stream.file = file.stream;
-    const bool encoded = FreeImage_SaveToHandle(format, bitmap, &io, &stream, flags) &&
-                         HeaderMatches(&stream, format, bitmap);
+    const bool encoded =
+        Encode(format, bitmap, &io, &stream, flags) && HeaderMatches(&stream, format, bitmap);
     file.error = stream.error;
     if (encoded)
         report->written = FinishReplacing(&file);
@@ -429,6 +475,15 @@ bool SavePicturePair(const SBxPicBuf& picture, const SBxPicBuf& alpha, const cha
     if (!report)
         report = &unread;
     *report = SaveReport();
-    SavePair(picture, alpha, target, source, format, report, extras);
+    const auto save = [&]
+    {
+        SavePair(picture, alpha, target, source, format, report, extras);
+        return false;
+    };
+    if (FailsOrLacksMemory(save))
+    {
+        report->written = false;
+        report->problem = SaveProblem::OutOfMemory;
+    }
     return false;
 }

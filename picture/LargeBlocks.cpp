@@ -4,6 +4,7 @@
 #include <cstring>
 #include <deque>
 #include <mutex>
+#include <new>
 
 constexpr size_t kKeptFrom = size_t(1) << 20;   // smaller blocks are quick to get anyway
 constexpr size_t kKeptInAll = size_t(96) << 20; // the scratch of one 12-megapixel photograph
@@ -74,6 +75,15 @@ void* VcAllocBlock(size_t bytes, bool zeroed)
     return block;
 }
 
+static void KeepBlock(KeptBlocks* kept, const KeptBlock& block)
+{
+    const std::lock_guard<std::mutex> lock(kept->mutex);
+    while (kept->bytes + block.bytes > kKeptInAll)
+        DropOldest(kept);
+    kept->blocks.push_back(block);
+    kept->bytes += block.bytes;
+}
+
 void VcFreeBlock(void* block, size_t bytes)
 {
     if (!block || bytes < kKeptFrom || bytes > kKeptInAll)
@@ -81,10 +91,12 @@ void VcFreeBlock(void* block, size_t bytes)
         SystemFreeBlock(block);
         return;
     }
-    KeptBlocks& kept = Kept();
-    const std::lock_guard<std::mutex> lock(kept.mutex);
-    while (kept.bytes + bytes > kKeptInAll)
-        DropOldest(&kept);
-    kept.blocks.push_back({block, bytes});
-    kept.bytes += bytes;
+    try // destructors call this
+    {
+        KeepBlock(&Kept(), {block, bytes});
+    }
+    catch (const std::bad_alloc&)
+    {
+        SystemFreeBlock(block);
+    }
 }
