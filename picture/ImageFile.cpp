@@ -141,6 +141,21 @@ static LoadProblem ProblemOf(BitmapFit fit)
     return LoadProblem::KindNotSupported;
 }
 
+static bool IsPortableMap(FREE_IMAGE_FORMAT format)
+{
+    return format == FIF_PBM || format == FIF_PGM || format == FIF_PPM || format == FIF_PBMRAW ||
+           format == FIF_PGMRAW || format == FIF_PPMRAW;
+}
+
+// Portable maps are not packed. FreeImage asks for each of their samples in turn, without noticing
+// the end of the file: a few bytes could keep it busy for minutes.
+static bool HasItsPixels(ImageStream* stream, FIBITMAP* header)
+{
+    const int64_t bytes = int64_t(FreeImage_GetWidth(header)) * FreeImage_GetHeight(header) *
+                          FreeImage_GetBPP(header) / 8;
+    return std::fseek(stream->file, 0, SEEK_END) == 0 && bytes <= std::ftell(stream->file);
+}
+
 // A header of a few bytes may claim billions of pixels, which a decoder would allocate and clear
 // before it sees that there is nothing to read.
 static LoadProblem CheckHeader(FREE_IMAGE_FORMAT format, ImageStream* stream)
@@ -149,13 +164,18 @@ static LoadProblem CheckHeader(FREE_IMAGE_FORMAT format, ImageStream* stream)
     {
         int width = 0, height = 0;
         const bool known = GifFrameSize(stream->file, &width, &height);
-        return !known || PictureBytes(width, height, 1, 8) >= 0 ? LoadProblem::None
-                                                                : LoadProblem::TooLarge;
+        const int64_t bytes = PictureBytes(width, height, 1, 8);
+        const bool fits = bytes >= 0 && 2 * bytes <= PhysicalMemoryBytes();
+        return !known || fits ? LoadProblem::None : LoadProblem::TooLarge;
     }
     if (!FreeImage_FIFSupportsNoPixels(format))
         return LoadProblem::None;
     const BitmapOwner header = Decode(format, stream, FIF_LOAD_NOPIXELS);
-    return header ? ProblemOf(FitOfBitmap(header.get())) : LoadProblem::DecoderFailed;
+    if (!header)
+        return LoadProblem::DecoderFailed;
+    const LoadProblem problem = ProblemOf(FitOfBitmap(header.get()));
+    const bool empty = IsPortableMap(format) && !HasItsPixels(stream, header.get());
+    return problem == LoadProblem::None && empty ? LoadProblem::DecoderFailed : problem;
 }
 
 enum class Metadata
