@@ -226,10 +226,14 @@ static LRESULT OnQueryEndSession(HWND, WPARAM, LPARAM)
     return MayLoseResult();
 }
 
+// The process may end at any moment from here on: a worker had better begin no new file.
 static LRESULT OnEndSession(HWND, WPARAM ending, LPARAM)
 {
-    if (ending)
-        SaveSettingsOnExit();
+    if (!ending)
+        return 0;
+    g_cancelRequested = true;
+    g_stopRequested = true;
+    SaveSettingsOnExit();
     return 0;
 }
 

@@ -5,33 +5,66 @@
 #include "app/CommandsWnd.h"
 #include "app/DockerWnd.h"
 #include "app/Format_win.h"
+#include "app/FrameView_win.h"
 #include "app/Messages.h"
 #include "app/Strings.h"
 
 #include <commctrl.h>
 
-HWND OpenToolDialog(int dialogId, DLGPROC procedure, LPARAM parameter)
+void ShowTexts(HWND dialog, const ControlText* rows, int count)
+{
+    for (const ControlText* row = rows; row != rows + count; ++row)
+        SetWindowTextW(row->control ? GetDlgItem(dialog, row->control) : dialog,
+                       g_strings[row->string]);
+}
+
+HWND OpenDocked(int dialogId, DLGPROC procedure, LPARAM parameter)
 {
     const HWND dialog =
         CreateDialogParamW(g_hInst, MAKEINTRESOURCEW(dialogId), g_hwndDocker, procedure, parameter);
     if (!dialog)
         return nullptr;
-    g_hwndActiveTool = dialog;
-    g_workerBusy = true;
-    EnableToolCommands(false);
     DockWindow(dialog);
     ShowWindow(dialog, SW_SHOW);
     return dialog;
 }
 
-void ToolDialogDestroyed(HWND dialog)
+// The docker would keep the keys, and accelerators would find nobody there.
+void DockedDestroyed(HWND dialog)
 {
     UndockWindow(dialog);
+    SetFocus(g_hwndMain);
+}
+
+HWND OpenToolDialog(int dialogId, DLGPROC procedure, LPARAM parameter)
+{
+    const HWND dialog = OpenDocked(dialogId, procedure, parameter);
+    if (!dialog)
+        return nullptr;
+    g_hwndActiveTool = dialog;
+    g_workerBusy = true;
+    EnableToolCommands(false);
+    return dialog;
+}
+
+void ToolDialogDestroyed(HWND dialog)
+{
+    DockedDestroyed(dialog);
     if (g_hwndActiveTool != dialog)
         return;
     g_hwndActiveTool = nullptr;
     g_workerBusy = false;
     EnableToolCommands(true);
+}
+
+// The preview is refreshed first: the frame puts it over the result when a tool is cancelled. The
+// frame hears of the end when the dialog has gone and the view has its place back.
+void GiveUpTool(HWND dialog)
+{
+    CopyPicture(&g_previewPicture, g_sourcePicture);
+    SetStatusText(g_strings[kNoHint]);
+    DestroyWindow(dialog);
+    SendMessageW(g_hwndMain, WM_APP_TOOL_CANCELLED, 0, 0);
 }
 
 ToolWaitCursor::ToolWaitCursor()
@@ -50,6 +83,14 @@ void WarnOfShortMemory()
 {
     const std::wstring text = SystemErrorText(ERROR_NOT_ENOUGH_MEMORY);
     MessageBoxW(g_hwndMain, text.c_str(), g_strings[3], MB_OK | MB_ICONASTERISK);
+}
+
+void RefuseTool()
+{
+    CBxPicBufAPI::DoneHeap(&g_resultPicture);
+    CBxPicBufAPI::DoneHeap(&g_previewPicture);
+    ShowSource(g_sourcePicture);
+    WarnOfShortMemory();
 }
 
 void SetUpSlider(HWND dialog, const SliderControl& control, int value)

@@ -6,6 +6,7 @@
 #   StartProgram ARGS  starts Plenoviz.exe and waits for its window; its number is in $window
 #   Shot NAME          keeps what the screen shows as out/NAME.png, and for Pixel
 #   Pixel X Y          "red green blue" of the last shot
+#   ScreenSum          a sum over what the screen shows right now, without keeping it
 
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 program=${PLENOVIZ_PROGRAM:-$root/build/windows/app/Plenoviz.exe}
@@ -36,7 +37,7 @@ ForgetSettings() { rm -f "$WINEPREFIX"/drive_c/users/*/AppData/Roaming/Plenoviz/
 
 ScreenUp()
 {
-    Xvfb -displayfd 3 -screen 0 ${screenWidth}x${screenHeight}x24 -nolisten tcp \
+    Xvfb -displayfd 3 -screen 0 ${screenWidth}x${screenHeight}x24 -fbdir "$scratch" -nolisten tcp \
         3>"$scratch/display" 2>"$scratch/xvfb.log" &
     screenPid=$!
     local tries
@@ -74,6 +75,9 @@ Shot()
     import -window root "$root/out/$1.png"
     import -window root -depth 8 "ppm:$scratch/shot"
 }
+
+# The screen's memory is a file.
+ScreenSum() { cksum <"$scratch/Xvfb_screen0"; }
 
 Pixel()
 {

@@ -1,10 +1,10 @@
 #include "multiscale/NoisePromptDlg.h"
 
 #include "app/AppWindows_win.h"
-#include "app/DockerWnd.h"
 #include "app/FrameView_win.h"
 #include "app/Settings.h"
 #include "app/Strings.h"
+#include "app/ToolDialogWnd.h"
 #include "multiscale/ExposureSeries.h"
 #include "multiscale/SeriesDlgIds.h"
 
@@ -12,19 +12,13 @@ static constexpr int kFirstLevelText = 84; // "None"; the others follow
 
 static int g_answer; // of the prompt that is open
 
-static const struct
-{
-    int control, string;
-} kTexts[] = {
-    {IDC_SERIES_TITLE, 82},
-    {IDC_NOISE_LABEL, 83},
-    {IDOK, 45},
-    {IDCANCEL, 46},
+static const ControlText kTexts[] = {
+    {0, 82}, {IDC_SERIES_TITLE, 82}, {IDC_NOISE_LABEL, 83}, {IDOK, 45}, {IDCANCEL, 46},
 };
 
 static unsigned* LevelOf(HWND dlg)
 {
-    return reinterpret_cast<unsigned*>(GetWindowLongPtrW(dlg, DWLP_USER));
+    return DialogData<unsigned>(dlg);
 }
 
 static INT_PTR OnInit(HWND dlg, LPARAM lParam)
@@ -32,9 +26,7 @@ static INT_PTR OnInit(HWND dlg, LPARAM lParam)
     SetWindowLongPtrW(dlg, DWLP_USER, lParam);
     ReadSettings(SettingGroup::NoisePrompt);
     *LevelOf(dlg) = ClampNoiseLevel(g_settings.denoiseStrength);
-    SetWindowTextW(dlg, g_strings[82]);
-    for (const auto& text : kTexts)
-        SetDlgItemTextW(dlg, text.control, g_strings[text.string]);
+    ShowTexts(dlg, kTexts);
     SendDlgItemMessageW(dlg, IDC_NOISE_LEVEL, CB_RESETCONTENT, 0, 0);
     for (unsigned level = 0; level < kNoiseLevels; ++level)
         SendDlgItemMessageW(dlg, IDC_NOISE_LEVEL, CB_ADDSTRING, 0,
@@ -70,6 +62,7 @@ static INT_PTR CALLBACK NoisePromptProc(HWND dlg, UINT message, WPARAM wParam, L
     {
     case WM_INITDIALOG: return OnInit(dlg, lParam);
     case WM_COMMAND: return OnButton(dlg, LOWORD(wParam));
+    case WM_DESTROY: DockedDestroyed(dlg); return TRUE;
     default: return FALSE;
     }
 }
@@ -94,21 +87,15 @@ static void WaitForAnswer(HWND dlg)
 
 int RunNoiseLevelPrompt(unsigned* noiseLevel)
 {
-    const HWND dlg = CreateDialogParamW(g_hInst, MAKEINTRESOURCEW(IDD_NOISE_PROMPT), g_hwndDocker,
-                                        NoisePromptProc, reinterpret_cast<LPARAM>(noiseLevel));
+    const HWND dlg =
+        OpenDocked(IDD_NOISE_PROMPT, NoisePromptProc, reinterpret_cast<LPARAM>(noiseLevel));
     if (!dlg)
         return kPromptCancelled;
     g_answer = kPromptConfirmed;
-    DockWindow(dlg);
-    ShowWindow(dlg, SW_SHOW);
     RedrawView();
     SetFocus(GetDlgItem(dlg, IDC_NOISE_LEVEL));
     WaitForAnswer(dlg);
     if (IsWindow(g_hwndMain))
-    {
-        UndockWindow(dlg);
         RedrawView();
-        SetFocus(g_hwndMain);
-    }
     return g_answer;
 }

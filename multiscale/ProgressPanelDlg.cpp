@@ -3,11 +3,11 @@
 #include "app/AppState.h"
 #include "app/AppWindows_win.h"
 #include "app/CommandsWnd.h"
-#include "app/DockerWnd.h"
 #include "app/Format_win.h"
 #include "app/FrameView_win.h"
 #include "app/Messages.h"
 #include "app/Strings.h"
+#include "app/ToolDialogWnd.h"
 #include "multiscale/SeriesDlgIds.h"
 
 #include <commctrl.h>
@@ -15,13 +15,13 @@
 // A report in a posted message: wParam holds the percentage, or nothing when the text stays.
 static constexpr WPARAM kKeepText = 1000;
 
+static const ControlText kTexts[] = {
+    {0, 1}, {IDC_SERIES_TITLE, 1}, {IDC_PROGRESS_TEXT, 7}, {IDCANCEL, 68}};
+
 static INT_PTR OnInit(HWND dlg, LPARAM kind)
 {
     const SeriesBar bar = SeriesBarOf(SeriesKind(kind));
-    SetWindowTextW(dlg, g_strings[1]);
-    SetDlgItemTextW(dlg, IDC_SERIES_TITLE, g_strings[1]);
-    SetDlgItemTextW(dlg, IDC_PROGRESS_TEXT, g_strings[7]);
-    SetDlgItemTextW(dlg, IDCANCEL, g_strings[68]);
+    ShowTexts(dlg, kTexts);
     SendDlgItemMessageW(dlg, IDC_PROGRESS_BAR, PBM_SETRANGE, 0, MAKELPARAM(0, bar.length));
     SendDlgItemMessageW(dlg, IDC_PROGRESS_BAR, PBM_SETSTEP, 1, 0);
     SendDlgItemMessageW(dlg, IDC_PROGRESS_BAR, PBM_SETPOS, WPARAM(bar.start), 0);
@@ -54,7 +54,7 @@ static INT_PTR OnButton(HWND dlg, int id)
 
 static INT_PTR OnDestroyed(HWND dlg)
 {
-    UndockWindow(dlg);
+    DockedDestroyed(dlg);
     EnableToolCommands(true);
     return TRUE;
 }
@@ -74,12 +74,9 @@ static INT_PTR CALLBACK PanelProc(HWND dlg, UINT message, WPARAM wParam, LPARAM 
 
 HWND OpenProgressPanel(SeriesKind kind)
 {
-    const HWND panel = CreateDialogParamW(g_hInst, MAKEINTRESOURCEW(IDD_PROGRESS_PANEL),
-                                          g_hwndDocker, PanelProc, LPARAM(kind));
+    const HWND panel = OpenDocked(IDD_PROGRESS_PANEL, PanelProc, LPARAM(kind));
     if (!panel)
         return nullptr;
-    DockWindow(panel);
-    ShowWindow(panel, SW_SHOW);
     RedrawView();
     UpdateWindow(panel);
     return panel;

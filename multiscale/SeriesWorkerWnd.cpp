@@ -95,12 +95,13 @@ static void TakeSeries()
 // Why there is no series although nobody wanted it to stop.
 static void TellFailure()
 {
+    if (g_cancelRequested || g_stopRequested)
+        return;
     if (g_job.folderFailed)
         MessageBoxW(g_hwndMain, VcFormatText(L"%s %s", g_strings[33], g_job.folder.c_str()).c_str(),
                     g_strings[3], MB_OK | MB_ICONASTERISK);
-    else if (!g_cancelRequested && !g_stopRequested)
+    else
         WarnOfShortMemory();
-    g_job.folderFailed = false;
 }
 
 void EndSeries(bool ready)

@@ -15,7 +15,7 @@
 #include <algorithm>
 #include <memory>
 
-constexpr int kCompareHint = 81, kNoHint = 76;
+static const ControlText kTexts[] = {{0, 102}, {IDC_TOOL_FRAME, 102}, {IDOK, 45}, {IDCANCEL, 46}};
 
 static SliderControl LevelControl(int level)
 {
@@ -24,7 +24,7 @@ static SliderControl LevelControl(int level)
 
 static SmartContrastModel* ModelOf(HWND dlg)
 {
-    return reinterpret_cast<SmartContrastModel*>(GetWindowLongPtrW(dlg, DWLP_USER));
+    return DialogData<SmartContrastModel>(dlg);
 }
 
 static void ShowRecomposed(SmartContrastModel* model)
@@ -40,10 +40,7 @@ static INT_PTR OnInit(HWND dlg, LPARAM lParam)
     const SmartContrastModel* model = ModelOf(dlg);
     for (int level = 0; level < kDetailLevels; ++level)
         SetUpSlider(dlg, LevelControl(level), model->lod[level]);
-    SetWindowTextW(dlg, g_strings[102]);
-    SetDlgItemTextW(dlg, IDC_TOOL_FRAME, g_strings[102]);
-    SetDlgItemTextW(dlg, IDOK, g_strings[45]);
-    SetDlgItemTextW(dlg, IDCANCEL, g_strings[46]);
+    ShowTexts(dlg, kTexts);
     return FALSE; // the frame keeps the focus until the user takes it
 }
 
@@ -75,21 +72,12 @@ static INT_PTR OnOk(HWND dlg)
     return TRUE;
 }
 
-static INT_PTR OnCancel(HWND dlg)
-{
-    CopyPicture(&g_previewPicture, g_sourcePicture);
-    DestroyWindow(dlg);
-    SetStatusText(g_strings[kNoHint]);
-    SendMessageW(g_hwndMain, WM_APP_TOOL_CANCELLED, 0, 0);
-    return TRUE;
-}
-
 static INT_PTR OnCommand(HWND dlg, int id)
 {
     switch (id)
     {
     case IDOK: return OnOk(dlg);
-    case IDCANCEL: return OnCancel(dlg);
+    case IDCANCEL: GiveUpTool(dlg); return TRUE;
     default: return FALSE;
     }
 }
@@ -132,7 +120,7 @@ void OpenSmartContrastDialog()
     auto model = std::make_unique<SmartContrastModel>();
     if (!Prepare(model.get()))
     {
-        WarnOfShortMemory();
+        RefuseTool();
         return;
     }
     if (!OpenToolDialog(IDD_SMART_CONTRAST, SmartContrastProc,

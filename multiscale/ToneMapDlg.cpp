@@ -18,10 +18,7 @@
 #include <algorithm>
 #include <memory>
 
-static const struct
-{
-    int control, string;
-} kToneTexts[] = {
+static const ControlText kToneTexts[] = {
     {IDC_TONE_LABEL + 0, 109},
     {IDC_TONE_LABEL + 1, 110},
     {IDC_TONE_LABEL + 2, 111},
@@ -33,7 +30,7 @@ static const struct
     {IDCANCEL, 46},
 };
 
-constexpr int kDragHint = 80, kCompareHint = 81, kNoHint = 76;
+constexpr int kDragHint = 80;
 
 static SliderControl ToneControl(int slider)
 {
@@ -42,7 +39,7 @@ static SliderControl ToneControl(int slider)
 
 static ToneMapModel* ModelOf(HWND dlg)
 {
-    return reinterpret_cast<ToneMapModel*>(GetWindowLongPtrW(dlg, DWLP_USER));
+    return DialogData<ToneMapModel>(dlg);
 }
 
 // The string is also the command's, whose dots promise this dialog. The blank keeps it off the
@@ -119,8 +116,7 @@ static INT_PTR OnInit(HWND dlg, LPARAM lParam)
     const ToneMapModel& model = *ModelOf(dlg);
     SetWindowTextW(dlg, ToneTitle().c_str());
     SetDlgItemTextW(dlg, IDC_TOOL_FRAME, ToneTitle().c_str());
-    for (const auto& text : kToneTexts)
-        SetDlgItemTextW(dlg, text.control, g_strings[text.string]);
+    ShowTexts(dlg, kToneTexts);
     for (int i = 0; i < kToneMapSliders; ++i)
         SetUpSlider(dlg, ToneControl(i), model.choice.slider[i]);
     CheckDlgButton(dlg, IDC_TONE_COLORS, model.choice.useColors ? BST_CHECKED : BST_UNCHECKED);
@@ -189,20 +185,12 @@ static void StartRun(HWND dlg)
     SendMessageW(g_hwndMain, WM_APP_PREVIEW_READY, 0, 0); // the source again
 }
 
-static void GiveUp(HWND dlg)
-{
-    CopyPicture(&g_previewPicture, g_sourcePicture);
-    DestroyWindow(dlg);
-    SetStatusText(g_strings[kNoHint]);
-    SendMessageW(g_hwndMain, WM_APP_TOOL_CANCELLED, 0, 0);
-}
-
 static void TakeStep(HWND dlg, ToneMapStep step)
 {
     switch (step)
     {
     case ToneMapStep::StartRun: StartRun(dlg); break;
-    case ToneMapStep::GiveUp: GiveUp(dlg); break;
+    case ToneMapStep::GiveUp: GiveUpTool(dlg); break;
     case ToneMapStep::Stop: g_stopRequested = true; break;
     case ToneMapStep::Close:
         DestroyWindow(dlg);
@@ -323,7 +311,7 @@ void OpenToneMapDialog()
     g_resultUnsaved = false;
     if (!PrepareToolPictures())
     {
-        WarnOfShortMemory();
+        RefuseTool();
         return;
     }
     auto model = std::make_unique<ToneMapModel>();
