@@ -8,6 +8,7 @@
 #include "app/Format_win.h"
 #include "app/FrameView_win.h"
 #include "app/OptionsDlg.h"
+#include "app/ProfileStore.h"
 #include "app/SourcePaging_win.h"
 #include "app/Strings.h"
 #include "app/ToolbarWnd.h"
@@ -109,6 +110,15 @@ static void OnExit()
     SendMessageW(g_hwndMain, WM_CLOSE, 0, 0);
 }
 
+// The packages bring the libraries' terms; a program that lies alone does not promise them.
+static std::wstring NoticesHint()
+{
+    const std::wstring folder = ProgramFolder() + L"\\Notices";
+    const DWORD attributes = GetFileAttributesW(folder.c_str());
+    return attributes == INVALID_FILE_ATTRIBUTES ? L""
+                                                 : VcFormatText(L"\n\n%s", g_strings[kTextNotices]);
+}
+
 static void OnAbout()
 {
     const std::wstring text = VcFormatText(
@@ -122,8 +132,8 @@ static void OnAbout()
         L"LibTIFF (libtiff License)\n"
         L"libwebp, Imath (BSD)\n"
         L"LibRaw (CDDL 1.0)\n"
-        L"zlib (zlib License)",
-        g_strings[kTextPurpose], g_strings[kTextLibraries]);
+        L"zlib (zlib License)%s",
+        g_strings[kTextPurpose], g_strings[kTextLibraries], NoticesHint().c_str());
     MessageBoxW(g_hwndMain, text.c_str(), g_strings[42], MB_ICONASTERISK);
 }
 

@@ -23,6 +23,8 @@ ProfileStore UserSettingsFile();
 // Plenoviz_loc.ini beside the program. Windows only.
 ProfileStore LocalizationFile();
 
+std::wstring ProgramFolder(); // where Plenoviz.exe lies; no backslash at the end. Windows only.
+
 // Name of the settings folder and file. Tests put their own here to stay away from the user's.
 extern const char* g_productName;
 

@@ -23,14 +23,18 @@ static std::wstring SettingsPath()
     return path;
 }
 
-static std::wstring LocalizationPath()
+std::wstring ProgramFolder()
 {
     wchar_t program[kPathChars] = L"";
     GetModuleFileNameW(nullptr, program, kPathChars);
     const std::wstring whole = program;
     const size_t end = whole.rfind(L'\\');
-    const std::wstring folder = end == std::wstring::npos ? L"" : whole.substr(0, end);
-    return folder + L"/Plenoviz_loc.ini";
+    return end == std::wstring::npos ? L"" : whole.substr(0, end);
+}
+
+static std::wstring LocalizationPath()
+{
+    return ProgramFolder() + L"/Plenoviz_loc.ini";
 }
 
 static bool ReadProfile(const std::wstring& path, const std::wstring& section,

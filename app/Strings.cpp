@@ -115,6 +115,7 @@ static const EnglishRow kEnglish[] = {
     {kTextSaveCreate, L"The file cannot be created."},
     {kTextSaveEncode, L"The picture cannot be encoded in this format."},
     {kTextSaveWrite, L"The file cannot be written."},
+    {kTextNotices, L"Their terms are in the folder Notices, beside the program."},
 };
 
 const wchar_t* EnglishText(int number)

@@ -4,7 +4,7 @@
 
 // Every visible text, by number. Written by the loaders on the window thread before anybody reads.
 
-constexpr int kStringCount = 123;
+constexpr int kStringCount = 124;
 constexpr int kStringChars = 1024; // final zero included
 
 extern wchar_t g_strings[kStringCount + 1][kStringChars]; // [0] is not used
@@ -21,6 +21,7 @@ enum FurtherText
     kTextSaveCreate,
     kTextSaveEncode,
     kTextSaveWrite,
+    kTextNotices, // where the libraries' terms are
 };
 
 // The built-in text; empty for the numbers that nobody uses, and for 76.

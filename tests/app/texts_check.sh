@@ -20,7 +20,7 @@ BEGIN {
     for (i in same)
         isSame[same[i]] = 1
     # Names, keys and formats are the same everywhere, as often as in English.
-    marks = "Vexa|Light|Ctrl\\+[A-Z]|F[0-9]+|\\([+-]\\)|[0-9]+%|%[a-zA-Z]|&|\\\\t|JPEG|TIFF|PNG"
+    marks = "Vexa|Light|Ctrl\\+[A-Z]|F[0-9]+|\\([+-]\\)|[0-9]+%|%[a-zA-Z]|&|\\\\t|JPEG|TIFF|PNG|Notices"
 }
 function Complain(what) { print FILENAME ":" FNR ": " what; failed = 1 }
 
@@ -60,6 +60,10 @@ function CheckText(number, text,    plain) {
         Complain("ends otherwise: " EndsOf(text) " for " EndsOf(value[number]))
     if (text == "" && value[number] != "")
         Complain("empty: " number)
+    # Commands and buttons that differ in English must not look alike, such as Cancel and Abort.
+    if (text != "" && (acronym, text) in owner && value[owner[acronym, text]] != value[number])
+        Complain("the same as " owner[acronym, text] ": " text)
+    owner[acronym, text] = number
     # Where letters are others, each Latin one is a word that was forgotten.
     plain = text
     gsub(marks "|OK|Shift", "", plain)
@@ -109,7 +113,7 @@ BEGIN { section = -1 }
 { Complain("unknown line: " $0) }
 END {
     EndLanguage()
-    if (section + 1 != announced || english < 88)
+    if (section + 1 != announced || english < 98)
         Complain(section + 1 " languages, " announced " announced, " english " texts")
     exit failed
 }' "$source"
