@@ -127,16 +127,19 @@ static LRESULT OnPaint(HWND frame, WPARAM, LPARAM)
     return 0;
 }
 
-// The view covers its area by itself; only the strips around it want the background.
+// The view covers its area by itself; only the strips around it want the background. The context
+// may be the one that the view is painted on next, which must not inherit the hole.
 static LRESULT OnEraseBackground(HWND frame, WPARAM wParam, LPARAM)
 {
     const HDC dc = reinterpret_cast<HDC>(wParam);
     RECT client;
     GetClientRect(frame, &client);
     const CBxRect<int>& area = g_view.area;
+    const int saved = SaveDC(dc);
     ExcludeChildren(dc, frame);
     ExcludeClipRect(dc, area.left, area.top, area.right, area.bottom);
     FillRect(dc, &client, SkinBrush(COLOR_BTNFACE));
+    RestoreDC(dc, saved);
     return 1;
 }
 

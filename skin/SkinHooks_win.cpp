@@ -117,10 +117,11 @@ static void PaintInHook(MSG* message)
 // The control under the mouse lights up. Leaving is told once per asking.
 static void FollowMouse(HWND hwnd)
 {
-    const HWND hot = HotWindow();
-    if (hwnd == hot)
+    if (hwnd == HotWindow())
         return;
     SetHotWindow(hwnd);
+    if (!HotWindow())
+        return;
     TRACKMOUSEEVENT tracking = {sizeof tracking, TME_LEAVE, hwnd, 0};
     TrackMouseEvent(&tracking);
 }

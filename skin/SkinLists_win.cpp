@@ -2,9 +2,14 @@
 #include "skin/SkinDraw_win.h"
 #include "skin/SkinPaintings_win.h"
 
+#include "skin/SkinSubclass_win.h"
+
 #include <commctrl.h>
 
+#include <algorithm>
+
 constexpr int kTextPadding = 4;
+constexpr int kGreyish = 24; // levels between the colours of a pixel without much colour
 
 static bool DropsList(uint32_t style)
 {
@@ -44,6 +49,59 @@ static void DrawOwnersItem(const SkinCall& call, HDC dc, const RECT& place)
                      reinterpret_cast<LPARAM>(&item));
     SelectObject(dc, font);
     RestoreDC(dc, saved);
+}
+
+// Grey levels of a picture in the system's light colours, put between the scheme's field and text.
+static void DarkenPixels(uint32_t* pixels, size_t count)
+{
+    const int field = GetRValue(SkinColor(kSkinWindow)), text = GetRValue(SkinColor(kSkinText));
+    for (size_t i = 0; i < count; ++i)
+    {
+        const int red = int(pixels[i] >> 16 & 0xFF), green = int(pixels[i] >> 8 & 0xFF);
+        const int blue = int(pixels[i] & 0xFF);
+        const auto [low, high] = std::minmax({red, green, blue});
+        if (high - low > kGreyish)
+            continue; // of an icon, or of the selection
+        const int grey = field + (255 - green) * (text - field) / 255;
+        pixels[i] = uint32_t(grey) * 0x010101U;
+    }
+}
+
+// Items of lists that the system's dialogs draw themselves, always in the system's colours.
+bool DrawForeignItem(const SkinCall& call, LRESULT* answer)
+{
+    const DRAWITEMSTRUCT& item = *reinterpret_cast<const DRAWITEMSTRUCT*>(call.lParam);
+    const int width = item.rcItem.right - item.rcItem.left;
+    const int height = item.rcItem.bottom - item.rcItem.top;
+    const bool selected = (item.itemState & ODS_SELECTED) && !(item.itemState & ODS_COMBOBOXEDIT);
+    if (item.CtlType != ODT_COMBOBOX || selected || call.window.kind != SkinClass::Dialog ||
+        width <= 0 || height <= 0)
+        return false;
+    BITMAPINFO info = {};
+    info.bmiHeader = {sizeof info.bmiHeader, width, -height, 1, 32, BI_RGB, 0, 0, 0, 0, 0};
+    void* bits = nullptr;
+    const HDC dc = CreateCompatibleDC(item.hDC);
+    const HBITMAP bitmap = CreateDIBSection(dc, &info, DIB_RGB_COLORS, &bits, nullptr, 0);
+    if (bitmap)
+    {
+        const HGDIOBJ before = SelectObject(dc, bitmap);
+        const HGDIOBJ font = SelectObject(dc, FontOf(item.hwndItem));
+        const RECT box = {0, 0, width, height};
+        DRAWITEMSTRUCT copy = item;
+        copy.hDC = dc;
+        copy.rcItem = box;
+        FillRect(dc, &box, GetSysColorBrush(COLOR_WINDOW));
+        *answer =
+            CallPrevious(call.hwnd, call.message, call.wParam, reinterpret_cast<LPARAM>(&copy));
+        GdiFlush();
+        DarkenPixels(static_cast<uint32_t*>(bits), size_t(width) * size_t(height));
+        BitBlt(item.hDC, item.rcItem.left, item.rcItem.top, width, height, dc, 0, 0, SRCCOPY);
+        SelectObject(dc, font);
+        SelectObject(dc, before);
+        DeleteObject(bitmap);
+    }
+    DeleteDC(dc);
+    return bitmap != nullptr;
 }
 
 static bool DrawCombo(const SkinCall& call, HDC dc, const RECT& client)

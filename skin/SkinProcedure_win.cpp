@@ -84,6 +84,7 @@ static const struct
     {SkinClass::Menu, WM_PAINT, PaintMenuFrame},
     {SkinClass::Menu, WM_NCPAINT, PaintMenuFrame},
     {SkinClass::Any, WM_DRAWITEM, DrawMenuItem},
+    {SkinClass::Dialog, WM_DRAWITEM, DrawForeignItem},
     {SkinClass::Any, WM_MEASUREITEM, MeasureMenuItem},
     {SkinClass::Any, WM_MENUCHAR, FindMenuLetter},
 

@@ -152,9 +152,9 @@ static bool LightsUp(HWND hwnd)
 void SetHotWindow(HWND hwnd)
 {
     const HWND before = g_hot;
-    g_hot = hwnd;
-    for (const HWND window : {before, hwnd})
-        if (window && IsWindow(window) && LightsUp(window))
+    g_hot = hwnd && LightsUp(hwnd) ? hwnd : nullptr;
+    for (const HWND window : {before, g_hot})
+        if (window && IsWindow(window) && before != g_hot)
             InvalidateRect(window, nullptr, FALSE);
 }
 

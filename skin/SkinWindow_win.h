@@ -28,7 +28,8 @@ LRESULT CALLBACK SkinProcedure(HWND hwnd, UINT message, WPARAM wParam, LPARAM lP
 // The window after its creation: colours, styles, conversion of buttons.
 void DressWindow(HWND hwnd);
 
-// The mouse over a control, for the light that goes with it; null for none.
+// The control under the mouse, for the light that goes with it; null for none, and for windows that
+// do not light up.
 HWND HotWindow();
 void SetHotWindow(HWND hwnd);
 

@@ -71,6 +71,7 @@ public:
         DeleteDC(dc);
     }
     COLORREF At(int x, int y) const { return GetPixel(dc, x, y); }
+    bool IsOpen(int x, int y) const { return PtVisible(dc, x, y) != FALSE; }
 
 private:
     HDC dc;
@@ -93,6 +94,14 @@ TEST_F(Skin, AnswersForTheSystemsColours)
     EXPECT_EQ(SkinColor(15), GetSysColor(15));
     RedrawView();
     EXPECT_EQ(ViewPixel(500, 100), Bytes({190, 190, 190}));
+}
+
+// The context of the erasing is the one that the view is painted on next.
+TEST_F(Skin, ErasesWithoutClosingTheViewToPaint)
+{
+    const Picture erased(g_hwndMain, WM_ERASEBKGND);
+    EXPECT_EQ(erased.At(kSide / 2, 1), RGB(70, 70, 70));
+    EXPECT_TRUE(erased.IsOpen(kSide / 2, kSide - 10));
 }
 
 TEST_F(Skin, ColoursLists)

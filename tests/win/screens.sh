@@ -63,8 +63,8 @@ Scene()
     power) Open "$photo"; ClickTool 246; StillFor; Keep "$1" ;;
     fusion)
         Open; ClickTool 199; WaitFor .
-        xdotool type --delay 5 "\"${photo%photo.jpg}a.jpg\" \"${photo%photo.jpg}b.jpg\""
-        xdotool key Return; StillFor; Keep "$1" ;;
+        xdotool type --delay 20 "${photo%\\photo.jpg}"; xdotool key Return; Settle 1
+        xdotool type --delay 20 '"a.jpg" "b.jpg"'; xdotool key Return; StillFor; Keep "$1" ;;
     menu) Open "$photo"; ClickTool "width - 20"; xdotool key Down; Keep "$1" ;;
     submenu) Open; ClickTool "width - 20"; xdotool key Down Down Right Down; Keep "$1" ;;
     options) Open; ClickTool "width - 20"; xdotool key Down Right Down Down Down Return
