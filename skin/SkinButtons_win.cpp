@@ -8,8 +8,8 @@
 
 #include <algorithm>
 
-constexpr int kCheckGap = 4;    // between box and text
-constexpr int kGroupIndent = 8; // of a group box's title
+constexpr int kCheckGap = 4;     // between box and text
+constexpr int kGroupIndent = 14; // of a group box's title: in line with the labels below it
 
 static uint64_t DataOf(HWND button)
 {
