@@ -13,17 +13,13 @@ static ViewDrag g_drag;
 static bool g_draggingPreview; // the active tool's rectangle, not the picture
 static bool g_comparing;       // the right button is down over the result
 
-// The message that came by way of WM_SETCURSOR: the ordinary one arrives as well, and must not act
-// a second time.
+// The message that came by way of WM_SETCURSOR: the ordinary one is the next of its kind, and must
+// not act a second time. Its time is no help: that is known only when it is there itself.
 static UINT g_forwardedMessage;
-static LONG g_forwardedTime;
 
 static bool IsTwin(UINT message)
 {
-    const bool twin = g_forwardedMessage == message && g_forwardedTime == GetMessageTime();
-    if (twin)
-        g_forwardedMessage = 0;
-    return twin;
+    return std::exchange(g_forwardedMessage, 0u) == message;
 }
 
 static POINT CursorInFrame()
@@ -136,15 +132,16 @@ LRESULT OnSetCursor(HWND frame, WPARAM wParam, LPARAM lParam)
     if (g_toolBusy)
         return 0;
     const UINT message = HIWORD(lParam);
+    const bool overView = HWND(wParam) == frame && LOWORD(lParam) == HTCLIENT && !OverDocker();
+    g_forwardedMessage = 0;
     if (!g_hwndActiveTool)
         return DefWindowProcW(frame, WM_SETCURSOR, wParam, lParam);
     const POINT cursor = CursorInFrame();
     if (message == WM_MOUSEMOVE)
         SendMessageW(g_hwndActiveTool, WM_MOUSEMOVE, 1, MAKELPARAM(cursor.x, cursor.y));
-    else if (IsForwarded(message) && !OverDocker())
+    else if (IsForwarded(message) && overView)
     {
         g_forwardedMessage = message;
-        g_forwardedTime = GetMessageTime();
         ActOn(message, cursor.x, cursor.y);
         if (message == WM_LBUTTONDOWN)
             SetFocus(g_hwndActiveTool);
@@ -184,8 +181,10 @@ LRESULT OnLeftUp(HWND, WPARAM, LPARAM lParam)
     return Act(WM_LBUTTONUP, lParam);
 }
 
-LRESULT OnCaptureLost(HWND, WPARAM, LPARAM)
+LRESULT OnCaptureLost(HWND frame, WPARAM, LPARAM lParam)
 {
+    if (HWND(lParam) == frame)
+        return 0; // taken once more
     EndPan();
     Compare(false);
     return 0;
