@@ -114,7 +114,7 @@ static UINT_PTR OnQualityInit(HWND row)
                         MAKELPARAM(kLowestQuality, kHighestQuality));
     SendDlgItemMessageW(row, IDC_QUALITY_SLIDER, TBM_SETPAGESIZE, 0, 0);
     ShowQuality(row, std::max(g_jpegQuality, kLowestQuality));
-    return 1;
+    return 0; // the keyboard stays with the name
 }
 
 // The stored number may step one past the trackbar's range, which stops by itself.
