@@ -13,6 +13,7 @@
 #include "tests/win/ProfileFiles.h"
 
 #include <commctrl.h>
+#include <psapi.h>
 
 #include <chrono>
 #include <cwchar>
@@ -229,6 +230,55 @@ TEST_F(FusionDialogs, NameAFileThatCannotBeReadOnce)
     RunModal([] { Scroll(TB_PAGEDOWN); }, {}); // says nothing any more
     Press(IDOK);
     ExpectClosed(true);
+}
+
+// How far the numbers of kernel handles, drawing objects and menus and windows have got (counting
+// them is not possible everywhere), and memory in megabytes.
+static std::vector<int64_t> InUse()
+{
+    constexpr int kProbes = 300; // more than there are free numbers in between
+    HANDLE events[kProbes];
+    HGDIOBJ brushes[kProbes];
+    HMENU menus[kProbes];
+    std::vector<int64_t> highest(3);
+    for (int i = 0; i < kProbes; ++i)
+    {
+        events[i] = CreateEventW(nullptr, FALSE, FALSE, nullptr);
+        brushes[i] = CreateSolidBrush(COLORREF(i));
+        menus[i] = CreateMenu();
+        highest[0] = std::max(highest[0], int64_t(intptr_t(events[i])) / 4);
+        highest[1] = std::max(highest[1], int64_t(intptr_t(brushes[i]) & 0xFFFF));
+        highest[2] = std::max(highest[2], int64_t(intptr_t(menus[i]) & 0xFFFF));
+    }
+    for (int i = 0; i < kProbes; ++i)
+    {
+        CloseHandle(events[i]);
+        DeleteObject(brushes[i]);
+        DestroyMenu(menus[i]);
+    }
+    PROCESS_MEMORY_COUNTERS memory = {};
+    GetProcessMemoryInfo(GetCurrentProcess(), &memory, sizeof memory);
+    highest.push_back(int64_t(memory.PagefileUsage >> 20));
+    return highest;
+}
+
+TEST_F(FusionDialogs, OpenedFiftyTimesLeaveNothingBehind)
+{
+    for (const int command : {ID_OPEN_POWER_FUSION, ID_OPEN_EXPOSURE_FUSION})
+    {
+        OpenSeries(3, command);
+        Press(IDCANCEL);
+        const std::vector<int64_t> before = InUse();
+        for (int i = 0; i < 50; ++i)
+        {
+            Command(command);
+            Scroll(TB_PAGEDOWN);
+            Press(IDCANCEL);
+        }
+        const std::vector<int64_t> after = InUse();
+        for (size_t i = 0; i < before.size(); ++i)
+            EXPECT_LE(after[i], before[i] + 20) << i << " of " << command;
+    }
 }
 
 TEST_F(FusionDialogs, SeriesFolderIsEmptiedOfFilesOnly)
