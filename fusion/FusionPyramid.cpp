@@ -40,14 +40,15 @@ static LevelSize SizeOf(const VcFusionAccumulator& acc, unsigned level)
     return {int(acc.levelWidth[level]), int(acc.levelHeight[level])};
 }
 
-static FloatPlane PlaneOf(LevelSize size)
-{
-    return FloatPlane(VcAllocPlane(int64_t(size.width) * size.height));
-}
-
 static bool CarriesBand(LevelSize size)
 {
     return size.width >= 5 && size.height >= 5;
+}
+
+// With undefined contents.
+static FloatPlane PlaneOf(LevelSize size)
+{
+    return FloatPlane(VcAllocUnsetPlane(int64_t(size.width) * size.height));
 }
 
 // A picture without any reduction would have its finest level as its coarsest; that level is left
@@ -57,9 +58,13 @@ static bool AllocateScratch(Scratch* scratch, const VcFusionAccumulator& acc, in
     for (int c = 0; c < planes; ++c)
         for (unsigned k = acc.levels > 0 ? 1 : 0; k <= acc.levels; ++k)
         {
-            scratch->gauss[c][k] = PlaneOf(SizeOf(acc, k));
-            if (!scratch->gauss[c][k])
+            const LevelSize size = SizeOf(acc, k);
+            FloatPlane& plane = scratch->gauss[c][k];
+            plane = PlaneOf(size);
+            if (!plane)
                 return true;
+            if (k == 0 || !CarriesBand(size)) // nothing is reduced into it
+                std::fill_n(plane.get(), int64_t(size.width) * size.height, 0.0f);
         }
     return false;
 }
@@ -164,7 +169,7 @@ bool VcAccumulatePlanes3(float* const (*channelPlanes)[kFusionPlanes], const SBx
 }
 
 // Rows [first, end) of a level of the blend: the coarser level expanded, plus what the sources have
-// to say about this one. to(row) is where a row goes; what stands there is added to.
+// to say about this one. to(row) is where a row goes.
 template <typename RowAt>
 static void ComposeRows(const VcFusionAccumulator& acc, unsigned channel, unsigned level,
                         const float* coarse, int first, int end, RowAt to)
@@ -176,6 +181,8 @@ static void ComposeRows(const VcFusionAccumulator& acc, unsigned channel, unsign
     for (int row = first; row < end; ++row)
     {
         float* out = to(row);
+        if (!coarse || !CarriesBand(size))
+            std::fill_n(out, size.width, 0.0f);
         if (coarse)
         {
             const FusionPlane from = {coarse, size.width / 2, size.height / 2};
@@ -203,7 +210,6 @@ static void WriteSamples(T* to, const float* from, int width)
 static void ComposeFinestRow(float* out, const VcFusionAccumulator& acc, unsigned channel,
                              const float* coarse, int y)
 {
-    std::fill(out, out + acc.width, 0.0f);
     ComposeRows(acc, channel, 0, coarse, y, y + 1, [&](int) { return out; });
 }
 

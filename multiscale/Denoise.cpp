@@ -86,7 +86,7 @@ static bool AllocateTile(TilePlanes* tile, const CBxRect<int>& area, int compone
     bool failed = false;
     for (int c = 0; c < components; ++c)
     {
-        tile->plane[c].reset(VcAllocPlane(int64_t(tile->width) * tile->height));
+        tile->plane[c].reset(VcAllocUnsetPlane(int64_t(tile->width) * tile->height));
         failed = failed || !tile->plane[c];
     }
     return failed;

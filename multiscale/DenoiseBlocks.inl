@@ -9,10 +9,12 @@
 constexpr float kC1 = 0.49039264f, kC2 = 0.46193977f, kC3 = 0.41573481f, kC4 = 0.35355339f,
                 kC5 = 0.27778512f, kC6 = 0.19134172f, kC7 = 0.09754516f;
 
-// Of eight samples or coefficients `stride` apart, for each of `count` neighbours.
+// Of eight samples or coefficients `stride` apart, for each of `count` neighbours. Strides are
+// known at run time only, so the compiler has to be told that neighbours do not meet.
 static inline void Forward(float* __restrict out, const float* __restrict in, int outStride,
                            int inStride, int count)
 {
+#pragma GCC ivdep
     for (int i = 0; i < count; ++i)
     {
         const float* x = in + i;
@@ -37,6 +39,7 @@ static inline void Forward(float* __restrict out, const float* __restrict in, in
 static inline void AddInverse(float* __restrict out, const float* __restrict in, int outStride,
                               int inStride, int count, float weight)
 {
+#pragma GCC ivdep
     for (int i = 0; i < count; ++i)
     {
         const float* y = in + i;
@@ -114,6 +117,7 @@ static void Interleave(float* __restrict out, const float* __restrict in, int co
 
 static void Separate(float* __restrict out, const float* __restrict in, int count)
 {
+#pragma GCC ivdep
     for (int i = 0; i < count; ++i)
         for (int u = 0; u < kBlock; ++u)
             out[u * count + i] = in[kBlock * i + u];

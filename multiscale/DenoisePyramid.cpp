@@ -37,14 +37,14 @@ bool AllocateDenoisePyramid(DenoisePyramid* pyramid, int width, int height, unsi
         for (int j = 0; j < 5; ++j)
             pyramid->kernel[i][j] = kTap[i] * kTap[j];
     const int64_t samples = int64_t(width) * height;
-    pyramid->scratch.reset(VcAllocPlane(samples));
-    pyramid->blocks.reset(VcAllocPlane(int64_t(threads) * kScratchPerColumn * width));
+    pyramid->scratch.reset(VcAllocUnsetPlane(samples));
+    pyramid->blocks.reset(VcAllocUnsetPlane(int64_t(threads) * kScratchPerColumn * width));
     bool failed = !pyramid->scratch || !pyramid->blocks;
     for (int l = 0; l < kDenoiseLevels; ++l)
     {
         if (l > 0)
-            pyramid->noisy[l].reset(VcAllocPlane(samples >> (2 * l)));
-        pyramid->smooth[l].reset(VcAllocPlane(samples >> (2 * l)));
+            pyramid->noisy[l].reset(VcAllocUnsetPlane(samples >> (2 * l)));
+        pyramid->smooth[l].reset(VcAllocUnsetPlane(samples >> (2 * l)));
         failed = failed || (l > 0 && !pyramid->noisy[l]) || !pyramid->smooth[l];
     }
     return failed;

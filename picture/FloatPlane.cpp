@@ -10,11 +10,21 @@ struct alignas(64) PlaneHeader
     size_t bytes;
 };
 
-float* VcAllocPlane(int64_t samples)
+static float* AllocPlane(int64_t samples, bool zeroed)
 {
     const size_t bytes = sizeof(PlaneHeader) + size_t(samples) * sizeof(float);
-    void* block = VcAllocBlock(bytes, true);
+    void* block = VcAllocBlock(bytes, zeroed);
     return block ? reinterpret_cast<float*>(new (block) PlaneHeader{bytes} + 1) : nullptr;
+}
+
+float* VcAllocPlane(int64_t samples)
+{
+    return AllocPlane(samples, true);
+}
+
+float* VcAllocUnsetPlane(int64_t samples)
+{
+    return AllocPlane(samples, false);
 }
 
 void VcFreePlane(float* plane)

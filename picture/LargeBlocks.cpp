@@ -9,6 +9,18 @@
 constexpr size_t kKeptFrom = size_t(1) << 20;   // smaller blocks are quick to get anyway
 constexpr size_t kKeptInAll = size_t(96) << 20; // the scratch of one 12-megapixel photograph
 
+// Tiles and levels differ by a few rows; a block serves all sizes that round up to the same eighth
+// of a power of two.
+static size_t RoundedUp(size_t bytes)
+{
+    if (bytes < kKeptFrom || bytes > kKeptInAll)
+        return bytes;
+    size_t eighth = kKeptFrom / 8;
+    while (bytes > 16 * eighth)
+        eighth *= 2;
+    return (bytes + eighth - 1) / eighth * eighth;
+}
+
 struct KeptBlock
 {
     void* block;
@@ -67,9 +79,10 @@ static void* AllocFresh(size_t bytes, bool zeroed)
 
 void* VcAllocBlock(size_t bytes, bool zeroed)
 {
-    void* block = bytes >= kKeptFrom ? TakeKept(bytes) : nullptr;
+    const size_t rounded = RoundedUp(bytes);
+    void* block = bytes >= kKeptFrom ? TakeKept(rounded) : nullptr;
     if (!block)
-        return AllocFresh(bytes, zeroed);
+        return AllocFresh(rounded, zeroed);
     if (zeroed)
         std::memset(block, 0, bytes);
     return block;
@@ -86,14 +99,15 @@ static void KeepBlock(KeptBlocks* kept, const KeptBlock& block)
 
 void VcFreeBlock(void* block, size_t bytes)
 {
-    if (!block || bytes < kKeptFrom || bytes > kKeptInAll)
+    const size_t rounded = RoundedUp(bytes);
+    if (!block || bytes < kKeptFrom || rounded > kKeptInAll)
     {
         SystemFreeBlock(block);
         return;
     }
     try // destructors call this
     {
-        KeepBlock(&Kept(), {block, bytes});
+        KeepBlock(&Kept(), {block, rounded});
     }
     catch (const std::bad_alloc&)
     {
