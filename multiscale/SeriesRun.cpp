@@ -17,7 +17,9 @@ static void WriteSeriesFile(const std::string& path, const SBxPicBuf& picture)
         return;
     SBxPicBuf noAlpha;
     CBxPicBufAPI::Init(&noAlpha);
-    SavePicturePair(picture, noAlpha, savePath.c_str(), "", kFormatTiff);
+    SaveExtras extras;
+    extras.passing = true;
+    SavePicturePair(picture, noAlpha, savePath.c_str(), "", kFormatTiff, nullptr, &extras);
 }
 
 static void MakeFiles(SeriesRun* run)

@@ -34,10 +34,10 @@ struct ReplacingFile
 // existing target passes its permissions on to the new file.
 bool BeginReplacing(ReplacingFile* file, const char* target);
 
-// Brings the contents to the disk, closes the file and lets it take the
-// target's place. False, with `error` set, when any of it fails or `error` was
+// Closes the file and lets it take the target's place, once its contents are
+// on the disk if `toDisk`. False, with `error` set, when any of it fails or `error` was
 // set before; the sibling is gone then. The stream is closed either way.
-bool FinishReplacing(ReplacingFile* file);
+bool FinishReplacing(ReplacingFile* file, bool toDisk = true);
 
 // Closes and removes the sibling.
 void CancelReplacing(ReplacingFile* file);

@@ -141,9 +141,9 @@ static int SyncToDisk(FILE* stream)
     return errno;
 }
 
-bool FinishReplacing(ReplacingFile* file)
+bool FinishReplacing(ReplacingFile* file, bool toDisk)
 {
-    if (!file->error)
+    if (!file->error && toDisk)
         file->error = SyncToDisk(file->stream);
     const int lock = dup(fileno(file->stream)); // outlives the stream
     if (std::fclose(file->stream) != 0 && !file->error)

@@ -138,9 +138,10 @@ static int MoveOver(const ReplacingFile& file)
     }
 }
 
-bool FinishReplacing(ReplacingFile* file)
+bool FinishReplacing(ReplacingFile* file, bool toDisk)
 {
-    if (!file->error && (std::fflush(file->stream) != 0 || _commit(_fileno(file->stream)) != 0))
+    if (!file->error && toDisk &&
+        (std::fflush(file->stream) != 0 || _commit(_fileno(file->stream)) != 0))
         file->error = errno;
     if (std::fclose(file->stream) != 0 && !file->error)
         file->error = errno;

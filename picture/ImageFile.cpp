@@ -409,7 +409,7 @@ static bool HeaderMatches(ImageStream* stream, FREE_IMAGE_FORMAT format, FIBITMA
 }
 
 static void WriteFile(FIBITMAP* bitmap, const char* target, FREE_IMAGE_FORMAT format, int flags,
-                      SaveReport* report)
+                      bool toDisk, SaveReport* report)
 {
     ReplacingFile file;
     if (!BeginReplacing(&file, target))
@@ -425,7 +425,7 @@ static void WriteFile(FIBITMAP* bitmap, const char* target, FREE_IMAGE_FORMAT fo
         Encode(format, bitmap, &io, &stream, flags) && HeaderMatches(&stream, format, bitmap);
     file.error = stream.error;
     if (encoded)
-        report->written = FinishReplacing(&file);
+        report->written = FinishReplacing(&file, toDisk);
     else
         CancelReplacing(&file);
     report->systemError = file.error;
@@ -434,8 +434,10 @@ static void WriteFile(FIBITMAP* bitmap, const char* target, FREE_IMAGE_FORMAT fo
                                       : SaveProblem::EncoderFailed;
 }
 
-static int SaveFlags(FREE_IMAGE_FORMAT format)
+static int SaveFlags(FREE_IMAGE_FORMAT format, bool passing)
 {
+    if (format == FIF_TIFF && passing)
+        return TIFF_NONE;
     if (format != FIF_JPEG)
         return 0;
     // FreeImage reads larger numbers as other options.
@@ -477,14 +479,16 @@ static void SavePair(const SBxPicBuf& picture, const SBxPicBuf& alpha, const cha
     if (extras && !extras->exif.empty())
         SetExif(bitmap.get(), extras->exif);
 
-    WriteFile(bitmap.get(), target, code, SaveFlags(code), report);
+    const bool passing = extras && extras->passing;
+    const int flags = SaveFlags(code, passing);
+    WriteFile(bitmap.get(), target, code, flags, !passing, report);
     // Some encoders refuse profiles that are damaged; the picture is worth more than its profile.
     if (report->problem != SaveProblem::EncoderFailed ||
         !FreeImage_GetICCProfile(bitmap.get())->data)
         return;
     FreeImage_DestroyICCProfile(bitmap.get());
     report->profileDropped = true;
-    WriteFile(bitmap.get(), target, code, SaveFlags(code), report);
+    WriteFile(bitmap.get(), target, code, flags, !passing, report);
 }
 
 bool SavePicturePair(const SBxPicBuf& picture, const SBxPicBuf& alpha, const char* target,

@@ -98,6 +98,10 @@ struct SaveExtras
     // EXIF block of a JPEG file (ExifBlock.h), instead of the source's. Empty =
     // none.
     std::vector<uint8_t> exif;
+
+    // A file of the program's own that is read once and thrown away: TIFF without compression, and
+    // nobody waits until it has reached the disk.
+    bool passing = false;
 };
 
 // Writes the pair to `target`; with a non-empty `source`, its colour profile
