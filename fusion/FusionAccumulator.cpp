@@ -22,6 +22,20 @@ bool VcFusionAcceptsSize(int width, int height)
     return std::min(width, height) >= kFusionMinSide;
 }
 
+// Fresh pages are handed out at their first touch. Read first, as sums are, each would come twice:
+// as a common page of zeros, then as one of its own, and the other threads are told in between.
+static void TouchPages(float* plane, int width, int height)
+{
+    constexpr int64_t kPageFloats = 1024;
+    VcParallelRows(height, width,
+                   [=](int first, int end)
+                   {
+                       const int64_t last = int64_t(end) * width;
+                       for (int64_t i = int64_t(first) * width; i < last; i += kPageFloats)
+                           plane[i] = 0.0f;
+                   });
+}
+
 bool VcInitAccumulator(VcFusionAccumulator* acc, const SBxPicBuf& geometry, unsigned exposureMid)
 {
     *acc = VcFusionAccumulator{};
@@ -59,6 +73,9 @@ bool VcInitAccumulator(VcFusionAccumulator* acc, const SBxPicBuf& geometry, unsi
                 VcFreeAccumulator(acc);
                 return true;
             }
+            for (float* plane : {weights, sums})
+                if (plane)
+                    TouchPages(plane, int(acc->levelWidth[k]), int(acc->levelHeight[k]));
         }
     }
     return false;

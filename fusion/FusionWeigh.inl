@@ -5,8 +5,9 @@
 // anywhere, and columns left over would be done one by one, which costs as much as all others.
 
 constexpr int kColumns = 512; // of a piece
-constexpr int kGroup = 16;    // lanes of the widest vector
-constexpr int kRoom = kColumns + 2 + 2 * kGroup;
+constexpr int kGroup = 16;    // floats of the widest vector
+constexpr int kSamples = 64;  // bytes of it
+constexpr int kRoom = kColumns + 2 + kGroup + kSamples;
 
 struct WeighPiece
 {
@@ -17,18 +18,18 @@ struct WeighPiece
     float band[kRoom];
 };
 
-static inline int WholeGroups(int count)
+static inline int WholeGroups(int count, int group = kGroup)
 {
-    return (count + kGroup - 1) / kGroup * kGroup;
+    return (count + group - 1) / group * group;
 }
 
-// Samples of one row from `column` on, with zeros up to a whole group.
+// Samples of one row from `column` on, with zeros up to a whole group of samples.
 template <typename T>
 static void CopySamples(T* __restrict to, const FusionPlane& plane, int row, int column, int count)
 {
     const T* from = static_cast<const T*>(plane.samples) + (long long)row * plane.width + column;
     __builtin_memcpy(to, from, unsigned(count) * sizeof(T));
-    __builtin_memset(to + count, 0, unsigned(WholeGroups(count) - count) * sizeof(T));
+    __builtin_memset(to + count, 0, unsigned(WholeGroups(count, kSamples) - count) * sizeof(T));
 }
 
 template <typename T>
@@ -37,7 +38,7 @@ static void LoadFloats(float* __restrict to, const FusionPlane& plane, int row, 
 {
     T samples[kRoom];
     CopySamples(samples, plane, row, column, count);
-    for (int n = 0; n < WholeGroups(count); ++n)
+    for (int n = 0; n < WholeGroups(count, kSamples); ++n)
         to[n] = float(samples[n]);
 }
 
@@ -48,7 +49,7 @@ static void LoadSums(float* __restrict to, const FusionPlane* planes, int row, i
     T samples[Channels][kRoom];
     for (int c = 0; c < Channels; ++c)
         CopySamples(samples[c], planes[c], row, column, count);
-    for (int n = 0; n < WholeGroups(count); ++n)
+    for (int n = 0; n < WholeGroups(count, kSamples); ++n)
         to[n] = Channels == 1 ? float(samples[0][n])
                               : float(samples[0][n]) + float(samples[Channels / 2][n]) +
                                     float(samples[Channels - 1][n]);
@@ -165,11 +166,20 @@ static void AddBand(float* __restrict to, const float* __restrict weights,
             to[n] += weights[n] * (gauss[n] - expanded[n]);
 }
 
-// Sums come from main memory: asked for now, they arrive while the weights are being computed.
+// Sums and coarse samples come from main memory: asked for now, they arrive while the weights are
+// being computed. 16 floats are a cache line.
 static void FetchSums(const float* sums, int count)
 {
-    for (int n = 0; n < count; n += 16) // floats of a cache line
+    for (int n = 0; n < count; n += 16)
         __builtin_prefetch(sums + n, 1);
+}
+
+static void FetchCoarse(const FusionBandJob& job, int channel, int row, int from, int count)
+{
+    const int coarseRow = Smaller(row / 2 + 1, job.coarseHeight - 1);
+    const float* samples = job.coarse[channel] + (long long)coarseRow * job.coarseWidth + from / 2;
+    for (int n = 0; n < count / 2; n += 16)
+        __builtin_prefetch(samples + n, 0);
 }
 
 template <typename T, int Channels>
@@ -184,7 +194,10 @@ static void Weigh(const FusionBandJob* job, int row, int firstColumn, int endCol
         const long long at = (long long)row * width + from;
         FetchSums(job->weights + at, count);
         for (int c = 0; c < Channels; ++c)
+        {
             FetchSums(job->sums[c] + at, count);
+            FetchCoarse(*job, c, row, from, count);
+        }
         for (int c = 0; c < Channels; ++c)
             LoadFloats<T>(piece.gauss[c], job->gauss[c], row, from, count);
         Laplacians<T, Channels>(&piece, job->gauss, row, from, end);
