@@ -7,6 +7,7 @@
 constexpr int kColumns = 512; // of a piece
 constexpr int kGroup = 16;    // floats of the widest vector
 constexpr int kSamples = 64;  // bytes of it
+constexpr int kFetched = 128; // columns whose sums are asked for at a time
 constexpr int kRoom = kColumns + 2 + kGroup + kSamples;
 
 struct WeighPiece
@@ -124,15 +125,15 @@ static inline float Weight3(float g0, float g1, float g2, float lap, float mid, 
     return float(double(Pow016(__builtin_sqrtf(c) * s * (e * e))) + 1e-5);
 }
 
-// Weights of `count` columns, a multiple of a group.
+// Weights of `count` columns of the piece, a multiple of a group.
 template <int Channels>
-static void Weights(WeighPiece* piece, float mid, float spread, int count)
+static void Weights(WeighPiece* piece, float mid, float spread, int first, int count)
 {
-    const float* g0 = piece->gauss[0];
-    const float* g1 = piece->gauss[1];
-    const float* g2 = piece->gauss[2];
-    const float* laplacian = piece->laplacian + 1;
-    float* __restrict weights = piece->weights;
+    const float* g0 = piece->gauss[0] + first;
+    const float* g1 = piece->gauss[1] + first;
+    const float* g2 = piece->gauss[2] + first;
+    const float* laplacian = piece->laplacian + 1 + first;
+    float* __restrict weights = piece->weights + first;
     for (int n = 0; n < count; ++n)
         weights[n] = Channels == 1 ? Weight1(g0[n], laplacian[n], mid, spread)
                                    : Weight3(g0[n], g1[n], g2[n], laplacian[n], mid, spread);
@@ -166,8 +167,8 @@ static void AddBand(float* __restrict to, const float* __restrict weights,
             to[n] += weights[n] * (gauss[n] - expanded[n]);
 }
 
-// Sums and coarse samples come from main memory: asked for now, they arrive while the weights are
-// being computed. 16 floats are a cache line.
+// Sums and coarse samples come from main memory. Asked for a few at a time, they arrive while the
+// weights are being computed. 16 floats are a cache line.
 static void FetchSums(const float* sums, int count)
 {
     for (int n = 0; n < count; n += 16)
@@ -192,16 +193,20 @@ static void Weigh(const FusionBandJob* job, int row, int firstColumn, int endCol
     {
         const int end = Smaller(from + kColumns, endColumn), count = end - from;
         const long long at = (long long)row * width + from;
-        FetchSums(job->weights + at, count);
-        for (int c = 0; c < Channels; ++c)
-        {
-            FetchSums(job->sums[c] + at, count);
-            FetchCoarse(*job, c, row, from, count);
-        }
         for (int c = 0; c < Channels; ++c)
             LoadFloats<T>(piece.gauss[c], job->gauss[c], row, from, count);
         Laplacians<T, Channels>(&piece, job->gauss, row, from, end);
-        Weights<Channels>(&piece, job->mid, job->spread, WholeGroups(count));
+        for (int first = 0; first < count; first += kFetched)
+        {
+            const int part = Smaller(kFetched, count - first);
+            FetchSums(job->weights + at + first, part);
+            for (int c = 0; c < Channels; ++c)
+            {
+                FetchSums(job->sums[c] + at + first, part);
+                FetchCoarse(*job, c, row, from + first, part);
+            }
+            Weights<Channels>(&piece, job->mid, job->spread, first, WholeGroups(part));
+        }
         AddWeights(job->weights + at, piece.weights, count, job->additions);
         for (int c = 0; c < Channels; ++c)
         {
