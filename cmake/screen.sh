@@ -50,8 +50,8 @@ ScreenUp()
 
 ScreenDown()
 {
-    [[ -n $programPid ]] && kill "$programPid" 2>/dev/null
-    [[ -n $screenPid ]] && kill "$screenPid" 2>/dev/null
+    [[ -n $programPid ]] && kill "$programPid" 2>/dev/null || true
+    [[ -n $screenPid ]] && kill "$screenPid" 2>/dev/null || true
     rm -rf "$scratch"
 }
 

@@ -1,9 +1,11 @@
 #!/bin/bash
 # Makes the pictures of the guide again, all of them by the program itself: its sample scene, what
-# its tools make of that, and its window. They go into docs/pictures.
+# its tools make of that, and its window. They go into docs/pictures. `pictures.sh windows` makes
+# those of the window only.
 
 set -euo pipefail
 . "$(dirname "${BASH_SOURCE[0]}")/../cmake/screen.sh"
+. "$root/cmake/build.sh"
 trap ScreenDown EXIT
 target=$root/docs/pictures
 series=$scratch/series
@@ -20,11 +22,15 @@ InARow() { Keep "$1" "${@:3}" -resize "$2x" -bordercolor white -border 2x0 +appe
 # One detail at its own size, from each of the files.
 Details() { Keep "$1" "${@:3}" -crop "$2" +repage -bordercolor white -border 2x0 +append; }
 
-Series()
+Sample()
 {
     Cli sample --out-dir series --width 1290 --height 860
-    InARow series 168 series/sample_[1-5].jpg
     Cli fuse -o fused.png series/*.jpg
+}
+
+Series()
+{
+    InARow series 168 series/sample_[1-5].jpg
     Keep fused fused.png -resize 860x
     local exposure
     for exposure in 60 100 150; do
@@ -120,8 +126,14 @@ Windows()
     KeepWindow window-smart-contrast
 }
 
-Series
-Tools
+"$root/cmake/setup.sh" all
+"$root/cmake/deps.sh" windows
+Build windows Plenoviz
+Sample
+if [[ ${1:-} != windows ]]; then
+    Series
+    Tools
+fi
 ScreenFolder pictures
 ScreenUp
 Windows
