@@ -41,7 +41,7 @@ ScreenUp()
         3>"$scratch/display" 2>"$scratch/xvfb.log" &
     screenPid=$!
     local tries
-    for ((tries = 0; tries < 200; tries++)); do
+    for ((tries = 0; tries < 1200; tries++)); do
         [[ -s $scratch/display ]] && break
         sleep 0.05
     done
@@ -60,7 +60,7 @@ StartProgram()
     local tries
     wine "$program" "$@" </dev/null >/dev/null 2>&1 &
     programPid=$!
-    for ((tries = 0; tries < 600; tries++)); do
+    for ((tries = 0; tries < 1200; tries++)); do
         window=$(xdotool search --onlyvisible --name '^Plenoviz' 2>/dev/null | head -n 1) || true
         [[ -n $window ]] && return
         kill -0 "$programPid" 2>/dev/null || break
