@@ -1,5 +1,6 @@
 ; The installer. `./package` passes SOURCE (folder with the files to install), OUTPUT (file to
-; write), VERSION, FILE_VERSION (four numbers), ICON and the two bitmaps of the pages.
+; write), VERSION, FILE_VERSION (four numbers), ICON, the two bitmaps of the pages, and two lists of
+; instructions that name every file: FILES_TO_ADD and FILES_TO_REMOVE.
 ;
 ; Everything belongs to the user who installs: no administrator is asked for, and the texts stay
 ; writable, which is where the program keeps the language that was chosen.
@@ -126,7 +127,7 @@ Section "Plenoviz" SectionProgram
     Call WaitForEnd
     SetOutPath "$INSTDIR"
     ReadINIStr $9 "$INSTDIR\${TEXTS}" "General" "Language Current"
-    File /r "${SOURCE}\*"
+    !include "${FILES_TO_ADD}"
     Call ChooseLanguage
     WriteUninstaller "$INSTDIR\Uninstall.exe"
 

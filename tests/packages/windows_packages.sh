@@ -73,9 +73,10 @@ SetLanguage()
 Uninstall()
 {
     wine "$installed/Uninstall.exe" "$@"
-    # It goes on as a copy of itself, since nobody can delete himself.
-    Until IsGone "$installed/Uninstall.exe" || Complain "the uninstaller stays"
-    Until IsGone "$menu" || Complain "the start menu entry stays"
+    # It goes on as a copy of itself, since nobody can delete himself; the server ends after it.
+    timeout 60 wineserver -w || Complain "the uninstaller does not end"
+    IsGone "$installed/Uninstall.exe" || Complain "the uninstaller stays"
+    IsGone "$menu" || Complain "the start menu entry stays"
 }
 
 "$root/package" --out-dir "$packages" windows
