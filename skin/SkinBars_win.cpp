@@ -8,6 +8,16 @@
 
 #include <algorithm>
 
+// A piece that runs through the bar every two seconds; the control asks for the paintings.
+static RECT MarqueeChunk(const RECT& bar)
+{
+    constexpr ULONGLONG kRoundMs = 2000;
+    const int width = bar.right - bar.left, chunk = width / 4;
+    const int travelled = MulDiv(width + chunk, int(GetTickCount64() % kRoundMs), int(kRoundMs));
+    const LONG left = bar.left + travelled - chunk;
+    return {std::max(left, bar.left), bar.top, std::min(left + chunk, bar.right), bar.bottom};
+}
+
 static bool DrawProgress(const SkinCall& call, HDC dc, const RECT& client)
 {
     PBRANGE range = {};
@@ -20,7 +30,12 @@ static bool DrawProgress(const SkinCall& call, HDC dc, const RECT& client)
     InflateRect(&done, -1, -1);
     const int span = std::max(range.iHigh - range.iLow, 1);
     const int at = std::clamp(position - range.iLow, 0, span);
-    done.right = done.left + MulDiv(done.right - done.left, at, span);
+    if (call.window.style & PBS_MARQUEE)
+        done = MarqueeChunk(done);
+    else if (call.window.style & PBS_VERTICAL)
+        done.top = done.bottom - MulDiv(done.bottom - done.top, at, span);
+    else
+        done.right = done.left + MulDiv(done.right - done.left, at, span);
     FillBox(dc, done, SkinShade::kAccent);
     return true;
 }
@@ -28,13 +43,42 @@ static bool DrawProgress(const SkinCall& call, HDC dc, const RECT& client)
 bool PaintProgress(const SkinCall& call, LRESULT* answer)
 {
     *answer = 0;
-    if (call.window.style & (PBS_MARQUEE | PBS_VERTICAL))
-        return false;
     return PaintBuffered(call, DrawProgress);
 }
 
 constexpr int kGrooveHeight = 4;
 constexpr float kThumbRadius = 5.5f, kRingRadius = 7.0f, kHoleRadius = 3.5f;
+
+// The groove, its lit part, and the middle of the thumb.
+struct TrackPlaces
+{
+    RECT groove, lit;
+    float x, y;
+};
+
+static TrackPlaces PlaceTrack(bool vertical, RECT channel, const RECT& thumb, const RECT& client)
+{
+    // Some systems give the channel of a vertical bar lying down.
+    if (vertical && channel.right - channel.left > channel.bottom - channel.top)
+        channel = {channel.top, channel.left, channel.bottom, channel.right};
+    TrackPlaces places = {};
+    const LONG across = ((vertical ? client.right : client.bottom) - kGrooveHeight) / 2;
+    if (vertical)
+    {
+        places.groove = {across, channel.top, across + kGrooveHeight, channel.bottom};
+        places.lit = places.groove;
+        places.lit.bottom = (thumb.top + thumb.bottom) / 2;
+    }
+    else
+    {
+        places.groove = {channel.left, across, channel.right, across + kGrooveHeight};
+        places.lit = places.groove;
+        places.lit.right = (thumb.left + thumb.right) / 2;
+    }
+    places.x = float(vertical ? client.right : thumb.left + thumb.right) / 2.0f;
+    places.y = float(vertical ? thumb.top + thumb.bottom : client.bottom) / 2.0f;
+    return places;
+}
 
 // The groove is lit up to the thumb; a ring around the thumb shows the focus.
 static bool DrawTrackbar(const SkinCall& call, HDC dc, const RECT& client)
@@ -42,35 +86,31 @@ static bool DrawTrackbar(const SkinCall& call, HDC dc, const RECT& client)
     RECT channel = {}, thumb = {};
     SendMessageW(call.hwnd, TBM_GETCHANNELRECT, 0, reinterpret_cast<LPARAM>(&channel));
     SendMessageW(call.hwnd, TBM_GETTHUMBRECT, 0, reinterpret_cast<LPARAM>(&thumb));
-    if (thumb.right <= thumb.left)
+    if (IsRectEmpty(&thumb))
         return false;
     const bool enabled = call.window.enabled;
     const bool hot = HotWindow() == call.hwnd || GetCapture() == call.hwnd;
-    const float x = float(thumb.left + thumb.right) / 2.0f, y = float(client.bottom) / 2.0f;
-    const int middle = (thumb.left + thumb.right) / 2;
-    RECT groove = {channel.left, (client.bottom - kGrooveHeight) / 2, channel.right, 0};
-    groove.bottom = groove.top + kGrooveHeight;
+    const bool vertical = (call.window.style & TBS_VERT) != 0;
+    const TrackPlaces places = PlaceTrack(vertical, channel, thumb, client);
 
     FillRect(dc, &client, ParentBrush(call.hwnd, dc));
-    DrawPlate(dc, groove, SkinShade::kGroove, SkinShade::kGroove, SkinColor(kSkinFace));
-    RECT lit = groove;
-    lit.right = std::clamp<LONG>(middle, groove.left, groove.right);
+    DrawPlate(dc, places.groove, SkinShade::kGroove, SkinShade::kGroove, SkinColor(kSkinFace));
     const COLORREF light = enabled ? SkinShade::kAccent : SkinShade::kEdgeOff;
-    if (lit.right > lit.left)
-        DrawPlate(dc, lit, light, light, SkinColor(kSkinFace));
+    if (!IsRectEmpty(&places.lit))
+        DrawPlate(dc, places.lit, light, light, SkinColor(kSkinFace));
     if (GetFocus() == call.hwnd && enabled)
-        DrawDisc(dc, x, y, kRingRadius, SkinShade::kAccent);
-    DrawDisc(dc, x, y, kThumbRadius,
+        DrawDisc(dc, places.x, places.y, kRingRadius, SkinShade::kAccent);
+    DrawDisc(dc, places.x, places.y, kThumbRadius,
              enabled ? (hot ? SkinShade::kThumbHot : SkinShade::kThumb) : SkinShade::kThumbOff);
     if (!enabled)
-        DrawDisc(dc, x, y, kHoleRadius, SkinColor(kSkinFace));
+        DrawDisc(dc, places.x, places.y, kHoleRadius, SkinColor(kSkinFace));
     return true;
 }
 
 bool PaintTrackbar(const SkinCall& call, LRESULT* answer)
 {
     *answer = 0;
-    return !(call.window.style & TBS_VERT) && PaintBuffered(call, DrawTrackbar);
+    return PaintBuffered(call, DrawTrackbar);
 }
 
 constexpr int kMaxParts = 256;

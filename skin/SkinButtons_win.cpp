@@ -42,6 +42,14 @@ static ButtonLook LookOf(HWND button, UINT state)
     return {SkinShade::kButton, edge, SkinColor(kSkinText)};
 }
 
+static LONG TextHeight(HDC dc, HWND button, RECT box, UINT flags)
+{
+    const HGDIOBJ before = SelectObject(dc, FontOf(button));
+    DrawTextW(dc, TextOf(button).c_str(), -1, &box, flags | DT_CALCRECT);
+    SelectObject(dc, before);
+    return box.bottom - box.top;
+}
+
 static void DrawPushButton(HDC dc, HWND button, const RECT& box, UINT state)
 {
     const ButtonLook look = LookOf(button, state);
@@ -56,8 +64,10 @@ static void DrawPushButton(HDC dc, HWND button, const RECT& box, UINT state)
     RECT text = box;
     InflateRect(&text, -4, 0);
     const bool lines = (GetWindowLongPtrW(button, GWL_STYLE) & BS_MULTILINE) != 0;
-    DrawLabel(dc, FontOf(button), TextOf(button), text,
-              lines ? DT_CENTER | DT_WORDBREAK : DT_CENTER | DT_VCENTER | DT_SINGLELINE, look.text);
+    const UINT flags = DT_CENTER | (lines ? DT_WORDBREAK : DT_VCENTER | DT_SINGLELINE);
+    if (lines)
+        text.top = std::max<LONG>(0, (text.bottom - TextHeight(dc, button, text, flags)) / 2);
+    DrawLabel(dc, FontOf(button), TextOf(button), text, flags, look.text);
 }
 
 bool DrawButtonItem(const SkinCall& call, LRESULT* answer)

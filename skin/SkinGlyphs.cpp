@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdint>
 
 constexpr int kSideBase = 7;
 
@@ -29,4 +30,19 @@ float DiscCoverage(float x, float y, float radius)
 {
     const float distance = std::hypot(x + 0.5f, y + 0.5f);
     return std::clamp(radius - distance + 0.5f, 0.0f, 1.0f);
+}
+
+constexpr int kShortestThumb = 12;
+
+ThumbPlace PlaceThumb(const ScrollRange& range, int length, int button)
+{
+    const int lane = length - 2 * button;
+    const int steps = range.last - range.first + 1;
+    const int page = std::max(range.page, 1);
+    if (steps <= page || lane < kShortestThumb)
+        return {0, 0};
+    const int thumb = std::max(kShortestThumb, int(int64_t(lane) * range.page / steps));
+    const int at = std::clamp(range.position - range.first, 0, steps - page);
+    const int start = button + int(int64_t(lane - thumb) * at / (steps - page));
+    return {start, start + thumb};
 }

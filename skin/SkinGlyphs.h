@@ -31,3 +31,17 @@ Glyph ArrowGlyph(ArrowTo to, int base = 7);
 // How much of a pixel a disc covers, from 0 to 1; the pixel's upper left corner is given relative
 // to the disc's middle.
 float DiscCoverage(float x, float y, float radius);
+
+// A scroll bar of that length with a button at either end: what scrolls from first to last, a page
+// of it in sight from `position` on.
+struct ScrollRange
+{
+    int first, last, page, position;
+};
+
+// Where the thumb starts and ends; both zero when there is nothing to scroll, or no room.
+struct ThumbPlace
+{
+    int start, end;
+};
+ThumbPlace PlaceThumb(const ScrollRange& range, int length, int button);

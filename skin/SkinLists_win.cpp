@@ -112,8 +112,16 @@ static bool DrawCombo(const SkinCall& call, HDC dc, const RECT& client)
         return false;
     const HWND focus = GetFocus();
     const bool focused = focus && (focus == call.hwnd || focus == info.hwndItem);
-    const COLORREF fill = SkinColor(kSkinWindow);
-    DrawPlate(dc, client, fill, ComboEdge(call, focused), SkinColor(kSkinFace));
+    if ((call.window.style & 3) == CBS_SIMPLE)
+    {
+        RECT field = info.rcItem;
+        InflateRect(&field, 2, 2);
+        FillBox(dc, client, SkinColor(kSkinFace));
+        DrawPlate(dc, field, SkinColor(kSkinWindow), ComboEdge(call, focused),
+                  SkinColor(kSkinFace));
+        return true;
+    }
+    DrawPlate(dc, client, SkinColor(kSkinWindow), ComboEdge(call, focused), SkinColor(kSkinFace));
     const bool hot = call.window.enabled && HotWindow() == call.hwnd;
     DrawArrow(dc, info.rcButton, ArrowTo::Down,
               hot ? SkinShade::kTextHot : StateTextColour(call.window.enabled));
@@ -136,8 +144,6 @@ static bool DrawCombo(const SkinCall& call, HDC dc, const RECT& client)
 bool PaintCombo(const SkinCall& call, LRESULT* answer)
 {
     *answer = 0;
-    if ((call.window.style & 3) == CBS_SIMPLE)
-        return false;
     return PaintBuffered(call, DrawCombo);
 }
 

@@ -37,3 +37,4 @@ bool PaintToolbar(const SkinCall& call, LRESULT* answer);
 
 // SkinScroll_win.cpp
 bool PaintScrollBar(const SkinCall& call, LRESULT* answer);
+bool PaintUpDown(const SkinCall& call, LRESULT* answer);

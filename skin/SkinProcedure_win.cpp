@@ -78,6 +78,8 @@ static const struct
     {SkinClass::Trackbar, WM_ERASEBKGND, KeepBackground},
     {SkinClass::ScrollBar, WM_PAINT, PaintScrollBar},
     {SkinClass::ScrollBar, WM_ERASEBKGND, KeepBackground},
+    {SkinClass::UpDown, WM_PAINT, PaintUpDown},
+    {SkinClass::UpDown, WM_ERASEBKGND, KeepBackground},
     {SkinClass::StatusBar, WM_PAINT, PaintStatusBar},
     {SkinClass::Toolbar, WM_PAINT, PaintToolbar},
 

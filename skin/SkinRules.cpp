@@ -55,6 +55,7 @@ static const struct
     {L"msctls_statusbar32", SkinClass::StatusBar},
     {L"SysHeader32", SkinClass::Header},
     {L"ScrollBar", SkinClass::ScrollBar},
+    {L"msctls_updown32", SkinClass::UpDown},
     {L"tooltips_class32", SkinClass::Tooltip},
     {L"#32768", SkinClass::Menu},
 };
@@ -154,6 +155,7 @@ static const struct
     {SkinClass::StatusBar, kPaint, nullptr},
     {SkinClass::Header, kPaint, nullptr},
     {SkinClass::ScrollBar, kPaint, nullptr},
+    {SkinClass::UpDown, kPaint, nullptr},
     {SkinClass::Menu, kPaint, nullptr},
 
     {SkinClass::Button, kGetDialogCode, IsConverted},

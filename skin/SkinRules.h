@@ -28,6 +28,7 @@ enum class SkinClass
     StatusBar,
     Header,
     ScrollBar,
+    UpDown,
     Tooltip,
     Menu,
 };

@@ -4,6 +4,10 @@
 #include "skin/SkinDraw_win.h"
 #include "skin/SkinPaintings_win.h"
 
+#include <commctrl.h>
+
+#include <algorithm>
+
 constexpr LONG kThumbInset = 3;
 
 // Along the bar `from` to `to`, across it all.
@@ -24,6 +28,30 @@ static void DrawThumb(HDC dc, RECT thumb, bool vertical, COLORREF colour)
         DrawPlate(dc, thumb, colour, colour, SkinColor(kSkinShadow));
 }
 
+static bool IsVertical(HWND hwnd, LONG object)
+{
+    if (object != OBJID_CLIENT)
+        return object == OBJID_VSCROLL;
+    return (GetWindowLongPtrW(hwnd, GWL_STYLE) & SBS_VERT) != 0;
+}
+
+static int BarOf(LONG object)
+{
+    if (object == OBJID_CLIENT)
+        return SB_CTL;
+    return object == OBJID_VSCROLL ? SB_VERT : SB_HORZ;
+}
+
+static ScrollRange RangeOf(HWND hwnd, LONG object)
+{
+    SCROLLINFO info = {};
+    info.cbSize = sizeof info;
+    info.fMask = SIF_ALL;
+    if (!GetScrollInfo(hwnd, BarOf(object), &info))
+        return {0, 0, 1, 0};
+    return {info.nMin, info.nMax, int(info.nPage), info.nPos};
+}
+
 bool DrawWindowScrollBar(HDC dc, HWND hwnd, LONG object)
 {
     SCROLLBARINFO info = {};
@@ -37,20 +65,20 @@ bool DrawWindowScrollBar(HDC dc, HWND hwnd, LONG object)
         GetWindowRect(hwnd, &origin);
     OffsetRect(&bar, -origin.left, -origin.top);
 
-    const bool vertical =
-        object == OBJID_VSCROLL ||
-        (object == OBJID_CLIENT && (GetWindowLongPtrW(hwnd, GWL_STYLE) & SBS_VERT) != 0);
-    const LONG length = vertical ? bar.bottom - bar.top : bar.right - bar.left;
+    const bool vertical = IsVertical(hwnd, object);
+    const int length = vertical ? bar.bottom - bar.top : bar.right - bar.left;
+    const int button =
+        std::min(length / 2, GetSystemMetrics(vertical ? SM_CYVSCROLL : SM_CXHSCROLL));
     const bool usable = !(info.rgstate[0] & STATE_SYSTEM_UNAVAILABLE);
     const bool hot = HotWindow() == hwnd && object == OBJID_CLIENT;
+    const ThumbPlace thumb = PlaceThumb(RangeOf(hwnd, object), length, button);
     FillBox(dc, bar, SkinColor(kSkinShadow));
-    if (usable && info.xyThumbBottom > info.xyThumbTop)
-        DrawThumb(dc, Along(bar, vertical, info.xyThumbTop, info.xyThumbBottom), vertical,
+    if (usable && thumb.end > thumb.start)
+        DrawThumb(dc, Along(bar, vertical, thumb.start, thumb.end), vertical,
                   hot ? SkinShade::kBarThumbHot : SkinShade::kBarThumb);
     const COLORREF arrow = StateTextColour(usable);
-    DrawArrow(dc, Along(bar, vertical, 0, info.dxyLineButton),
-              vertical ? ArrowTo::Up : ArrowTo::Left, arrow);
-    DrawArrow(dc, Along(bar, vertical, length - info.dxyLineButton, length),
+    DrawArrow(dc, Along(bar, vertical, 0, button), vertical ? ArrowTo::Up : ArrowTo::Left, arrow);
+    DrawArrow(dc, Along(bar, vertical, length - button, length),
               vertical ? ArrowTo::Down : ArrowTo::Right, arrow);
     return true;
 }
@@ -72,4 +100,26 @@ bool PaintScrollBar(const SkinCall& call, LRESULT* answer)
     *answer = 0;
     const bool grip = (call.window.style & (SBS_SIZEBOX | SBS_SIZEGRIP)) != 0;
     return PaintBuffered(call, grip ? DrawGripBox : DrawScrollBar);
+}
+
+static bool DrawUpDown(const SkinCall& call, HDC dc, const RECT& client)
+{
+    const bool horizontal = (call.window.style & UDS_HORZ) != 0;
+    RECT first = client, second = client;
+    if (horizontal)
+        first.right = second.left = client.right / 2;
+    else
+        first.bottom = second.top = client.bottom / 2;
+    const COLORREF arrow = StateTextColour(call.window.enabled);
+    for (const RECT& box : {first, second})
+        DrawPlate(dc, box, SkinShade::kButton, SkinShade::kEdge, SkinColor(kSkinFace));
+    DrawArrow(dc, first, horizontal ? ArrowTo::Left : ArrowTo::Up, arrow, 5);
+    DrawArrow(dc, second, horizontal ? ArrowTo::Right : ArrowTo::Down, arrow, 5);
+    return true;
+}
+
+bool PaintUpDown(const SkinCall& call, LRESULT* answer)
+{
+    *answer = 0;
+    return PaintBuffered(call, DrawUpDown);
 }

@@ -157,3 +157,24 @@ TEST(Glyphs, ShrinkByTwoPerLine)
         EXPECT_EQ(drawn, lengths);
     }
 }
+
+TEST(ScrollThumb, SitsWhereThePageIs)
+{
+    const struct
+    {
+        ScrollRange range;
+        int start, end;
+    } rows[] = {
+        {{0, 99, 10, 0}, 16, 28},    // shorter than a thumb may be
+        {{0, 99, 10, 90}, 104, 116}, // the last page
+        {{0, 99, 10, 500}, 104, 116}, {{-50, 49, 50, -25}, 41, 91},
+        {{0, 9, 10, 0}, 0, 0}, // all in sight
+        {{0, 100, 0, 50}, 60, 72},
+    };
+    for (const auto& row : rows)
+    {
+        const ThumbPlace thumb = PlaceThumb(row.range, 132, 16);
+        EXPECT_EQ(thumb.start, row.start) << &row - rows;
+        EXPECT_EQ(thumb.end, row.end) << &row - rows;
+    }
+}

@@ -37,7 +37,7 @@ Open()
     rm -f "$WINEPREFIX"/drive_c/users/*/AppData/Roaming/Plenoviz/Plenoviz.txt
     StartProgram "$@"
     xdotool windowsize --sync "$window" "$width" "$height" 2>/dev/null || true
-    xdotool windowmove "$window" 0 0 windowfocus "$window"
+    xdotool windowmove "$window" 0 0 windowfocus "$window" 2>/dev/null || true
     Settle 0.5
     (($# == 0)) || ClickTool "width - 149"
 }
