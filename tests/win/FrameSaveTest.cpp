@@ -184,6 +184,7 @@ TEST_F(FrameSave, AFailureKeepsFileMarkAndTitle)
                 EXPECT_EQ(WindowText(box), g_strings[40]);
                 EXPECT_NE(MessageBoxText(box).find(g_strings[33]), std::wstring::npos);
                 EXPECT_NE(MessageBoxText(box).find(Wide("locked.png")), std::wstring::npos);
+                EXPECT_NE(MessageBoxText(box).find(g_strings[kTextSaveWrite]), std::wstring::npos);
                 PressButton(box, IDOK);
             }});
     CloseHandle(held);
