@@ -262,6 +262,9 @@ TEST_F(FrameView, PaintsTheToolbarsBackground)
     SetPixel(dc, 50, 10, RGB(1, 2, 3));
     EXPECT_TRUE(SendMessageW(g_hwndMain, WM_ERASEBKGND, reinterpret_cast<WPARAM>(dc), 0));
     EXPECT_EQ(GetPixel(dc, 50, 10), GetSysColor(COLOR_BTNFACE));
+    const HRGN clipping = CreateRectRgn(0, 0, 1, 1);
+    EXPECT_EQ(GetClipRgn(dc, clipping), 0) << "the view is painted next";
+    DeleteObject(clipping);
     SelectObject(dc, previous);
     DeleteObject(bitmap);
     DeleteDC(dc);
