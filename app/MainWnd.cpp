@@ -97,6 +97,8 @@ static LRESULT OnSize(HWND frame, WPARAM wParam, LPARAM lParam)
                  height, SWP_NOZORDER | SWP_NOACTIVATE);
     LayoutDocker();
     RedrawView();
+    // The strips around the view: the system has erased around the place that the view had before.
+    RedrawWindow(frame, nullptr, nullptr, RDW_INVALIDATE | RDW_ERASE | RDW_NOCHILDREN);
     ViewMoved();
     return 0;
 }
