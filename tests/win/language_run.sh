@@ -1,7 +1,7 @@
 #!/bin/bash
 # Chooses languages in the real program as a person does: Options, the list, OK, the note that asks
 # for a restart, in the language chosen; then the program is started anew and speaks it. Screenshots
-# stay in out/.
+# stay in out/. Last the window grows.
 
 set -euo pipefail
 . "$(dirname "${BASH_SOURCE[0]}")/../../cmake/screen.sh"
@@ -88,3 +88,15 @@ Change 0 1
 Change 1 11
 Change 11 13
 StartIn 13
+
+# A window that has grown is painted up to its new edges.
+IsPainted()
+{
+    Shot language-13-grown
+    [[ $(Pixel $((X + 20)) $((Y + 100))) == "48 48 48" ]] &&
+        [[ $(Pixel $((X + 1150)) $((Y + 740))) == "48 48 48" ]]
+}
+xdotool windowsize "$window" 700 500
+sleep 0.5
+xdotool windowsize "$window" 1200 800
+Until IsPainted
