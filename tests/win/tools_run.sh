@@ -10,6 +10,7 @@
 
 set -euo pipefail
 . "$(dirname "${BASH_SOURCE[0]}")/person.sh"
+. "$(dirname "${BASH_SOURCE[0]}")/dialogs.sh"
 
 # The photographs: colour, 16 bits, grey.
 MakePhotos()
@@ -20,14 +21,6 @@ MakePhotos()
     "$convert" "$frame" -depth 16 -gamma 1.3 "$scratch/deep.tif"
     "$convert" "$frame" -colorspace Gray -depth 8 "$scratch/grey.tif"
     photos=("$scratch"/{colour,deep,grey}.tif)
-}
-
-# Where the slider is and what it shows: now thumb low high, left top right bottom, middle.
-Measure()
-{
-    IFS=, read -r now thumb low high <<<"${value[$1]}"
-    read -r left top right bottom <<<"${place[$1]}"
-    middle=$(((top + bottom) / 2))
 }
 
 # By key and by page, there and back.
@@ -43,23 +36,7 @@ StepSlider()
     Expect HasValue "$1" $((now + 1))
     xdotool key Prior
     Expect HasValue "$1" "$now"
-    Press $((right - 12)) "$middle" # beside the thumb
-    Expect HasValue "$1" $((now + 1))
-}
-
-# To about that value: pixels are not values.
-DragSlider()
-{
-    Measure "$1"
-    Drag "$thumb" "$middle" \
-        $((left + 8 + (right - left - 16) * ($2 - low) / (high - low))) "$middle"
-    Expect IsNear "$1" "$2"
-}
-IsNear()
-{
-    Look
-    local off=$(($(Value "$1") - $2))
-    ((off > -4 && off < 4))
+    PageSlider "$1"
 }
 
 LabelsFollow()
@@ -69,54 +46,6 @@ LabelsFollow()
         [[ ${text[$((slider + labelStep))]} == "$(Value "$slider")" ]] ||
             Complain "$step: slider $slider is at $(Value "$slider"), its label says ${text[$((slider + labelStep))]}"
     done
-}
-
-# Zooms, pans and compares over the open dialog, and comes back to the whole picture.
-LookAround()
-{
-    local whole near
-    Click $ID_ZOOM_FIT
-    Rests
-    whole=$(ViewSum)
-    xdotool mousemove "$centreX" "$centreY"
-    Settle
-    xdotool click 4
-    Settle
-    xdotool click 4
-    Rests
-    near=$(ViewSum)
-    [[ $near != "$whole" ]] || Complain "$step: the wheel does not zoom"
-    Drag "$centreX" "$centreY" $((centreX - 60)) $((centreY - 40))
-    Rests
-    [[ $(ViewSum) != "$near" ]] || Complain "$step: a drag does not pan"
-    Shot "$step-zoomed"
-    Click $ID_ZOOM_FIT
-    Rests
-    [[ $(ViewSum) == "$whole" ]] || Complain "$step: the preview is not what it was before zooming"
-    xdotool mousemove 400 $((viewTop + 20)) mousedown 3
-    Until ShowsOtherThan "$whole" || Complain "$step: nothing to compare with"
-    Shot "$step-compared"
-    xdotool mouseup 3
-    Until ShowsLike "$whole" || Complain "$step: the preview does not come back"
-}
-ShowsOtherThan() { [[ $(ViewSum) != "$1" ]]; }
-
-# Starts the tool of a command; its dialog is there when its first slider is.
-Open()
-{
-    Click "$1"
-    if [[ $1 == "$ID_SINGLE_LIGHT" ]]; then
-        Expect Sees $IDC_NOISE_LEVEL $IDOK
-        Shot "$step-prompt"
-        Click $IDOK
-    fi
-    patience=120 Expect Sees "$2"
-    Rests
-}
-
-SamePixels()
-{
-    cmp -s <("$convert" "$1" -depth 16 rgb:-) <("$convert" "$2" -depth 16 rgb:-)
 }
 
 CancelGivesBack()
