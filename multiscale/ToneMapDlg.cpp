@@ -191,7 +191,10 @@ static void TakeStep(HWND dlg, ToneMapStep step)
     {
     case ToneMapStep::StartRun: StartRun(dlg); break;
     case ToneMapStep::GiveUp: GiveUpTool(dlg); break;
-    case ToneMapStep::Stop: g_stopRequested = true; break;
+    case ToneMapStep::Stop:
+        g_stopRequested = true;
+        EnableWindow(GetDlgItem(dlg, IDC_TONE_STOP), FALSE); // heard, until the worker has
+        break;
     case ToneMapStep::Close:
         DestroyWindow(dlg);
         SendMessageW(g_hwndMain, WM_APP_SHOW_RESULT_FIT, 0, 0);

@@ -123,7 +123,7 @@ Drag()
 }
 MiddleOf() { echo $((($1 + $3) / 2)) $((($2 + $4) / 2)); }
 Click() { Press $(MiddleOf ${place[$1]}); }
-ClickModal() { Press $(MiddleOf ${modalPlace[$1]}); }
+ClickModal() { [[ ! ${modalPlace[$1]:-} ]] || Press $(MiddleOf ${modalPlace[$1]}); }
 ClickView() { Press "$centreX" "$centreY" "${1:-1}"; }
 Park() { xdotool mousemove 400 $((viewTop + 20)); Settle; }
 

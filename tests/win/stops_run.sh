@@ -103,7 +103,7 @@ StopByButton()
         Moment
         Press $stopPlace
         Expect IsIdle
-        ToolsAreOn || Tidy
+        ! HasDialog || Tidy # a finished run leaves its dialog
         Park
         [[ $hasResult ]] || Expect ShowsLike "$source"
         FolderIsClean
