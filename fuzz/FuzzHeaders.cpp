@@ -19,10 +19,17 @@ int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
     if (FindPngProfile(stream, &packed))
         Promise(!packed.empty() && packed.size() < size);
     TiffCountsFromWhite(stream);
-    const std::vector<long> all = FindJpegExif(stream, false), damaged = FindJpegExif(stream, true);
-    Promise(damaged.size() <= all.size());
-    for (const long offset : all)
-        Promise(offset >= 6 && size_t(offset) < size && data[offset] == 'E');
+    const std::vector<uint8_t> exif = SoundJpegExif(stream);
+    Promise(exif.empty() || (exif.size() < size && exif[0] == 'E'));
+    for (const auto mask : {MaskedExif, MaskedTiffEntries, MaskedPngProfiles})
+    {
+        long last = -1;
+        for (const MaskedByte& byte : mask(stream))
+        {
+            Promise(byte.offset > last && size_t(byte.offset) < size);
+            last = byte.offset;
+        }
+    }
     std::fclose(stream);
     return 0;
 }

@@ -1,6 +1,7 @@
 #include "picture/FileHeaders.h"
 
 #include <algorithm>
+#include <climits>
 #include <cstring>
 #include <iterator>
 
@@ -97,6 +98,22 @@ bool FindPngProfile(FILE* stream, std::vector<uint8_t>* packed)
     return false;
 }
 
+std::vector<MaskedByte> MaskedPngProfiles(FILE* stream)
+{
+    std::vector<MaskedByte> masked;
+    uint8_t head[8];
+    for (int64_t at = 8; at <= INT32_MAX && std::fseek(stream, long(at), SEEK_SET) == 0 &&
+                         std::fread(head, sizeof head, 1, stream) == 1;
+         at += 12 + int64_t(FileNumber(head, 4, true)))
+    {
+        if (std::memcmp(head + 4, "IDAT", 4) == 0)
+            break;
+        if (std::memcmp(head + 4, "iCCP", 4) == 0)
+            masked.push_back({long(at) + 4, 'x'}); // an unknown kind of chunk, which is skipped
+    }
+    return masked;
+}
+
 // A TIFF file begins with its byte order and the offset of a directory: a count, then entries of
 // tag, type, number of values, and value. Files of type 43 have wider offsets and counts.
 // Calls entry(offset, tag, first two bytes of the value) for each entry until it returns true.
@@ -112,7 +129,7 @@ static void EachTiffEntry(FILE* stream, EntryFn entryFound)
     const uint64_t offset = FileNumber(head + (wide ? 8 : 4), wide ? 8 : 4, bigEndian);
     const int countBytes = wide ? 8 : 2, entryBytes = wide ? 20 : 12;
     uint8_t entry[20];
-    if (offset > INT32_MAX || std::fseek(stream, long(offset), SEEK_SET) != 0 ||
+    if (offset > uint64_t(LONG_MAX) || std::fseek(stream, long(offset), SEEK_SET) != 0 ||
         std::fread(entry, size_t(countBytes), 1, stream) != 1)
         return;
     long at = long(offset) + countBytes;
@@ -139,18 +156,23 @@ bool TiffCountsFromWhite(FILE* stream)
     return fromWhite;
 }
 
-std::vector<long> FindTiffCaptions(FILE* stream)
+std::vector<MaskedByte> MaskedTiffEntries(FILE* stream)
 {
-    const int kCaptions = 33723;
-    std::vector<long> offsets;
+    // Sizes, kinds and places of pixels, what their packing needs, resolution, XMP and profile.
+    static const int kNeeded[] = {
+        254, 255, 256, 257, 258, 259, 262, 266, 273, 277, 278, 279, 280, 281,   282,  283, 284,
+        292, 293, 296, 317, 320, 322, 323, 324, 325, 332, 334, 338, 339, 340,   341,  347, 512,
+        513, 514, 515, 517, 518, 519, 520, 521, 529, 530, 531, 532, 700, 34675, 37439};
+    std::vector<MaskedByte> masked;
     EachTiffEntry(stream,
                   [&](long at, int tag, uint64_t)
                   {
-                      if (tag == kCaptions)
-                          offsets.insert(offsets.end(), {at, at + 1});
+                      // No entry has the tag 0, so nobody asks for it.
+                      if (!std::binary_search(std::begin(kNeeded), std::end(kNeeded), tag))
+                          masked.insert(masked.end(), {{at, 0}, {at + 1, 0}});
                       return false;
                   });
-    return offsets;
+    return masked;
 }
 
 bool LooksLikeRaw(FILE* stream)
@@ -188,11 +210,12 @@ static bool ExifIsSound(const std::vector<uint8_t>& block)
     return directory + 2 + 12 * entries + 4 <= block.size();
 }
 
+static const uint8_t kExifStart[6] = {'E', 'x', 'i', 'f', 0, 0};
+
 // A JPEG file is a chain of markers with lengths, until the pixels start.
-std::vector<long> FindJpegExif(FILE* stream, bool damagedOnly)
+std::vector<uint8_t> SoundJpegExif(FILE* stream)
 {
     const int kPixels = 0xDA, kApplication1 = 0xE1;
-    std::vector<long> offsets;
     uint8_t marker[4];
     for (long at = 2; std::fseek(stream, at, SEEK_SET) == 0 &&
                       std::fread(marker, sizeof marker, 1, stream) == 1 && marker[0] == 0xFF;)
@@ -206,11 +229,39 @@ std::vector<long> FindJpegExif(FILE* stream, bool damagedOnly)
             break;
         const auto length = long(FileNumber(marker + 2, 2, true)); // with its own two bytes
         std::vector<uint8_t> block(size_t(std::max(length - 2, 0L)));
-        if (marker[1] == kApplication1 && block.size() >= 6 &&
+        if (marker[1] == kApplication1 && block.size() >= sizeof kExifStart &&
             std::fread(block.data(), block.size(), 1, stream) == 1 &&
-            std::memcmp(block.data(), "Exif\0\0", 6) == 0 && !(damagedOnly && ExifIsSound(block)))
-            offsets.push_back(at + 4);
+            std::memcmp(block.data(), kExifStart, sizeof kExifStart) == 0 && ExifIsSound(block))
+            return block;
         at += 2 + std::max(length, 2L);
     }
-    return offsets;
+    return {};
+}
+
+// Decoders find the block in different ways, some skip rubbish on the way to it. So these letters
+// are masked wherever they stand; by chance they do so in one file out of millions.
+std::vector<MaskedByte> MaskedExif(FILE* stream)
+{
+    std::vector<MaskedByte> masked;
+    std::vector<uint8_t> piece(1 << 16);
+    const size_t overlap = sizeof kExifStart - 1;
+    std::rewind(stream);
+    size_t kept = 0; // bytes of the piece before
+    for (long at = 0;;)
+    {
+        const size_t read = std::fread(piece.data() + kept, 1, piece.size() - kept, stream);
+        const auto end = piece.begin() + std::ptrdiff_t(kept + read);
+        for (auto found = piece.begin();; ++found)
+        {
+            found = std::search(found, end, std::begin(kExifStart), std::end(kExifStart));
+            if (found == end)
+                break;
+            masked.push_back({at + long(found - piece.begin()), 'x'});
+        }
+        if (read == 0 || kept + read < overlap)
+            return masked;
+        std::copy(end - std::ptrdiff_t(overlap), end, piece.begin());
+        at += long(kept + read - overlap);
+        kept = overlap;
+    }
 }

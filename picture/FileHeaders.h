@@ -20,16 +20,30 @@ bool FindPngProfile(FILE* stream, std::vector<uint8_t>* packed);
 // where it makes a palette of it, but forgets it for 16.
 bool TiffCountsFromWhite(FILE* stream);
 
-// Captions (IPTC) of a TIFF stream, as offsets of the bytes of their entries' tags. FreeImage
-// counts them in units of four bytes, the TIFF library in bytes: it reads four times as much as
-// there is, and turns the bytes of that round when the file's order is not the machine's.
-std::vector<long> FindTiffCaptions(FILE* stream);
-
 // Whether the file begins like a camera raw file that cameras of the last twenty years write: only
 // those are handed to the raw library, which else tries decoders of long gone makers on anything.
 bool LooksLikeRaw(FILE* stream);
 
-// EXIF blocks of a JPEG stream, as offsets from the start of the file to their first letter. With
-// `damagedOnly` those alone whose first directory does not fit into the block: FreeImage takes the
-// directory's size on trust, and reads far behind the end of the block.
-std::vector<long> FindJpegExif(FILE* stream, bool damagedOnly);
+// The EXIF block of a JPEG stream from its first letter on, as SaveExtras::exif takes it. Empty
+// when there is none whose first directory lies inside of it.
+std::vector<uint8_t> SoundJpegExif(FILE* stream);
+
+// A byte of a file that FreeImage sees as another one.
+struct MaskedByte
+{
+    long offset;
+    uint8_t shown;
+};
+
+// What of a file is kept from FreeImage, in ascending order. It reads these things behind the ends
+// of their buffers, and nothing of them is needed:
+//
+// EXIF of JPEG and WebP streams, whose directories it takes on trust. JPEG results get the block
+// itself (SoundJpegExif), other formats hold none.
+std::vector<MaskedByte> MaskedExif(FILE* stream);
+// All entries of a TIFF stream but those that pixels, profile and XMP need: captions, for one, are
+// counted in units of four bytes by it, but in bytes by the TIFF library.
+std::vector<MaskedByte> MaskedTiffEntries(FILE* stream);
+// Profiles of a PNG stream: the PNG library unpacks them to any size that they claim, and then
+// FreeImage does not find them (see FindPngProfile).
+std::vector<MaskedByte> MaskedPngProfiles(FILE* stream);

@@ -37,19 +37,21 @@ using FileOwner = std::unique_ptr<FILE, FileCloser>;
 struct ImageStream
 {
     FILE* file = nullptr;
-    int error = 0;            // errno of the first failed write
-    std::vector<long> hidden; // offsets of bytes that FreeImage sees as zero
+    int error = 0;                  // errno of the first failed write
+    std::vector<MaskedByte> masked; // known once something is decoded
 };
 
 static unsigned DLL_CALLCONV ReadStream(void* buffer, unsigned size, unsigned count,
                                         fi_handle handle)
 {
     ImageStream* stream = static_cast<ImageStream*>(handle);
-    const long start = stream->hidden.empty() ? 0 : std::ftell(stream->file);
+    const std::vector<MaskedByte>& masked = stream->masked;
+    const long start = masked.empty() ? 0 : std::ftell(stream->file);
     const size_t done = std::fread(buffer, size, count, stream->file);
-    for (long offset : stream->hidden)
-        if (offset >= start && uint64_t(offset - start) < uint64_t(size) * count)
-            static_cast<uint8_t*>(buffer)[offset - start] = 0;
+    const auto before = [](const MaskedByte& byte, long offset) { return byte.offset < offset; };
+    auto byte = std::lower_bound(masked.begin(), masked.end(), start, before);
+    for (; byte != masked.end() && uint64_t(byte->offset - start) < uint64_t(size) * count; ++byte)
+        static_cast<uint8_t*>(buffer)[byte->offset - start] = byte->shown;
     return unsigned(done);
 }
 
@@ -115,9 +117,24 @@ static LoadProblem FindReadableFormat(FREE_IMAGE_FORMAT* format, ImageStream* st
     return FreeImage_FIFSupportsReading(*format) ? LoadProblem::None : LoadProblem::NotReadable;
 }
 
+static std::vector<MaskedByte> MaskedBytes(FREE_IMAGE_FORMAT format, FILE* file)
+{
+    switch (format)
+    {
+    case FIF_JPEG:
+    case FIF_WEBP:
+    case FIF_RAW: return MaskedExif(file); // of the preview
+    case FIF_TIFF: return MaskedTiffEntries(file);
+    case FIF_PNG: return MaskedPngProfiles(file);
+    default: return {};
+    }
+}
+
 static BitmapOwner Decode(FREE_IMAGE_FORMAT format, ImageStream* stream, int flags)
 {
     FreeImageIO io = StreamFunctions();
+    if (stream->masked.empty())
+        stream->masked = MaskedBytes(format, stream->file);
     std::rewind(stream->file);
     // A decoder that runs out of memory half-way may throw instead of giving up.
     try
@@ -174,23 +191,14 @@ static LoadProblem CheckHeader(FREE_IMAGE_FORMAT format, ImageStream* stream)
     if (!header)
         return LoadProblem::DecoderFailed;
     const LoadProblem problem = ProblemOf(FitOfBitmap(header.get()));
+    if (problem != LoadProblem::None)
+        return problem;
     const bool empty = IsPortableMap(format) && !HasItsPixels(stream, header.get());
-    return problem == LoadProblem::None && empty ? LoadProblem::DecoderFailed : problem;
+    return empty ? LoadProblem::DecoderFailed : LoadProblem::None;
 }
 
-enum class Metadata
+static BitmapOwner LoadWhole(FREE_IMAGE_FORMAT format, ImageStream* stream, LoadProblem* problem)
 {
-    Read,
-    NotNeeded,
-};
-
-static BitmapOwner LoadWhole(FREE_IMAGE_FORMAT format, ImageStream* stream, Metadata metadata,
-                             LoadProblem* problem)
-{
-    if (format == FIF_JPEG)
-        stream->hidden = FindJpegExif(stream->file, metadata == Metadata::Read);
-    if (format == FIF_TIFF)
-        stream->hidden = FindTiffCaptions(stream->file);
     *problem = CheckHeader(format, stream);
     if (*problem != LoadProblem::None)
         return nullptr;
@@ -236,7 +244,7 @@ static LoadProblem LoadPair(const char* path, SBxPicBuf* picture, SBxPicBuf* alp
     LoadProblem problem = OpenPicture(path, &file, &stream, &format);
     if (problem != LoadProblem::None)
         return problem;
-    const BitmapOwner bitmap = LoadWhole(format, &stream, Metadata::NotNeeded, &problem);
+    const BitmapOwner bitmap = LoadWhole(format, &stream, &problem);
     if (!bitmap)
         return problem;
     if (PictureFromBitmap(bitmap.get(), picture, alpha))
@@ -323,23 +331,26 @@ static void TakeProfileAndMetadata(FIBITMAP* bitmap, FREE_IMAGE_FORMAT format, F
                                    const SBxPicBuf& picture)
 {
     FreeImage_CloneMetadata(bitmap, source);
-    // The samples count from black to white, whatever those of the source did.
-    FreeImage_SetMetadata(FIMD_EXIF_MAIN, bitmap, "PhotometricInterpretation", nullptr);
-    // The TIFF encoder writes no entry of this directory; but it follows a null pointer when a
-    // camera has put exposure entries there, as some do. Of the captions it writes a quarter.
+    // Of the captions the TIFF encoder writes a quarter.
     if (format == FIF_TIFF)
-    {
-        FreeImage_SetMetadata(FIMD_EXIF_MAIN, bitmap, nullptr, nullptr);
         FreeImage_SetMetadata(FIMD_IPTC, bitmap, nullptr, nullptr);
-    }
-    // The PNG encoder reads the date as text; only text has a zero at its end.
-    FITAG* date = nullptr;
-    if (FreeImage_GetMetadata(FIMD_EXIF_MAIN, bitmap, "DateTime", &date) &&
-        FreeImage_GetTagType(date) != FIDT_ASCII)
-        FreeImage_SetMetadata(FIMD_EXIF_MAIN, bitmap, "DateTime", nullptr);
     const FIICCPROFILE* profile = FreeImage_GetICCProfile(source);
     if (profile && profile->data && profile->size && ProfileFits(profile, picture))
         FreeImage_CreateICCProfile(bitmap, profile->data, long(profile->size));
+}
+
+static void SetExif(FIBITMAP* bitmap, const std::vector<uint8_t>& exif)
+{
+    FITAG* tag = FreeImage_CreateTag();
+    if (!tag)
+        return;
+    FreeImage_SetTagKey(tag, "ExifRaw");
+    FreeImage_SetTagType(tag, FIDT_BYTE);
+    FreeImage_SetTagLength(tag, DWORD(exif.size()));
+    FreeImage_SetTagCount(tag, DWORD(exif.size()));
+    FreeImage_SetTagValue(tag, exif.data());
+    FreeImage_SetMetadata(FIMD_EXIF_RAW, bitmap, "ExifRaw", tag);
+    FreeImage_DeleteTag(tag);
 }
 
 static void TakeFromSource(FIBITMAP* bitmap, FREE_IMAGE_FORMAT targetFormat, const char* path,
@@ -357,8 +368,7 @@ static void TakeFromSource(FIBITMAP* bitmap, FREE_IMAGE_FORMAT targetFormat, con
         throw UnsupportedImageFormat();
     }
     LoadProblem problem = LoadProblem::None;
-    const BitmapOwner source =
-        file ? LoadWhole(format, &stream, Metadata::Read, &problem) : nullptr;
+    const BitmapOwner source = file ? LoadWhole(format, &stream, &problem) : nullptr;
     if (!source)
     {
         report->problem = SaveProblem::SourceUnreadable;
@@ -367,20 +377,10 @@ static void TakeFromSource(FIBITMAP* bitmap, FREE_IMAGE_FORMAT targetFormat, con
     if (format == FIF_PNG && !FreeImage_GetICCProfile(source.get())->data)
         AttachPngProfile(source.get(), file.get());
     TakeProfileAndMetadata(bitmap, targetFormat, source.get(), picture);
-}
-
-static void SetExif(FIBITMAP* bitmap, const std::vector<uint8_t>& exif)
-{
-    FITAG* tag = FreeImage_CreateTag();
-    if (!tag)
-        return;
-    FreeImage_SetTagKey(tag, "ExifRaw");
-    FreeImage_SetTagType(tag, FIDT_BYTE);
-    FreeImage_SetTagLength(tag, DWORD(exif.size()));
-    FreeImage_SetTagCount(tag, DWORD(exif.size()));
-    FreeImage_SetTagValue(tag, exif.data());
-    FreeImage_SetMetadata(FIMD_EXIF_RAW, bitmap, "ExifRaw", tag);
-    FreeImage_DeleteTag(tag);
+    const std::vector<uint8_t> exif =
+        format == FIF_JPEG ? SoundJpegExif(file.get()) : std::vector<uint8_t>();
+    if (!exif.empty())
+        SetExif(bitmap, exif);
 }
 
 static bool Encode(FREE_IMAGE_FORMAT format, FIBITMAP* bitmap, FreeImageIO* io, ImageStream* stream,
@@ -421,13 +421,16 @@ static void WriteFile(FIBITMAP* bitmap, const char* target, FREE_IMAGE_FORMAT fo
     FreeImageIO io = StreamFunctions();
     ImageStream stream;
     stream.file = file.stream;
-    const bool encoded =
-        Encode(format, bitmap, &io, &stream, flags) && HeaderMatches(&stream, format, bitmap);
+    const auto encode = [&] {
+        return !Encode(format, bitmap, &io, &stream, flags) ||
+               !HeaderMatches(&stream, format, bitmap);
+    };
+    const bool failed = FailsOrLacksMemory(encode);
     file.error = stream.error;
-    if (encoded)
-        report->written = FinishReplacing(&file, toDisk);
-    else
+    if (failed)
         CancelReplacing(&file);
+    else
+        report->written = FinishReplacing(&file, toDisk);
     report->systemError = file.error;
     report->problem = report->written ? SaveProblem::None
                       : file.error    ? SaveProblem::CannotWrite

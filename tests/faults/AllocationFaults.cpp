@@ -81,6 +81,7 @@ void* __wrap__Znwm(size_t size)
 
 static TestPicture* g_colour; // 8 bits
 static TestPicture* g_grey;   // 16 bits
+static TestPicture* g_small;  // for what takes long
 static TestPicture* g_large;
 static TempFolder* g_folder;
 
@@ -146,7 +147,7 @@ static Outcome MakeSeries()
     SeriesControl control;
     control.denoiseThreads = 1;
     const bool failed =
-        Try([&] { return MakeExposureSeries(g_colour->pic, 3, sink, control) < kExposures; });
+        Try([&] { return MakeExposureSeries(g_small->pic, 3, sink, control) < kExposures; });
     return {failed, failed ? 0 : hash};
 }
 
@@ -161,7 +162,7 @@ static Outcome MakeVariants()
     const bool failed = Try(
         [&]
         {
-            return MakeDaylightSeries(g_grey->pic, DaylightMode::Down, sink, {}).size() <
+            return MakeDaylightSeries(g_small->pic, DaylightMode::Down, sink, {}).size() <
                    size_t(kDaylightVariants);
         });
     return {failed, failed ? 0 : hash};
@@ -182,13 +183,13 @@ static Outcome WriteSeriesFiles()
 
 static Outcome ToneMapColours()
 {
-    TestPicture result = TestPicture::Like(g_colour->pic);
+    TestPicture result = TestPicture::Like(g_small->pic);
     const ToneMapParams p = ToneMapParamsOf(10, 10, 10, 10);
     const int outcome = Try(
         [&]
         {
-            return ToneMapPicture(&result.pic, g_colour->pic, kToneMapLevels, p.p1, p.p2, p.p3,
-                                  p.p4, true);
+            return ToneMapPicture(&result.pic, g_small->pic, kToneMapLevels, p.p1, p.p2, p.p3, p.p4,
+                                  true);
         });
     return Of(outcome != kToneMapDone, result);
 }
@@ -248,7 +249,7 @@ static Outcome RunCommand(std::vector<std::string> arguments)
 {
     const std::string target = g_folder->File("target.png");
     arguments.insert(arguments.end(),
-                     {"-q", "--threads", "1", "-o", target, g_folder->File("source.jpg")});
+                     {"-q", "--threads", "1", "-o", target, g_folder->File("small.jpg")});
     std::ostringstream out, err;
     const int code = Try([&] { return RunCommandLine(arguments, {out, err, false}); });
     const bool told = code == kExitDone || err.str().find("plenoviz-cli: ") == 0;
@@ -342,11 +343,13 @@ int main(int argc, char** argv)
 {
     TempFolder folder;
     TestPicture colour = ScenePicture(72, 48, 3, 8, 0), grey = ScenePicture(40, 30, 1, 16, 0);
-    TestPicture large = ScenePicture(640, 420, 1, 8, 0);
+    TestPicture large = ScenePicture(640, 420, 1, 8, 0), small = ScenePicture(16, 12, 3, 8, 0);
     g_folder = &folder;
     g_colour = &colour;
     g_grey = &grey;
     g_large = &large;
+    g_small = &small;
+    Save(small, folder.File("small.jpg"));
     for (const char* name : {"source.bmp", "source.jpg", "source.png", "source.tif"})
         Save(colour, folder.File(name));
     ResetTargets();
