@@ -19,6 +19,8 @@ int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
     if (FindPngProfile(stream, &packed))
         Promise(!packed.empty() && packed.size() < size);
     TiffCountsFromWhite(stream);
+    PngChunksFit(stream);
+    LooksLikeRaw(stream);
     const std::vector<uint8_t> exif = SoundJpegExif(stream);
     Promise(exif.empty() || (exif.size() < size && exif[0] == 'E'));
     for (const auto mask : {MaskedExif, MaskedTiffEntries, MaskedPngProfiles})

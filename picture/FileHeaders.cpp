@@ -4,6 +4,7 @@
 #include <climits>
 #include <cstring>
 #include <iterator>
+#include <string>
 
 // Number of `count` bytes at `bytes`.
 static uint64_t FileNumber(const uint8_t* bytes, int count, bool bigEndian)
@@ -98,20 +99,46 @@ bool FindPngProfile(FILE* stream, std::vector<uint8_t>* packed)
     return false;
 }
 
+// Calls chunk(offset, length, type) for each chunk until it returns true.
+template <typename ChunkFn>
+static void EachPngChunk(FILE* stream, ChunkFn chunkFound)
+{
+    uint8_t head[8];
+    for (int64_t at = 8; at <= INT32_MAX && std::fseek(stream, long(at), SEEK_SET) == 0 &&
+                         std::fread(head, sizeof head, 1, stream) == 1;)
+    {
+        const auto length = int64_t(FileNumber(head, 4, true));
+        if (chunkFound(long(at), length, std::string(head + 4, head + 8)))
+            return;
+        at += 12 + length; // with type and checksum
+    }
+}
+
 std::vector<MaskedByte> MaskedPngProfiles(FILE* stream)
 {
     std::vector<MaskedByte> masked;
-    uint8_t head[8];
-    for (int64_t at = 8; at <= INT32_MAX && std::fseek(stream, long(at), SEEK_SET) == 0 &&
-                         std::fread(head, sizeof head, 1, stream) == 1;
-         at += 12 + int64_t(FileNumber(head, 4, true)))
-    {
-        if (std::memcmp(head + 4, "IDAT", 4) == 0)
-            break;
-        if (std::memcmp(head + 4, "iCCP", 4) == 0)
-            masked.push_back({long(at) + 4, 'x'}); // an unknown kind of chunk, which is skipped
-    }
+    EachPngChunk(stream,
+                 [&](long at, int64_t, const std::string& type)
+                 {
+                     if (type == "iCCP")
+                         masked.push_back({at + 4, 'x'}); // an unknown kind of chunk is skipped
+                     return type == "IDAT";
+                 });
     return masked;
+}
+
+bool PngChunksFit(FILE* stream)
+{
+    std::fseek(stream, 0, SEEK_END);
+    const int64_t size = std::ftell(stream);
+    bool fit = true;
+    EachPngChunk(stream,
+                 [&](long at, int64_t length, const std::string& type)
+                 {
+                     fit = type == "IDAT" || at + 12 + length <= size;
+                     return !fit;
+                 });
+    return fit;
 }
 
 // A TIFF file begins with its byte order and the offset of a directory: a count, then entries of
@@ -258,7 +285,7 @@ std::vector<MaskedByte> MaskedExif(FILE* stream)
                 break;
             masked.push_back({at + long(found - piece.begin()), 'x'});
         }
-        if (read == 0 || kept + read < overlap)
+        if (read == 0 || kept + read < overlap || at > INT32_MAX)
             return masked;
         std::copy(end - std::ptrdiff_t(overlap), end, piece.begin());
         at += long(kept + read - overlap);

@@ -16,6 +16,10 @@ bool GifFrameSize(FILE* stream, int* width, int* height);
 // none. FreeImage asks its PNG library for it with a null pointer and gets nothing.
 bool FindPngProfile(FILE* stream, std::vector<uint8_t>* packed);
 
+// Whether the chunks of a PNG stream are no longer than the file, those with pixels apart, which
+// may be cut off. The PNG library takes and clears as much memory as a chunk claims.
+bool PngChunksFit(FILE* stream);
+
 // Whether zero means white in the first picture of a TIFF stream. FreeImage knows this for 8 bits,
 // where it makes a palette of it, but forgets it for 16.
 bool TiffCountsFromWhite(FILE* stream);

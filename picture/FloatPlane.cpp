@@ -4,17 +4,19 @@
 
 #include <new>
 
-// Stands before the first sample; as long as a cache line, so that rows begin at one.
-struct alignas(64) PlaneHeader
+// Stands before the first sample; as long as a cache line, so that samples lie in it as the block
+// does. Blocks themselves are only aligned to what the system's allocator gives.
+struct PlaneHeader
 {
     size_t bytes;
+    char rest[64 - sizeof(size_t)];
 };
 
 static float* AllocPlane(int64_t samples, bool zeroed)
 {
     const size_t bytes = sizeof(PlaneHeader) + size_t(samples) * sizeof(float);
     void* block = VcAllocBlock(bytes, zeroed);
-    return block ? reinterpret_cast<float*>(new (block) PlaneHeader{bytes} + 1) : nullptr;
+    return block ? reinterpret_cast<float*>(new (block) PlaneHeader{bytes, {}} + 1) : nullptr;
 }
 
 float* VcAllocPlane(int64_t samples)

@@ -185,6 +185,8 @@ static LoadProblem CheckHeader(FREE_IMAGE_FORMAT format, ImageStream* stream)
         const bool fits = bytes >= 0 && 2 * bytes <= PhysicalMemoryBytes();
         return !known || fits ? LoadProblem::None : LoadProblem::TooLarge;
     }
+    if (format == FIF_PNG && !PngChunksFit(stream->file))
+        return LoadProblem::DecoderFailed;
     if (!FreeImage_FIFSupportsNoPixels(format))
         return LoadProblem::None;
     const BitmapOwner header = Decode(format, stream, FIF_LOAD_NOPIXELS);

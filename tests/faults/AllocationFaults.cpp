@@ -287,7 +287,6 @@ static const Scenario kScenarios[] = {
      [] {
          return RunCommand({"daylight-up", "--power", "3"});
      }},
-    {"command tone-map", [] { return RunCommand({"tone-map"}); }},
     {"command smart-contrast", [] { return RunCommand({"smart-contrast"}); }},
 };
 

@@ -294,6 +294,25 @@ TEST_F(FusionDialogs, SeriesFolderIsEmptiedOfFilesOnly)
     EXPECT_TRUE(RemoveDirectoryW(inner.c_str()));
 }
 
+TEST_F(FusionDialogs, SeriesFolderOfAnotherInstanceIsLeftAlone)
+{
+    std::wstring mine, next;
+    ASSERT_TRUE(PrepareSeriesFolder(&mine));
+    const std::wstring lock = mine.substr(0, mine.size() - 1) + L".lock";
+    const auto open = [&lock](DWORD how)
+    { return CreateFileW(lock.c_str(), GENERIC_READ, 0, nullptr, how, 0, nullptr); };
+    EXPECT_EQ(open(OPEN_EXISTING), INVALID_HANDLE_VALUE); // taken, as others find it
+    ForgetSeriesFolder();
+    const HANDLE other = open(CREATE_ALWAYS);
+    ASSERT_TRUE(PrepareSeriesFolder(&next));
+    EXPECT_EQ(next, mine.substr(0, mine.size() - 1) + L"2/");
+    CloseHandle(other);
+    ForgetSeriesFolder();
+    DeleteFileW(lock.c_str());
+    ASSERT_TRUE(PrepareSeriesFolder(&next));
+    EXPECT_EQ(next, mine);
+}
+
 TEST_F(FusionDialogs, DaylightOpensThePowerDialogOverItsSeries)
 {
     OpenPicture("photo.png", kWidth, kHeight, 1, 16);
