@@ -10,11 +10,6 @@ void RequestStop()
     g_stopRequested = true;
 }
 
-void ForgetStop()
-{
-    g_stopRequested = false;
-}
-
 bool StopRequested()
 {
     return g_stopRequested;

@@ -16,5 +16,4 @@ void EndProgress(Progress* progress); // wipes the line
 // Ctrl+C asks for a stop; commands look between two steps and before they write. That way no
 // half-written file stays behind. RequestStop may be called from a signal handler.
 void RequestStop();
-void ForgetStop();
 bool StopRequested();

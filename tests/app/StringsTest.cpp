@@ -44,44 +44,29 @@ TEST(Strings, ComeFromTheSectionOfTheLanguage)
     EXPECT_STREQ(g_strings[5], L"Create Vexa");
 }
 
-TEST(Languages, AreCountedUpToAHundred)
+TEST(Languages, AreCountedUpToAHundredAndHaveNamesAndShortAcronyms)
 {
-    const struct
-    {
-        const wchar_t* stored;
-        int count;
-    } cases[] = {{L"0", 0}, {L"2", 2}, {L"100", 100}, {L"250", 100}, {L"-3", 0}, {L"many", 0}};
-    for (const auto& c : cases)
+    for (const auto& [stored, count] :
+         {std::pair(L"0", 0), {L"2", 2}, {L"250", 100}, {L"-3", 0}, {L"many", 0}})
     {
         MemoryProfile file;
-        file.Set(L"General", L"Languages No", c.stored);
+        file.Set(L"General", L"Languages No", stored);
+        file.Set(L"General", L"Language Current", L"1");
+        file.Set(L"1", L"Language", L"日本語");
+        file.Set(L"1", L"Acronym", L"abcdefghijklmnopqrst");
         LanguageList list;
+        list.languages.resize(5); // of an earlier reading
         LoadLanguageChoice(file.Store(), &list);
         LoadLanguageNames(file.Store(), &list);
-        EXPECT_EQ(list.count, c.count) << c.stored;
-        EXPECT_EQ(int(list.languages.size()), c.count) << c.stored;
-        EXPECT_EQ(list.current, 0);
+        EXPECT_EQ(list.count, count) << stored;
+        EXPECT_EQ(list.current, 1);
+        ASSERT_EQ(int(list.languages.size()), count) << stored;
+        if (count == 0)
+            continue;
+        EXPECT_EQ(list.languages[0].acronym, L"");
+        EXPECT_EQ(list.languages[1].name, L"日本語");
+        EXPECT_EQ(list.languages[1].acronym, L"abcdefghijklmno");
     }
-}
-
-TEST(Languages, HaveNamesAndShortAcronyms)
-{
-    MemoryProfile file;
-    file.Set(L"General", L"Languages No", L"2");
-    file.Set(L"General", L"Language Current", L"1");
-    file.Set(L"0", L"Language", L"English");
-    file.Set(L"1", L"Language", L"日本語");
-    file.Set(L"1", L"Acronym", L"abcdefghijklmnopqrst");
-    LanguageList list;
-    list.languages.resize(5); // of an earlier reading
-    LoadLanguageChoice(file.Store(), &list);
-    LoadLanguageNames(file.Store(), &list);
-    ASSERT_EQ(list.languages.size(), 2u);
-    EXPECT_EQ(list.current, 1);
-    EXPECT_EQ(list.languages[0].name, L"English");
-    EXPECT_EQ(list.languages[0].acronym, L"");
-    EXPECT_EQ(list.languages[1].name, L"日本語");
-    EXPECT_EQ(list.languages[1].acronym, L"abcdefghijklmno");
 }
 
 TEST(ChosenLanguage, IsTakenForStoredOnlyWhenItIs)

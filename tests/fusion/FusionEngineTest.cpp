@@ -93,19 +93,17 @@ Closeness CompareWithFormula(const TestPicture& fused, const Pictures& sources, 
 
 TEST(FusionLevels, FollowTheShortSide)
 {
-    const struct
+    const int cases[][3] = {{5, 5, 0},   {6, 90, 1},    {11, 11, 1},   {12, 30, 2},
+                            {24, 24, 3}, {383, 900, 6}, {384, 384, 7}, {2000, 1500, 7}};
+    for (const auto& [width, height, levels] : cases)
     {
-        int width, height;
-        unsigned levels;
-    } cases[] = {{5, 5, 0},     {6, 90, 1},    {11, 11, 1},     {12, 30, 2},    {24, 24, 3},
-                 {383, 900, 6}, {384, 384, 7}, {1000, 1000, 7}, {2000, 1500, 7}};
-    for (const auto& c : cases)
-    {
-        SBxPicBuf geometry = {nullptr, 0, 0, c.width, c.height, 1, 8};
-        Accumulator accumulator(geometry, 128);
-        EXPECT_EQ(accumulator.acc.levels, c.levels) << c.width << "x" << c.height;
-        EXPECT_EQ(accumulator.acc.levelWidth[c.levels], uint32_t(c.width >> c.levels));
+        Accumulator accumulator({nullptr, 0, 0, width, height, 1, 8}, 128);
+        EXPECT_EQ(int(accumulator.acc.levels), levels) << width << "x" << height;
+        EXPECT_EQ(int(accumulator.acc.levelWidth[levels]), width >> levels);
     }
+    VcFusionAccumulator tooLarge;
+    EXPECT_TRUE(VcInitAccumulator(&tooLarge, {nullptr, 0, 0, 2000000000, 2000000000, 3, 8}, 128));
+    EXPECT_FALSE(VcFreeAccumulator(&tooLarge));
     EXPECT_TRUE(VcFusionAcceptsSize(6, 6));
     EXPECT_FALSE(VcFusionAcceptsSize(5, 4000));
 }
@@ -182,11 +180,12 @@ TEST(Fusion, LetsColouredPixelsWeighMoreThanGreyOnes)
 
 // One step for all but 16-bit colour, where weights of exactly flat or grey
 // places lift rounding noise: there the picture as a whole has to agree.
-// Clipped places are exactly flat, so deep pictures are taken darker.
+// Clipped places are exactly flat, so deep pictures are taken darker. 192 x 320 ends in a level of
+// 3 x 5, which is left out.
 TEST(Fusion, AgreesWithItsFormulaInDoublePrecision)
 {
     const int sizes[][2] = {{6, 6},   {7, 6},   {9, 13},  {10, 10}, {11, 17},  {12, 12},
-                            {13, 29}, {33, 21}, {64, 49}, {97, 80}, {201, 130}};
+                            {13, 29}, {33, 21}, {64, 49}, {97, 80}, {320, 192}};
     for (const auto& size : sizes)
         for (const int components : {1, 3})
             for (const int bits : {8, 16})
@@ -200,16 +199,6 @@ TEST(Fusion, AgreesWithItsFormulaInDoublePrecision)
                 EXPECT_GE(close.psnr, deepColour ? 70.0 : 45.0)
                     << size[0] << "x" << size[1] << ", " << components << " x " << bits;
             }
-}
-
-// 640 x 480 ends in a level of 5 x 3, which is left out.
-TEST(Fusion, AgreesWithItsFormulaWhereTheCoarsestLevelIsLeftOut)
-{
-    for (const int components : {1, 3})
-    {
-        const Pictures sources = Bracket(640, 480, components, 8);
-        EXPECT_LE(CompareWithFormula(Fused(sources, 100), sources, 100).worst, 1.0);
-    }
 }
 
 TEST(Fusion, OfDeepColourStaysWithinTwoStepsWhereNoSourceIsSaturated)
@@ -240,26 +229,6 @@ TEST(Fusion, OfOneSourceOrTheSameTwiceGivesItBack)
         }
 }
 
-TEST(Fusion, OfOtherComponentCountsTreatsEachAsAPictureOfItsOwn)
-{
-    Pictures pairs, first, second;
-    for (int i = 0; i < 2; ++i)
-    {
-        first.push_back(ScenePicture(40, 31, 1, 8, 2 * i, 5));
-        second.push_back(ScenePicture(40, 31, 1, 8, 1 - i, 9));
-        TestPicture pair(40, 31, 2, 8);
-        CBxPicBufAPI::InsertComponent(&pair.pic, 0, first.back().pic);
-        CBxPicBufAPI::InsertComponent(&pair.pic, 1, second.back().pic);
-        pairs.push_back(std::move(pair));
-    }
-    const TestPicture fused = Fused(pairs, 128);
-    TestPicture component(40, 31, 1, 8);
-    CBxPicBufAPI::ExtractComponent(&component.pic, 0, fused.pic);
-    ExpectSamePicture(component.pic, Fused(first, 128).pic);
-    CBxPicBufAPI::ExtractComponent(&component.pic, 1, fused.pic);
-    ExpectSamePicture(component.pic, Fused(second, 128).pic);
-}
-
 TEST(Merge, OfThreePartsEqualsOneAccumulatorFedEverything)
 {
     const Pictures sources = Bracket(90, 70, 3, 8, 10);
@@ -274,32 +243,21 @@ TEST(Merge, OfThreePartsEqualsOneAccumulatorFedEverything)
     ExpectSamePicture(Composed(parts[0].acc, sources[0].pic).pic, whole.pic, 1.0);
 }
 
-TEST(Accumulator, TakesMoreSourcesAfterACompose)
-{
-    const Pictures sources = Bracket(60, 44, 3, 8);
-    Accumulator accumulator(sources[0].pic, 128);
-    ASSERT_FALSE(VcAccumulateImage(&accumulator.acc, sources[0].pic));
-    Composed(accumulator.acc, sources[0].pic);
-    ASSERT_FALSE(VcAccumulateImage(&accumulator.acc, sources[1].pic));
-    ASSERT_FALSE(VcAccumulateImage(&accumulator.acc, sources[2].pic));
-    ExpectSamePicture(Composed(accumulator.acc, sources[0].pic).pic, Fused(sources, 128).pic);
-}
-
-TEST(Accumulator, RefusesPicturesOfAnotherGeometryAndStaysAsItWas)
+TEST(Accumulator, TakesMoreAfterAComposeAndRefusesAnotherGeometry)
 {
     const Pictures sources = Bracket(40, 30, 3, 8);
     Accumulator accumulator(sources[0].pic, 128);
     for (const TestPicture& source : sources)
+    {
         ASSERT_FALSE(VcAccumulateImage(&accumulator.acc, source.pic));
+        Composed(accumulator.acc, sources[0].pic);
+    }
     for (const TestPicture& other : {TestPicture(41, 30, 3, 8), TestPicture(40, 31, 3, 8),
                                      TestPicture(40, 30, 1, 8), TestPicture(40, 30, 3, 16)})
     {
+        SBxPicBuf target = other.pic;
         EXPECT_TRUE(VcAccumulateImage(&accumulator.acc, other.pic));
-        if (other.pic.components == 3)
-        {
-            SBxPicBuf target = other.pic;
-            EXPECT_TRUE(VcComposeResult(&target, accumulator.acc));
-        }
+        EXPECT_TRUE(other.pic.components == 1 || VcComposeResult(&target, accumulator.acc));
     }
     ExpectSamePicture(Composed(accumulator.acc, sources[0].pic).pic, Fused(sources, 128).pic);
 }
@@ -323,13 +281,6 @@ TEST(Accumulator, StopsInTheMiddleOfASource)
     ASSERT_FALSE(VcAccumulateImage(&watched.acc, source.pic, stop));
     EXPECT_LT(looksLeft, 1000 - 7);
     ExpectSamePicture(Composed(watched.acc, source.pic).pic, Composed(plain.acc, source.pic).pic);
-}
-
-TEST(Accumulator, ReportsThatMemoryIsShort)
-{
-    VcFusionAccumulator acc;
-    EXPECT_TRUE(VcInitAccumulator(&acc, {nullptr, 0, 0, 2000000000, 2000000000, 3, 8}, 128));
-    EXPECT_FALSE(VcFreeAccumulator(&acc));
 }
 
 // The same bits from every tuned set, every number of threads and every build.

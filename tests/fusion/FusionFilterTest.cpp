@@ -61,51 +61,33 @@ void ExpectRow(const Samples& plane, int width, int row, const Samples& expected
 
 } // namespace
 
-TEST(Reduce, MovesItsWindowInsideThePlane)
+TEST(ReduceAndExpand, MoveTheirWindowInsideThePlane)
 {
     ForEachVariant(
         []
         {
-            const Samples ramp = Reduced(Ramp(10, 10), 10, 10);
-            for (int row = 0; row < 5; ++row)
-                ExpectRow(ramp, 5, row, {2, 2, 4, 6, 7});
-
+            const Samples small = Reduced(Ramp(10, 10), 10, 10),
+                          large = Expanded(Ramp(5, 5), 10, 10);
+            for (int row = 0; row < 10; ++row)
+            {
+                ExpectRow(small, 5, row / 2, {2, 2, 4, 6, 7});
+                ExpectRow(large, 10, row, {1, 1, 1, 1.5f, 2, 2.5f, 3, 3.5f, 3.5f, 3.5f});
+            }
             Samples impulse(121, 0.0f);
             impulse[5 * 11 + 5] = 100.0f;
             const Samples spread = Reduced(impulse, 11, 11);
             for (int y = 0; y < 5; ++y)
                 for (int x = 0; x < 5; ++x)
-                {
-                    const bool hit = (x == 2 || x == 3) && (y == 2 || y == 3);
-                    EXPECT_NEAR(spread[size_t(5 * y + x)], hit ? 6.25f : 0.0f, 1e-5)
+                    EXPECT_NEAR(spread[size_t(5 * y + x)], x / 2 == 1 && y / 2 == 1 ? 6.25f : 0.0f,
+                                1e-5)
                         << x << ", " << y;
-                }
-        });
-}
-
-TEST(Expand, MovesItsWindowInsideThePlane)
-{
-    ForEachVariant(
-        []
-        {
-            const Samples ramp = Expanded(Ramp(5, 5), 10, 10);
-            for (int row = 0; row < 10; ++row)
-                ExpectRow(ramp, 10, row, {1, 1, 1, 1.5f, 2, 2.5f, 3, 3.5f, 3.5f, 3.5f});
-        });
-}
-
-TEST(Expand, OfAnOddSizeDarkensItsLastThreeRowsAndColumns)
-{
-    ForEachVariant(
-        []
-        {
+            // An odd size darkens its last three rows and columns.
             const Samples flat = Expanded(Samples(25, 100.0f), 11, 11);
             for (int y = 0; y < 11; ++y)
                 for (int x = 0; x < 11; ++x)
-                {
-                    const float expected = (x > 7 ? 0.9f : 1.0f) * (y > 7 ? 0.9f : 1.0f) * 100.0f;
-                    EXPECT_NEAR(flat[size_t(11 * y + x)], expected, 1e-4) << x << ", " << y;
-                }
+                    EXPECT_NEAR(flat[size_t(11 * y + x)],
+                                (x > 7 ? 0.9f : 1.0f) * (y > 7 ? 0.9f : 1.0f) * 100.0f, 1e-4)
+                        << x << ", " << y;
         });
 }
 

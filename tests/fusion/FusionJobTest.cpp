@@ -139,18 +139,12 @@ TEST(FusionJob, GivesWhatTheEngineGivesForThatRegionOfThoseSources)
         const double tolerance = test.sources < 5 ? 0 : test.bits == 8 ? 1 : 2;
         ExpectSamePicture(result.pic, series.FusedByHand(region, UpTo(test.sources), 110).pic,
                           tolerance);
+        TestPicture whole = series.Blank(kWholePicture);
+        ASSERT_EQ(FuseWhole(&whole.pic, &series.sources, {{}, test.sources, 110}),
+                  FusionOutcome::Done);
+        ExpectSamePicture(whole.pic,
+                          series.FusedByHand(kWholePicture, UpTo(test.sources), 110).pic);
     }
-}
-
-TEST(FusionJob, ShowsInThePreviewOfTheWholePictureWhatTheResultBecomes)
-{
-    Series series(10);
-    TestPicture preview = series.Blank(kWholePicture), result = series.Blank(kWholePicture);
-    const FusionTask task = {kWholePicture, 10, 128};
-    ASSERT_EQ(FuseRegion(&preview.pic, &series.sources, task, nullptr), FusionOutcome::Done);
-    ASSERT_EQ(FuseWhole(&result.pic, &series.sources, {{}, 10, 128}), FusionOutcome::Done);
-    ExpectSamePicture(preview.pic, result.pic, 1);
-    ExpectSamePicture(result.pic, series.FusedByHand(kWholePicture, UpTo(10), 128).pic);
 }
 
 TEST(FusionJob, LeavesOutWhatCannotBeUsedAndNamesIt)
@@ -234,7 +228,6 @@ TEST(FusionSources, KeepRegionsWhenWholePicturesDoNotFit)
     Series series(4);
     const CBxRect<int> region = {10, 20, 90, 80}, other = {100, 20, 180, 80};
     const int64_t bytes = 80 * 60 * 3;
-    series.Open(4 * bytes);
     TestPicture part = series.Blank(region);
     const auto fuse = [&](const CBxRect<int>& where)
     {
@@ -244,6 +237,9 @@ TEST(FusionSources, KeepRegionsWhenWholePicturesDoNotFit)
         ExpectSamePicture(part.pic, series.FusedByHand(where, UpTo(4), 100).pic);
         return series.sources.filesRead;
     };
+    EXPECT_EQ(fuse(region), 4);
+    EXPECT_EQ(fuse(other), 4); // whole pictures serve every region
+    series.Open(4 * bytes);
     EXPECT_EQ(fuse(region), 4);
     EXPECT_EQ(fuse(region), 4);
     EXPECT_EQ(fuse(other), 8); // takes the place of the first
@@ -278,10 +274,6 @@ TEST(FusionSources, AreReadAgainWhenTheFileHasChanged)
 
     std::filesystem::remove(path);
     EXPECT_FALSE(LoadFusionSource(&series.sources, 1, region));
-}
-
-TEST(FusionSources, HaveABudgetOfRealMemory)
-{
     EXPECT_GT(FusionSourceBudget(), int64_t(1) << 24);
     EXPECT_LT(FusionSourceBudget(), int64_t(1) << 44);
 }

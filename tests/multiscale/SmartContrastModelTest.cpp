@@ -110,28 +110,3 @@ TEST(SmartContrastModel, TakesStoredNumbersFromOutsideOfTheRangeAsItsEnds)
     const Lods expected = {30, 0, 30, 0, 10, 30, 0, 5};
     EXPECT_TRUE(std::equal(expected, expected + kDetailLevels, open.model.lod));
 }
-
-TEST(SmartContrastModel, HasNothingToChangeInATinyPicture)
-{
-    const TestPicture photo = ScenePicture(10, 10, 3, 8, 0);
-    OpenModel open(photo, {0, 30, 0, 30, 0, 30, 0, 30});
-    ExpectSamePicture(Recomposed(&open.model, photo).pic, photo.pic);
-}
-
-TEST(SmartContrastModel, LeavesAPictureOfOtherGeometryAlone)
-{
-    const TestPicture photo = ScenePicture(40, 30, 3, 8, 0);
-    OpenModel open(photo);
-    SBxPicBuf none;
-    CBxPicBufAPI::Init(&none);
-    EXPECT_TRUE(RecomposeSmartContrast(&none, &open.model));
-    TestPicture others[] = {{39, 30, 3, 8}, {40, 31, 3, 8}, {40, 30, 1, 8}, {40, 30, 3, 16}};
-    for (TestPicture& other : others)
-    {
-        CBxPicBufAPI::SetConst(&other.pic, 7);
-        const uint64_t before = HashOf(other.pic);
-        EXPECT_TRUE(RecomposeSmartContrast(&other.pic, &open.model));
-        EXPECT_EQ(HashOf(other.pic), before);
-    }
-    EXPECT_TRUE(IsSmartContrastBehind(open.model));
-}

@@ -2,7 +2,7 @@
 
 #include "tests/support/TestPictures.h"
 
-#include <gtest/gtest.h>
+#include <vector>
 
 namespace
 {
@@ -39,12 +39,10 @@ struct Tool
     }
 };
 
-void ExpectRect(const CBxRect<int>& rect, const CBxRect<int>& expected)
+void ExpectRect(const CBxRect<int>& a, const CBxRect<int>& b)
 {
-    EXPECT_EQ(rect.left, expected.left);
-    EXPECT_EQ(rect.top, expected.top);
-    EXPECT_EQ(rect.right, expected.right);
-    EXPECT_EQ(rect.bottom, expected.bottom);
+    EXPECT_EQ((std::vector<int>{a.left, a.top, a.right, a.bottom}),
+              (std::vector<int>{b.left, b.top, b.right, b.bottom}));
 }
 
 } // namespace
@@ -194,24 +192,19 @@ TEST(ToneMapModel, GoesFromEditingToARunAndToItsEnd)
 
 TEST(ToneMapModel, KnowsHowLongARunIs)
 {
-    const struct
+    const int cases[][3] = {{1, true, 17}, {1, false, 17}, {3, false, 17}, {3, true, 47}};
+    for (const auto& [components, useColors, end] : cases)
     {
-        int components;
-        bool useColors;
-        int end;
-    } cases[] = {{1, true, 17}, {1, false, 17}, {3, false, 17}, {3, true, 47}};
-    for (const auto& c : cases)
-    {
-        Tool tool(20, 20, c.components);
-        ToneMapColorsToggled(&tool.model, c.useColors);
-        EXPECT_EQ(ToneMapProgressEnd(tool.model), c.end);
+        Tool tool(20, 20, components);
+        ToneMapColorsToggled(&tool.model, useColors != 0);
+        EXPECT_EQ(ToneMapProgressEnd(tool.model), end);
         // All but two steps are really taken.
         int steps = 0;
         RunControl control;
         control.progress = [&](int n) { steps += n; };
         ToneMapPicture(&tool.preview.pic, tool.source.pic, kToneMapLevels, 0.2, 0.2, 0.5, 0.8,
-                       c.useColors, control);
-        EXPECT_EQ(steps, c.end - 2);
+                       useColors != 0, control);
+        EXPECT_EQ(steps, end - 2);
     }
 }
 

@@ -161,21 +161,6 @@ TEST(ToneMapping, OfLuminanceAloneKeepsTheChromaPlanes)
     EXPECT_GT(lumaChange, 500.0);
 }
 
-TEST(ToneMapping, CountsFifteenStepsAPlane)
-{
-    const TestPicture scene = ScenePicture(50, 40, 3, 8, 0);
-    for (const bool useColors : {false, true})
-    {
-        int steps = 0;
-        RunControl control;
-        control.progress = [&](int by) { steps += by; };
-        TestPicture out(50, 40, 3, 8);
-        EXPECT_EQ(Map(&out.pic, scene.pic, kDefaults, useColors, ToneMapMethod::Direct, control),
-                  kToneMapDone);
-        EXPECT_EQ(steps, useColors ? 45 : 15);
-    }
-}
-
 TEST(ToneMapping, StopsAtEveryLookAtTheFlagAndWritesNothing)
 {
     const TestPicture scene = ScenePicture(90, 70, 3, 8, 0);

@@ -18,40 +18,20 @@ Bytes Disabled(const Bytes& source, int width, int height, const IconKeyColour* 
 
 TEST(DisabledIcon, IsALowContrastGreyWithHalfTheAlphaBelowOneHundred)
 {
-    const int colours[][4] = {{255, 255, 255, 159}, {0, 0, 0, 50},   {0, 0, 255, 82},
-                              {0, 255, 0, 104},     {255, 0, 0, 71}, {128, 128, 128, 105}};
+    const uint8_t colours[][4] = {{255, 255, 255, 159}, {0, 0, 0, 50},   {0, 0, 255, 82},
+                                  {0, 255, 0, 104},     {255, 0, 0, 71}, {128, 128, 128, 105}};
     for (const auto& [blue, green, red, grey] : colours)
-    {
-        const Bytes got = Disabled({uint8_t(blue), uint8_t(green), uint8_t(red), 255}, 1, 1);
-        EXPECT_EQ(got, (Bytes{uint8_t(grey), uint8_t(grey), uint8_t(grey), 255}));
-    }
-    for (const auto& [before, after] :
-         {std::pair(0, 0), {1, 0}, {99, 49}, {100, 100}, {101, 101}, {255, 255}})
+        EXPECT_EQ(Disabled({blue, green, red, 255}, 1, 1), (Bytes{grey, grey, grey, 255}));
+    for (const auto& [before, after] : {std::pair(1, 0), {99, 49}, {100, 100}, {255, 255}})
         EXPECT_EQ(Disabled({9, 9, 9, uint8_t(before)}, 1, 1)[3], after);
-}
-
-TEST(DisabledIcon, TurnsBottomUpRowsAround)
-{
-    // Two columns, three rows; white where the top row of the image is.
-    const Bytes got = Disabled({0,   0,   0,   255, 0, 0, 0, 255, //
-                                0,   0,   0,   255, 0, 0, 0, 255, //
-                                255, 255, 255, 255, 0, 0, 0, 255},
-                               2, 3);
-    EXPECT_EQ(got[0], 159);
-    EXPECT_EQ(got[4], 50);
-    EXPECT_EQ(got[16], 50);
 }
 
 // The bytes are compared crosswise; a grey key would not show it.
 TEST(DisabledIcon, KeepsTheKeyColourAndNothingLikeIt)
 {
     const IconKeyColour key = {10, 20, 30};
-    const Bytes kept = Disabled({10, 20, 30, 80}, 1, 1, &key);
-    EXPECT_EQ(kept, (Bytes{10, 20, 30, 40}));
-    const Bytes crossed = Disabled({30, 20, 10, 255}, 1, 1, &key);
-    EXPECT_EQ(crossed[0], crossed[2]);
-    const Bytes without = Disabled({10, 20, 30, 80}, 1, 1);
-    EXPECT_EQ(without[0], without[2]);
+    EXPECT_EQ(Disabled({10, 20, 30, 80}, 1, 1, &key), (Bytes{10, 20, 30, 40}));
+    EXPECT_EQ(Disabled({30, 20, 10, 255}, 1, 1, &key), (Bytes{58, 58, 58, 255}));
 }
 
 TEST(FlattenedIcon, ShowsGreyWhereItIsSeenThrough)

@@ -50,6 +50,10 @@ TEST(Loading, ShowsTheTopRowFirstInWhateverOrderTheFileHasThem)
     const LoadedPair deep(folder.Write("deep.tif", MakeTiff({1, 1, 3, 16, 2, 1, redGreenBlue})));
     EXPECT_EQ(deep.alpha.pic.data, nullptr);
     ExpectSamePicture(deep.picture.pic, FlatPicture(1, 1, 16, {0x9ABC, 0x5678, 0x1234}).pic);
+    const LoadedPair veiled(folder.Write(
+        "alpha.tif", MakeTiff({1, 1, 4, 16, 2, 1, Joined({redGreenBlue, {0xEF, 0xBE}})})));
+    ExpectSamePicture(veiled.picture.pic, deep.picture.pic);
+    ExpectSamePicture(veiled.alpha.pic, FlatPicture(1, 1, 16, {0xBEEF}).pic);
 }
 
 TEST(Loading, GivesTrueGreysAlsoWhereZeroMeansWhite)

@@ -6,20 +6,10 @@
 #include <FreeImage.h>
 #include <gtest/gtest.h>
 
-#include <cerrno>
-
-#ifndef _WIN32
-#include <csignal>
-#include <sys/resource.h>
-#include <sys/stat.h>
-#endif
-
 namespace fs = std::filesystem;
 
 namespace
 {
-
-const char* const kNames[] = {"a.bmp", "a.jpg", "a.tif", "a.png"};
 
 struct LosslessCase
 {
@@ -150,104 +140,6 @@ TEST(SaveErrors, AreThrownForFormatsAndSourcesOnly)
 }
 
 // What a failed save must leave alone: the old contents, and a folder without left-overs.
-class FailedSave : public testing::Test
-{
-protected:
-    TempFolder folder;
-    const TestPicture picture = ScenePicture(200, 150, 3, 8, 0);
-    const Bytes old = {'o', 'l', 'd'};
-
-    void ExpectUntouched(const std::string& name, int files)
-    {
-        EXPECT_EQ(ReadBytes(folder.File(name)), old);
-        EXPECT_EQ(folder.FileCount(), files);
-    }
-};
-
-#ifndef _WIN32
-TEST_F(FailedSave, OnAFullDiskKeepsTheOldFile)
-{
-    // A limit on file sizes fails a write as a full disk does. It also sends a signal.
-    const auto oldHandler = std::signal(SIGXFSZ, SIG_IGN);
-    rlimit unlimited = {};
-    getrlimit(RLIMIT_FSIZE, &unlimited);
-    for (const char* name : kNames)
-    {
-        folder.Write(name, old);
-        for (rlim_t bytes : {0, 10, 3000})
-        {
-            const rlimit limit = {bytes, unlimited.rlim_max};
-            setrlimit(RLIMIT_FSIZE, &limit);
-            const SaveReport report = Save(picture, folder.File(name));
-            setrlimit(RLIMIT_FSIZE, &unlimited);
-            EXPECT_FALSE(report.written) << name << " " << bytes;
-            EXPECT_EQ(report.problem, SaveProblem::CannotWrite) << SaveReportText(report);
-            EXPECT_EQ(report.systemError, EFBIG);
-            ExpectUntouched(name, 1);
-        }
-        EXPECT_TRUE(Save(picture, folder.File(name)).written); // nothing sticks
-        fs::remove(folder.File(name));
-    }
-    std::signal(SIGXFSZ, oldHandler);
-}
-
-TEST_F(FailedSave, OnADeviceDoesNotReplaceIt)
-{
-    ASSERT_EQ(mkfifo(folder.File("pipe.png").c_str(), 0600), 0);
-    EXPECT_EQ(Save(picture, folder.File("pipe.png")).problem, SaveProblem::CannotCreate);
-    EXPECT_TRUE(fs::is_fifo(folder.File("pipe.png")));
-}
-
-TEST(ReplacedFile, KeepsItsPermissionsAndItsLinks)
-{
-    const TempFolder folder;
-    const TestPicture picture = FlatPicture(9, 9, 8, {70});
-    fs::create_directory(folder.path / "real");
-    const std::string real = folder.Write("real/a.png", {1});
-    fs::permissions(real, fs::perms(0640));
-    fs::create_symlink("real/a.png", folder.path / "one.png");
-    fs::create_symlink("one.png", folder.path / "two.png");
-    fs::create_symlink("real/new.png", folder.path / "dangling.png");
-    fs::create_symlink("loop.png", folder.path / "loop.png");
-
-    EXPECT_TRUE(Save(picture, folder.File("two.png")).written);
-    EXPECT_TRUE(fs::is_symlink(folder.path / "two.png") && fs::is_symlink(folder.path / "one.png"));
-    EXPECT_EQ(fs::status(real).permissions(), fs::perms(0640));
-    ExpectSamePicture(LoadedPair(real).picture.pic, picture.pic);
-    EXPECT_TRUE(Save(picture, folder.File("dangling.png")).written);
-    EXPECT_TRUE(fs::exists(folder.path / "real/new.png"));
-    EXPECT_EQ(Save(picture, folder.File("loop.png")).systemError, ELOOP);
-}
-#endif
-
-TEST_F(FailedSave, KeepsAReadOnlyFile)
-{
-    for (const char* name : kNames)
-    {
-        folder.Write(name, old);
-        const auto writable =
-            fs::perms::owner_write | fs::perms::group_write | fs::perms::others_write;
-        fs::permissions(folder.path / name, writable, fs::perm_options::remove);
-        const SaveReport report = Save(picture, folder.File(name));
-        EXPECT_EQ(report.problem, SaveProblem::CannotCreate);
-        EXPECT_EQ(report.systemError, EACCES);
-    }
-    for (const char* name : kNames)
-        ExpectUntouched(name, int(std::size(kNames)));
-}
-
-TEST_F(FailedSave, NeedsAFolderAndNoFolderInTheWay)
-{
-    folder.Write("old.png", old);
-    fs::create_directory(folder.path / "folder.png");
-    const SaveReport missing = Save(picture, folder.File("missing/a.png"));
-    const SaveReport inTheWay = Save(picture, folder.File("folder.png"));
-    EXPECT_EQ(missing.systemError, ENOENT);
-    EXPECT_EQ(inTheWay.systemError, EISDIR);
-    EXPECT_NE(SaveReportText(missing), SaveReportText(inTheWay));
-    ExpectUntouched("old.png", 2);
-}
-
 TEST(Names, MayHaveAnyLetters)
 {
     const TempFolder folder;

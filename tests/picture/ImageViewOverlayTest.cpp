@@ -128,11 +128,7 @@ TEST(PreviewFrame, IsFullWhenItIsSmall)
     TestView t(20, 20);
     InvertFrame(&t.display.pic, {9, 9, 5, 5});
     EXPECT_TRUE(Changed(t).empty());
-}
-
-TEST(PreviewFrame, IsQuickAndRightAtTheEndsOfAnInt)
-{
-    TestView t(20, 20);
+    // Quick and right at the ends of an int.
     InvertFrame(&t.display.pic, {INT_MIN, INT_MIN, INT_MAX, INT_MAX});
     InvertFrame(&t.display.pic, {INT_MAX, INT_MAX, INT_MAX, INT_MAX});
     EXPECT_TRUE(Changed(t).empty());

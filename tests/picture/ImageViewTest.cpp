@@ -67,22 +67,19 @@ TEST(Rendering, ShowsEveryKindOfPictureAs8BitColour)
         {
             SCOPED_TRACE(testing::Message() << bits << " bits, " << components);
             TestView t(40, 30);
+            const auto sample = [&](int x, int y, int c) { return x * 5 + y + c * 10; };
             const TestPicture picture = PictureOf(40, 30, components, bits,
                                                   [&](int x, int y, int c) {
-                                                      return bits == 16 ? x * 1000 + y * 7 + c * 300
-                                                                        : x * 5 + y + c * 10 + 0.25;
+                                                      return bits == 16 ? sample(x, y, c) * 256 + 77
+                                                                        : sample(x, y, c) + 0.25;
                                                   });
             ASSERT_TRUE(ZoomTo100(&t.view, picture.pic));
             ASSERT_FALSE(Show(&t.view, picture));
-            for (int y = 0; y < 30; ++y)
-                for (int x = 0; x < 40; ++x)
-                    for (int c = 0; c < 3; ++c)
-                    {
-                        const int from = components == 3 ? c : 0;
-                        const int expected = bits == 16 ? (x * 1000 + y * 7 + from * 300) / 256
-                                                        : x * 5 + y + from * 10;
-                        ASSERT_EQ(t.display.At(x, y, c), expected) << x << ", " << y << ", " << c;
-                    }
+            ExpectSamePicture(t.display.pic,
+                              PictureOf(40, 30, 3, 8,
+                                        [&](int x, int y, int c)
+                                        { return sample(x, y, components == 3 ? c : 0); })
+                                  .pic);
         }
 }
 
@@ -102,22 +99,15 @@ TEST(Rendering, UsesCachesUntilTheyAreRebuilt)
     ASSERT_FALSE(ShowAgain(&t.view, ViewRebuild::Keep, ViewShows::Source));
     EXPECT_EQ(t.display.At(5, 5), 10);
 
-    ASSERT_FALSE(ShowAgain(&t.view, ViewRebuild::Keep, ViewShows::Nothing));
-    EXPECT_EQ(t.CountOf({190, 190, 190}), 400);
-    ForgetViewPicture(&t.view);
-    EXPECT_TRUE(ShowAgain(&t.view, ViewRebuild::Keep, ViewShows::Source));
-    EXPECT_TRUE(ShowAgain(&t.view, ViewRebuild::Rebuild, ViewShows::Result));
-}
-
-TEST(Rendering, HasADarkBackgroundInDarkSchemes)
-{
-    TestView t(8, 8);
-    for (const auto& [scheme, grey] : {std::pair(0, 190), {1, 190}, {2, 48}, {3, 48}, {4, 190}})
+    for (const auto& [scheme, grey] : {std::pair(2, 48), {3, 48}, {1, 190}})
     {
         t.view.colourScheme = scheme;
         ASSERT_FALSE(ShowAgain(&t.view, ViewRebuild::Keep, ViewShows::Nothing));
-        EXPECT_EQ(t.display.At(3, 3), grey);
+        EXPECT_EQ(t.CountOf({grey, grey, grey}), 400);
     }
+    ForgetViewPicture(&t.view);
+    EXPECT_TRUE(ShowAgain(&t.view, ViewRebuild::Keep, ViewShows::Source));
+    EXPECT_TRUE(ShowAgain(&t.view, ViewRebuild::Rebuild, ViewShows::Result));
 }
 
 TEST(CopyingTheRenderedView, BringsItBackUnlessTheAreaHasChanged)
@@ -139,8 +129,6 @@ TEST(CopyingTheRenderedView, BringsItBackUnlessTheAreaHasChanged)
     EXPECT_FALSE(ShowAgain(&t.view, ViewRebuild::CopyOnly));
     SetViewArea(&t.view, {0, 12, 51, 52});
     EXPECT_TRUE(ShowAgain(&t.view, ViewRebuild::CopyOnly));
-    ASSERT_FALSE(ShowAgain(&t.view, ViewRebuild::Keep));
-    EXPECT_FALSE(ShowAgain(&t.view, ViewRebuild::CopyOnly));
 }
 
 TEST(Rendering, RefusesAMinimisedWindowButStillTakesTheNewPicture)

@@ -17,17 +17,14 @@ TEST(PictureRecord, HasPackedRowsAndRefusesWhatItCannotDescribe)
     odd.Set(0, 0, 0, 12345);
     CBxPicBufAPI::ReinitHeap(&odd.pic, 7, 3, 3, 16);
     EXPECT_EQ(odd.At(0, 0), 12345) << "the same geometry again keeps the block";
-    const struct
-    {
-        int width, height, components, bits;
-    } impossible[] = {{40000, 20000, 3, 8},           {0, 5, 3, 8},  {5, -1, 1, 8},
-                      {65536, 65536, 1, 8},           {5, 5, 3, 12}, {5, 5, 0, 8},
-                      {2000000000, 2000000000, 3, 32}};
-    for (const auto& g : impossible)
+    const int impossible[][4] = {{40000, 20000, 3, 8},           {0, 5, 3, 8},  {5, -1, 1, 8},
+                                 {65536, 65536, 1, 8},           {5, 5, 3, 12}, {5, 5, 0, 8},
+                                 {2000000000, 2000000000, 3, 32}};
+    for (const auto& [width, height, components, bits] : impossible)
     {
         TestPicture picture(4, 4, 1, 8);
-        CBxPicBufAPI::ReinitHeap(&picture.pic, g.width, g.height, g.components, g.bits);
-        EXPECT_EQ(picture.pic.data, nullptr) << g.width << "x" << g.height;
+        CBxPicBufAPI::ReinitHeap(&picture.pic, width, height, components, bits);
+        EXPECT_EQ(picture.pic.data, nullptr) << width << "x" << height;
         EXPECT_EQ(picture.pic.size, 0);
         EXPECT_EQ(picture.pic.width, 0);
     }
@@ -148,9 +145,6 @@ TEST(Conversion, BetweenGreyAndColourTakesLuma)
         ASSERT_TRUE(CBxPicBufAPI::ConvertBpcComp(&picture.pic, 8, 3));
         EXPECT_EQ(picture.At(1, 1, 2), grey[i]);
     }
-    TestPicture white = FlatPicture(2, 2, 16, {65535, 65535, 65535});
-    ASSERT_TRUE(CBxPicBufAPI::ConvertBpcComp(&white.pic, 8, 1));
-    EXPECT_EQ(white.At(0, 0), 255);
     TestPicture kept = FlatPicture(2, 2, 8, {1, 2});
     EXPECT_FALSE(CBxPicBufAPI::ConvertBpcComp(&kept.pic, 8, 3));
     EXPECT_EQ(kept.At(1, 1, 1), 2);
@@ -183,14 +177,12 @@ TEST(ColourConversion, ComesBackWithinOneStepForEveryColour)
 
 TEST(ColourConversion, PutsGreyInTheMiddleOfBothChromaPlanes)
 {
-    TestPicture grey = FlatPicture(1, 1, 8, {90, 90, 90});
-    CBxPicBufAPI::ConvertRGBtoYUV(&grey.pic, grey.pic);
-    EXPECT_EQ(grey.At(0, 0, 0), 90);
-    EXPECT_EQ(grey.At(0, 0, 1), 128);
-    EXPECT_EQ(grey.At(0, 0, 2), 128);
-    TestPicture red = FlatPicture(1, 1, 8, {0, 0, 255});
-    CBxPicBufAPI::ConvertRGBtoYUV(&red.pic, red.pic);
-    EXPECT_EQ(red.At(0, 0, 0), 76);
-    EXPECT_LT(red.At(0, 0, 1), 128);
-    EXPECT_GT(red.At(0, 0, 2), 250);
+    TestPicture colours = FlatPicture(2, 1, 8, {90, 90, 90});
+    for (int c = 0; c < 3; ++c)
+        colours.Set(1, 0, c, c == 2 ? 255 : 0);
+    CBxPicBufAPI::ConvertRGBtoYUV(&colours.pic, colours.pic);
+    const double expected[2][3] = {{90, 128, 128}, {76, 85, 255}}; // grey, red
+    for (int x = 0; x < 2; ++x)
+        for (int c = 0; c < 3; ++c)
+            EXPECT_NEAR(colours.At(x, 0, c), expected[x][c], x) << x << ", " << c;
 }

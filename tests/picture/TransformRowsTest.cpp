@@ -200,9 +200,9 @@ TEST(Transforms, AtScaleOneReproduceThePicture)
                     Transformed(source, transform, 24, 20, MapTo(24, 20, 1 + 1e-12, 8, 6)).pic);
                 // Nothing of the picture in the area, far away on every side.
                 for (const double away : {-1e12, -60.0, 60.0, 1e12})
-                    for (const CBxPicMap& none :
-                         {MapTo(24, 20, 1.0, away, 6.5), MapTo(24, 20, 1.0, 8.5, away)})
-                        EXPECT_EQ(Transformed(source, transform, 24, 20, none).At(12, 10), 190);
+                    EXPECT_EQ(Transformed(source, transform, 24, 20, MapTo(24, 20, 1, away, 6))
+                                  .At(12, 10),
+                              190);
             }
 }
 

@@ -1,10 +1,5 @@
 // Opening: by drop and by dialog, every kind that is taken and every kind that is refused.
 
-#include "app/AppState.h"
-#include "app/AppWindows_win.h"
-#include "app/CommandIds.h"
-#include "app/FrameView_win.h"
-#include "app/Strings.h"
 #include "tests/win/FrameHarness.h"
 
 #include <algorithm>
@@ -31,7 +26,7 @@ TEST_F(FrameFiles, OpensEveryKind)
         bool alpha;
     };
     const Row rows[] = {
-        {"grey.bmp", 40, 30, 1, 8, false},      {"colour.jpg", 41, 31, 3, 8, false},
+        {"grey.bmp", 40, 30, 1, 8, false},      {"colour.tif", 41, 31, 3, 8, false},
         {"clear.png", 42, 32, 3, 8, true},      {"deep.tif", 43, 33, 3, 16, false},
         {"deepgrey.png", 44, 34, 1, 16, false}, {"deepclear.png", 45, 35, 3, 16, true},
         {"dot.png", 1, 1, 3, 8, false},         {"strip.png", 20000, 100, 3, 8, false},
@@ -50,40 +45,32 @@ TEST_F(FrameFiles, OpensEveryKind)
         EXPECT_EQ(Enabled(), "111111111");
         EXPECT_TRUE(g_showSources);
         EXPECT_EQ(g_alphaPicture.data != nullptr, row.alpha);
-        if (std::string(row.name) != "colour.jpg")
-            ExpectSamePicture(g_sourcePicture, picture.pic);
+        ExpectSamePicture(g_sourcePicture, picture.pic);
         const Bytes corner = ViewPixel(0, 0), centre = ViewCentre();
         EXPECT_EQ(corner, Bytes({190, 190, 190})) << "background";
         if (row.alpha)
             EXPECT_TRUE(centre == Bytes({190, 190, 190}) || centre == Bytes({220, 220, 220}));
-        else if (row.bits == 8 && row.width > 1 && std::string(row.name) != "colour.jpg")
+        else if (row.bits == 8 && row.width > 1)
         {
-            // The area is 998 x 640; even pictures have a pixel boundary at its centre.
-            const int x = row.width / 2, y = row.height / 2;
             for (int c = 0; c < 3; ++c)
-                EXPECT_NEAR(centre[size_t(c)], picture.At(x, y, row.components == 3 ? c : 0), 1);
+                EXPECT_NEAR(centre[size_t(c)],
+                            picture.At(row.width / 2, row.height / 2, row.components == 3 ? c : 0),
+                            1);
         }
     }
 }
 
 TEST_F(FrameFiles, RefusesWithOneMessageAndChangesNothing)
 {
-    folder.Write("bits1.bmp", MakeBmp({8, 1, 1, {0, 0, 0, 0, 255, 255, 255, 0}, {0x55, 0, 0, 0}}));
     folder.Write("bits4.bmp", MakeBmp({2, 1, 4, Bytes(64, 7), {0x12, 0, 0, 0}}));
-    folder.Write("bits565.bmp", MakeBmp({2, 1, 16, {}, {1, 2, 3, 4}}));
-    Bytes palette(256 * 4, 0);
-    palette[5] = 200;
-    folder.Write("palette.bmp", MakeBmp({4, 1, 8, palette, {0, 1, 2, 3}}));
     folder.Write("float.tif", MakeTiff({1, 1, 1, 32, 1, 3, {0, 0, 0x80, 0x3f}}));
     folder.Write("broken.jpg", {0xff, 0xd8, 0xff, 0xe0, 0, 16, 'J', 'F'});
-    folder.Write("text.png", {'h', 'e', 'l', 'l', 'o'});
     folder.Write("empty.tif", {});
 
     OpenPicture("good.png", 60, 40);
     Command(ID_ZOOM_IN);
     const std::wstring before = Snapshot();
-    for (const char* name : {"bits1.bmp", "bits4.bmp", "bits565.bmp", "palette.bmp", "float.tif",
-                             "broken.jpg", "text.png", "empty.tif", "missing.png"})
+    for (const char* name : {"bits4.bmp", "float.tif", "broken.jpg", "empty.tif", "missing.png"})
     {
         SCOPED_TRACE(name);
         RunModal([&] { Drop({Wide(name)}); }, {Box(41, 0)});
@@ -193,19 +180,19 @@ static int GraphicsObjects()
         std::count_if(table, table + kEntries, [](const Entry& entry) { return entry.type != 0; }));
 }
 
-static BOOL CALLBACK CountWindow(HWND window, LPARAM count)
-{
-    ++*reinterpret_cast<int*>(count);
-    EnumChildWindows(
-        window, [](HWND, LPARAM children) -> BOOL { return ++*reinterpret_cast<int*>(children); },
-        count);
-    return TRUE;
-}
-
 static int Windows()
 {
     int count = 0;
-    EnumThreadWindows(GetCurrentThreadId(), CountWindow, reinterpret_cast<LPARAM>(&count));
+    EnumChildWindows(
+        GetDesktopWindow(),
+        [](HWND window, LPARAM found) -> BOOL
+        {
+            DWORD process;
+            GetWindowThreadProcessId(window, &process);
+            *reinterpret_cast<int*>(found) += process == GetCurrentProcessId();
+            return TRUE;
+        },
+        reinterpret_cast<LPARAM>(&count));
     return count;
 }
 
@@ -229,7 +216,7 @@ TEST_F(FrameFiles, ObjectsDoNotGrow)
     DeleteObject(one);
     DWORD handles = 0, handlesAfter = 0;
     GetProcessHandleCount(GetCurrentProcess(), &handles);
-    for (int i = 0; i < 50; ++i)
+    for (int i = 0; i < 200; ++i)
         cycle();
     RunMenu([](HMENU) {});
     GetProcessHandleCount(GetCurrentProcess(), &handlesAfter);

@@ -1,12 +1,7 @@
 #include "tests/win/FrameHarness.h"
 
-#include "app/AppState.h"
-#include "app/AppWindows_win.h"
-#include "app/CommandIds.h"
 #include "app/CommandsWnd.h"
-#include "app/FrameView_win.h"
 #include "app/MainWnd.h"
-#include "app/Strings.h"
 #include "app/ToolbarWnd.h"
 #include "tests/win/ProfileFiles.h"
 

@@ -1,6 +1,10 @@
 #pragma once
 
-#include "app/Win.h"
+#include "app/AppState.h"
+#include "app/AppWindows_win.h"
+#include "app/CommandIds.h"
+#include "app/FrameView_win.h"
+#include "app/Strings.h"
 #include "tests/support/TestFiles.h"
 #include "tests/win/ModalScript.h"
 

@@ -1,20 +1,12 @@
 // Save As through the system's dialog: names, types, refusals, foreign letters.
 
-#include "app/AppState.h"
-#include "app/AppWindows_win.h"
-#include "app/CommandIds.h"
 #include "app/FileDialogsIds.h"
-#include "app/FrameView_win.h"
 #include "app/ProfileStore.h"
-#include "app/Strings.h"
 #include "tests/win/FrameHarness.h"
 
 #include <commctrl.h>
 #include <commdlg.h>
 #include <dlgs.h>
-
-#include <algorithm>
-#include <cstring>
 
 class FrameSave : public FrameTest
 {
@@ -57,45 +49,6 @@ protected:
         CBxPicBufAPI::Copy(&g_resultPicture, g_sourcePicture);
     }
 };
-
-static std::string Start(const Bytes& bytes, size_t count)
-{
-    return std::string(bytes.begin(), bytes.begin() + long(std::min(bytes.size(), count)));
-}
-
-TEST_F(FrameSave, WritesEveryFormat)
-{
-    const struct
-    {
-        const wchar_t* typed;
-        int type;
-        const char* file;
-        const char* magic;
-        int bits;
-    } rows[] = {
-        {L"bare", 0, "bare.bmp", "BM", 8},
-        {L"bare", 1, "bare.tif", "II", 8},
-        {L"bare", 2, "bare.png", "\x89PNG", 8},
-        {L"bare", 3, "bare.jpg", "\xff\xd8\xff", 8},
-        {L"named.PNG", 0, "named.PNG", "\x89PNG", 8},
-        {L"deep", 0, "deep.tif", "II", 16},
-        {L"deep", 1, "deep.png", "\x89PNG", 16},
-    };
-    for (const auto& row : rows)
-    {
-        SCOPED_TRACE(row.file);
-        OpenWithResult("photo.png", row.bits);
-        SaveAs(row.typed, row.type);
-        EXPECT_EQ(Start(ReadBytes(folder.File(row.file)), std::strlen(row.magic)), row.magic);
-        EXPECT_FALSE(g_resultUnsaved);
-        EXPECT_EQ(Title(), L"Plenoviz - " + Wide(row.file));
-        EXPECT_EQ(g_szCurrentFile, Wide("photo.png")) << "metadata still comes from the source";
-        const LoadedPair saved(folder.File(row.file));
-        if (std::string(row.file) != "bare.jpg")
-            ExpectSamePicture(saved.picture.pic, g_resultPicture);
-        EXPECT_EQ(saved.picture.pic.width, 64);
-    }
-}
 
 TEST_F(FrameSave, ProposesNameAndTypeAndRemembersTheQuality)
 {
@@ -191,11 +144,8 @@ TEST_F(FrameSave, AFailureKeepsFileMarkAndTitle)
     EXPECT_EQ(ReadBytes(folder.File("locked.png")), Bytes({1, 2, 3}));
     EXPECT_TRUE(g_resultUnsaved);
     EXPECT_EQ(Title(), title);
-}
 
-TEST_F(FrameSave, AVanishedSourceCostsItsMetadataOnly)
-{
-    OpenWithResult("photo.png");
+    // A source that has vanished costs its metadata only.
     std::filesystem::remove(std::filesystem::u8path(folder.File("photo.png")));
     SaveAs(L"rescued.png", 2,
            {[&](HWND box)
@@ -205,16 +155,4 @@ TEST_F(FrameSave, AVanishedSourceCostsItsMetadataOnly)
             }});
     EXPECT_FALSE(g_resultUnsaved);
     EXPECT_EQ(LoadedPair(folder.File("rescued.png")).picture.pic.width, 64);
-}
-
-TEST_F(FrameSave, FolderNamesMayHaveAnyLetters)
-{
-    const char* name = "Zdjęcia żółte/写真 フォルダ/naïve 猫.png";
-    std::filesystem::create_directories(std::filesystem::u8path(folder.File(name)).parent_path());
-    OpenWithResult(name);
-    EXPECT_EQ(Title(), L"Plenoviz - " + Wide(name));
-    SaveAs(Wide("Zdjęcia żółte/写真 フォルダ/gotowe ł.png"), 2);
-    EXPECT_FALSE(g_resultUnsaved);
-    const LoadedPair saved(folder.File("Zdjęcia żółte/写真 フォルダ/gotowe ł.png"));
-    ExpectSamePicture(saved.picture.pic, g_resultPicture);
 }

@@ -1,10 +1,5 @@
 // Several photographs at once: wrong picks, paging, switching, and the tools' first questions.
 
-#include "app/AppState.h"
-#include "app/AppWindows_win.h"
-#include "app/CommandIds.h"
-#include "app/FrameView_win.h"
-#include "app/Strings.h"
 #include "tests/win/FrameHarness.h"
 
 #include <cwchar>
@@ -12,20 +7,6 @@
 class FrameSeries : public FrameTest
 {
 protected:
-    // A series of flat pictures with brightness 40, 80, 120, as the command leaves it.
-    void ShowSeries()
-    {
-        for (int i = 0; i < 3; ++i)
-        {
-            const double level = 40.0 * (i + 1);
-            const std::string name = "s" + std::to_string(i) + ".png";
-            Save(FlatPicture(64, 48, 8, {level, level, level}), folder.File(name));
-            std::wcscpy(g_sourceFiles[i], Wide(name).c_str());
-        }
-        Drop({Wide("s0.png")});
-        g_multiImageMode = true;
-        g_sourceCount = 3;
-    }
     static Bytes Flat(uint8_t level) { return {level, level, level}; }
 };
 
@@ -37,48 +18,48 @@ TEST_F(FrameSeries, WrongPicksAreToldOnce)
     picture("wide.png", 61, 3);
     picture("grey.png", 60, 1);
     folder.Write("broken.png", {1, 2, 3});
-    const struct
-    {
-        const wchar_t* names;
-        int string;
-        const wchar_t* broken; // file named behind the text
-    } rows[] = {{L"a.png", 77, nullptr},
-                {L"\"a.png\" \"broken.png\"", 33, L"broken.png"},
-                {L"\"a.png\" \"wide.png\"", 54, nullptr},
-                {L"\"grey.png\" \"a.png\"", 54, nullptr}};
+    const std::pair<const wchar_t*, std::wstring> rows[] = {
+        {L"a.png", g_strings[77]},
+        {L"\"a.png\" \"broken.png\"", g_strings[33] + (L" " + Wide("broken.png"))},
+        {L"\"a.png\" \"wide.png\"", g_strings[54]},
+        {L"\"grey.png\" \"a.png\"", g_strings[54]}};
     OpenPicture("before.png", 100, 70);
     const std::wstring title = Title();
     const Bytes shown = ViewCentre();
-    const std::wstring inFolder = WideOf(folder.path.u8string());
-    for (const auto& row : rows)
+    for (const auto& [names, text] : rows)
     {
-        SCOPED_TRACE(row.string);
         RunModal([] { Command(ID_MULTI_IMAGE); },
-                 {[&](HWND dialog) { ChooseFile(dialog, inFolder, row.names); },
-                  [&](HWND box)
+                 {[&, names = names](HWND dialog)
+                  { ChooseFile(dialog, WideOf(folder.path.u8string()), names); },
+                  [&, text = text](HWND box)
                   {
-                      std::wstring text = g_strings[row.string];
-                      if (row.broken)
-                          text += L" " + Wide("broken.png");
                       EXPECT_EQ(MessageBoxText(box), text);
                       EXPECT_EQ(WindowText(box), g_strings[3]);
                       PressButton(box, IDOK);
                   }});
+        for (const int id : {ID_SWITCH_VIEW, ID_SOURCE_NEXT}) // there is nothing to page through
+            Command(id);
         EXPECT_EQ(g_sourceCount, 0);
         EXPECT_EQ(Title(), title);
         EXPECT_EQ(ViewCentre(), shown);
-        Command(ID_SWITCH_VIEW);
-        Command(ID_SOURCE_NEXT);
-        EXPECT_EQ(ViewCentre(), shown) << "there is nothing to page through";
         EXPECT_EQ(Enabled(), "111111111");
     }
     RunModal([] { Command(ID_MULTI_IMAGE); }, {[](HWND dialog) { PressButton(dialog, IDCANCEL); }});
     EXPECT_FALSE(g_multiImageMode);
 }
 
-TEST_F(FrameSeries, PagingWrapsAround)
+TEST_F(FrameSeries, IsPagedThroughAndComparedWithItsResult)
 {
-    ShowSeries();
+    for (int i = 0; i < 3; ++i) // flat pictures of brightness 40, 80, 120
+    {
+        const double level = 40.0 * (i + 1);
+        const std::string name = "s" + std::to_string(i) + ".png";
+        Save(FlatPicture(64, 48, 8, {level, level, level}), folder.File(name));
+        std::wcscpy(g_sourceFiles[i], Wide(name).c_str());
+    }
+    Drop({Wide("s0.png")});
+    g_multiImageMode = true;
+    g_sourceCount = 3;
     const struct
     {
         int command;
@@ -96,18 +77,13 @@ TEST_F(FrameSeries, PagingWrapsAround)
                   std::wstring(L"Showing ") + row.number + L" of 3. " + g_strings[55]);
     }
     EXPECT_EQ(g_szCurrentFile, Wide("s0.png")) << "name and metadata stay the first one's";
-}
 
-TEST_F(FrameSeries, F5SwitchesBetweenSourcesAndResult)
-{
-    ShowSeries();
     MakeResult(200);
-    EXPECT_EQ(ViewCentre(), Flat(200));
     Command(ID_SOURCE_NEXT);
     EXPECT_EQ(ViewCentre(), Flat(200)) << "pages sources only";
     Command(ID_SWITCH_VIEW);
-    EXPECT_EQ(ViewCentre(), Flat(40));
-    EXPECT_EQ(StatusText(), std::wstring(L"Showing 1 of 3. ") + g_strings[31]);
+    EXPECT_EQ(ViewCentre(), Flat(120));
+    EXPECT_EQ(StatusText(), std::wstring(L"Showing 3 of 3. ") + g_strings[31]);
     Command(ID_SWITCH_VIEW);
     EXPECT_EQ(ViewCentre(), Flat(200));
     EXPECT_EQ(StatusText(), g_strings[56]);

@@ -1,15 +1,9 @@
 // How the frame starts and ends: controls, settings, crash marker, questions.
 
-#include "app/AppState.h"
-#include "app/AppWindows_win.h"
-#include "app/CommandIds.h"
-#include "app/FrameView_win.h"
 #include "app/Messages.h"
 #include "app/ProfileStore.h"
 #include "app/Settings.h"
-#include "app/Strings.h"
 #include "tests/win/FrameHarness.h"
-#include "tests/win/ProfileFiles.h"
 
 #include <commctrl.h>
 
@@ -36,35 +30,15 @@ TEST_F(Frame, StartsWithNothingOpen)
     EXPECT_TRUE(GetWindowLongPtrW(g_hwndMain, GWL_EXSTYLE) & WS_EX_ACCEPTFILES);
 }
 
-TEST_F(Frame, LeavesTheNineKeysInOrder)
+TEST_F(Frame, WarnsOnceAfterACrashAndBlamesNoneOnASecondInstance)
 {
-    g_settings.uiPowerT[2] = 44;
     CloseFrame();
     EXPECT_FALSE(IsWindow(g_hwndMain));
     EXPECT_EQ(CrashMarker(), 0);
-    const std::string file = FileBytes(SettingsFilePath());
-    size_t from = 0;
-    for (const char* line :
-         {"[General]", "Crashed Last Time=0", "method=0", "power=1", "noise=1", "uiPowerT1=10",
-          "uiPowerT2=10", "uiPowerT3=44", "uiPowerT4=10", "uiUseColors=10"})
-    {
-        const size_t at = file.find(std::string(line) + "\r\n", from);
-        ASSERT_NE(at, std::string::npos) << line << " in:\n" << file;
-        from = at;
-    }
-}
-
-TEST_F(Frame, WarnsOnceAfterACrash)
-{
-    CloseFrame();
     WriteNumber(UserSettingsFile(), L"General", L"Crashed Last Time", 1);
     RunModal([this] { StartFrame(); }, {Box(2, 3)});
     CloseFrame();
     RunModal([this] { StartFrame(); }, {});
-}
-
-TEST_F(Frame, BlamesNoCrashOnASecondInstance)
-{
     CloseFrame();
     const std::wstring name = WideOf(std::string(g_productName) + ".Running");
     const HANDLE otherInstance = CreateMutexW(nullptr, FALSE, name.c_str());
@@ -86,18 +60,13 @@ TEST_F(Frame, AsksBeforeItClosesOverAnUnsavedResult)
     EXPECT_TRUE(IsWindow(g_hwndMain));
     EXPECT_TRUE(g_resultUnsaved);
     EXPECT_EQ(ViewCentre(), Bytes({90, 90, 90}));
-    RunModal(exit, {Box(21, 3, IDYES)});
-    Pump();
-    EXPECT_FALSE(IsWindow(g_hwndMain));
-    EXPECT_EQ(CrashMarker(), 0);
-}
-
-TEST_F(Frame, TakesALogoffForAProperEnd)
-{
-    EXPECT_TRUE(SendMessageW(g_hwndMain, WM_QUERYENDSESSION, 0, 0));
     SendMessageW(g_hwndMain, WM_ENDSESSION, FALSE, 0);
     EXPECT_EQ(CrashMarker(), 1) << "another program refused";
     SendMessageW(g_hwndMain, WM_ENDSESSION, TRUE, 0);
+    EXPECT_EQ(CrashMarker(), 0);
+    RunModal(exit, {Box(21, 3, IDYES)});
+    Pump();
+    EXPECT_FALSE(IsWindow(g_hwndMain));
     EXPECT_EQ(CrashMarker(), 0);
 }
 

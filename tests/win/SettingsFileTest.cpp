@@ -56,12 +56,7 @@ TEST_F(RealProfileFiles, HoldTheSettingsOfARunInOrder)
               "[General]\r\nCrashed Last Time=0\r\nExposure=128\r\nFlatness=3\r\nPower=22\r\n"
               "method=0\r\nnoise=1\r\nuiPowerT1=10\r\nuiPowerT2=10\r\nuiPowerT3=10\r\n"
               "uiPowerT4=10\r\nuiUseColors=10\r\n");
-}
-
-TEST_F(RealProfileFiles, MakeTheirFolderAgain)
-{
-    LoadSettings();
-    UseFreshProfileFiles();
+    UseFreshProfileFiles(); // takes the folder away
     EXPECT_TRUE(WriteSettings(SettingGroup::NoisePrompt));
     EXPECT_EQ(FileBytes(SettingsFilePath()), "[General]\r\nDenoise Strength=0\r\n");
 }
@@ -88,6 +83,8 @@ TEST_F(RealProfileFiles, GiveTextsWithAllTheirBlanksAndLetters)
     ASSERT_EQ(g_languages.languages.size(), 2u);
     EXPECT_EQ(g_languages.languages[1].name, L"日本語");
     EXPECT_EQ(g_languages.languages[1].acronym, L"ja");
+    EXPECT_TRUE(ChooseLanguage(LocalizationFile(), &g_languages, 0));
+    EXPECT_EQ(FileBytes(LocalizationFilePath()).substr(0, 2), "\xff\xfe") << "still UTF-16";
 }
 
 TEST_F(RealProfileFiles, OfTheProgramHoldEveryEnglishText)
@@ -108,18 +105,4 @@ TEST_F(RealProfileFiles, OfTheProgramHoldEveryEnglishText)
             continue;
         EXPECT_EQ(text, EnglishText(number)) << number;
     }
-}
-
-TEST_F(RealProfileFiles, KeepTheChosenLanguage)
-{
-    WriteLocalization(L"[General]\r\nLanguages No=2\r\nLanguage Current=0\r\n[1]\r\nstring3=é\r\n");
-    EXPECT_TRUE(ChooseLanguage(LocalizationFile(), &g_languages, 1));
-    LoadSettings();
-    EXPECT_EQ(g_languages.current, 1);
-    EXPECT_EQ(FileBytes(LocalizationFilePath()).substr(0, 2), "\xff\xfe");
-    LoadLocalizedStrings();
-    EXPECT_STREQ(g_strings[3], L"é");
-
-    HeldLocalization held;
-    EXPECT_FALSE(ChooseLanguage(LocalizationFile(), &g_languages, 0));
 }
