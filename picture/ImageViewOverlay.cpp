@@ -1,42 +1,41 @@
 #include "picture/ImageViewOverlay.h"
 
 #include "picture/ParallelRows.h"
+#include "picture/PicTransformRows.h"
 
 #include <algorithm>
 #include <cmath>
 #include <cstdlib>
+#include <cstring>
+
+constexpr int kSquare = 15; // pixels of a square of the checkerboard
 
 // Blue, green, red.
 static constexpr uint8_t kCurveColour[3] = {100, 250, 100};
 static constexpr uint8_t kSelectedColour[3] = {100, 250, 250};
 static constexpr uint8_t kMarkerColour[3] = {100, 100, 250};
 
-static void BlendRow(uint8_t* out, const uint8_t* alpha, int y, int width)
+// One row of the checkerboard for each parity of its squares.
+static std::vector<uint8_t> CheckerRow(int width, int parity)
 {
-    constexpr int kSquare = 15;
-    constexpr unsigned kSame = 190, kDiffering = 220;
-    for (int left = 0, column = 0; left < width; left += kSquare, ++column)
-    {
-        const bool same = (y / kSquare) % 2 == column % 2;
-        const unsigned checker = same ? kSame : kDiffering;
-        const int right = std::min(left + kSquare, width);
-        for (int x = left; x < right; ++x)
-            for (int c = 0; c < 3; ++c)
-            {
-                const unsigned a = alpha[x];
-                out[3 * x + c] = uint8_t(((255 - a) * checker + out[3 * x + c] * a) / 255);
-            }
-    }
+    constexpr uint8_t kSame = 190, kDiffering = 220;
+    std::vector<uint8_t> row(size_t(width) * 3);
+    for (int x = 0; x < width; ++x)
+        std::memset(row.data() + 3 * size_t(x), x / kSquare % 2 == parity ? kSame : kDiffering, 3);
+    return row;
 }
 
 void BlendOverChecker(SBxPicBuf* picture, const SBxPicBuf& alpha)
 {
+    const std::vector<uint8_t> checker[2] = {CheckerRow(picture->width, 0),
+                                             CheckerRow(picture->width, 1)};
     VcParallelRows(picture->height, 3 * picture->width,
                    [&](int firstRow, int endRow)
                    {
                        for (int y = firstRow; y < endRow; ++y)
-                           BlendRow(PicRow<uint8_t>(*picture, y), PicRow<const uint8_t>(alpha, y),
-                                    y, picture->width);
+                           VcTransformRows().blend(
+                               PicRow<uint8_t>(*picture, y), checker[y / kSquare % 2].data(),
+                               PicRow<const uint8_t>(alpha, y), picture->width);
                    });
 }
 

@@ -219,29 +219,31 @@ static InnerSpan LongestInner(const std::vector<Tap>& columns, IsInner isInner)
 }
 
 static InnerSpan TunedSpan(const TransformRows& tuned, const std::vector<BilinearTap>& columns,
-                           int width)
+                           const SBxPicBuf& src)
 {
-    if (!tuned.bilinear)
+    const bool grey = src.components == 1;
+    if (!(grey ? tuned.bilinearGrey : tuned.bilinear))
         return {0, 0};
-    return LongestInner(
-        columns, [&](const BilinearTap& tap)
-        { return tap.high == tap.low + 1 && tap.low <= width - tuned.bilinearReach; });
+    const int last = src.width - (grey ? tuned.bilinearGreyReach : tuned.bilinearReach);
+    return LongestInner(columns, [&](const BilinearTap& tap)
+                        { return tap.high == tap.low + 1 && tap.low <= last; });
 }
 
 static InnerSpan TunedSpan(const TransformRows& tuned, const std::vector<BicubicTap>& columns,
-                           int width)
+                           const SBxPicBuf& src)
 {
-    if (!tuned.bicubic)
+    if (!tuned.bicubic || src.components == 1)
         return {0, 0};
     return LongestInner(columns, [&](const BicubicTap& tap)
-                        { return tap.first >= 0 && tap.first <= width - tuned.bicubicReach; });
+                        { return tap.first >= 0 && tap.first <= src.width - tuned.bicubicReach; });
 }
 
 static void TunedRow(const TransformRows& tuned, uint8_t* out, const SBxPicBuf& src,
                      const BilinearTap* columns, int count, const BilinearTap& row)
 {
-    tuned.bilinear(out, PicRow<uint8_t>(src, row.low), PicRow<uint8_t>(src, row.high), columns,
-                   count, row.weights);
+    const auto make = src.components == 1 ? tuned.bilinearGrey : tuned.bilinear;
+    make(out, PicRow<uint8_t>(src, row.low), PicRow<uint8_t>(src, row.high), columns, count,
+         row.weights);
 }
 
 static void TunedRow(const TransformRows& tuned, uint8_t* out, const SBxPicBuf& src,
@@ -273,11 +275,11 @@ static void TransformUpright(SBxPicBuf* dst, const SBxPicBuf& src, const double 
         columns[size_t(x - first)] = Filter::Make(columnAt(x), src.width);
 
     const TransformRows& tuned = VcTransformRows();
-    constexpr bool canTune = sizeof(T) == 1 && C == 3 &&
-                             (std::is_same_v<Tap, BilinearTap> || std::is_same_v<Tap, BicubicTap>);
+    constexpr bool canTune = sizeof(T) == 1 && (std::is_same_v<Tap, BilinearTap> ||
+                                                std::is_same_v<Tap, BicubicTap>);
     InnerSpan span = {0, 0};
     if constexpr (canTune)
-        span = TunedSpan(tuned, columns, src.width);
+        span = TunedSpan(tuned, columns, src);
 
     const auto makeRow = [&](int y)
     {

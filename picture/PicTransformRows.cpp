@@ -4,7 +4,14 @@
 
 extern const TransformRows kTransformRowsAvx2;
 
-static const TransformRows kPlainRows = {"plain", 0, 0, nullptr, nullptr};
+static void Blend(uint8_t* over, const uint8_t* under, const uint8_t* alpha, int count)
+{
+    for (int x = 0; x < count; ++x, over += 3, under += 3)
+        for (int c = 0; c < 3; ++c)
+            over[c] = uint8_t(((255u - alpha[x]) * under[c] + unsigned(over[c]) * alpha[x]) / 255);
+}
+
+static const TransformRows kPlainRows = {"plain", 0, 0, 0, nullptr, nullptr, nullptr, Blend};
 static std::atomic<const TransformRows*> g_forcedRows{nullptr};
 
 const TransformRows* VcTransformRowsOf(TransformVariant variant)

@@ -2,7 +2,7 @@
 
 #include <cstdint>
 
-// The inner loops of the transforms for 8-bit colour, one set per instruction set. Each set passes
+// The inner loops of the view for 8-bit samples, one set per instruction set. Each set passes
 // the same tests and gives the same bits: all arithmetic is in integers.
 //
 // This header is seen by a file with instruction-set flags of its own, so it must stay free of
@@ -39,13 +39,20 @@ struct TransformRows
     const char* name;
     int bilinearReach;
     int bicubicReach;
+    int bilinearGreyReach;
 
     void (*bilinear)(uint8_t* out, const uint8_t* upper, const uint8_t* lower,
                      const BilinearTap* columns, int count, uint32_t rowWeights);
     void (*bicubic)(uint8_t* out, const uint8_t* const rows[4], const BicubicTap* columns,
                     int count, const int16_t rowWeight[4]);
+    void (*bilinearGrey)(uint8_t* out, const uint8_t* upper, const uint8_t* lower,
+                         const BilinearTap* columns, int count, uint32_t rowWeights);
+
+    // Lays three samples a pixel over those of `under`, as opaque as alpha says: see
+    // BlendOverChecker. Never null; takes any count.
+    void (*blend)(uint8_t* over, const uint8_t* under, const uint8_t* alpha, int count);
 };
-constexpr int kLeastTunedPixels = 4;
+constexpr int kLeastTunedPixels = 8;
 
 enum class TransformVariant
 {
