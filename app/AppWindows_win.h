@@ -18,12 +18,12 @@ struct MessageRow
     LRESULT (*handler)(HWND hwnd, WPARAM wParam, LPARAM lParam);
 };
 
-// The row's handler, or null.
-template <int N>
-auto FindHandler(const MessageRow (&rows)[N], UINT message)
+// The window procedure of a table.
+template <const auto& Rows>
+LRESULT CALLBACK TableProc(HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam)
 {
-    for (const MessageRow& row : rows)
+    for (const MessageRow& row : Rows)
         if (row.message == message)
-            return row.handler;
-    return static_cast<decltype(rows[0].handler)>(nullptr);
+            return row.handler(hwnd, wParam, lParam);
+    return DefWindowProcW(hwnd, message, wParam, lParam);
 }

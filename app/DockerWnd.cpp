@@ -136,13 +136,6 @@ static const MessageRow kDockerMessages[] = {
     {WM_NCDESTROY, OnDestroyed},
 };
 
-static LRESULT CALLBACK DockerProc(HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam)
-{
-    if (const auto handler = FindHandler(kDockerMessages, message))
-        return handler(hwnd, wParam, lParam);
-    return DefWindowProcW(hwnd, message, wParam, lParam);
-}
-
 static HFONT CaptionFont()
 {
     LOGFONTW font = {};
@@ -155,7 +148,7 @@ static HFONT CaptionFont()
 HWND CreateDocker(HWND parent)
 {
     WNDCLASSW windowClass = {};
-    windowClass.lpfnWndProc = DockerProc;
+    windowClass.lpfnWndProc = TableProc<kDockerMessages>;
     windowClass.hInstance = g_hInst;
     windowClass.hCursor = LoadCursorW(nullptr, MAKEINTRESOURCEW(32512)); // the arrow
     windowClass.hbrBackground = SkinBrush(COLOR_BTNFACE);

@@ -35,19 +35,27 @@ static std::string Utf8(const std::wstring& text)
     return utf8;
 }
 
-bool AskForPicture(HWND owner, const wchar_t* title, std::wstring* path)
+// What all three dialogs have in common. `name` goes in and comes out.
+static OPENFILENAMEW FileDialog(HWND owner, const wchar_t* title, const std::wstring& filter,
+                                wchar_t* name, int capacity)
 {
-    wchar_t name[kNameChars] = L"";
-    const std::wstring filter = DialogFilter({L"*.bmp;*.jpg;*.tif;*.png"});
     OPENFILENAMEW dialog = {};
     dialog.lStructSize = sizeof dialog;
     dialog.hwndOwner = owner;
     dialog.lpstrFilter = filter.c_str();
     dialog.nFilterIndex = 1;
     dialog.lpstrFile = name;
-    dialog.nMaxFile = kNameChars;
+    dialog.nMaxFile = DWORD(capacity);
     dialog.lpstrTitle = title;
     dialog.Flags = kDialogFlags;
+    return dialog;
+}
+
+bool AskForPicture(HWND owner, const wchar_t* title, std::wstring* path)
+{
+    wchar_t name[kNameChars] = L"";
+    const std::wstring filter = DialogFilter({L"*.bmp;*.jpg;*.tif;*.png"});
+    OPENFILENAMEW dialog = FileDialog(owner, title, filter, name, kNameChars);
     if (!GetOpenFileNameW(&dialog))
         return false;
     *path = name;
@@ -58,15 +66,8 @@ PickedFiles AskForSeries(HWND owner)
 {
     wchar_t names[kSeriesChars] = L"";
     const std::wstring filter = DialogFilter({L"*.bmp;*.jpg;*.gif;*.tif;*.png"});
-    OPENFILENAMEW dialog = {};
-    dialog.lStructSize = sizeof dialog;
-    dialog.hwndOwner = owner;
-    dialog.lpstrFilter = filter.c_str();
-    dialog.nFilterIndex = 1;
-    dialog.lpstrFile = names;
-    dialog.nMaxFile = kSeriesChars;
-    dialog.lpstrTitle = g_strings[49];
-    dialog.Flags = kDialogFlags | OFN_ALLOWMULTISELECT;
+    OPENFILENAMEW dialog = FileDialog(owner, g_strings[49], filter, names, kSeriesChars);
+    dialog.Flags |= OFN_ALLOWMULTISELECT;
     PickedFiles picked;
     if (!GetOpenFileNameW(&dialog))
     {
@@ -193,23 +194,17 @@ static bool AskForTarget(HWND owner, int bitsPerComponent, const wchar_t* source
         patterns.push_back(type.pattern);
     const std::wstring filter = DialogFilter(patterns);
 
-    OPENFILENAMEW dialog = {};
-    dialog.lStructSize = sizeof dialog;
-    dialog.hwndOwner = owner;
+    OPENFILENAMEW dialog = FileDialog(owner, g_strings[8], filter, name, kNameChars);
+    if (const int type = PreselectedSaveType(source, bitsPerComponent))
+    {
+        dialog.nFilterIndex = DWORD(type);
+        dialog.lpstrDefExt = types[size_t(type) - 1].extension + 1; // without the dot
+    }
     dialog.hInstance = GetModuleHandleW(nullptr);
-    dialog.lpstrFilter = filter.c_str();
-    dialog.nFilterIndex = DWORD(PreselectedSaveType(source, bitsPerComponent));
-    if (dialog.nFilterIndex > 0)
-        dialog.lpstrDefExt = types[dialog.nFilterIndex - 1].extension + 1; // without the dot
-    else
-        dialog.nFilterIndex = 1;
-    dialog.lpstrFile = name;
-    dialog.nMaxFile = kNameChars;
-    dialog.lpstrTitle = g_strings[8];
     dialog.lCustData = bitsPerComponent;
     dialog.lpfnHook = QualityHook;
     dialog.lpTemplateName = MAKEINTRESOURCEW(IDD_JPEG_QUALITY);
-    dialog.Flags = kDialogFlags | OFN_ENABLESIZING | OFN_ENABLEHOOK | OFN_ENABLETEMPLATE;
+    dialog.Flags |= OFN_ENABLESIZING | OFN_ENABLEHOOK | OFN_ENABLETEMPLATE;
     if (!GetSaveFileNameW(&dialog))
         return false;
     *target = SaveTargetOf(name, int(dialog.nFilterIndex), bitsPerComponent);

@@ -388,19 +388,12 @@ static const MessageRow kFrameMessages[] = {
     {WM_APP_VIEW_REFRESH, OnViewRefresh},
 };
 
-static LRESULT CALLBACK FrameProc(HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam)
-{
-    if (const auto handler = FindHandler(kFrameMessages, message))
-        return handler(hwnd, wParam, lParam);
-    return DefWindowProcW(hwnd, message, wParam, lParam);
-}
-
 bool RegisterMainWindowClass(HINSTANCE instance, const wchar_t* className)
 {
     WNDCLASSEXW frame = {};
     frame.cbSize = sizeof frame;
     frame.style = CS_HREDRAW | CS_VREDRAW | CS_DBLCLKS;
-    frame.lpfnWndProc = FrameProc;
+    frame.lpfnWndProc = TableProc<kFrameMessages>;
     frame.hInstance = instance;
     frame.hIcon = LoadIconW(instance, MAKEINTRESOURCEW(IDI_PLENOVIZ));
     frame.hIconSm = static_cast<HICON>(LoadImageW(instance, MAKEINTRESOURCEW(IDI_PLENOVIZ),

@@ -91,6 +91,15 @@ static void OpenSeries(const std::vector<std::wstring>& paths, SBxPicBuf* first,
     ShowExposureFusionDialog(std::move(series));
 }
 
+// A wrong pick leaves the mode on and no series in it: nothing can be paged through, nothing else
+// changes, and the next picture or tool ends it.
+static void KeepModeWithoutSeries()
+{
+    g_multiImageMode = true;
+    g_sourceCount = 0;
+    g_sourceIndex = 0;
+}
+
 void StartMultiImage()
 {
     if (!MayLoseResult())
@@ -100,6 +109,8 @@ void StartMultiImage()
         Warn(g_strings[15]);
     if (picked.onlyOne)
         Warn(g_strings[77]);
+    if (picked.tooMany || picked.onlyOne)
+        KeepModeWithoutSeries();
     if (picked.paths.empty())
         return;
 
@@ -108,6 +119,8 @@ void StartMultiImage()
     CBxPicBufAPI::Init(&alpha);
     if (auto series = ReadSeries(picked.paths, &first, &alpha))
         OpenSeries(picked.paths, &first, &alpha, std::move(series));
+    else
+        KeepModeWithoutSeries();
     CBxPicBufAPI::DoneHeap(&first);
     CBxPicBufAPI::DoneHeap(&alpha);
 }
@@ -117,6 +130,7 @@ static bool MayStartTool()
 {
     if (!MayLoseResult())
         return false;
+    g_multiImageMode = false; // of a wrong pick; over a series these commands are off
     const int bits = g_sourcePicture.bitsPerComponent;
     if (HasPicture(g_sourcePicture) && (bits == 8 || bits == 16))
         return true;
@@ -144,7 +158,6 @@ void StartSingleImage()
     if (!MayStartTool() || !AskForNoiseLevel(&noiseLevel))
         return;
     g_resultUnsaved = false;
-    g_multiImageMode = false;
     StartSeries(SeriesKind::Single, noiseLevel);
 }
 

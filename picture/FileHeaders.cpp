@@ -170,17 +170,16 @@ static void EachTiffEntry(FILE* stream, EntryFn entryFound)
     }
 }
 
-bool TiffCountsFromWhite(FILE* stream)
+int TiffNumber(FILE* stream, int wanted)
 {
-    const int kPhotometric = 262;
-    bool fromWhite = false;
+    int number = -1;
     EachTiffEntry(stream,
                   [&](long, int tag, uint64_t value)
                   {
-                      fromWhite = tag == kPhotometric && value == 0;
-                      return tag == kPhotometric;
+                      number = tag == wanted ? int(value) : -1;
+                      return tag == wanted;
                   });
-    return fromWhite;
+    return number;
 }
 
 std::vector<MaskedByte> MaskedTiffEntries(FILE* stream)
@@ -223,10 +222,11 @@ bool LooksLikeRaw(FILE* stream)
                        { return std::memcmp(head + s.offset, s.bytes, size_t(s.length)) == 0; });
 }
 
+static const size_t kTiff = 6; // "Exif" and two zeros; offsets count from here
+
 // Whether the first directory of an EXIF block, with the offset behind it, lies inside the block.
 static bool ExifIsSound(const std::vector<uint8_t>& block)
 {
-    const size_t kTiff = 6; // "Exif" and two zeros; offsets count from here
     if (block.size() < kTiff + 8)
         return false;
     const bool bigEndian = block[kTiff] == 'M';
@@ -291,4 +291,37 @@ std::vector<MaskedByte> MaskedExif(FILE* stream)
         at += long(kept + read - overlap);
         kept = overlap;
     }
+}
+
+// The number of the orientation in a block whose first directory is sound, or null.
+static uint8_t* OrientationIn(uint8_t* block)
+{
+    const bool bigEndian = block[kTiff] == 'M';
+    uint8_t* entry = block + kTiff + FileNumber(block + kTiff + 4, 4, bigEndian);
+    uint64_t left = FileNumber(entry, 2, bigEndian);
+    for (entry += 2; left > 0; --left, entry += 12)
+        if (FileNumber(entry, 2, bigEndian) == uint64_t(kTiffOrientation))
+            return entry + 8;
+    return nullptr;
+}
+
+int JpegOrientation(FILE* stream)
+{
+    std::vector<uint8_t> block = SoundJpegExif(stream);
+    const uint8_t* number = block.empty() ? nullptr : OrientationIn(block.data());
+    return number ? int(FileNumber(number, 2, block[kTiff] == 'M')) : 1;
+}
+
+void SetExifUpright(std::vector<uint8_t>* sound)
+{
+    uint8_t* block = sound->data();
+    const bool bigEndian = block[kTiff] == 'M';
+    uint8_t* number = OrientationIn(block);
+    if (!number || FileNumber(number, 2, bigEndian) < 2)
+        return;
+    number[0] = bigEndian ? 0 : 1;
+    number[1] = bigEndian ? 1 : 0;
+    // The offset of the preview's directory stands behind the first one.
+    uint8_t* directory = block + kTiff + FileNumber(block + kTiff + 4, 4, bigEndian);
+    std::memset(directory + 2 + 12 * FileNumber(directory, 2, bigEndian), 0, 4);
 }

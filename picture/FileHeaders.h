@@ -20,9 +20,13 @@ bool FindPngProfile(FILE* stream, std::vector<uint8_t>* packed);
 // may be cut off. The PNG library takes and clears as much memory as a chunk claims.
 bool PngChunksFit(FILE* stream);
 
-// Whether zero means white in the first picture of a TIFF stream. FreeImage knows this for 8 bits,
-// where it makes a palette of it, but forgets it for 16.
-bool TiffCountsFromWhite(FILE* stream);
+// The number that stands under a tag in the first directory of a TIFF stream, or -1.
+int TiffNumber(FILE* stream, int tag);
+
+// Photometric interpretation 0: zero means white. FreeImage knows this for 8 bits, where it makes a
+// palette of it, but forgets it for 16.
+constexpr int kTiffPhotometric = 262;
+constexpr int kTiffOrientation = 274; // see Orientation.h; EXIF has the same tag
 
 // Whether the file begins like a camera raw file that cameras of the last twenty years write: only
 // those are handed to the raw library, which else tries decoders of long gone makers on anything.
@@ -31,6 +35,13 @@ bool LooksLikeRaw(FILE* stream);
 // The EXIF block of a JPEG stream from its first letter on, as SaveExtras::exif takes it. Empty
 // when there is none whose first directory lies inside of it.
 std::vector<uint8_t> SoundJpegExif(FILE* stream);
+
+// The orientation that this block gives, or 1.
+int JpegOrientation(FILE* stream);
+
+// Makes such a block say that the picture is upright. If it said otherwise the small preview
+// picture is left behind, since it would lie on its side.
+void SetExifUpright(std::vector<uint8_t>* exif);
 
 // A byte of a file that FreeImage sees as another one.
 struct MaskedByte

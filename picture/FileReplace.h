@@ -5,22 +5,19 @@
 #include <filesystem>
 #include <string>
 
-// Writing a file so that its name holds either the old contents or the complete
-// new ones, never anything between. The new contents go into a fresh file in
-// the same folder, which takes the place of the target at the very end;
-// whatever fails before leaves the target as it was.
+// Writing a file so that its name holds either the old contents or the complete new ones, never
+// anything between. The new contents go into a fresh file in the same folder, which takes the place
+// of the target at the very end; whatever fails before leaves the target as it was.
 //
 //   ReplacingFile file;
 //   if (BeginReplacing(&file, path)) ... write to file.stream, note failures in
 //   file.error ... file.error ? CancelReplacing(&file) :
 //   FinishReplacing(&file);
 //
-// A process that is killed leaves its sibling behind. The next save into the
-// same folder removes it; the siblings of whoever still writes stay, on this
-// machine or another.
+// A process that is killed leaves its sibling behind. The next save into the same folder removes
+// it; the siblings of whoever still writes stay, on this machine or another.
 //
-// Paths are save paths (SystemFiles.h). Errors are errno values on every
-// system.
+// Paths are save paths (SystemFiles.h). Errors are errno values on every system.
 struct ReplacingFile
 {
     FILE* stream = nullptr;        // open for writing and reading
@@ -29,21 +26,21 @@ struct ReplacingFile
     int error = 0;                 // first error seen; the caller adds its own
 };
 
-// Opens the sibling. False, with `error` set, when the target is a folder, a
-// device, or not writable, or when the folder does not take new files. An
-// existing target passes its permissions on to the new file.
+// Opens the sibling. False, with `error` set, when the target is a folder, a device, or not
+// writable, or when the folder does not take new files. An existing target passes its permissions
+// on to the new file.
 bool BeginReplacing(ReplacingFile* file, const char* target);
 
-// Closes the file and lets it take the target's place, once its contents are
-// on the disk if `toDisk`. False, with `error` set, when any of it fails or `error` was
-// set before; the sibling is gone then. The stream is closed either way.
+// Closes the file and lets it take the target's place, once its contents are on the disk if
+// `toDisk`. False, with `error` set, when any of it fails or `error` was set before; the sibling is
+// gone then. The stream is closed either way.
 bool FinishReplacing(ReplacingFile* file, bool toDisk = true);
 
 // Closes and removes the sibling.
 void CancelReplacing(ReplacingFile* file);
 
-// The number of the process that a sibling's name tells, 0 when it is no such
-// name: ".plenoviz-PROCESS-COUNTER.tmp", both in decimal digits.
+// The number of the process that a sibling's name tells, 0 when it is no such name:
+// ".plenoviz-PROCESS-COUNTER.tmp", both in decimal digits.
 template <typename Letter>
 unsigned long SiblingProcess(const std::basic_string<Letter>& name)
 {

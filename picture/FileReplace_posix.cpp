@@ -158,13 +158,3 @@ bool FinishReplacing(ReplacingFile* file, bool toDisk)
     CancelReplacing(file);
     return false;
 }
-
-void CancelReplacing(ReplacingFile* file)
-{
-    if (file->stream)
-        std::fclose(file->stream);
-    file->stream = nullptr;
-    if (!file->sibling.empty())
-        unlink(file->sibling.c_str());
-    file->sibling.clear();
-}

@@ -3,6 +3,7 @@
 #include "picture/FileHeaders.h"
 #include "picture/FileReplace.h"
 #include "picture/ImageCodec.h"
+#include "picture/Orientation.h"
 #include "picture/ShortMemory.h"
 #include "picture/SystemFiles.h"
 
@@ -226,6 +227,13 @@ static void InvertSixteenBits(SBxPicBuf* picture)
         samples[i] = uint16_t(~samples[i]);
 }
 
+static int OrientationOf(FREE_IMAGE_FORMAT format, FILE* file)
+{
+    if (format == FIF_JPEG)
+        return JpegOrientation(file);
+    return format == FIF_TIFF ? TiffNumber(file, kTiffOrientation) : 1;
+}
+
 // The file and the format of what it holds.
 static LoadProblem OpenPicture(const char* path, FileOwner* file, ImageStream* stream,
                                FREE_IMAGE_FORMAT* format)
@@ -257,9 +265,15 @@ static LoadProblem LoadPair(const char* path, SBxPicBuf* picture, SBxPicBuf* alp
     if (format == FIF_BMP)
         DropUnusedAlpha(alpha);
     if (format == FIF_TIFF && FreeImage_GetImageType(bitmap.get()) == FIT_UINT16 &&
-        FreeImage_GetColorType(bitmap.get()) == FIC_MINISBLACK && TiffCountsFromWhite(file.get()))
+        FreeImage_GetColorType(bitmap.get()) == FIC_MINISBLACK &&
+        TiffNumber(file.get(), kTiffPhotometric) == 0)
         InvertSixteenBits(picture);
-    return LoadProblem::None;
+    const int orientation = OrientationOf(format, file.get());
+    if (MakeUpright(picture, orientation) && MakeUpright(alpha, orientation))
+        return LoadProblem::None;
+    CBxPicBufAPI::DoneHeap(picture);
+    CBxPicBufAPI::DoneHeap(alpha);
+    return LoadProblem::OutOfMemory;
 }
 
 bool LoadPicturePair(const char* path, SBxPicBuf* picture, SBxPicBuf* alpha, LoadReport* report)
@@ -329,10 +343,30 @@ static bool ProfileFits(const FIICCPROFILE* profile, const SBxPicBuf& picture)
     return space != "CMYK" && space != (picture.components == 1 ? "RGB " : "GRAY");
 }
 
+// The picture was turned upright when it was loaded: what travels along must not turn it again.
+static void SayUpright(FIBITMAP* bitmap)
+{
+    FITAG* tag = nullptr;
+    if (!FreeImage_GetMetadata(FIMD_XMP, bitmap, "XMLPacket", &tag))
+        return;
+    char* xmp = static_cast<char*>(const_cast<void*>(FreeImage_GetTagValue(tag)));
+    const size_t size = FreeImage_GetTagLength(tag);
+    for (const std::string name : {"tiff:Orientation=\"", "tiff:Orientation>"})
+    {
+        char* found = std::search(xmp, xmp + size, name.begin(), name.end());
+        if (found + name.size() < xmp + size && found[name.size()] >= '2' &&
+            found[name.size()] <= '8')
+            found[name.size()] = '1';
+    }
+}
+
 static void TakeProfileAndMetadata(FIBITMAP* bitmap, FREE_IMAGE_FORMAT format, FIBITMAP* source,
                                    const SBxPicBuf& picture)
 {
     FreeImage_CloneMetadata(bitmap, source);
+    SayUpright(bitmap);
+    // The samples count from black to white, whatever those of the source did.
+    FreeImage_SetMetadata(FIMD_EXIF_MAIN, bitmap, "PhotometricInterpretation", nullptr);
     // Of the captions the TIFF encoder writes a quarter.
     if (format == FIF_TIFF)
         FreeImage_SetMetadata(FIMD_IPTC, bitmap, nullptr, nullptr);
@@ -379,10 +413,13 @@ static void TakeFromSource(FIBITMAP* bitmap, FREE_IMAGE_FORMAT targetFormat, con
     if (format == FIF_PNG && !FreeImage_GetICCProfile(source.get())->data)
         AttachPngProfile(source.get(), file.get());
     TakeProfileAndMetadata(bitmap, targetFormat, source.get(), picture);
-    const std::vector<uint8_t> exif =
-        format == FIF_JPEG ? SoundJpegExif(file.get()) : std::vector<uint8_t>();
-    if (!exif.empty())
-        SetExif(bitmap, exif);
+    std::vector<uint8_t> exif;
+    if (format == FIF_JPEG)
+        exif = SoundJpegExif(file.get());
+    if (exif.empty())
+        return;
+    SetExifUpright(&exif);
+    SetExif(bitmap, exif);
 }
 
 static bool Encode(FREE_IMAGE_FORMAT format, FIBITMAP* bitmap, FreeImageIO* io, ImageStream* stream,

@@ -7,12 +7,10 @@
 #include <string>
 #include <vector>
 
-// Photographs in files. A picture travels with an optional alpha plane of its
-// size and bits; a plane without data means none. Every routine may run on
-// several threads at once.
+// Photographs in files. A picture travels with an optional alpha plane of its size and bits; a
+// plane without data means none. Every routine may run on several threads at once.
 
-// Both carry an empty message: the caller knows which file it was and says so
-// in its own words.
+// Both carry an empty message: the caller knows which file it was and says so in its own words.
 class UnsupportedImageFormat : public std::runtime_error
 {
 public:
@@ -32,9 +30,8 @@ constexpr int kFormatPng = 13;
 constexpr int kFormatTiff = 18;
 constexpr int kFormatGif = 25;
 
-// Quality of JPEG files, 1..100, for the whole program; below 1 it is unset and
-// 95 is used. Set by whoever asks the user; not to be changed while a picture
-// is being saved.
+// Quality of JPEG files, 1..100, for the whole program; below 1 it is unset and 95 is used. Set by
+// whoever asks the user; not to be changed while a picture is being saved.
 extern int g_jpegQuality;
 
 enum class LoadProblem
@@ -57,10 +54,10 @@ struct LoadReport
 
 const char* LoadProblemText(LoadProblem problem); // end of a one-line message, no full stop
 
-// Reads a file (path in UTF-8) into the pair. Both records must be initialised;
-// what they own is released. True on failure, then both are empty and `report`,
-// if given, says why. Geometry is checked before memory is taken. A truncated
-// JPEG or TIFF counts as read, with what it has.
+// Reads a file (path in UTF-8) into the pair. Both records must be initialised; what they own is
+// released. A photograph that the camera marked as lying on its side comes out upright. True on
+// failure, then both are empty and `report`, if given, says why. Geometry is checked before memory
+// is taken. A truncated JPEG or TIFF counts as read, with what it has.
 [[nodiscard]] bool LoadPicturePair(const char* path, SBxPicBuf* picture, SBxPicBuf* alpha,
                                    LoadReport* report = nullptr);
 
@@ -95,8 +92,7 @@ std::string SaveReportText(const SaveReport& report); // end of a one-line messa
 // What a file gets beyond picture and source.
 struct SaveExtras
 {
-    // EXIF block of a JPEG file (ExifBlock.h), instead of the source's. Empty =
-    // none.
+    // EXIF block of a JPEG file (ExifBlock.h), instead of the source's. Empty = none.
     std::vector<uint8_t> exif;
 
     // A file of the program's own that is read once and thrown away: TIFF without compression, and
@@ -104,23 +100,20 @@ struct SaveExtras
     bool passing = false;
 };
 
-// Writes the pair to `target`; with a non-empty `source`, its colour profile
-// and metadata go along. Paths are save paths (SystemFiles.h). The format is
-// one of FreeImage's numbers or kFormatFromName. Target and source may be the
-// same file.
+// Writes the pair to `target`; with a non-empty `source`, its colour profile and metadata go along.
+// Paths are save paths (SystemFiles.h). The format is one of FreeImage's numbers or
+// kFormatFromName. Target and source may be the same file.
 //
-// Always returns false. Throws UnsupportedImageFormat for a target or source
-// format that is unknown, cannot be written or read, or is GIF, and
-// ImageReadError when the source does not load. Every other failure is silent
-// except for `report`, and every failure leaves the target as it was.
+// Always returns false. Throws UnsupportedImageFormat for a target or source format that is
+// unknown, cannot be written or read, or is GIF, and ImageReadError when the source does not load.
+// Every other failure is silent except for `report`, and every failure leaves the target as it was.
 //
-// EXIF goes from JPEG to JPEG only, byte for byte, preview picture included:
-// FreeImage's other encoders do not write it. TIFF and PNG results keep the
-// profile and XMP.
+// EXIF goes from JPEG to JPEG only, byte for byte, preview picture included, except that it says
+// upright: FreeImage's other encoders do not write it. TIFF and PNG results keep the profile and
+// XMP.
 bool SavePicturePair(const SBxPicBuf& picture, const SBxPicBuf& alpha, const char* target,
                      const char* source, int format, SaveReport* report = nullptr,
                      const SaveExtras* extras = nullptr);
 
-// The format that a file name asks for by its extension, or kFormatFromName
-// when it names none.
+// The format that a file name asks for by its extension, or kFormatFromName when it names none.
 int FormatFromFileName(const char* name);

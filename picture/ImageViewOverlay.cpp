@@ -33,9 +33,9 @@ void BlendOverChecker(SBxPicBuf* picture, const SBxPicBuf& alpha)
                    [&](int firstRow, int endRow)
                    {
                        for (int y = firstRow; y < endRow; ++y)
-                           VcTransformRows().blend(
-                               PicRow<uint8_t>(*picture, y), checker[y / kSquare % 2].data(),
-                               PicRow<const uint8_t>(alpha, y), picture->width);
+                           VcTransformRows().blend(PicRow<uint8_t>(*picture, y),
+                                                   checker[y / kSquare % 2].data(),
+                                                   PicRow<const uint8_t>(alpha, y), picture->width);
                    });
 }
 

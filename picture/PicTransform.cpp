@@ -275,8 +275,8 @@ static void TransformUpright(SBxPicBuf* dst, const SBxPicBuf& src, const double 
         columns[size_t(x - first)] = Filter::Make(columnAt(x), src.width);
 
     const TransformRows& tuned = VcTransformRows();
-    constexpr bool canTune = sizeof(T) == 1 && (std::is_same_v<Tap, BilinearTap> ||
-                                                std::is_same_v<Tap, BicubicTap>);
+    constexpr bool canTune =
+        sizeof(T) == 1 && (std::is_same_v<Tap, BilinearTap> || std::is_same_v<Tap, BicubicTap>);
     InnerSpan span = {0, 0};
     if constexpr (canTune)
         span = TunedSpan(tuned, columns, src);

@@ -118,14 +118,13 @@ void BilinearGrey(uint8_t* out, const uint8_t* upper, const uint8_t* lower,
 inline void BlendSixteen(uint8_t* over, const uint8_t* under, __m128i alpha)
 {
     const __m256i a = _mm256_cvtepu8_epi16(alpha);
-    const __m256i s =
-        _mm256_cvtepu8_epi16(_mm_loadu_si128(reinterpret_cast<const __m128i*>(over)));
+    const __m256i s = _mm256_cvtepu8_epi16(_mm_loadu_si128(reinterpret_cast<const __m128i*>(over)));
     const __m256i u =
         _mm256_cvtepu8_epi16(_mm_loadu_si128(reinterpret_cast<const __m128i*>(under)));
     const __m256i rest = _mm256_sub_epi16(_mm256_set1_epi16(255), a);
-    const __m256i t = _mm256_add_epi16(
-        _mm256_add_epi16(_mm256_mullo_epi16(a, s), _mm256_mullo_epi16(rest, u)),
-        _mm256_set1_epi16(1));
+    const __m256i t =
+        _mm256_add_epi16(_mm256_add_epi16(_mm256_mullo_epi16(a, s), _mm256_mullo_epi16(rest, u)),
+                         _mm256_set1_epi16(1));
     const __m256i blended = _mm256_srli_epi16(_mm256_add_epi16(t, _mm256_srli_epi16(t, 8)), 8);
     const __m256i bytes = _mm256_permute4x64_epi64(_mm256_packus_epi16(blended, blended), 0x08);
     _mm_storeu_si128(reinterpret_cast<__m128i*>(over), _mm256_castsi256_si128(bytes));
@@ -213,5 +212,4 @@ void Bicubic(uint8_t* out, const uint8_t* const rows[4], const BicubicTap* colum
 
 // The reach covers the 8, 16 and 4 bytes that are read from a tap's first sample on.
 extern const TransformRows kTransformRowsAvx2;
-const TransformRows kTransformRowsAvx2 = {
-    "AVX2", 3, 6, 4, Bilinear, Bicubic, BilinearGrey, Blend};
+const TransformRows kTransformRowsAvx2 = {"AVX2", 3, 6, 4, Bilinear, Bicubic, BilinearGrey, Blend};

@@ -4,10 +4,9 @@
 #include <cstdio>
 #include <string>
 
-// What image files need from the operating system. Paths inside the engine are
-// UTF-8. Saving works with paths in the system's own narrow text: UTF-8 as
-// well, except on Windows, where it is the ANSI code page of the process (UTF-8
-// on current versions, which the program's manifest asks for).
+// What image files need from the operating system. Paths inside the engine are UTF-8. Saving works
+// with paths in the system's own narrow text: UTF-8 as well, except on Windows, where it is the
+// ANSI code page of the process (UTF-8 on current versions, which the program's manifest asks for).
 
 // Longest path that saving takes, in bytes without the final zero.
 constexpr int kMaxSavePathBytes = 1023;
@@ -18,10 +17,9 @@ enum class PathUse
     Source, // a file that exists
 };
 
-// Turns a UTF-8 path into one for saving. Where the code page lacks a letter,
-// the short name of the folder (or of the whole path, if it is a source) stands
-// in; letters are never replaced by similar ones, since that would name another
-// file. True when the path cannot be expressed or is too long.
+// Turns a UTF-8 path into one for saving. Where the code page lacks a letter, the short name of the
+// folder (or of the whole path, if it is a source) stands in; letters are never replaced by similar
+// ones, since that would name another file. True when the path cannot be expressed or is too long.
 [[nodiscard]] bool SavePathFromUtf8(std::string* savePath, const char* path, PathUse use);
 #ifdef _WIN32
 [[nodiscard]] bool SavePathFromWide(std::string* savePath, const wchar_t* path, PathUse use);
@@ -29,8 +27,7 @@ std::wstring WideFromUtf8(const char* text); // empty when the text is not UTF-8
 std::wstring WideFromSavePath(const char* savePath);
 #endif
 
-// Opens a file for reading in binary mode; null with errno set on failure.
-// Folders do not open.
+// Opens a file for reading in binary mode; null with errno set on failure. Folders do not open.
 FILE* OpenUtf8Path(const char* path);
 FILE* OpenSavePath(const char* savePath);
 

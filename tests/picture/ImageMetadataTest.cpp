@@ -184,6 +184,40 @@ TEST(Exif, OfOurOwnSaysWhatWasPutIn)
     EXPECT_EQ(MakeExifBlock(ExifFields()).size() % 2, 0u);
 }
 
+// A camera held upright stores a lying picture and says so. Every result is upright, and nothing in
+// it asks for another turn.
+TEST(Orientation, TurnsThePictureOnceAndForAll)
+{
+    const TempFolder folder;
+    // Where the left top corner of a picture of 2 x 3 samples comes from, and the one right of it.
+    const int corners[9][2] = {{}, {1, 2}, {2, 1}, {6, 5}, {5, 6}, {1, 3}, {5, 3}, {6, 4}, {2, 4}};
+    for (uint8_t number = 1; number <= 8; ++number)
+    {
+        SCOPED_TRACE(int(number));
+        Bytes tiff = MakeTiff({2, 3, 1, 8, 1, 1, {1, 2, 3, 4, 5, 6}});
+        const size_t photometric = 8 + 2 + 12 * 4; // after it, in the place of the rows' count
+        tiff[photometric + 36] = 0x12, tiff[photometric + 37] = 0x01,
+                           tiff[photometric + 44] = number;
+        const LoadedPair turned(folder.Write("a.tif", tiff));
+        ASSERT_EQ(turned.picture.pic.width, number < 5 ? 2 : 3);
+        EXPECT_EQ(turned.picture.At(0, 0), corners[number][0]);
+        EXPECT_EQ(turned.picture.At(1, 0), corners[number][1]);
+
+        const Bytes exif = {'E',  'x', 'i', 'f', 0, 0, 'I', 'I', 42,     0, 8, 0, 0,  0, 1, 0,
+                            0x12, 1,   3,   0,   1, 0, 0,   0,   number, 0, 0, 0, 99, 0, 0, 0};
+        const std::string from = WriteSource(folder, "s.jpg", {}, exif); // 24 x 16
+        const LoadedPair photo(from);
+        ASSERT_EQ(photo.picture.pic.width, number < 5 ? 24 : 16);
+        for (const char* target : {"t.jpg", "t.tif", "t.png", "t.bmp"})
+        {
+            ASSERT_TRUE(Save(photo.picture, folder.File(target), kFormatFromName, from).written);
+            ExpectSamePicture(LoadedPair(folder.File(target)).picture.pic, photo.picture.pic, 2);
+        }
+        EXPECT_EQ(TagsOf(folder.File("t.jpg"), FIMD_EXIF_MAIN)["Orientation"], "top, left side");
+        EXPECT_EQ(TagsOf(folder.File("t.tif"), FIMD_XMP)["XMLPacket"], kXmp);
+    }
+}
+
 // Some cameras put the date of the exposure beside their own name, where it does not belong. And
 // FreeImage takes the directory's size on trust, and then reads where it should not.
 TEST(Exif, ThatIsDamagedStopsNothing)

@@ -26,6 +26,8 @@ TEST_F(FrameSeries, WrongPicksAreToldOnce)
     OpenPicture("before.png", 100, 70);
     const std::wstring title = Title();
     const Bytes shown = ViewCentre();
+    RunModal([] { Command(ID_MULTI_IMAGE); }, {[](HWND dialog) { PressButton(dialog, IDCANCEL); }});
+    EXPECT_FALSE(g_multiImageMode);
     for (const auto& [names, text] : rows)
     {
         RunModal([] { Command(ID_MULTI_IMAGE); },
@@ -39,13 +41,16 @@ TEST_F(FrameSeries, WrongPicksAreToldOnce)
                   }});
         for (const int id : {ID_SWITCH_VIEW, ID_SOURCE_NEXT}) // there is nothing to page through
             Command(id);
+        EXPECT_TRUE(g_multiImageMode);
         EXPECT_EQ(g_sourceCount, 0);
         EXPECT_EQ(Title(), title);
         EXPECT_EQ(ViewCentre(), shown);
         EXPECT_EQ(Enabled(), "111111111");
     }
-    RunModal([] { Command(ID_MULTI_IMAGE); }, {[](HWND dialog) { PressButton(dialog, IDCANCEL); }});
-    EXPECT_FALSE(g_multiImageMode);
+    Command(ID_SMART_CONTRAST); // a tool ends it, and gives all commands back
+    Command(ID_MULTI_IMAGE);    // off
+    SendMessageW(g_hwndActiveTool, WM_COMMAND, IDCANCEL, 0);
+    EXPECT_EQ(Enabled(), "111111111");
 }
 
 TEST_F(FrameSeries, IsPagedThroughAndComparedWithItsResult)
