@@ -18,11 +18,14 @@ int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
     std::vector<uint8_t> packed;
     if (FindPngProfile(stream, &packed))
         Promise(!packed.empty() && packed.size() < size);
-    TiffCountsFromWhite(stream);
+    TiffNumber(stream, kTiffOrientation);
+    JpegOrientation(stream);
     PngChunksFit(stream);
     LooksLikeRaw(stream);
-    const std::vector<uint8_t> exif = SoundJpegExif(stream);
+    std::vector<uint8_t> exif = SoundJpegExif(stream);
     Promise(exif.empty() || (exif.size() < size && exif[0] == 'E'));
+    if (!exif.empty())
+        SetExifUpright(&exif);
     for (const auto mask : {MaskedExif, MaskedTiffEntries, MaskedPngProfiles})
     {
         long last = -1;
