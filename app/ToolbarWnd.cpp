@@ -137,14 +137,37 @@ static LRESULT CALLBACK ZoomEditProc(HWND edit, UINT message, WPARAM wParam, LPA
     return DefSubclassProc(edit, message, wParam, lParam);
 }
 
+static HFONT TahomaOfWeight(int weight)
+{
+    return CreateFontW(16, 0, 0, 0, weight, FALSE, FALSE, FALSE, DEFAULT_CHARSET,
+                       OUT_DEFAULT_PRECIS, CLIP_DEFAULT_PRECIS, DEFAULT_QUALITY, DEFAULT_PITCH,
+                       L"Tahoma");
+}
+
+// What stands in for Tahoma on systems without it is wider: its heavy letters would lose the
+// percent sign of the usual zooms, its light ones do not.
+static HFONT ZoomFont()
+{
+    const HFONT heavy = TahomaOfWeight(600);
+    const int room = kGapWidth - 10 - GetSystemMetrics(SM_CXVSCROLL) - 4;
+    const HDC dc = GetDC(nullptr);
+    const HGDIOBJ previous = SelectObject(dc, heavy);
+    SIZE text = {};
+    GetTextExtentPoint32W(dc, L"100.0 %", 7, &text);
+    SelectObject(dc, previous);
+    ReleaseDC(nullptr, dc);
+    if (text.cx <= room)
+        return heavy;
+    DeleteObject(heavy);
+    return TahomaOfWeight(400);
+}
+
 static void CreateZoomBox()
 {
     g_hwndZoomCombo =
         CreateWindowExW(0, L"COMBOBOX", L"", kZoomBoxStyle, 0, 0, kGapWidth, 200, g_hwndToolbar,
                         reinterpret_cast<HMENU>(UINT_PTR(ID_ZOOM_COMBO)), g_hInst, nullptr);
-    static const HFONT font =
-        CreateFontW(16, 0, 0, 0, 600, FALSE, FALSE, FALSE, DEFAULT_CHARSET, OUT_DEFAULT_PRECIS,
-                    CLIP_DEFAULT_PRECIS, DEFAULT_QUALITY, DEFAULT_PITCH, L"Tahoma");
+    static const HFONT font = ZoomFont();
     SendMessageW(g_hwndZoomCombo, WM_SETFONT, reinterpret_cast<WPARAM>(font), FALSE);
     for (const ZoomPreset& preset : kZoomPresets)
         SendMessageW(g_hwndZoomCombo, CB_ADDSTRING, 0, reinterpret_cast<LPARAM>(preset.text));
