@@ -82,8 +82,8 @@ static void AddMetadata(FIBITMAP* bitmap)
     fields.height = uint32_t(kHeight);
     SetTag(bitmap, FIMD_EXIF_RAW, "ExifRaw", 0, FIDT_BYTE, MakeExifBlock(fields));
     SetTag(bitmap, FIMD_XMP, "XMLPacket", 700, FIDT_ASCII, Letters("<x:xmpmeta xmlns:x='a'/>"));
-    SetTag(bitmap, FIMD_COMMENTS, "Comment", 0, FIDT_ASCII, Letters("a comment\0"));
-    SetTag(bitmap, FIMD_IPTC, "Caption-Abstract", 0x278, FIDT_ASCII, Letters("a caption\0"));
+    SetTag(bitmap, FIMD_COMMENTS, "Comment", 0, FIDT_ASCII, Letters("a comment"));
+    SetTag(bitmap, FIMD_IPTC, "Caption-Abstract", 0x278, FIDT_ASCII, Letters("a caption"));
     Bytes profile(160, 0);
     profile[3] = 160;
     profile[8] = 2; // version

@@ -57,7 +57,8 @@ const char* LoadProblemText(LoadProblem problem); // end of a one-line message, 
 // Reads a file (path in UTF-8) into the pair. Both records must be initialised; what they own is
 // released. A photograph that the camera marked as lying on its side comes out upright. True on
 // failure, then both are empty and `report`, if given, says why. Geometry is checked before memory
-// is taken. A truncated JPEG or TIFF counts as read, with what it has.
+// is taken. A truncated JPEG or TIFF counts as read, with what it has. Camera raw files need a name
+// that says what they are.
 [[nodiscard]] bool LoadPicturePair(const char* path, SBxPicBuf* picture, SBxPicBuf* alpha,
                                    LoadReport* report = nullptr);
 
