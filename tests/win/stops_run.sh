@@ -113,7 +113,7 @@ StopByButton()
     read -ra after <<<"$(Handles)"
     local kind
     for kind in 0 1 2; do
-        ((after[kind] <= before[kind] + 3)) ||
+        ((after[kind] <= before[kind] + 10)) ||
             Complain "$step: handles grew from ${before[*]} to ${after[*]}"
     done
     ((after[3] < before[3] + 40000)) || Complain "$step: memory grew from ${before[3]} to ${after[3]} kB"

@@ -6,6 +6,7 @@
 #
 #   tools_run.sh [PHOTO...]    these photographs instead of three of its own
 #
+# Without arguments, the first round of sliders and Cancel is for the first photograph only.
 # Screenshots stay in out/.
 
 set -euo pipefail
@@ -59,17 +60,11 @@ CancelGivesBack()
     SamePixels "$scratch/cancelled.tif" "$photo" || Complain "$step: Cancel leaves other pixels"
 }
 
-# Tool NAME COMMAND LABEL-STEP SLIDER:TARGET...: all of it with one tool. Leaves result.tif.
-Tool()
+# The first round: everything that can be done with the dialog, and back.
+TryAndCancel()
 {
-    step=$name-$1 labelStep=$3 sliders=()
-    local command=$2 move started=$SECONDS
-    Sees "$command"
-    Click $ID_ZOOM_FIT
-    Rests
-    for move in "${@:4}"; do sliders+=("${move%:*}"); done
-
-    Open "$command" "${sliders[0]}"
+    local move
+    Open "$2" "${sliders[0]}"
     [[ $1 != tone-map ]] || Click $IDC_TONE_PREVIEW
     for move in "${@:4}"; do
         StepSlider "${move%:*}"
@@ -80,8 +75,20 @@ Tool()
     LookAround
     Shot "$step"
     CancelGivesBack
+}
 
-    Open "$command" "${sliders[0]}"
+# Tool NAME COMMAND LABEL-STEP SLIDER:TARGET...: all of it with one tool. Leaves result.tif.
+Tool()
+{
+    step=$name-$1 labelStep=$3 sliders=()
+    local move started=$SECONDS
+    Sees "$2"
+    Click $ID_ZOOM_FIT
+    Rests
+    for move in "${@:4}"; do sliders+=("${move%:*}"); done
+
+    [[ $quick ]] || TryAndCancel "$@"
+    Open "$2" "${sliders[0]}"
     for move in "${@:4}"; do DragSlider "${move%:*}" "${move#*:}"; done
     Rests
     for move in "${sliders[@]}"; do chosen+=("$(Value "$move")"); done
@@ -150,17 +157,18 @@ All()
     Tool daylight-down $ID_DAYLIGHT_DOWN $((IDC_FUSION_VALUE - IDC_FUSION_SLIDER)) \
         $IDC_FUSION_SLIDER:9
     SameAsCommandLine daylight-down --power "${chosen[0]}"
-    UnwritableFileIsTold
-    step=$name-single
-    Open $ID_SINGLE_LIGHT $IDC_FUSION_SLIDER
-    Rests
-    Shot "$step"
-    CancelGivesBack
+    if [[ ! $quick ]]; then
+        UnwritableFileIsTold
+        step=$name-single
+        Open $ID_SINGLE_LIGHT $IDC_FUSION_SLIDER
+        Shot "$step"
+        CancelGivesBack
+    fi
     Leave
 }
 
 ProbeUp
-photos=()
+photos=() quick=''
 for photo in "$@"; do
     "$convert" "$photo" "$scratch/$(basename "${photo%.*}").tif"
     photos+=("$scratch/$(basename "${photo%.*}").tif")
@@ -169,5 +177,6 @@ done
 for photo in "${photos[@]}"; do
     name=tools-$(basename "$photo" .tif)
     All
+    [[ $# -gt 0 ]] || quick=1
 done
 exit $((failed > 0))
