@@ -11,6 +11,7 @@
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 program=${PLENOVIZ_PROGRAM:-$root/build/windows/app/Plenoviz.exe}
 screenWidth=1280 screenHeight=900
+convert=$(command -v convert-im6.q16 || command -v convert)
 screenPid='' programPid='' window=''
 scratch=$(mktemp -d)
 
@@ -72,8 +73,8 @@ StartProgram()
 
 Shot()
 {
-    import -window root "$root/out/$1.png"
     import -window root -depth 8 "ppm:$scratch/shot"
+    "$convert" "ppm:$scratch/shot" "$root/out/$1.png"
 }
 
 # The screen's memory is a file.

@@ -207,16 +207,3 @@ TEST(ToneMapModel, KnowsHowLongARunIs)
         EXPECT_EQ(steps, end - 2);
     }
 }
-
-TEST(ToneMapModel, StartsFromNumbersThatTheSlidersCanShow)
-{
-    const TestPicture grey = ScenePicture(20, 20, 1, 8, 0);
-    ToneMapModel model;
-    const int stored[kToneMapSliders] = {0, 51, -7, 50};
-    StartToneMapModel(&model, grey.pic, stored, false);
-    const int expected[kToneMapSliders] = {1, 50, 1, 50};
-    for (int i = 0; i < kToneMapSliders; ++i)
-        EXPECT_EQ(model.choice.slider[i], expected[i]);
-    EXPECT_FALSE(model.hasColors);
-    EXPECT_FALSE(model.choice.useColors);
-}

@@ -317,17 +317,6 @@ TEST_F(FusionDialogs, AbortLeavesThePhotographAsItWasOpened)
     }
 }
 
-TEST_F(FusionDialogs, ClosingTheProgramWaitsForTheWorkerWithoutBlocking)
-{
-    OpenPicture("photo.png", 1200, 900);
-    Command(ID_DAYLIGHT_UP);
-    const HWND frame = g_hwndMain;
-    SendMessageW(frame, WM_CLOSE, 0, 0);
-    EXPECT_TRUE(IsWindow(frame));
-    PumpUntil([frame] { return !IsWindow(frame); });
-    EXPECT_FALSE(g_toolBusy);
-}
-
 // Presses a button of the noise prompt, whose loop runs inside the command.
 static int g_promptButton;
 static void CALLBACK PressInPrompt(HWND, UINT, UINT_PTR timer, DWORD)

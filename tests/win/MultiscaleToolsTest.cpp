@@ -213,19 +213,6 @@ TEST_F(Tools, ToneMappingStopsAndCanBeStartedAgain)
     ExpectGivenUp();
 }
 
-TEST_F(Tools, TheProgramClosesWhenTheStoppedRunHasEnded)
-{
-    OpenPicture("photo.bmp", 1600, 1200);
-    Command(ID_TONE_MAPPING);
-    Press(IDOK);
-    ASSERT_TRUE(WaitUntil(RunStarted));
-    SendMessageW(g_hwndMain, WM_CLOSE, 0, 0);
-    EXPECT_TRUE(IsWindow(g_hwndMain)) << "the worker still has its pictures";
-    EXPECT_TRUE(WaitUntil([] { return !IsWindow(g_hwndMain); }));
-    EXPECT_FALSE(g_hwndActiveTool);
-    EXPECT_EQ(ReadNumber(UserSettingsFile(), L"General", L"Crashed Last Time", -1), 0);
-}
-
 TEST_F(Tools, TheProgramClosesOverAnOpenDialog)
 {
     for (const int id : {ID_SMART_CONTRAST, ID_TONE_MAPPING})

@@ -9,7 +9,6 @@ set -euo pipefail
 . "$(dirname "${BASH_SOURCE[0]}")/../../cmake/screen.sh"
 trap ScreenDown EXIT
 compare=$(command -v compare-im6.q16 || command -v compare)
-convert=$(command -v convert-im6.q16 || command -v convert)
 failed=0 shot=''
 
 Complain()
@@ -94,7 +93,7 @@ TypeName()
 # The view alone, without frame, buttons and what stands in them.
 View()
 {
-    "$convert" "$root/out/$shot.png" -crop "$((WIDTH - 6))x$((HEIGHT - toolbar - 32))+$((X + 2))+$((Y + toolbar + 6))" \
+    "$convert" "ppm:$scratch/shot" -crop "$((WIDTH - 6))x$((HEIGHT - toolbar - 32))+$((X + 2))+$((Y + toolbar + 6))" \
         +repage "$1"
 }
 ViewIs() { Shot "$shot" && View "$scratch/now.ppm" && cmp -s "$scratch/now.ppm" "$1"; }
@@ -205,6 +204,7 @@ Settle
 Step 10-menu
 xdotool key Down Down Down Return
 Until IsOpen Options || Complain "no Options"
+sleep 0.5
 Step 11-options
 KeysUntil IsClosed Options -- Escape
 
