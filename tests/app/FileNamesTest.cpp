@@ -1,6 +1,5 @@
 #include "app/FileNames.h"
 
-#include "app/DockerLayout.h"
 #include "picture/ImageFile.h"
 
 #include <gtest/gtest.h>
@@ -54,16 +53,4 @@ TEST(SaveTargets, TakeTheirFormatFromTheNameOrTheType)
         EXPECT_EQ(target.path, c.path) << c.name;
         EXPECT_EQ(target.format, c.format) << c.name;
     }
-}
-
-TEST(DockerLayout, StacksItsWindowsAtTheRightEdge)
-{
-    const DockerLayout two = LayOutDocked({{200, 120}, {260, 80}}, 1000, false);
-    EXPECT_EQ(two.width, 261);
-    EXPECT_EQ(two.left, 738);
-    EXPECT_EQ(two.origins[1].x, 1);
-    EXPECT_EQ(two.origins[1].y, 120);
-    EXPECT_EQ(LayOutDocked({}, 1000, false).left, 998);
-    EXPECT_EQ(LayOutDocked({{200, 120}}, 1000, true).left, 0);
-    EXPECT_EQ(LayOutDocked({{200, 120}}, 1000, true).origins[0].x, 0);
 }

@@ -212,6 +212,7 @@ for command in single daylight-up tone-map; do
 done
 Works smart-contrast -o out.jpg veil.bmp
 Says 'without the alpha plane'
+Works smart-contrast -q -o out.bmp out.jpg
 
 # What a command makes of one photograph is its series, fused.
 while read -r command files fused options fuseOptions; do

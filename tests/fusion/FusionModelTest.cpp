@@ -19,21 +19,6 @@ static Settings StoredExposure(int exposure)
     return settings;
 }
 
-TEST(PowerModel, StepsByOneAndStaysInItsRange)
-{
-    PowerFusionModel model = OpenPowerFusion(StoredPower(15), 39);
-    EXPECT_TRUE(MovePower(&model, SliderMove::Up, 38)); // the thumb is for drags only
-    EXPECT_EQ(model.power, 16);
-    EXPECT_TRUE(MovePower(&model, SliderMove::Down, 0));
-    EXPECT_EQ(model.power, 15);
-    EXPECT_FALSE(MovePower(&model, SliderMove::Other, 30));
-    EXPECT_TRUE(MovePower(&model, SliderMove::Drag, 39));
-    EXPECT_FALSE(MovePower(&model, SliderMove::Up, 0));
-    EXPECT_TRUE(MovePower(&model, SliderMove::Drop, 3));
-    EXPECT_FALSE(MovePower(&model, SliderMove::Down, 0));
-    EXPECT_EQ(model.power, 3);
-}
-
 TEST(PowerModel, FusesAsManySourcesAsItSaysWithAFixedGrey)
 {
     const CBxRect<int> region = {1, 2, 30, 40};
@@ -48,19 +33,6 @@ TEST(PowerModel, FusesAsManySourcesAsItSaysWithAFixedGrey)
     StorePower(model, &settings);
     EXPECT_EQ(settings.powerTool.power, 15);
     EXPECT_EQ(settings.powerTool.exposure, 100) << "not its own value";
-}
-
-TEST(PowerModel, ReturningToTheLastValueComputesNothing)
-{
-    const CBxRect<int> region = {0, 0, 30, 40}, panned = {10, 0, 40, 40};
-    PowerFusionModel model = OpenPowerFusion(StoredPower(15), 39);
-    const FusionTask shown = PowerTask(model, region);
-    MovePower(&model, SliderMove::Up, 0);
-    EXPECT_FALSE(SameTask(PowerTask(model, region), shown));
-    MovePower(&model, SliderMove::Down, 0);
-    EXPECT_TRUE(SameTask(PowerTask(model, region), shown));
-    EXPECT_FALSE(SameTask(PowerTask(model, panned), shown));
-    EXPECT_FALSE(SameTask(shown, FusionTask())); // nothing is shown yet
 }
 
 TEST(ExposureModel, OpensInsideItsRange)

@@ -75,12 +75,6 @@ TEST(DetailPadding, RepeatsTheNearestPixel)
         }
 }
 
-TEST(LevelGain, IsATenthOfTheClampedNumber)
-{
-    for (const auto& [number, gain] : {std::pair(-5, 0.0f), {10, 1.0f}, {25, 2.5f}, {99, 3.0f}})
-        EXPECT_EQ(LevelGain(number), gain);
-}
-
 TEST(SmartContrast, GivesBackEveryPictureAtTenAndFlatOnesAlways)
 {
     const int sizes[][2] = {{1, 1}, {4, 5}, {10, 40}, {11, 12}, {23, 22}, {97, 64}, {130, 45}};

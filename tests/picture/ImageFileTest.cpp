@@ -5,8 +5,6 @@
 #include <FreeImage.h>
 #include <gtest/gtest.h>
 
-#include <thread>
-
 #ifndef _WIN32
 #include <sys/resource.h>
 #endif
@@ -234,25 +232,6 @@ TEST(FileNames, TellTheFormatByTheirExtension)
         {"a.docx", kFormatFromName}, {"", kFormatFromName}};
     for (const auto& [name, format] : cases)
         EXPECT_EQ(FormatFromFileName(name), format) << name;
-}
-
-TEST(Threads, LoadAndSaveSideBySide)
-{
-    const TempFolder folder;
-    const TestPicture picture = ScenePicture(40, 30, 3, 8, 0);
-    const auto work = [&](int thread)
-    {
-        for (int i = 0; i < 20; ++i)
-        {
-            const char* extensions[] = {".png", ".tif", ".bmp"};
-            const std::string name = std::to_string(thread) + extensions[i % 3];
-            EXPECT_TRUE(Save(picture, folder.File(name)).written);
-            ExpectSamePicture(LoadedPair(folder.File(name)).picture.pic, picture.pic);
-        }
-    };
-    std::thread other(work, 1);
-    work(2);
-    other.join();
 }
 
 } // namespace

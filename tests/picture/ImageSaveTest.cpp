@@ -46,18 +46,6 @@ TEST(SavedFiles, OpenAgainAsTheSamePair)
     EXPECT_EQ(folder.FileCount(), int(std::size(cases))); // and nothing beside them
 }
 
-TEST(Jpeg, DropsTheAlphaPlaneAndKeepsThePicture)
-{
-    const TempFolder folder;
-    const TestPicture picture = FlatPicture(32, 32, 8, {40, 90, 200}), alpha(32, 32, 1, 8);
-    const SaveReport report = Save(picture, folder.File("a.jpg"), kFormatFromName, "", &alpha);
-    EXPECT_TRUE(report.written);
-    EXPECT_TRUE(report.alphaDropped);
-    const LoadedPair pair(folder.File("a.jpg"));
-    EXPECT_EQ(pair.alpha.pic.data, nullptr);
-    ExpectSamePicture(pair.picture.pic, picture.pic, 2); // a flat colour only rounds
-}
-
 TEST(SixteenBits, AreNotPressedIntoBmpOrJpeg)
 {
     const TempFolder folder;
@@ -137,28 +125,6 @@ TEST(SaveErrors, AreThrownForFormatsAndSourcesOnly)
               SaveProblem::NoPicture);
     EXPECT_STREQ(UnsupportedImageFormat().what(), "");
     EXPECT_STREQ(ImageReadError().what(), "");
-}
-
-// What a failed save must leave alone: the old contents, and a folder without left-overs.
-TEST(Names, MayHaveAnyLetters)
-{
-    const TempFolder folder;
-    const TestPicture picture = ScenePicture(12, 10, 3, 8, 0);
-    for (const char* name : {"zażółć gęślą jaźń.png", "写真.png", "a b.c.png"})
-    {
-        const std::string file = folder.File(name);
-        std::string savePath;
-        if (SavePathFromUtf8(&savePath, file.c_str(), PathUse::Target))
-        {
-#ifdef _WIN32
-            continue; // older Windows has no letters of other countries in its code page
-#endif
-            FAIL() << name;
-        }
-        ASSERT_TRUE(Save(picture, file).written) << name;
-        ASSERT_TRUE(fs::exists(fs::u8path(file))) << name; // under this very name
-        ExpectSamePicture(LoadedPair(file).picture.pic, picture.pic);
-    }
 }
 
 TEST(Names, EndAtTheLengthThatSavingTakes)

@@ -102,25 +102,6 @@ TEST_F(FrameFiles, DropTakesTheFirstFileAndAsksAboutAResult)
     }
 }
 
-TEST_F(FrameFiles, OpenCommandLoadsWhatIsChosen)
-{
-    Save(ScenePicture(50, 20, 3, 8, 0), folder.File("chosen.png"));
-    const std::wstring inFolder = WideOf(folder.path.u8string());
-    RunModal([] { Command(ID_FILE_OPEN); }, {[&](HWND dialog)
-                                             {
-                                                 EXPECT_EQ(WindowText(dialog), g_strings[49]);
-                                                 ChooseFile(dialog, inFolder, L"chosen.png");
-                                             }});
-    EXPECT_EQ(g_sourcePicture.width, 50);
-    EXPECT_EQ(Title(), L"Plenoviz - " + std::wstring(g_szCurrentFile));
-
-    const std::wstring before = Snapshot();
-    RunModal([] { Command(ID_FILE_OPEN); }, {[](HWND dialog) { PressButton(dialog, IDCANCEL); }});
-    EXPECT_EQ(Snapshot(), before);
-    MakeResult(50);
-    RunModal([] { Command(ID_FILE_OPEN); }, {Box(21, 3, IDNO)}); // and no dialog
-}
-
 // Whether there are letters in the middle of the view.
 static bool IsInvited()
 {

@@ -108,7 +108,7 @@ TEST_F(FrameSeries, ToolsKeepTheResultOnNo)
     OpenPicture("photo.png", 64, 48);
     MakeResult(99);
     for (const int id : {ID_SMART_CONTRAST, ID_SINGLE_LIGHT, ID_DAYLIGHT_UP, ID_DAYLIGHT_DOWN,
-                         ID_TONE_MAPPING, ID_MULTI_IMAGE})
+                         ID_TONE_MAPPING, ID_MULTI_IMAGE, ID_FILE_OPEN})
     {
         RunModal([id = id] { Command(id); }, {Box(21, 3, IDNO)});
         EXPECT_TRUE(g_resultUnsaved) << id;

@@ -201,20 +201,6 @@ TEST_F(FrameView, PaintsTheToolbarsBackground)
     ReleaseDC(nullptr, screen);
 }
 
-TEST_F(FrameView, SurvivesMinimising)
-{
-    OpenPicture("photo.png", 900, 500);
-    const Bytes before = ViewCentre();
-    const std::string state = State();
-    ShowWindow(g_hwndMain, SW_MINIMIZE);
-    Command(ID_ZOOM_IN);
-    Command(ID_ZOOM_OUT);
-    ShowWindow(g_hwndMain, SW_RESTORE);
-    Pump();
-    EXPECT_EQ(State(), state);
-    EXPECT_EQ(ViewCentre(), before);
-}
-
 // Numbers between the tools' messages belong to nobody.
 TEST_F(FrameView, MessagesDoWhatTheirNumbersSay)
 {

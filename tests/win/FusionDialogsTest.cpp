@@ -103,21 +103,6 @@ protected:
     }
 };
 
-TEST_F(FusionDialogs, PowerChoosesHowManySourcesAreFused)
-{
-    OpenSeries(7, ID_OPEN_POWER_FUSION);
-    EXPECT_EQ(SliderText(), L"15");
-    ExpectSamePicture(g_previewPicture, Fused(7, 128).pic, 1);
-    Scroll(TB_THUMBTRACK, 4);
-    ExpectSamePicture(g_previewPicture, Fused(4, 128).pic, 1);
-    Press(IDOK);
-    ExpectClosed(true);
-    ExpectSamePicture(g_resultPicture, Fused(4, 128).pic);
-    const std::string settings = FileBytes(SettingsFilePath());
-    EXPECT_NE(settings.find("Exposure=128\r\nFlatness=3\r\nPower=4"), std::string::npos)
-        << settings;
-}
-
 TEST_F(FusionDialogs, AnUnchangedPreviewIsNotComputedAgain)
 {
     const int width = 1600; // more than is in view
@@ -297,24 +282,6 @@ TEST_F(FusionDialogs, SeriesFolderOfAnotherInstanceIsLeftAlone)
     DeleteFileW(lock.c_str());
     ASSERT_TRUE(PrepareSeriesFolder(&next));
     EXPECT_EQ(next, mine);
-}
-
-TEST_F(FusionDialogs, AbortLeavesThePhotographAsItWasOpened)
-{
-    OpenPicture("photo.png", 1200, 900);
-    for (const int command : {ID_DAYLIGHT_DOWN, ID_DAYLIGHT_UP})
-    {
-        Command(command);
-        const HWND panel = DockedDialogWith(IDC_PROGRESS_BAR);
-        SendMessageW(panel, WM_COMMAND, IDCANCEL, 0);
-        SendMessageW(panel, WM_APP_SERIES_PROGRESS, 50, 10); // still on its way
-        EXPECT_EQ(WindowText(GetDlgItem(panel, IDC_PROGRESS_TEXT)), g_strings[57]);
-        PumpUntil([] { return !g_toolBusy; });
-        ExpectClosed(false);
-        EXPECT_TRUE(g_showSources);
-        EXPECT_EQ(g_sourceCount, 0);
-        EXPECT_FALSE(g_cancelRequested);
-    }
 }
 
 // Presses a button of the noise prompt, whose loop runs inside the command.
