@@ -94,6 +94,7 @@ Says() { Look; [[ $status == "$1" ]]; }
 Page()
 {
     local before
+    Rests
     before=$(ViewSum)
     xdotool key "$1"
     Expect Says "Showing $2 of ${#files[@]}. Use arrows to change it or F5 to switch to Vexa image."
@@ -113,7 +114,8 @@ UseSlider()
     local before at
     before=$(ViewSum)
     DragSlider $IDC_FUSION_SLIDER 70
-    Expect ShowsOtherThan "$before"
+    Rests
+    [[ $(ViewSum) != "$before" ]] || Complain "$step: the slider changes nothing"
     PageSlider $IDC_FUSION_SLIDER
     at=$(Value $IDC_FUSION_SLIDER)
     xdotool key Up Next Home
@@ -160,13 +162,15 @@ MultiImage()
         Complain "$step: Cancel leaves other pixels"
 
     xdotool key F5
-    Page Right 1 # from the last that was looked at
+    Expect Says "Showing ${#files[@]} of ${#files[@]}. Use arrows to change it."
+    Page Right 1
     OpenMulti
     DragSlider $IDC_FUSION_SLIDER 120
     Rests
     Finish fuse "${files[@]/#/$folder/}"
     Expect Says 'Press F5 to switch between source images and Vexa Image.'
     local result
+    Rests # with the mouse where it will be, since its pointer counts
     result=$(ViewSum)
     xdotool key F5
     Expect ShowsOtherThan "$result"
