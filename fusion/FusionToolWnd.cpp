@@ -11,6 +11,7 @@
 #include "fusion/FusionDlgIds.h"
 #include "picture/SystemFiles.h"
 
+#include <algorithm>
 #include <filesystem>
 
 static constexpr UINT_PTR kPreviewTimer = 1; // of a preview that was given up
@@ -262,6 +263,12 @@ static INT_PTR CALLBACK FusionToolProc(HWND dlg, UINT message, WPARAM wParam, LP
     }
 }
 
+static bool NothingUsable(const FusionSources& sources)
+{
+    return std::all_of(sources.problems.begin(), sources.problems.end(),
+                       [](SourceProblem problem) { return problem != SourceProblem::None; });
+}
+
 bool ShowFusionTool(const FusionToolKind& kind, std::unique_ptr<FusionSources> sources)
 {
     if (!PrepareToolPictures())
@@ -280,5 +287,7 @@ bool ShowFusionTool(const FusionToolKind& kind, std::unique_ptr<FusionSources> s
     SetFocus(GetDlgItem(dlg, kind.slider.slider));
     UpdateWindow(g_hwndMain);
     SendMessageW(dlg, WM_LBUTTONUP, 0, 0);
+    if (ToolOf(dlg) && NothingUsable(*ToolOf(dlg)->sources))
+        GiveUp(dlg); // with no slider that could change anything
     return true;
 }

@@ -201,6 +201,12 @@ TEST_F(FusionDialogs, NameAFileThatCannotBeReadOnce)
     RunModal([] { Scroll(TB_PAGEDOWN); }, {}); // says nothing any more
     Press(IDOK);
     ExpectClosed(true);
+
+    for (int i = 0; i < 3; ++i) // no source at all: no dialog either
+        std::wcscpy(g_sourceFiles[i], Wide("missing.tif").c_str());
+    RunModal([] { Command(ID_OPEN_POWER_FUSION); }, {[](HWND box) { PressButton(box, IDOK); }});
+    ExpectClosed(false);
+    ExpectSamePicture(g_resultPicture, g_sourcePicture);
 }
 
 // How far the numbers of kernel handles, drawing objects and menus and windows have got (counting
