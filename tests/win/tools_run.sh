@@ -24,7 +24,7 @@ MakePhotos()
     photos=("$scratch"/{colour,deep,grey}.tif)
 }
 
-# By key and by page, there and back.
+# By key and by page, there and back, and to the ends.
 StepSlider()
 {
     Measure "$1"
@@ -38,6 +38,10 @@ StepSlider()
     xdotool key Prior
     Expect HasValue "$1" "$now"
     PageSlider "$1"
+    xdotool key Home
+    Expect HasValue "$1" "$low"
+    xdotool key End
+    Expect HasValue "$1" "$high"
 }
 
 LabelsFollow()
