@@ -153,19 +153,6 @@ static bool CloseIfWanted()
     return closes;
 }
 
-// The worker of a series has ended: the dialog over its files opens.
-static LRESULT OnSeriesReady(int id)
-{
-    EndSeries(true);
-    if (CloseIfWanted() || g_workerBusy || g_sourceCount <= 0 || !HasPicture(g_sourcePicture))
-        return 0;
-    if (id == ID_OPEN_EXPOSURE_FUSION)
-        ShowExposureFusionDialog();
-    else
-        ShowPowerFusionDialog(SeriesTitle());
-    return 0;
-}
-
 // Back to the photograph as it was opened.
 static LRESULT OnSeriesCancelled(HWND, WPARAM, LPARAM)
 {
@@ -174,6 +161,21 @@ static LRESULT OnSeriesCancelled(HWND, WPARAM, LPARAM)
     CBxPicBufAPI::DoneHeap(&g_previewPicture);
     if (!CloseIfWanted() && HasPicture(g_sourcePicture))
         ShowSource(g_sourcePicture);
+    return 0;
+}
+
+// The worker of a series has ended: the dialog over its files opens.
+static LRESULT OnSeriesReady(int id)
+{
+    if (SeriesWasAborted()) // after its last file
+        return OnSeriesCancelled(nullptr, 0, 0);
+    EndSeries(true);
+    if (CloseIfWanted() || g_workerBusy || g_sourceCount <= 0 || !HasPicture(g_sourcePicture))
+        return 0;
+    if (id == ID_OPEN_EXPOSURE_FUSION)
+        ShowExposureFusionDialog();
+    else
+        ShowPowerFusionDialog(SeriesTitle());
     return 0;
 }
 

@@ -104,6 +104,11 @@ static void TellFailure()
         WarnOfShortMemory();
 }
 
+bool SeriesWasAborted()
+{
+    return g_job.running && g_cancelRequested;
+}
+
 void EndSeries(bool ready)
 {
     if (!g_job.running)

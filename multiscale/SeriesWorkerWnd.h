@@ -9,6 +9,9 @@
 // series is ready, or WM_APP_SERIES_CANCELLED.
 void StartSeries(SeriesKind kind, unsigned noiseLevel);
 
+// Abort was pressed and the worker's end has not been dealt with yet.
+bool SeriesWasAborted();
+
 // The worker has ended, and the frame has been told so: the panel goes and the flags are cleared.
 // With `ready`, the series of files becomes the frame's.
 void EndSeries(bool ready);
