@@ -263,7 +263,7 @@ Fails 1 'junk.dat' sample --out-dir junk.dat/below --width 16 --height 16
 
 # Progress goes to a terminal, in one line that is wiped at the end. Ctrl+C leaves nothing behind.
 if [[ ${program[0]} != *wine.sh ]]; then
-    said=$(script -qec "'${program[0]}' fuse -o tty.bmp mid.ppm" /dev/null </dev/null)
+    said=$(script -qec "${program[*]@Q} fuse -o tty.bmp mid.ppm" /dev/null </dev/null)
     [[ $said == *$'\rFusing 1 of 1'*$'\r'*'fused from 1 picture'* ]] || Complain "no progress: $said"
     Picture large.ppm P6 1200 900 255 1
     for line in 'sample --out-dir stopped/here --height 200' 'series single --out-dir partly large.ppm' \
