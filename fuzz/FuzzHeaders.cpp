@@ -26,7 +26,7 @@ int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
     Promise(exif.empty() || (exif.size() < size && exif[0] == 'E'));
     if (!exif.empty())
         SetExifUpright(&exif);
-    for (const auto mask : {MaskedExif, MaskedTiffEntries, MaskedPngProfiles})
+    for (const auto mask : {MaskedBmpHeader, MaskedExif, MaskedTiffEntries, MaskedPngProfiles})
     {
         long last = -1;
         for (const MaskedByte& byte : mask(stream))

@@ -182,6 +182,22 @@ int TiffNumber(FILE* stream, int wanted)
     return number;
 }
 
+std::vector<MaskedByte> MaskedBmpHeader(FILE* stream)
+{
+    const long kLength = 14;
+    const uint8_t kFirstKind = 40;
+    uint8_t head[30];
+    std::rewind(stream);
+    if (std::fread(head, sizeof head, 1, stream) != 1)
+        return {};
+    const uint64_t length = FileNumber(head + kLength, 4, false);
+    const uint64_t bits = FileNumber(head + 28, 2, false);
+    const bool longer = length == 52 || length == 56 || length == 108 || length == 124;
+    if (!longer || bits <= 8)
+        return {};
+    return {{kLength, kFirstKind}};
+}
+
 std::vector<MaskedByte> MaskedTiffEntries(FILE* stream)
 {
     // Sizes, kinds and places of pixels, what their packing needs, resolution, XMP and profile.

@@ -50,8 +50,8 @@ struct MaskedByte
     uint8_t shown;
 };
 
-// What of a file is kept from FreeImage, in ascending order. It reads these things behind the ends
-// of their buffers, and nothing of them is needed:
+// What of a file is kept from FreeImage, in ascending order. It reads most of these things behind
+// the ends of their buffers, and nothing of them is needed:
 //
 // EXIF of JPEG and WebP streams, whose directories it takes on trust. JPEG results get the block
 // itself (SoundJpegExif), other formats hold none.
@@ -59,6 +59,9 @@ std::vector<MaskedByte> MaskedExif(FILE* stream);
 // All entries of a TIFF stream but those that pixels, profile and XMP need: captions, for one, are
 // counted in units of four bytes by it, but in bytes by the TIFF library.
 std::vector<MaskedByte> MaskedTiffEntries(FILE* stream);
+// The length of a BMP stream's header, when it is one of the longer kinds: FreeImage knows only the
+// first, which they all begin with. Not of pictures with a palette, which stands behind the header.
+std::vector<MaskedByte> MaskedBmpHeader(FILE* stream);
 // Profiles of a PNG stream: the PNG library unpacks them to any size that they claim, and then
 // FreeImage does not find them (see FindPngProfile).
 std::vector<MaskedByte> MaskedPngProfiles(FILE* stream);

@@ -125,6 +125,7 @@ static std::vector<MaskedByte> MaskedBytes(FREE_IMAGE_FORMAT format, FILE* file)
     case FIF_JPEG:
     case FIF_WEBP:
     case FIF_RAW: return MaskedExif(file); // of the preview
+    case FIF_BMP: return MaskedBmpHeader(file);
     case FIF_TIFF: return MaskedTiffEntries(file);
     case FIF_PNG: return MaskedPngProfiles(file);
     default: return {};

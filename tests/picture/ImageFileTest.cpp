@@ -91,6 +91,15 @@ TEST(Loading, TakesTheFourthByteOfABmpForAlphaOnlyIfItIsUsed)
     ASSERT_NE(used.alpha.pic.data, nullptr);
     EXPECT_EQ(used.alpha.At(1, 0), 9);
     EXPECT_EQ(used.picture.At(1, 0, 2), 6);
+
+    // Newer kinds of headers are longer.
+    Bytes longer = MakeBmp({2, 1, 32, {}, {1, 2, 3, 0, 4, 5, 6, 9}});
+    longer[10] = 54 + 84;
+    longer[14] = 124;
+    longer.insert(longer.begin() + 54, 84, 0);
+    const LoadedPair fifth(folder.Write("5.bmp", longer));
+    ASSERT_FALSE(fifth.failed);
+    ExpectSamePicture(fifth.picture.pic, used.picture.pic);
 }
 
 TEST(Loading, OpensAGifOfGreysAndNoOther)
