@@ -6,8 +6,6 @@
 #include <FreeImage.h>
 #include <gtest/gtest.h>
 
-namespace fs = std::filesystem;
-
 namespace
 {
 
