@@ -11,6 +11,7 @@ Measure()
 # To about that value: pixels are not values.
 DragSlider()
 {
+    Look
     Measure "$1"
     Drag "$thumb" "$middle" \
         $((left + 8 + (right - left - 16) * ($2 - low) / (high - low))) "$middle"

@@ -42,6 +42,7 @@ StepSlider()
     Expect HasValue "$1" "$low"
     xdotool key End
     Expect HasValue "$1" "$high"
+    Rests # the thumb moves when its preview is made
 }
 
 LabelsFollow()
