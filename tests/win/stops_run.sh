@@ -76,7 +76,7 @@ Rehearse()
 
 Moment()
 {
-    local moment=$((RANDOM * duration / 32768)) now
+    local moment=$((RANDOM * duration / 32768 / ${1:-1})) now
     now=$(($(date +%s%3N) - started))
     stopped=$moment
     ((now >= moment)) || sleep "$(printf '0.%03d' $(((moment - now) % 1000)))"
@@ -145,7 +145,7 @@ StopByLoggingOff()
     step=stops-$worker-log-off
     Start
     StartWorker "$1"
-    Moment
+    Moment 3 # a run that has ended asks whether its result may be lost
     Ask endsession
     [[ ${rows[0]:-} == "E 1" ]] || Complain "$step: refused"
     MarkerIsDown
