@@ -7,6 +7,10 @@
 #   Shot NAME          keeps what the screen shows as out/NAME.png, and for Pixel
 #   Pixel X Y          "red green blue" of the last shot
 #   ScreenSum          a sum over what the screen shows right now, without keeping it
+#   Until CONDITION... tries for $patience seconds, since the machine may be busy
+#   KeysUntil CONDITION... -- KEYS   presses keys, again where the first are missed, as by a new
+#                      window without a window manager; failing it calls Complain of the script
+#   IsOpen NAME, IsClosed NAME, HasEnded   a window of that name (a pattern); the program
 
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 program=${PLENOVIZ_PROGRAM:-$root/build/windows/app/Plenoviz.exe}
@@ -76,6 +80,33 @@ Shot()
     import -window root -depth 8 "ppm:$scratch/shot"
     "$convert" "ppm:$scratch/shot" "$root/out/$1.png"
 }
+
+Until()
+{
+    local deadline=$((SECONDS + ${patience:-25}))
+    until "$@"; do
+        ((SECONDS < deadline)) || return 1
+        sleep 0.03
+    done
+}
+
+KeysUntil()
+{
+    local condition=() tries
+    while [[ $1 != -- ]]; do
+        condition+=("$1")
+        shift
+    done
+    for ((tries = 0; tries < 5; tries++)); do
+        xdotool key "${@:2}"
+        patience=2 Until "${condition[@]}" && return
+    done
+    Complain "keys ${*:2} do not lead to: ${condition[*]}"
+}
+
+IsOpen() { xdotool search --onlyvisible --name "^$1\$" >/dev/null 2>&1; }
+IsClosed() { ! IsOpen "$1"; }
+HasEnded() { ! kill -0 "$programPid" 2>/dev/null; }
 
 # The screen's memory is a file.
 ScreenSum() { cksum <"$scratch/Xvfb_screen0"; }

@@ -8,15 +8,6 @@ trap ScreenDown EXIT
 packages=$scratch/packages photos="$scratch/Zdjęcia 写真" registry=$scratch/registry.txt failed=0
 
 Complain() { echo "$1" >&2; failed=1; }
-Until()
-{
-    local tries
-    for ((tries = 0; tries < 75; tries++)); do
-        "$@" && return
-        sleep 0.2
-    done
-    return 1
-}
 Windows() { local path=$1; echo "Z:${path//\//\\}"; }
 # All that the registry holds for the user, in $registry.
 ReadRegistry()
@@ -44,12 +35,11 @@ CloseProgram()
     local tries
     for ((tries = 0; tries < 5; tries++)); do
         xdotool windowfocus "$window" key alt+F4 2>/dev/null || true
-        Until HasEnded && break
+        patience=10 Until HasEnded && break
     done
     wait "$programPid" || Complain "the program ends with exit code $?"
     programPid=''
 }
-HasEnded() { ! kill -0 "$programPid" 2>/dev/null; }
 
 # Its pictures are the ones that this machine makes, to the last bit. Windows leaves the star to it.
 FuseWith()

@@ -15,33 +15,7 @@ program=$scratch/program/Plenoviz.exe
 
 Texts() { tail -c +3 "$texts" | iconv -f UTF-16LE -t UTF-8 | tr -d '\r'; }
 TextOf() { Texts | sed -n "/^\[$1\]/,/^\[/s/^string$2=//p"; }
-Fail() { echo "$1" >&2; Shot failed-language; exit 1; }
-IsOpen() { xdotool search --onlyvisible --name "^$1\$" >/dev/null 2>&1; }
-IsClosed() { ! IsOpen "$1"; }
-HasEnded() { ! kill -0 "$programPid" 2>/dev/null; }
-Until()
-{
-    local tries
-    for ((tries = 0; tries < 50; tries++)); do
-        "$@" && return
-        sleep 0.2
-    done
-    Fail "never: $*"
-}
-
-# Without a window manager a new window may miss its first key.
-KeysUntil()
-{
-    local tries wait
-    for ((tries = 0; tries < 5; tries++)); do
-        xdotool key "${@:3}"
-        for ((wait = 0; wait < 10; wait++)); do
-            "$1" "$2" && return
-            sleep 0.2
-        done
-    done
-    Fail "keys ${*:3} do not lead to: $1 $2"
-}
+Complain() { echo "$1" >&2; Shot failed-language; exit 1; }
 
 OpenOptions()
 {
@@ -51,7 +25,7 @@ OpenOptions()
     sleep 0.3
     Shot "language-$1-menu"
     xdotool key Down Down Down Return
-    Until IsOpen "$(TextOf "$1" 44)"
+    Until IsOpen "$(TextOf "$1" 44)" || Complain "no Options"
 }
 
 StartIn()
@@ -72,12 +46,12 @@ Change()
     StartIn "$1"
     for ((i = 0; i < $2; i++)); do keys+=(Down); done
     xdotool key "${keys[@]}"
-    KeysUntil IsOpen "$report" Return
+    KeysUntil IsOpen "$report" -- Return
     Shot "language-$2-report"
-    KeysUntil IsClosed "$report" Return
-    KeysUntil HasEnded '' alt+F4
+    KeysUntil IsClosed "$report" -- Return
+    KeysUntil HasEnded -- alt+F4
     programPid=''
-    [[ $(Texts | grep '^Language Current=') == "Language Current=$2" ]] || Fail "$2 is not stored"
+    [[ $(Texts | grep '^Language Current=') == "Language Current=$2" ]] || Complain "$2 is not stored"
 }
 
 ScreenFolder languages
@@ -99,4 +73,4 @@ IsPainted()
 xdotool windowsize "$window" 700 500
 sleep 0.5
 xdotool windowsize "$window" 1200 800
-Until IsPainted
+Until IsPainted || Complain "the grown window is not painted"

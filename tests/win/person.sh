@@ -7,7 +7,6 @@
 #   Value ID, Text ID  position, mark or choice of a control; its text
 #   modal, modalText   title and text of the message box or dialog above the frame, or nothing
 #   Click ID, ClickModal ID, ClickView    with the left button
-#   Until CONDITION    tries for a while, since the machine may be busy
 #   Rests              waits until the screen stands still
 #   ViewSum            a sum over the rows of the view as the screen shows them
 #   SaveAs FILE        by Ctrl+S and the real dialog
@@ -28,15 +27,6 @@ Complain()
 {
     echo "$1" >&2
     Shot "failed-$(basename "$0" .sh)-$((++failed))"
-}
-
-Until()
-{
-    local deadline=$((SECONDS + ${patience:-25}))
-    until "$@"; do
-        ((SECONDS < deadline)) || return 1
-        sleep 0.03
-    done
 }
 
 Expect() { Until "$@" || Complain "${step:-}: never: $*"; }
@@ -100,7 +90,6 @@ SeesNoModal() { Look; [[ -z $modal ]]; }
 Value() { echo "${value[$1]%%,*}"; }
 HasValue() { Look; [[ ${value[$1]%%,*} == "$2" ]]; }
 HasText() { Look; [[ ${text[$1]} == "$2" ]]; }
-HasEnded() { ! kill -0 "$programPid" 2>/dev/null; }
 Runs() { kill -0 "$programPid" 2>/dev/null; }
 
 # The tools may be started; the zoom box is on.

@@ -17,17 +17,6 @@ Complain()
     failed=1
 }
 
-# Until CONDITION: tries for ten seconds, since the machine may be busy.
-Until()
-{
-    local tries
-    for ((tries = 0; tries < 50; tries++)); do
-        "$@" && return
-        sleep 0.2
-    done
-    return 1
-}
-
 # ExpectMark WHAT COLOUR X Y: that place of the screen has the colour. The first call after a step
 # waits for it; a new shot is taken for every look.
 ExpectMark()
@@ -42,10 +31,7 @@ PixelIs()
 }
 
 Step() { shot=$1; Shot "$shot"; }
-IsOpen() { xdotool search --onlyvisible --name "^$1\$" >/dev/null 2>&1; }
 Focus() { xdotool search --onlyvisible --name "^$1\$" windowfocus; }
-IsClosed() { ! IsOpen "$1"; }
-HasEnded() { ! kill -0 "$programPid" 2>/dev/null; }
 LooksDifferent() { Shot "$shot" && [[ $(cksum <"$scratch/shot") != "$1" ]]; }
 IsStill()
 {
@@ -56,24 +42,6 @@ IsStill()
     [[ $previous == "$last" ]]
 }
 LooksAs() { Shot "$shot" && [[ $(cksum <"$scratch/shot") == "$1" ]]; }
-
-# KeysUntil CONDITION... -- KEYS: without a window manager a new window may miss its first key.
-KeysUntil()
-{
-    local condition=() tries wait
-    while [[ $1 != -- ]]; do
-        condition+=("$1")
-        shift
-    done
-    for ((tries = 0; tries < 5; tries++)); do
-        xdotool key "${@:2}"
-        for ((wait = 0; wait < 10; wait++)); do
-            "${condition[@]}" && return
-            sleep 0.2
-        done
-    done
-    Complain "keys ${*:2} do not lead to: ${condition[*]}"
-}
 
 InWine() { echo "Z:${1//\//\\}"; }
 
@@ -233,7 +201,7 @@ done
 # A broken file: one message, and everything stays.
 shot=14-broken
 TypeName ctrl+o 'Select Source for Vexa' broken.png
-Until LooksDifferent "$(cksum <"$scratch/shot")" || true
+patience=10 Until LooksDifferent "$(cksum <"$scratch/shot")" || true
 Shot "$shot"
 ViewIs "$scratch/result.ppm" && Complain "nothing is said of a broken file"
 KeysUntil ViewIs "$scratch/result.ppm" -- Return
