@@ -9,6 +9,7 @@
 #include "app/FrameView_win.h"
 #include "app/OptionsDlg.h"
 #include "app/ProfileStore.h"
+#include "app/Settings.h"
 #include "app/SourcePaging_win.h"
 #include "app/Strings.h"
 #include "app/ToolbarWnd.h"
@@ -90,6 +91,8 @@ static void OnSaveAs()
         return;
     SetTitle(path.c_str());
     g_resultUnsaved = false;
+    if (!WriteSettings(SettingGroup::SaveDialog))
+        TellSettingsUnsaved();
 }
 
 static void OnClose()

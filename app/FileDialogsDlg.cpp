@@ -306,7 +306,6 @@ bool SavePictureAs(HWND owner, const SBxPicBuf& picture, const SBxPicBuf& alpha,
         !WritePicture(owner, picture, alpha, source, target))
         return false;
     g_settings.jpegQuality = g_jpegQuality;
-    WriteSettings(SettingGroup::SaveDialog);
     *savedPath = target.path;
     return true;
 }

@@ -28,8 +28,8 @@ bool LoadForDocument(const wchar_t* path, SBxPicBuf* picture, SBxPicBuf* alpha);
 bool LoadSilently(const wchar_t* path, SBxPicBuf* picture, SBxPicBuf* alpha);
 
 // Save As for a picture with the metadata of `source`: asks for name and type (with the quality of
-// JPEG files), writes, and remembers the quality. False on Cancel or when nothing was written,
-// which the user has been told. `savedPath` is the name on success.
+// JPEG files), writes, and leaves the quality in g_settings, to be stored. False on Cancel or when
+// nothing was written, which the user has been told. `savedPath` is the name on success.
 bool SavePictureAs(HWND owner, const SBxPicBuf& picture, const SBxPicBuf& alpha,
                    const wchar_t* source, std::wstring* savedPath);
 

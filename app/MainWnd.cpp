@@ -36,7 +36,8 @@ HWND g_hwndActiveTool;
 // has crashed: both leave the crash marker set.
 static HANDLE g_instanceMutex;
 static bool g_otherInstance;
-static bool g_closeWanted; // as soon as the worker has ended
+static bool g_closeWanted;     // as soon as the worker has ended
+static bool g_settingsUnsaved; // at the end of the run
 
 static void WarnAboutCrash(HWND frame)
 {
@@ -246,7 +247,7 @@ static LRESULT OnEndSession(HWND, WPARAM ending, LPARAM)
 
 static LRESULT OnDestroy(HWND, WPARAM, LPARAM)
 {
-    SaveSettingsOnExit();
+    g_settingsUnsaved = !SaveSettingsOnExit();
     FreePictures();
     CoUninitialize();
     ReleaseImageView(&g_view);
@@ -429,5 +430,7 @@ int RunMessageLoop(HACCEL accelerators)
         TranslateMessage(&message);
         DispatchMessageW(&message);
     }
+    if (g_settingsUnsaved) // now that there is nothing left that could be in the way of a log-off
+        TellSettingsUnsaved();
     return int(message.wParam);
 }

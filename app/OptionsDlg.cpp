@@ -77,9 +77,15 @@ void ShowOptionsDialog(HWND owner)
                                            owner, OptionsProc, reinterpret_cast<LPARAM>(&stored));
     if (answer != IDOK)
         return;
+    if (!stored)
+    {
+        g_languages.current = previous;
+        TellSettingsUnsaved();
+        return;
+    }
     // The note is for who reads the new language; all else stays as it is until the restart.
     ReloadString(LocalizationFile(), g_languages.current, kRestartText);
     ReloadString(LocalizationFile(), g_languages.current, kReportText);
-    if (stored && g_languages.current != previous)
+    if (g_languages.current != previous)
         MessageBoxW(owner, g_strings[kRestartText], g_strings[kReportText], MB_ICONASTERISK);
 }

@@ -35,5 +35,5 @@ int ReadNumber(const ProfileStore& store, const std::wstring& section, const std
 bool WriteNumber(const ProfileStore& store, const std::wstring& section, const std::wstring& key,
                  int number)
 {
-    return store.write(section, key, std::to_wstring(number));
+    return store.write(section, {{key, std::to_wstring(number)}});
 }

@@ -2,6 +2,12 @@
 
 #include <functional>
 #include <string>
+#include <vector>
+
+struct ProfileValue
+{
+    std::wstring key, value;
+};
 
 // One INI file, seen as two calls. The program works on the files of ProfileStore_win.cpp, tests
 // on a map in memory. Sections and keys ignore case, as the profile functions do.
@@ -12,8 +18,8 @@ struct ProfileStore
     // False when the section or the key is missing. A key with nothing behind it is found, and its
     // value is empty.
     std::function<bool(const Text& section, const Text& key, Text* value)> read;
-    // False when the value could not be written.
-    std::function<bool(const Text& section, const Text& key, const Text& value)> write;
+    // All of the values or, with false, none of them.
+    std::function<bool(const Text& section, const std::vector<ProfileValue>& values)> write;
 };
 
 // The per-user settings: application data, folder and file named after the product. The path is
@@ -22,6 +28,14 @@ ProfileStore UserSettingsFile();
 
 // Plenoviz_loc.ini beside the program. Windows only.
 ProfileStore LocalizationFile();
+
+// The write that failed last, for telling the user. Windows only.
+struct ProfileFailure
+{
+    std::wstring path;
+    unsigned long error; // the system's number
+};
+const ProfileFailure& LastProfileFailure();
 
 std::wstring ProgramFolder(); // where Plenoviz.exe lies; no backslash at the end. Windows only.
 

@@ -80,24 +80,29 @@ void ReadSettings(const ProfileStore& store, SettingGroup group, Settings* setti
                 Allowed(row, ReadNumber(store, kGeneralSection, row.key, row.standard));
 }
 
+static std::vector<ProfileValue> ValuesOf(SettingGroup group, Settings* settings)
+{
+    std::vector<ProfileValue> values;
+    for (const SettingRow& row : kSettings)
+        if (row.group == group)
+            values.push_back({row.key, std::to_wstring(*FieldOf(settings, row))});
+    return values;
+}
+
 bool WriteSettings(const ProfileStore& store, SettingGroup group, Settings* settings)
 {
     if (group == SettingGroup::PowerTool)
         settings->power = settings->powerTool.power;
-    bool written = true;
-    for (const SettingRow& row : kSettings)
-        if (row.group == group)
-            written &= WriteNumber(store, kGeneralSection, row.key, *FieldOf(settings, row));
-    return written;
+    return store.write(kGeneralSection, ValuesOf(group, settings));
 }
 
 // The marker says how the last run ended only until it is read; from then on it stands for this
 // run, so that a run that ends in any other way than SaveSettingsOnExit leaves it behind.
-static void SetCrashMarker(const ProfileStore& store, int crashed)
+static std::vector<ProfileValue> CrashMarker(int crashed)
 {
     Settings marker = {};
     marker.crashedLastTime = crashed;
-    WriteSettings(store, SettingGroup::CrashMarker, &marker);
+    return ValuesOf(SettingGroup::CrashMarker, &marker);
 }
 
 void LoadSettings(const ProfileStore& store, const ProfileStore& localization, Settings* settings,
@@ -105,14 +110,16 @@ void LoadSettings(const ProfileStore& store, const ProfileStore& localization, S
 {
     LoadLanguageChoice(localization, languages);
     ReadSettings(store, SettingGroup::CrashMarker, settings);
-    SetCrashMarker(store, 1);
+    store.write(kGeneralSection, CrashMarker(1)); // where that fails, nobody is told yet
     ReadSettings(store, SettingGroup::Run, settings);
     ReadSettings(store, SettingGroup::StartOnly, settings);
     LoadLanguageNames(localization, languages);
 }
 
-void SaveSettingsOnExit(const ProfileStore& store, Settings* settings)
+bool SaveSettingsOnExit(const ProfileStore& store, Settings* settings)
 {
-    SetCrashMarker(store, 0);
-    WriteSettings(store, SettingGroup::Run, settings);
+    std::vector<ProfileValue> values = CrashMarker(0);
+    for (ProfileValue& value : ValuesOf(SettingGroup::Run, settings))
+        values.push_back(std::move(value));
+    return store.write(kGeneralSection, values);
 }

@@ -86,22 +86,26 @@ extern const wchar_t kGeneralSection[];
 
 void ReadSettings(const ProfileStore& store, SettingGroup group, Settings* settings);
 
-// False when a value could not be written. Writing the Power tool also updates `power`: to the
+// False when nothing could be written. Writing the Power tool also updates `power`: to the
 // profile functions "power" and "Power" are one key, and what is written at exit would otherwise
 // put the slider back to where it was at start.
-bool WriteSettings(const ProfileStore& store, SettingGroup group, Settings* settings);
+[[nodiscard]] bool WriteSettings(const ProfileStore& store, SettingGroup group, Settings* settings);
 
 // The start of a run: the language in use, the crash marker, which is set for the time of the run,
 // all settings that are kept, and last the names of the languages.
 void LoadSettings(const ProfileStore& store, const ProfileStore& localization, Settings* settings,
                   LanguageList* languages);
 
-// The end of a run that did not crash.
-void SaveSettingsOnExit(const ProfileStore& store, Settings* settings);
+// The end of a run that did not crash. False when nothing could be written.
+bool SaveSettingsOnExit(const ProfileStore& store, Settings* settings);
 
 // The same on the user's own files and on g_settings and g_languages. Windows only. LoadSettings
 // also sets g_jpegQuality.
 void ReadSettings(SettingGroup group);
-bool WriteSettings(SettingGroup group);
+[[nodiscard]] bool WriteSettings(SettingGroup group);
 void LoadSettings();
-void SaveSettingsOnExit();
+bool SaveSettingsOnExit();
+
+// Tells the user which file was not written last, and why. The last step of whatever it ends, since
+// messages are handled meanwhile. Windows only.
+void TellSettingsUnsaved();

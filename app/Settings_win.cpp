@@ -1,6 +1,9 @@
 #include "app/Settings.h"
 
+#include "app/AppWindows_win.h"
+#include "app/Format_win.h"
 #include "app/LanguageFile.h"
+#include "app/Strings.h"
 #include "picture/ImageFile.h"
 
 void ReadSettings(SettingGroup group)
@@ -19,7 +22,17 @@ void LoadSettings()
     g_jpegQuality = g_settings.jpegQuality;
 }
 
-void SaveSettingsOnExit()
+bool SaveSettingsOnExit()
 {
-    SaveSettingsOnExit(UserSettingsFile(), &g_settings);
+    return SaveSettingsOnExit(UserSettingsFile(), &g_settings);
+}
+
+void TellSettingsUnsaved()
+{
+    const HWND owner = IsWindow(g_hwndMain) ? g_hwndMain : nullptr; // gone at the end of the run
+    const ProfileFailure& failure = LastProfileFailure();
+    const std::wstring text =
+        VcFormatText(L"%s\n%s\n%s", g_strings[kTextSettings], failure.path.c_str(),
+                     SystemErrorText(failure.error).c_str());
+    MessageBoxW(owner, text.c_str(), g_strings[3], MB_OK | MB_ICONASTERISK);
 }

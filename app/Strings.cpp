@@ -116,6 +116,7 @@ static const EnglishRow kEnglish[] = {
     {kTextSaveEncode, L"The picture cannot be encoded in this format."},
     {kTextSaveWrite, L"The file cannot be written."},
     {kTextNotices, L"Their terms are in the folder Notices, beside the program."},
+    {kTextSettings, L"The settings cannot be saved."},
 };
 
 const wchar_t* EnglishText(int number)

@@ -4,7 +4,7 @@
 
 // Every visible text, by number. Written by the loaders on the window thread before anybody reads.
 
-constexpr int kStringCount = 124;
+constexpr int kStringCount = 125;
 constexpr int kStringChars = 1024; // final zero included
 
 extern wchar_t g_strings[kStringCount + 1][kStringChars]; // [0] is not used
@@ -21,7 +21,8 @@ enum FurtherText
     kTextSaveCreate,
     kTextSaveEncode,
     kTextSaveWrite,
-    kTextNotices, // where the libraries' terms are
+    kTextNotices,  // where the libraries' terms are
+    kTextSettings, // a file of settings was not written; its name and the reason follow
 };
 
 // The built-in text; empty for the numbers that nobody uses, and for 76.

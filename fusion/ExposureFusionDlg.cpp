@@ -59,7 +59,7 @@ bool ShowExposureFusionDialog(std::unique_ptr<FusionSources> sources)
     kind.store = [=]
     {
         StoreExposureFusion(*model, &g_settings);
-        WriteSettings(SettingGroup::FusionTool);
+        return WriteSettings(SettingGroup::FusionTool);
     };
     kind.opened = Opened;
     kind.ended = Ended;

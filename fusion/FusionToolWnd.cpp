@@ -7,6 +7,7 @@
 #include "app/Format_win.h"
 #include "app/FrameView_win.h"
 #include "app/Messages.h"
+#include "app/Settings.h"
 #include "app/Strings.h"
 #include "fusion/FusionDlgIds.h"
 #include "picture/SystemFiles.h"
@@ -188,9 +189,8 @@ static FusionOutcome FuseResult(FusionTool* tool)
     return FuseWhole(&g_resultPicture, tool->sources.get(), tool->kind.task({}));
 }
 
-static void Finish(HWND dlg, FusionTool* tool)
+static void MakeResult(HWND dlg, FusionTool* tool)
 {
-    tool->kind.store();
     tool->computing = true; // nothing else until the dialog has gone
     const FusionOutcome outcome = FuseResult(tool);
     TellUnusable(tool);
@@ -204,6 +204,14 @@ static void Finish(HWND dlg, FusionTool* tool)
     DestroyWindow(dlg);
     SetFocus(g_hwndMain);
     SendMessageW(g_hwndMain, WM_APP_TOOL_DONE, 0, 0);
+}
+
+static void Finish(HWND dlg, FusionTool* tool)
+{
+    const bool stored = tool->kind.store();
+    MakeResult(dlg, tool);
+    if (!stored)
+        TellSettingsUnsaved();
 }
 
 static INT_PTR OnButton(HWND dlg, FusionTool* tool, int id)

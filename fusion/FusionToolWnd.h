@@ -23,7 +23,7 @@ struct FusionToolKind
     std::function<void(SliderMove, int thumb)> move;
     std::function<void()> setDefaults; // empty = there is no such button
     std::function<FusionTask(const CBxRect<int>& region)> task;
-    std::function<void()> store;         // into the settings, at OK
+    std::function<bool()> store;         // into the settings, at OK; false = not written
     std::function<void()> opened, ended; // may be empty
 
     bool peeksAtKeys; // waiting keys make a preview outdated, too

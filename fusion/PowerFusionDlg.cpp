@@ -30,7 +30,7 @@ bool ShowPowerFusionDialog(int title)
     kind.store = [=]
     {
         StorePower(*model, &g_settings);
-        WriteSettings(SettingGroup::PowerTool);
+        return WriteSettings(SettingGroup::PowerTool);
     };
     kind.opened = [] { SetStatusText(g_strings[81]); };
     kind.peeksAtKeys = true;

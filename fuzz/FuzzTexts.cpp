@@ -48,9 +48,10 @@ static ProfileStore StoreOf(std::map<Text, Text>* values, const Text& file)
             *value = found->second;
         return found != values->end();
     };
-    store.write = [values](const Text& in, const Text& key, const Text& value)
+    store.write = [values](const Text& in, const std::vector<ProfileValue>& written)
     {
-        (*values)[Lower(in) + L'/' + Lower(key)] = value;
+        for (const ProfileValue& value : written)
+            (*values)[Lower(in) + L'/' + Lower(value.key)] = value.value;
         return true;
     };
     return store;
@@ -81,7 +82,7 @@ static void TrySettings(const Text& file)
     // What was written is what comes back.
     for (const SettingGroup group : {SettingGroup::FusionTool, SettingGroup::LevelsOfDetail})
     {
-        WriteSettings(store, group, &settings);
+        Promise(WriteSettings(store, group, &settings));
         ReadSettings(store, group, &again);
     }
     Promise(settings.fusionTool.exposure == again.fusionTool.exposure &&

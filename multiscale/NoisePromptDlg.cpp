@@ -35,14 +35,14 @@ static INT_PTR OnInit(HWND dlg, LPARAM lParam)
     return TRUE;
 }
 
-static void StoreLevel(HWND dlg)
+static bool StoreLevel(HWND dlg)
 {
     const LRESULT selected = SendDlgItemMessageW(dlg, IDC_NOISE_LEVEL, CB_GETCURSEL, 0, 0);
     if (selected == CB_ERR)
-        return;
+        return true;
     *LevelOf(dlg) = unsigned(selected);
     g_settings.denoiseStrength = int(selected);
-    WriteSettings(SettingGroup::NoisePrompt);
+    return WriteSettings(SettingGroup::NoisePrompt);
 }
 
 static INT_PTR OnButton(HWND dlg, int id)
@@ -50,9 +50,10 @@ static INT_PTR OnButton(HWND dlg, int id)
     if (id != IDOK && id != IDCANCEL)
         return FALSE;
     g_answer = id == IDOK ? kPromptConfirmed : kPromptCancelled;
-    if (id == IDOK)
-        StoreLevel(dlg);
+    const bool stored = id != IDOK || StoreLevel(dlg);
     DestroyWindow(dlg);
+    if (!stored)
+        TellSettingsUnsaved();
     return TRUE;
 }
 

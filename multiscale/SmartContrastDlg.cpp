@@ -65,10 +65,12 @@ static INT_PTR OnOk(HWND dlg)
     if (IsSmartContrastBehind(*model))
         ShowRecomposed(model);
     std::copy_n(model->lod, kDetailLevels, g_settings.levelsOfDetail);
-    WriteSettings(SettingGroup::LevelsOfDetail);
+    const bool stored = WriteSettings(SettingGroup::LevelsOfDetail);
     CBxPicBufAPI::Copy(&g_resultPicture, g_previewPicture);
     DestroyWindow(dlg);
     SendMessageW(g_hwndMain, WM_APP_TOOL_DONE, 0, 0);
+    if (!stored)
+        TellSettingsUnsaved();
     return TRUE;
 }
 

@@ -132,7 +132,9 @@ TEST_F(SettingsFile, GetsTheKeysOfARunInOrderAndAsRead)
     settings.uiPowerT[0] = 1;
     settings.uiPowerT[3] = 50;
     file.written.clear();
-    SaveSettingsOnExit(file.Store(), &settings);
+    file.writes = 0;
+    EXPECT_TRUE(SaveSettingsOnExit(file.Store(), &settings));
+    EXPECT_EQ(file.writes, 1) << "all or nothing";
     const Texts expected = {
         L"Crashed Last Time=0", L"method=7",     L"power=1",      L"noise=1",       L"uiPowerT1=1",
         L"uiPowerT2=31",        L"uiPowerT3=10", L"uiPowerT4=50", L"uiUseColors=10"};

@@ -28,13 +28,17 @@ ProfileStore MemoryProfile::Store()
         *value = found->second;
         return true;
     };
-    store.write = [this](const Text& section, const Text& key, const Text& value)
+    store.write = [this](const Text& section, const std::vector<ProfileValue>& all)
     {
         if (refuseWrites)
             return false;
-        written.push_back(key + L'=' + value);
-        if (!loseWrites)
-            Set(section, key, value);
+        ++writes;
+        for (const ProfileValue& value : all)
+        {
+            written.push_back(value.key + L'=' + value.value);
+            if (!loseWrites)
+                Set(section, value.key, value.value);
+        }
         return true;
     };
     return store;

@@ -12,6 +12,7 @@ struct MemoryProfile
 {
     std::map<std::wstring, std::wstring> values; // keys: "section/key" in lower case
     std::vector<std::wstring> written;           // "key=value"
+    int writes = 0;                              // each takes all of its values at once
     bool refuseWrites = false;
     bool loseWrites = false; // says yes and keeps nothing
 

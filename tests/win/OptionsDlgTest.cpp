@@ -93,8 +93,17 @@ TEST_F(OptionsDialog, PromisesNothingThatItDoesNotKeep)
     Show({[](HWND dlg) { ChooseAndPressOk(dlg, 0); }}); // no change, nothing to say
     {
         HeldLocalization held; // a choice that cannot be kept promises nothing
-        Show({[](HWND dlg) { ChooseAndPressOk(dlg, 1); }});
+        Show({[](HWND dlg) { ChooseAndPressOk(dlg, 1); },
+              [](HWND box)
+              {
+                  EXPECT_EQ(WindowText(box), L"Warning");
+                  EXPECT_EQ(MessageBoxText(box).find(L"The settings cannot be saved.\n" +
+                                                     ProgramFolder() + L"/Plenoviz_loc.ini\n"),
+                            0u);
+                  PressButton(box, IDOK);
+              }});
         EXPECT_EQ(StoredLanguage(), 0);
+        EXPECT_EQ(g_languages.current, 0);
     }
 }
 

@@ -61,6 +61,29 @@ TEST_F(RealProfileFiles, HoldTheSettingsOfARunInOrder)
     EXPECT_EQ(FileBytes(SettingsFilePath()), "[General]\r\nDenoise Strength=0\r\n");
 }
 
+TEST_F(RealProfileFiles, StayAsTheyWereWhenTheyCannotBeWritten)
+{
+    LoadSettings();
+    const std::string before = FileBytes(SettingsFilePath());
+    g_settings.denoiseStrength = 3;
+    {
+        const HANDLE held = CreateFileW(SettingsFilePath().c_str(), GENERIC_READ, FILE_SHARE_READ,
+                                        nullptr, OPEN_EXISTING, 0, nullptr);
+        EXPECT_FALSE(WriteSettings(SettingGroup::NoisePrompt));
+        EXPECT_FALSE(SaveSettingsOnExit());
+        CloseHandle(held);
+    }
+    EXPECT_EQ(LastProfileFailure().path, SettingsFilePath());
+    EXPECT_EQ(FileBytes(SettingsFilePath()), before);
+    EXPECT_EQ(FileBytes(SettingsFilePath() + L".new"), "") << "left behind";
+    SetFileAttributesW(SettingsFilePath().c_str(), FILE_ATTRIBUTE_READONLY);
+    EXPECT_FALSE(WriteSettings(SettingGroup::NoisePrompt));
+    EXPECT_EQ(LastProfileFailure().error, DWORD(ERROR_ACCESS_DENIED));
+    SetFileAttributesW(SettingsFilePath().c_str(), FILE_ATTRIBUTE_NORMAL);
+    EXPECT_TRUE(WriteSettings(SettingGroup::NoisePrompt));
+    EXPECT_EQ(FileBytes(SettingsFilePath()), before + "Denoise Strength=3\r\n");
+}
+
 TEST_F(RealProfileFiles, GiveTextsWithAllTheirBlanksAndLetters)
 {
     LoadLocalizedStrings();
