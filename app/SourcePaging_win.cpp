@@ -16,17 +16,20 @@ void ShowSourceStatus(int string)
     SetStatusText(text.c_str());
 }
 
-// Only the view takes the picture: metadata and tools stay with the first source.
-static void ShowSourceAt(int index)
+// Only the view takes the picture: metadata and tools stay with the first source. False when the
+// file is gone or no picture any more; the view stays as it is then.
+static bool ShowSourceAt(int index)
 {
     SBxPicBuf picture, alpha;
     CBxPicBufAPI::Init(&picture);
     CBxPicBufAPI::Init(&alpha);
     g_sourceIndex = index;
-    if (LoadSilently(g_sourceFiles[index], &picture, &alpha))
+    const bool loaded = LoadSilently(g_sourceFiles[index], &picture, &alpha);
+    if (loaded)
         ShowSource(picture);
     CBxPicBufAPI::DoneHeap(&picture);
     CBxPicBufAPI::DoneHeap(&alpha);
+    return loaded;
 }
 
 static void PageBy(int step)
@@ -34,8 +37,12 @@ static void PageBy(int step)
     const bool mayPage = g_showSources || g_hwndActiveTool; // a tool shows a preview in between
     if (!g_multiImageMode || !mayPage || g_sourceCount <= 0 || g_toolBusy)
         return;
-    ShowSourceAt(int((g_sourceIndex + g_sourceCount + step) % g_sourceCount));
-    ShowSourceStatus(55);
+    // No box: the keys come through a hook. The next press goes on to the next source.
+    if (ShowSourceAt(int((g_sourceIndex + g_sourceCount + step) % g_sourceCount)))
+        ShowSourceStatus(55);
+    else
+        SetStatusText(
+            VcFormatText(L"%s %s", g_strings[33], g_sourceFiles[g_sourceIndex]).c_str());
 }
 
 void ShowPreviousSource()

@@ -193,6 +193,8 @@ static void MakeResult(HWND dlg, FusionTool* tool)
 {
     tool->computing = true; // nothing else until the dialog has gone
     const FusionOutcome outcome = FuseResult(tool);
+    if (outcome != FusionOutcome::Done) // it has told of them, but not that OK needs them
+        tool->told.assign(tool->told.size(), false);
     TellUnusable(tool);
     if (outcome != FusionOutcome::Done)
     {
