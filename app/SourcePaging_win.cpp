@@ -41,8 +41,7 @@ static void PageBy(int step)
     if (ShowSourceAt(int((g_sourceIndex + g_sourceCount + step) % g_sourceCount)))
         ShowSourceStatus(55);
     else
-        SetStatusText(
-            VcFormatText(L"%s %s", g_strings[33], g_sourceFiles[g_sourceIndex]).c_str());
+        SetStatusText(VcFormatText(L"%s %s", g_strings[33], g_sourceFiles[g_sourceIndex]).c_str());
 }
 
 void ShowPreviousSource()

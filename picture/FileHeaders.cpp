@@ -186,16 +186,26 @@ std::vector<MaskedByte> MaskedBmpHeader(FILE* stream)
 {
     const long kLength = 14;
     const uint8_t kFirstKind = 40;
-    uint8_t head[30];
+    uint8_t head[kLength + kFirstKind];
     std::rewind(stream);
     if (std::fread(head, sizeof head, 1, stream) != 1)
         return {};
-    const uint64_t length = FileNumber(head + kLength, 4, false);
-    const uint64_t bits = FileNumber(head + 28, 2, false);
-    const bool longer = length == 52 || length == 56 || length == 108 || length == 124;
-    if (!longer || bits <= 8)
+    const auto length = long(FileNumber(head + kLength, 4, false));
+    if (length != 52 && length != 56 && length != 108 && length != 124)
         return {};
-    return {{kLength, kFirstKind}};
+    std::vector<MaskedByte> masked = {{kLength, kFirstKind}};
+    const uint64_t bits = FileNumber(head + 28, 2, false);
+    if (bits > 8)
+        return masked;
+    uint64_t colours = FileNumber(head + 46, 4, false);
+    if (colours == 0 || colours > 1u << bits)
+        colours = 1u << bits;
+    std::vector<uint8_t> palette(size_t(colours) * 4);
+    std::fseek(stream, kLength + length, SEEK_SET);
+    palette.resize(std::fread(palette.data(), 1, palette.size(), stream));
+    for (size_t i = 0; i < palette.size(); ++i)
+        masked.push_back({long(sizeof head + i), palette[i]});
+    return masked;
 }
 
 std::vector<MaskedByte> MaskedTiffEntries(FILE* stream)

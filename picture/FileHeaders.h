@@ -60,7 +60,8 @@ std::vector<MaskedByte> MaskedExif(FILE* stream);
 // counted in units of four bytes by it, but in bytes by the TIFF library.
 std::vector<MaskedByte> MaskedTiffEntries(FILE* stream);
 // The length of a BMP stream's header, when it is one of the longer kinds: FreeImage knows only the
-// first, which they all begin with. Not of pictures with a palette, which stands behind the header.
+// first, which they all begin with, and looks for the palette behind it; so it is shown there. The
+// pixels begin behind header and palette: they are not touched.
 std::vector<MaskedByte> MaskedBmpHeader(FILE* stream);
 // Profiles of a PNG stream: the PNG library unpacks them to any size that they claim, and then
 // FreeImage does not find them (see FindPngProfile).

@@ -91,15 +91,44 @@ TEST(Loading, TakesTheFourthByteOfABmpForAlphaOnlyIfItIsUsed)
     ASSERT_NE(used.alpha.pic.data, nullptr);
     EXPECT_EQ(used.alpha.At(1, 0), 9);
     EXPECT_EQ(used.picture.At(1, 0, 2), 6);
+}
 
-    // Newer kinds of headers are longer.
-    Bytes longer = MakeBmp({2, 1, 32, {}, {1, 2, 3, 0, 4, 5, 6, 9}});
-    longer[10] = 54 + 84;
-    longer[14] = 124;
-    longer.insert(longer.begin() + 54, 84, 0);
-    const LoadedPair fifth(folder.Write("5.bmp", longer));
-    ASSERT_FALSE(fifth.failed);
-    ExpectSamePicture(fifth.picture.pic, used.picture.pic);
+// A file with one of the newer kinds of headers, which are longer.
+static Bytes WithHeader(uint8_t length, Bytes file)
+{
+    file[10] = uint8_t(file[10] + length - 40); // none of these comes to 256
+    file[14] = length;
+    file.insert(file.begin() + 54, size_t(length) - 40, 77);
+    return file;
+}
+
+TEST(Loading, ReadsABmpWhateverTheLengthOfItsHeader)
+{
+    const TempFolder folder;
+    const Bytes colour = MakeBmp({2, 1, 32, {}, {1, 2, 3, 0, 4, 5, 6, 9}});
+    Bytes ramp;
+    for (int i = 0; i < 256; ++i)
+        ramp.insert(ramp.end(), {uint8_t(i), uint8_t(i), uint8_t(i), 0});
+    Bytes downwards; // black last
+    for (int i = 255; i >= 0; --i)
+        downwards.insert(downwards.end(), ramp.begin() + 4 * i, ramp.begin() + 4 * i + 4);
+    Bytes packed = MakeBmp({4, 1, 8, ramp, {3, 200, 1, 9, 0, 1}}); // three times 200, 9, the end
+    packed[30] = 1;
+    for (const Bytes& file : {colour, MakeBmp({4, 1, 8, ramp, {0, 1, 254, 255}}),
+                              MakeBmp({4, 1, 8, downwards, {0, 1, 254, 255}}), packed})
+        for (const uint8_t length : {52, 56, 108, 124})
+        {
+            const LoadedPair expected(folder.Write("short.bmp", file));
+            const LoadedPair longer(folder.Write("long.bmp", WithHeader(length, file)));
+            ASSERT_FALSE(expected.failed || longer.failed) << int(length);
+            ExpectSamePicture(longer.picture.pic, expected.picture.pic);
+        }
+    for (const size_t bytes : {size_t(60), size_t(300)}) // cut off in the header, in the palette
+    {
+        Bytes cut = WithHeader(108, packed);
+        cut.resize(bytes);
+        EXPECT_TRUE(LoadedPair(folder.Write("cut.bmp", cut)).failed) << bytes;
+    }
 }
 
 TEST(Loading, OpensAGifOfGreysAndNoOther)
@@ -140,6 +169,7 @@ std::vector<BadFile> BadFiles()
     return {
         {"oneBit.bmp", MakeBmp({8, 1, 1, twoColours, SomeBytes(4)}), kind},
         {"fourBits.bmp", MakeBmp({8, 1, 4, Bytes(64, 7), SomeBytes(4)}), kind},
+        {"fourBitsLong.bmp", WithHeader(124, MakeBmp({8, 1, 4, Bytes(64, 7), SomeBytes(4)})), kind},
         {"palette.bmp", MakeBmp({4, 1, 8, Bytes(1024, 7), SomeBytes(4)}), kind},
         {"packed.bmp", MakeBmp({2, 1, 16, {}, SomeBytes(4)}), kind},
         {"float.tif", MakeTiff({2, 1, 1, 32, 1, 3, SomeBytes(8)}), kind},
