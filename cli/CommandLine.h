@@ -20,7 +20,7 @@ struct CliOptions
     std::string output;
     std::string outDir;
     int exposure = 0;
-    int jpegQuality = 0;
+    int jpegQuality = 95; // for commands that have no such option, too
     int threads = 0; // 0 = as many as the machine has
     int width = 0, height = 0, frames = 0;
     int noise = 1; // 0 none .. 3 high
@@ -70,8 +70,8 @@ struct CommandRow
     const char* arguments; // what follows the options, or "" when nothing may
     int minInputs;         // how many of them there must be
     const char* summary;
-    const char* details;   // paragraph of the command's own help
-    OptionList options[3]; // its own first, then those it shares with others; unused ones are empty
+    const char* details;   // paragraph of the command's own help, in one line
+    OptionList options[5]; // its own first, then those it shares with others; unused ones are empty
     int (*run)(const CliOptions& options, const CliStreams& streams);
 };
 

@@ -10,8 +10,6 @@
 
 // What every command takes.
 static const OptionRow kCommonOptions[] = {
-    {"--jpeg-quality", 0, "N", nullptr, &CliOptions::jpegQuality, nullptr, 1, 100, 95, false,
-     "quality of JPEG files"},
     {"--threads", 0, "N", nullptr, &CliOptions::threads, nullptr, 0, 1024, 0, false,
      "threads to use, 0 = all processors"},
     {"--quiet", 'q', nullptr, &CliOptions::quiet, nullptr, nullptr, 0, 0, 0, false,
@@ -27,6 +25,12 @@ static const OptionRow kFuseOptions[] = {
      "grey to aim at, more = brighter"},
 };
 
+// Of commands that write photographs.
+static const OptionRow kJpegOption[] = {
+    {"--jpeg-quality", 0, "N", nullptr, &CliOptions::jpegQuality, nullptr, 1, 100, 95, false,
+     "quality of JPEG files"},
+};
+
 static const OptionRow kTimesOption[] = {
     {"--times", 0, nullptr, &CliOptions::times, nullptr, nullptr, 0, 0, 0, false,
      "say how long reading, computing and writing took"},
@@ -38,8 +42,6 @@ static const OptionRow kPhotoOptions[] = {
      "the picture to write, for one input; its ending says how"},
     {"--out-dir", 0, "DIR", nullptr, nullptr, &CliOptions::outDir, 0, 0, 0, false,
      "folder for the results, NAME-vexa with the input's ending; made when missing"},
-    {"--times", 0, nullptr, &CliOptions::times, nullptr, nullptr, 0, 0, 0, false,
-     "say how long reading, computing and writing took"},
 };
 
 static bool ParseNoise(const std::string& value, CliOptions* options)
@@ -100,7 +102,8 @@ static const OptionRow kToneMapOptions[] = {
 
 static const OptionRow kSmartContrastOptions[] = {
     {"--lod", 0, "N,N,N,N,N,N,N,N", nullptr, nullptr, nullptr, 0, 0, 0, false,
-     "detail of each level from the finest to the coarsest: 0 none, 10 as it is, 30 threefold",
+     "detail of each level from the finest to the coarsest: 0 none, 10 as it is, 30 threefold "
+     "(default 10 for all)",
      ParseLevels, "eight numbers from 0 to 30 with commas between them"},
 };
 
@@ -133,70 +136,72 @@ static const CommandRow kCommands[] = {
      "IN...",
      1,
      "fuse an exposure series into one picture",
-     "Blends photographs of one scene, taken with different exposures, into one picture that\n"
-     "shows detail in shadows and highlights. All inputs must have the same size, depth and\n"
-     "number of components. The first one gives the result its colour profile, its metadata and,\n"
-     "where the format has room for it, its alpha plane. 16-bit pictures need TIFF or PNG.",
-     {List(kFuseOptions), List(kTimesOption), List(kCommonOptions)},
+     "Blends photographs of one scene, taken with different exposures, into one picture that shows "
+     "detail in shadows and highlights. All inputs must have the same size, depth and number of "
+     "components. The first one gives the result its colour profile, its metadata and, where the "
+     "format has room for it, its alpha plane. 16-bit pictures need TIFF or PNG.",
+     {List(kFuseOptions), List(kJpegOption), List(kTimesOption), List(kCommonOptions)},
      RunFuse},
     {"single",
      "IN...",
      1,
      "detail in shadows and highlights from one photograph",
-     "Makes eleven brighter and darker exposures from each photograph and fuses them. The three\n"
+     "Makes eleven brighter and darker exposures from each photograph and fuses them. The three "
      "brightest are freed from the noise that brightening shows.",
-     {List(kSingleOptions), List(kPhotoOptions), List(kCommonOptions)},
+     {List(kSingleOptions), List(kPhotoOptions), List(kJpegOption), List(kTimesOption),
+      List(kCommonOptions)},
      RunSingle},
     {"daylight-up",
      "IN...",
      1,
      "brighten a photograph as if there had been more light",
-     "Makes 39 brighter variants of each photograph, orders them by brightness and fuses the "
-     "first\n"
+     "Makes 39 brighter variants of each photograph, orders them by brightness and fuses the first "
      "of them, as many as the power says.",
-     {List(kDaylightOptions), List(kPhotoOptions), List(kCommonOptions)},
+     {List(kDaylightOptions), List(kPhotoOptions), List(kJpegOption), List(kTimesOption),
+      List(kCommonOptions)},
      RunDaylightUp},
     {"daylight-down",
      "IN...",
      1,
      "darken a photograph and keep its detail",
      "Makes 39 darker variants of each photograph, orders them and fuses the first of them, as "
-     "many\n"
-     "as the power says.",
-     {List(kDaylightOptions), List(kPhotoOptions), List(kCommonOptions)},
+     "many as the power says.",
+     {List(kDaylightOptions), List(kPhotoOptions), List(kJpegOption), List(kTimesOption),
+      List(kCommonOptions)},
      RunDaylightDown},
     {"tone-map",
      "IN...",
      1,
      "lift detail and even out light without halos",
-     "Filters each photograph with a local Laplacian filter: detail is lifted by a power curve,\n"
+     "Filters each photograph with a local Laplacian filter: detail is lifted by a power curve, "
      "edges are compressed or expanded, noise stays as it is.",
-     {List(kToneMapOptions), List(kPhotoOptions), List(kCommonOptions)},
+     {List(kToneMapOptions), List(kPhotoOptions), List(kJpegOption), List(kTimesOption),
+      List(kCommonOptions)},
      RunToneMap},
     {"smart-contrast",
      "IN...",
      1,
      "lift or damp detail of each size",
-     "Takes each photograph apart into eight levels of detail and puts it together with a gain "
-     "for\n"
+     "Takes each photograph apart into eight levels of detail and puts it together with a gain for "
      "each of them.",
-     {List(kSmartContrastOptions), List(kPhotoOptions), List(kCommonOptions)},
+     {List(kSmartContrastOptions), List(kPhotoOptions), List(kJpegOption), List(kTimesOption),
+      List(kCommonOptions)},
      RunSmartContrast},
     {"series",
      "single|daylight-up|daylight-down IN",
      2,
      "write the exposures that the other commands fuse",
-     "Writes the exposures made from one photograph as TIFF files and prints their names, one a\n"
+     "Writes the exposures made from one photograph as TIFF files and prints their names, one a "
      "line, in the order in which they are fused.",
-     {List(kSeriesOptions), List(kCommonOptions), {}},
+     {List(kSeriesOptions), List(kCommonOptions)},
      RunSeries},
     {"sample",
      "",
      0,
      "write an exposure series to try the program with",
-     "Renders a room with a bright window and photographs it several times, two stops apart, as\n"
+     "Renders a room with a bright window and photographs it several times, two stops apart, as "
      "JPEG files sample_1.jpg (the darkest), sample_2.jpg and so on.",
-     {List(kSampleOptions), List(kCommonOptions), {}},
+     {List(kSampleOptions), List(kJpegOption), List(kCommonOptions)},
      RunSample},
 };
 

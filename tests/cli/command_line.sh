@@ -126,6 +126,9 @@ Fails 2 'a series is made from one picture' series single --out-dir d mid.ppm mi
 Works --help && Says 'smart-contrast'
 Works --version && Says 'plenoviz-cli '
 Works sample -h && Says '--frames N'
+Works smart-contrast -h && Says '--jpeg-quality N'
+awk 'length > 80 { exit 1 }' out || Complain "the help is wider than a terminal: $(<out)"
+Fails 2 "unknown option '--jpeg-quality'" series --jpeg-quality 90 --out-dir d single mid.ppm
 
 # Failures of the work: one line that names the file, and the old result stays.
 echo old >old.jpg
