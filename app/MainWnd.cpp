@@ -12,11 +12,8 @@
 #include "app/ProfileStore.h"
 #include "app/Settings.h"
 #include "app/Strings.h"
+#include "app/ToolMessagesWnd.h"
 #include "app/ToolbarWnd.h"
-#include "fusion/ExposureFusionDlg.h"
-#include "fusion/PowerFusionDlg.h"
-#include "multiscale/SeriesWorkerWnd.h"
-#include "multiscale/ToneMapWorker_win.h"
 #include "skin/SkinBrushes_win.h"
 #include "skin/SkinColors.h"
 
@@ -36,7 +33,6 @@ HWND g_hwndActiveTool;
 // has crashed: both leave the crash marker set.
 static HANDLE g_instanceMutex;
 static bool g_otherInstance;
-static bool g_closeWanted;     // as soon as the worker has ended
 static bool g_settingsUnsaved; // at the end of the run
 
 static void WarnAboutCrash(HWND frame)
@@ -146,40 +142,6 @@ static LRESULT OnEraseBackground(HWND frame, WPARAM wParam, LPARAM)
     return 1;
 }
 
-static bool CloseIfWanted()
-{
-    const bool closes = g_closeWanted && !g_toolBusy;
-    if (closes)
-        DestroyWindow(g_hwndMain);
-    return closes;
-}
-
-// Back to the photograph as it was opened.
-static LRESULT OnSeriesCancelled(HWND, WPARAM, LPARAM)
-{
-    EndSeries(false);
-    CBxPicBufAPI::DoneHeap(&g_resultPicture);
-    CBxPicBufAPI::DoneHeap(&g_previewPicture);
-    if (!CloseIfWanted() && HasPicture(g_sourcePicture))
-        ShowSource(g_sourcePicture);
-    return 0;
-}
-
-// The worker of a series has ended: the dialog over its files opens.
-static LRESULT OnSeriesReady(int id)
-{
-    if (SeriesWasAborted()) // after its last file
-        return OnSeriesCancelled(nullptr, 0, 0);
-    EndSeries(true);
-    if (CloseIfWanted() || g_workerBusy || g_sourceCount <= 0 || !HasPicture(g_sourcePicture))
-        return 0;
-    if (id == ID_OPEN_EXPOSURE_FUSION)
-        ShowExposureFusionDialog();
-    else
-        ShowPowerFusionDialog(SeriesTitle());
-    return 0;
-}
-
 static LRESULT OnCommand(HWND frame, WPARAM wParam, LPARAM)
 {
     const int id = LOWORD(wParam);
@@ -256,101 +218,6 @@ static LRESULT OnDestroy(HWND, WPARAM, LPARAM)
         CloseHandle(g_instanceMutex);
     g_instanceMutex = nullptr;
     PostQuitMessage(0);
-    return 0;
-}
-
-static LRESULT OnPreviewReady(HWND, WPARAM, LPARAM)
-{
-    ShowPreview();
-    return 0;
-}
-
-static LRESULT OnShowResult(HWND, WPARAM, LPARAM)
-{
-    ShowResult();
-    return 0;
-}
-
-static LRESULT OnShowResultFit(HWND, WPARAM, LPARAM)
-{
-    UpdateViewArea();
-    RecentreView(&g_view);
-    ShowResult();
-    return 0;
-}
-
-static LRESULT OnResultCreated(HWND, WPARAM, LPARAM)
-{
-    g_resultUnsaved = true;
-    return 0;
-}
-
-static void SetClassCursor(const wchar_t* name)
-{
-    SetClassLongPtrW(g_hwndMain, GCLP_HCURSOR,
-                     reinterpret_cast<LONG_PTR>(LoadCursorW(nullptr, name)));
-}
-
-static LRESULT OnCursorWait(HWND, WPARAM, LPARAM)
-{
-    SetClassCursor(MAKEINTRESOURCEW(32514));
-    return 0;
-}
-
-static LRESULT OnCursorArrow(HWND, WPARAM, LPARAM)
-{
-    SetClassCursor(MAKEINTRESOURCEW(32512));
-    return 0;
-}
-
-static LRESULT OnCursorMove(HWND, WPARAM, LPARAM)
-{
-    SetClassCursor(MAKEINTRESOURCEW(32646));
-    return 0;
-}
-
-static LRESULT OnToolDone(HWND frame, WPARAM, LPARAM)
-{
-    g_workerBusy = false;
-    g_toolBusy = false;
-    g_resultUnsaved = true;
-    EnableToolCommands(true);
-    OnShowResultFit(frame, 0, 0);
-    CloseIfWanted();
-    return 0;
-}
-
-static LRESULT OnToolCancelled(HWND, WPARAM, LPARAM)
-{
-    RestoreResult();
-    ShowResult();
-    CloseIfWanted();
-    return 0;
-}
-
-static LRESULT OnStartWorker(HWND, WPARAM, LPARAM)
-{
-    if (g_hwndActiveTool && !g_toolBusy)
-        StartToneMapWorker(g_hwndActiveTool);
-    return 0;
-}
-
-static LRESULT OnZoomText(HWND, WPARAM, LPARAM)
-{
-    ApplyTypedZoom();
-    return 0;
-}
-
-static LRESULT OnZoomTextRestore(HWND, WPARAM, LPARAM)
-{
-    if (g_commandStates.zoomBox)
-        SetZoomBoxText(ZoomText(g_view.state.scale).c_str());
-    return 0;
-}
-
-static LRESULT OnViewRefresh(HWND, WPARAM, LPARAM)
-{
-    RedrawView();
     return 0;
 }
 

@@ -21,7 +21,7 @@ struct CliOptions
     std::string outDir;
     int exposure = 0;
     int jpegQuality = 95; // for commands that have no such option, too
-    int threads = 0; // 0 = as many as the machine has
+    int threads = 0;      // 0 = as many as the machine has
     int width = 0, height = 0, frames = 0;
     int noise = 1; // 0 none .. 3 high
     int power = 0; // variants to fuse

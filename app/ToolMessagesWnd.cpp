@@ -1,0 +1,141 @@
+#include "app/ToolMessagesWnd.h"
+
+#include "app/AppState.h"
+#include "app/AppWindows_win.h"
+#include "app/CommandIds.h"
+#include "app/CommandsWnd.h"
+#include "app/FrameView_win.h"
+#include "app/ToolbarWnd.h"
+#include "fusion/ExposureFusionDlg.h"
+#include "fusion/PowerFusionDlg.h"
+#include "multiscale/SeriesWorkerWnd.h"
+#include "multiscale/ToneMapWorker_win.h"
+
+bool g_closeWanted;
+
+static bool CloseIfWanted()
+{
+    const bool closes = g_closeWanted && !g_toolBusy;
+    if (closes)
+        DestroyWindow(g_hwndMain);
+    return closes;
+}
+
+LRESULT OnSeriesCancelled(HWND, WPARAM, LPARAM)
+{
+    EndSeries(false);
+    CBxPicBufAPI::DoneHeap(&g_resultPicture);
+    CBxPicBufAPI::DoneHeap(&g_previewPicture);
+    if (!CloseIfWanted() && HasPicture(g_sourcePicture))
+        ShowSource(g_sourcePicture);
+    return 0;
+}
+
+LRESULT OnSeriesReady(int id)
+{
+    if (SeriesWasAborted()) // after its last file
+        return OnSeriesCancelled(nullptr, 0, 0);
+    EndSeries(true);
+    if (CloseIfWanted() || g_workerBusy || g_sourceCount <= 0 || !HasPicture(g_sourcePicture))
+        return 0;
+    if (id == ID_OPEN_EXPOSURE_FUSION)
+        ShowExposureFusionDialog();
+    else
+        ShowPowerFusionDialog(SeriesTitle());
+    return 0;
+}
+
+LRESULT OnPreviewReady(HWND, WPARAM, LPARAM)
+{
+    ShowPreview();
+    return 0;
+}
+
+LRESULT OnShowResult(HWND, WPARAM, LPARAM)
+{
+    ShowResult();
+    return 0;
+}
+
+LRESULT OnShowResultFit(HWND, WPARAM, LPARAM)
+{
+    UpdateViewArea();
+    RecentreView(&g_view);
+    ShowResult();
+    return 0;
+}
+
+LRESULT OnResultCreated(HWND, WPARAM, LPARAM)
+{
+    g_resultUnsaved = true;
+    return 0;
+}
+
+static void SetClassCursor(const wchar_t* name)
+{
+    SetClassLongPtrW(g_hwndMain, GCLP_HCURSOR,
+                     reinterpret_cast<LONG_PTR>(LoadCursorW(nullptr, name)));
+}
+
+LRESULT OnCursorWait(HWND, WPARAM, LPARAM)
+{
+    SetClassCursor(MAKEINTRESOURCEW(32514));
+    return 0;
+}
+
+LRESULT OnCursorArrow(HWND, WPARAM, LPARAM)
+{
+    SetClassCursor(MAKEINTRESOURCEW(32512));
+    return 0;
+}
+
+LRESULT OnCursorMove(HWND, WPARAM, LPARAM)
+{
+    SetClassCursor(MAKEINTRESOURCEW(32646));
+    return 0;
+}
+
+LRESULT OnToolDone(HWND frame, WPARAM, LPARAM)
+{
+    g_workerBusy = false;
+    g_toolBusy = false;
+    g_resultUnsaved = true;
+    EnableToolCommands(true);
+    OnShowResultFit(frame, 0, 0);
+    CloseIfWanted();
+    return 0;
+}
+
+LRESULT OnToolCancelled(HWND, WPARAM, LPARAM)
+{
+    RestoreResult();
+    ShowResult();
+    CloseIfWanted();
+    return 0;
+}
+
+LRESULT OnStartWorker(HWND, WPARAM, LPARAM)
+{
+    if (g_hwndActiveTool && !g_toolBusy)
+        StartToneMapWorker(g_hwndActiveTool);
+    return 0;
+}
+
+LRESULT OnZoomText(HWND, WPARAM, LPARAM)
+{
+    ApplyTypedZoom();
+    return 0;
+}
+
+LRESULT OnZoomTextRestore(HWND, WPARAM, LPARAM)
+{
+    if (g_commandStates.zoomBox)
+        SetZoomBoxText(ZoomText(g_view.state.scale).c_str());
+    return 0;
+}
+
+LRESULT OnViewRefresh(HWND, WPARAM, LPARAM)
+{
+    RedrawView();
+    return 0;
+}
