@@ -6,115 +6,15 @@
 // straight into the picture.
 
 #include "fusion/FusionAccumulator.h"
-#include "fusion/FusionFilter.h"
 #include "fusion/FusionKernels.h"
+#include "fusion/FusionLevels.h"
 #include "fusion/FusionThreads.h"
 #include "fusion/FusionWeights.h"
-#include "picture/FloatPlane.h"
 #include "picture/ShortMemory.h"
 
 #include <algorithm>
 #include <utility>
 #include <vector>
-
-namespace
-{
-
-constexpr int kMaxPlanes = 3;
-
-struct LevelSize
-{
-    int width, height;
-};
-
-// Gaussian levels 1.. of the planes at hand.
-struct Scratch
-{
-    FloatPlane gauss[kMaxPlanes][kFusionLevelSlots];
-};
-
-} // namespace
-
-static LevelSize SizeOf(const VcFusionAccumulator& acc, unsigned level)
-{
-    return {int(acc.levelWidth[level]), int(acc.levelHeight[level])};
-}
-
-static bool CarriesBand(LevelSize size)
-{
-    return size.width >= 5 && size.height >= 5;
-}
-
-// With undefined contents.
-static FloatPlane PlaneOf(LevelSize size)
-{
-    return FloatPlane(VcAllocUnsetPlane(int64_t(size.width) * size.height));
-}
-
-// A picture without any reduction would have its finest level as its coarsest; that level is left
-// at zero then, and such pictures are refused by whoever asks for fusions.
-static bool AllocateScratch(Scratch* scratch, const VcFusionAccumulator& acc, int planes)
-{
-    for (int c = 0; c < planes; ++c)
-        for (unsigned k = acc.levels > 0 ? 1 : 0; k <= acc.levels; ++k)
-        {
-            const LevelSize size = SizeOf(acc, k);
-            FloatPlane& plane = scratch->gauss[c][k];
-            plane = PlaneOf(size);
-            if (!plane)
-                return true;
-            if (k == 0 || !CarriesBand(size)) // nothing is reduced into it
-                std::fill_n(plane.get(), int64_t(size.width) * size.height, 0.0f);
-        }
-    return false;
-}
-
-static FusionSamples SamplesOf(const SBxPicBuf* planes, unsigned level)
-{
-    if (level > 0)
-        return kFusionFloats;
-    return planes[0].bitsPerComponent == 8 ? kFusionBytes : kFusionWords;
-}
-
-// What a level's weighting needs to know.
-static FusionBandJob JobOf(const Scratch& scratch, float* const (*channelPlanes)[kFusionPlanes],
-                           const SBxPicBuf* planes, const VcFusionAccumulator& acc, unsigned level,
-                           int count)
-{
-    const LevelSize size = SizeOf(acc, level);
-    FusionBandJob job = {};
-    job.mid = float(acc.exposureMid) * float(1u << (acc.bitsPerComponent - 8));
-    job.kernel = acc.kernel;
-    job.weights = channelPlanes[0][level];
-    for (int c = 0; c < count; ++c)
-    {
-        const FloatPlane& stored = scratch.gauss[c][level];
-        const void* samples = stored ? static_cast<const void*>(stored.get()) : planes[c].data;
-        job.gauss[c] = {samples, size.width, size.height};
-        job.sums[c] = channelPlanes[c][kFusionLevelSlots + level];
-        if (level < acc.levels)
-            job.coarse[c] = scratch.gauss[c][level + 1].get();
-    }
-    job.coarseWidth = size.width / 2;
-    job.coarseHeight = size.height / 2;
-    return job;
-}
-
-static void MakeCoarser(const FusionBandJob& job, FusionSamples samples, Scratch* scratch,
-                        unsigned level, int count)
-{
-    const FusionKernels& kernels = VcFusionKernels();
-    const int width = job.coarseWidth, height = job.coarseHeight;
-    for (int c = 0; c < count; ++c)
-    {
-        float* to = scratch->gauss[c][level + 1].get();
-        VcParallelRows(height, width,
-                       [&](int first, int end) {
-                           kernels.reduceRows[samples](to, width, height, &job.gauss[c], job.kernel,
-                                                       first, end);
-                       });
-    }
-}
 
 // Weights a level, in strips of rows when somebody may want to stop. True when that is so.
 static bool WeighLevel(const FusionBandJob& job, FusionSamples samples, int channels, unsigned bits,
@@ -135,21 +35,22 @@ static bool WeighLevel(const FusionBandJob& job, FusionSamples samples, int chan
 static bool AccumulatePlanes(float* const (*channelPlanes)[kFusionPlanes], const SBxPicBuf* planes,
                              int count, const VcFusionAccumulator& acc, FusionStop stop)
 {
-    Scratch scratch;
-    if (AllocateScratch(&scratch, acc, count))
+    SourceLevels source;
+    source.count = count;
+    std::copy_n(planes, count, source.finest);
+    if (AllocateLevels(&source, acc))
         return true;
     for (unsigned k = 0; k < acc.levels; ++k)
     {
-        const FusionSamples samples = SamplesOf(planes, k);
-        const FusionBandJob job = JobOf(scratch, channelPlanes, planes, acc, k, count);
-        MakeCoarser(job, samples, &scratch, k, count);
-        if (CarriesBand(SizeOf(acc, k)) &&
-            WeighLevel(job, samples, count, acc.bitsPerComponent, stop))
+        MakeCoarser(&source, acc, k);
+        if (CarriesBand(FusionLevelSize(acc, k)) &&
+            WeighLevel(BandJobOf(source, channelPlanes, acc, k), SamplesOfLevel(acc, k), count,
+                       acc.bitsPerComponent, stop))
             return true;
         for (int c = 0; c < count; ++c)
-            scratch.gauss[c][k].reset();
+            source.gauss[c][k].reset();
     }
-    VcWeighTop(JobOf(scratch, channelPlanes, planes, acc, acc.levels, count), unsigned(count),
+    VcWeighTop(BandJobOf(source, channelPlanes, acc, acc.levels), unsigned(count),
                acc.bitsPerComponent);
     return false;
 }
@@ -175,22 +76,22 @@ static void ComposeRows(const VcFusionAccumulator& acc, unsigned channel, unsign
                         const float* coarse, int first, int end, RowAt to)
 {
     const FusionKernels& kernels = VcFusionKernels();
-    const LevelSize size = SizeOf(acc, level);
+    const CBxSize<int> size = FusionLevelSize(acc, level);
     const float* weights = WeightPlane(acc, acc.channels == 3 ? 0 : channel, level);
     const float* sums = SumPlane(acc, channel, level);
     for (int row = first; row < end; ++row)
     {
         float* out = to(row);
         if (!coarse || !CarriesBand(size))
-            std::fill_n(out, size.width, 0.0f);
+            std::fill_n(out, size.cx, 0.0f);
         if (coarse)
         {
-            const FusionPlane from = {coarse, size.width / 2, size.height / 2};
-            kernels.expandRow(out, size.width, size.height, &from, acc.kernel, row, 0, size.width);
+            const FusionPlane from = {coarse, size.cx / 2, size.cy / 2};
+            kernels.expandRow(out, size.cx, size.cy, &from, acc.kernel, row, 0, size.cx);
         }
-        const int64_t at = int64_t(row) * size.width;
+        const int64_t at = int64_t(row) * size.cx;
         if (CarriesBand(size))
-            kernels.addRatios(out, sums + at, weights + at, size.width);
+            kernels.addRatios(out, sums + at, weights + at, size.cx);
     }
 }
 
@@ -218,16 +119,16 @@ static bool ComposeCoarse(FloatPlane* coarse, const VcFusionAccumulator& acc, un
 {
     for (unsigned k = acc.levels; k > 0; --k)
     {
-        const LevelSize size = SizeOf(acc, k);
-        FloatPlane fine = PlaneOf(size);
+        const CBxSize<int> size = FusionLevelSize(acc, k);
+        FloatPlane fine(VcAllocUnsetPlane(int64_t(size.cx) * size.cy));
         if (!fine)
             return true;
-        VcParallelRows(size.height, size.width,
+        VcParallelRows(size.cy, size.cx,
                        [&](int first, int end)
                        {
                            ComposeRows(acc, channel, k, coarse->get(), first, end,
                                        [&](int row)
-                                       { return fine.get() + int64_t(row) * size.width; });
+                                       { return fine.get() + int64_t(row) * size.cx; });
                        });
         *coarse = std::move(fine);
     }

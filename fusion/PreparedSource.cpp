@@ -8,7 +8,7 @@
 
 PreparedSource::~PreparedSource()
 {
-    for (SBxPicBuf& plane : planes)
+    for (SBxPicBuf& plane : levels.finest)
         CBxPicBufAPI::DoneHeap(&plane);
 }
 
@@ -31,75 +31,33 @@ int64_t VcAccumulatorBytes(const SBxPicBuf& geometry)
     return planes * SamplesOfAllLevels(geometry) * int64_t(sizeof(float));
 }
 
-static bool HasBand(const VcFusionAccumulator& acc, unsigned level)
+PreparedSourcePtr VcPrepareSource(const VcFusionAccumulator& acc, const SBxPicBuf& picture)
 {
-    return acc.levelWidth[level] >= 5 && acc.levelHeight[level] >= 5;
-}
-
-static FusionSamples SamplesOf(const VcFusionAccumulator& acc, unsigned level)
-{
-    if (level > 0)
-        return kFusionFloats;
-    return acc.bitsPerComponent == 8 ? kFusionBytes : kFusionWords;
+    const auto source = std::make_shared<PreparedSource>();
+    SourceLevels* levels = &source->levels;
+    levels->count = int(acc.channels);
+    for (unsigned c = 0; c < acc.channels; ++c)
+    {
+        SBxPicBuf* plane = &levels->finest[c];
+        CBxPicBufAPI::ReinitHeap(plane, picture.width, picture.height, 1, picture.bitsPerComponent);
+        if (!plane->data)
+            return nullptr;
+        CBxPicBufAPI::ExtractComponent(plane, c, picture);
+    }
+    if (AllocateLevels(levels, acc))
+        return nullptr;
+    for (unsigned k = 0; k < acc.levels; ++k)
+        MakeCoarser(levels, acc, k);
+    return source;
 }
 
 static FusionBandJob JobOf(const VcFusionAccumulator& acc, const PreparedSource& source,
                            unsigned level)
 {
-    FusionBandJob job = {};
-    job.mid = float(acc.exposureMid) * float(1u << (acc.bitsPerComponent - 8));
-    job.kernel = acc.kernel;
-    job.weights = WeightPlane(acc, 0, level);
-    for (unsigned c = 0; c < acc.channels; ++c)
-    {
-        const void* samples = source.gauss[c][level].get();
-        job.gauss[c] = {level > 0 ? samples : source.planes[c].data, int(acc.levelWidth[level]),
-                        int(acc.levelHeight[level])};
-        job.sums[c] = SumPlane(acc, c, level);
-        if (level < acc.levels)
-            job.coarse[c] = source.gauss[c][level + 1].get();
-    }
+    FusionBandJob job = BandJobOf(source.levels, acc.planes, acc, level);
     job.spread = VcExposureSpread(acc.bitsPerComponent);
     job.additions = acc.channels == 3 && acc.bitsPerComponent == 8 ? 2 : 1;
-    job.coarseWidth = int(acc.levelWidth[level] / 2);
-    job.coarseHeight = int(acc.levelHeight[level] / 2);
     return job;
-}
-
-static bool MakeLevels(PreparedSource* source, const VcFusionAccumulator& acc, unsigned component)
-{
-    for (unsigned k = 0; k < acc.levels; ++k)
-    {
-        const int width = int(acc.levelWidth[k + 1]), height = int(acc.levelHeight[k + 1]);
-        FloatPlane& coarse = source->gauss[component][k + 1];
-        coarse.reset(VcAllocPlane(int64_t(width) * height));
-        if (!coarse)
-            return true;
-        const FusionBandJob job = JobOf(acc, *source, k);
-        const auto reduce = VcFusionKernels().reduceRows[SamplesOf(acc, k)];
-        VcParallelRows(height, width,
-                       [&](int first, int end) {
-                           reduce(coarse.get(), width, height, &job.gauss[component], acc.kernel,
-                                  first, end);
-                       });
-    }
-    return false;
-}
-
-PreparedSourcePtr VcPrepareSource(const VcFusionAccumulator& acc, const SBxPicBuf& picture)
-{
-    const auto source = std::make_shared<PreparedSource>();
-    for (unsigned c = 0; c < acc.channels; ++c)
-    {
-        SBxPicBuf* plane = &source->planes[c];
-        CBxPicBufAPI::ReinitHeap(plane, picture.width, picture.height, 1, picture.bitsPerComponent);
-        if (!plane->data)
-            return nullptr;
-        CBxPicBufAPI::ExtractComponent(plane, c, picture);
-        if (MakeLevels(source.get(), acc, c))
-            return nullptr;
-    }
-    return source;
 }
 
 static void ClearRows(const VcFusionAccumulator& acc, unsigned level, int first, int end)
@@ -119,7 +77,7 @@ static void SumRows(const VcFusionAccumulator& acc, const std::vector<FusionBand
     constexpr int kSamplesAtOnce = 16384; // a quarter of a megabyte of sums
     const int width = int(acc.levelWidth[level]), rows = kSamplesAtOnce / width + 1;
     const FusionKernels& kernels = VcFusionKernels();
-    const FusionSamples samples = SamplesOf(acc, level);
+    const FusionSamples samples = SamplesOfLevel(acc, level);
     const auto weigh = acc.channels == 3 ? kernels.weigh3[samples] : kernels.weigh1[samples];
     for (int row = first; row < end; row += rows)
     {
@@ -156,7 +114,7 @@ bool VcSumPrepared(VcFusionAccumulator* acc, const std::vector<PreparedSourcePtr
         std::vector<FusionBandJob> jobs;
         for (const PreparedSourcePtr& source : sources)
             jobs.push_back(JobOf(*acc, *source, k));
-        const bool band = k < acc->levels && HasBand(*acc, k);
+        const bool band = k < acc->levels && CarriesBand(FusionLevelSize(*acc, k));
         if (band && SumLevel(*acc, jobs, k, stop))
             return true;
         if (!band)

@@ -1,7 +1,6 @@
 #pragma once
 
-#include "fusion/FusionAccumulator.h"
-#include "picture/FloatPlane.h"
+#include "fusion/FusionLevels.h"
 
 #include <functional>
 #include <memory>
@@ -12,8 +11,7 @@
 
 struct PreparedSource
 {
-    SBxPicBuf planes[3] = {};               // the finest level, a component each
-    FloatPlane gauss[3][kFusionLevelSlots]; // coarser levels, from 1 on
+    SourceLevels levels; // with planes of its own
 
     PreparedSource() = default;
     PreparedSource(const PreparedSource&) = delete;
