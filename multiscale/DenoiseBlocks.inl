@@ -5,7 +5,8 @@
 // Eight rows at a time: the vertical transform is shared by all blocks that start in a row, so it
 // is done once for whole rows, as is its inverse after the blocks have been added up.
 
-// Ahead of a loop: what one round writes, no other round reads.
+// Ahead of a loop: what one round writes, no other round reads. A fact about the loop, not a wish:
+// vectors need it, and each compiler has a word of its own for it.
 #ifdef __clang__
 #define VC_ROUNDS_APART _Pragma("clang loop vectorize(assume_safety)")
 #else
@@ -188,3 +189,5 @@ static void DenoiseBlocks(const DenoiseBlockJob* job, int first, int end, float*
     for (long long i = (long long)first * width; i < (long long)end * width; ++i)
         job->dst[i] /= job->weights[i];
 }
+
+#undef VC_ROUNDS_APART

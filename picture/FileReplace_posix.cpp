@@ -1,4 +1,4 @@
-#include "picture/FileReplace.h"
+#include "picture/FileReplaceSystem.h"
 
 #include <atomic>
 #include <cerrno>
@@ -131,8 +131,7 @@ bool BeginReplacing(ReplacingFile* file, const char* target)
     return false;
 }
 
-// Full disks and broken network drives may show only when the contents really leave the memory.
-static int SyncToDisk(FILE* stream)
+int SyncToDisk(FILE* stream)
 {
     if (std::fflush(stream) != 0)
         return errno;
@@ -141,20 +140,18 @@ static int SyncToDisk(FILE* stream)
     return errno;
 }
 
-bool FinishReplacing(ReplacingFile* file, bool toDisk)
+int KeepLock(FILE* stream)
 {
-    if (!file->error && toDisk)
-        file->error = SyncToDisk(file->stream);
-    const int lock = dup(fileno(file->stream)); // outlives the stream
-    if (std::fclose(file->stream) != 0 && !file->error)
-        file->error = errno;
-    file->stream = nullptr;
-    if (!file->error && std::rename(file->sibling.c_str(), file->target.c_str()) != 0)
-        file->error = errno;
+    return dup(fileno(stream));
+}
+
+void DropLock(int lock)
+{
     if (lock >= 0)
         close(lock);
-    if (!file->error)
-        return true;
-    CancelReplacing(file);
-    return false;
+}
+
+int MoveOver(const ReplacingFile& file)
+{
+    return std::rename(file.sibling.c_str(), file.target.c_str()) == 0 ? 0 : errno;
 }

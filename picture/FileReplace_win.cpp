@@ -1,5 +1,4 @@
-#include "picture/FileReplace.h"
-
+#include "picture/FileReplaceSystem.h"
 #include "picture/SystemFiles.h"
 
 #include "app/Win.h"
@@ -121,8 +120,21 @@ bool BeginReplacing(ReplacingFile* file, const char* target)
     return file->stream != nullptr;
 }
 
+int SyncToDisk(FILE* stream)
+{
+    return std::fflush(stream) == 0 && _commit(_fileno(stream)) == 0 ? 0 : errno;
+}
+
+// The number of the running process protects a closed sibling.
+int KeepLock(FILE*)
+{
+    return -1;
+}
+
+void DropLock(int) {}
+
 // Virus scanners and indexers hold new files open for a moment.
-static int MoveOver(const ReplacingFile& file)
+int MoveOver(const ReplacingFile& file)
 {
     const int kAttempts = 10;
     const DWORD kPauseMs = 50;
@@ -136,20 +148,4 @@ static int MoveOver(const ReplacingFile& file)
             return error;
         Sleep(kPauseMs);
     }
-}
-
-bool FinishReplacing(ReplacingFile* file, bool toDisk)
-{
-    if (!file->error && toDisk &&
-        (std::fflush(file->stream) != 0 || _commit(_fileno(file->stream)) != 0))
-        file->error = errno;
-    if (std::fclose(file->stream) != 0 && !file->error)
-        file->error = errno;
-    file->stream = nullptr;
-    if (!file->error)
-        file->error = MoveOver(*file);
-    if (!file->error)
-        return true;
-    CancelReplacing(file);
-    return false;
 }
