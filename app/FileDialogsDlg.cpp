@@ -186,6 +186,8 @@ static UINT_PTR CALLBACK QualityHook(HWND row, UINT message, WPARAM wParam, LPAR
 static bool AskForTarget(HWND owner, int bitsPerComponent, const wchar_t* source,
                          SaveTarget* target)
 {
+    ReadSettings(SettingGroup::SaveDialog);
+    g_jpegQuality = g_settings.jpegQuality;
     wchar_t name[kNameChars];
     VcFormat(name, kNameChars, L"%s", ProposedSaveName(source).c_str());
     std::vector<std::wstring> patterns;
@@ -295,24 +297,18 @@ static bool WritePicture(HWND owner, const SBxPicBuf& picture, const SBxPicBuf& 
 }
 
 bool SavePictureAs(HWND owner, const SBxPicBuf& picture, const SBxPicBuf& alpha,
-                   const wchar_t* source, std::wstring* savedPath)
+                   const wchar_t* source, std::wstring* path)
 {
     if (!picture.data)
         return false;
-    ReadSettings(SettingGroup::SaveDialog);
-    g_jpegQuality = g_settings.jpegQuality;
     SaveTarget target;
-    if (!AskForTarget(owner, picture.bitsPerComponent, source, &target) ||
-        !WritePicture(owner, picture, alpha, source, target))
+    if (!path->empty())
+        target = SaveTargetOf(*path, 0, picture.bitsPerComponent);
+    else if (!AskForTarget(owner, picture.bitsPerComponent, source, &target))
+        return false;
+    if (!WritePicture(owner, picture, alpha, source, target))
         return false;
     g_settings.jpegQuality = g_jpegQuality;
-    *savedPath = target.path;
+    *path = target.path;
     return true;
-}
-
-bool SavePictureTo(HWND owner, const SBxPicBuf& picture, const SBxPicBuf& alpha,
-                   const wchar_t* source, const wchar_t* path)
-{
-    return picture.data && WritePicture(owner, picture, alpha, source,
-                                        SaveTargetOf(path, 0, picture.bitsPerComponent));
 }

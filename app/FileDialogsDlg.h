@@ -27,12 +27,9 @@ bool LoadForDocument(const wchar_t* path, SBxPicBuf* picture, SBxPicBuf* alpha);
 // Loader of the tools: silent.
 bool LoadSilently(const wchar_t* path, SBxPicBuf* picture, SBxPicBuf* alpha);
 
-// Save As for a picture with the metadata of `source`: asks for name and type (with the quality of
-// JPEG files), writes, and leaves the quality in g_settings, to be stored. False on Cancel or when
-// nothing was written, which the user has been told. `savedPath` is the name on success.
+// Save As for a picture with the metadata of `source`: writes to `path`, whose ending decides the
+// format, and leaves the quality of JPEG files in g_settings, to be stored. An empty path asks for
+// name, type and quality first. False on Cancel or when nothing was written, which the user has
+// been told. `path` is the name that was written on success.
 bool SavePictureAs(HWND owner, const SBxPicBuf& picture, const SBxPicBuf& alpha,
-                   const wchar_t* source, std::wstring* savedPath);
-
-// The same without the dialog: the ending decides the format.
-bool SavePictureTo(HWND owner, const SBxPicBuf& picture, const SBxPicBuf& alpha,
-                   const wchar_t* source, const wchar_t* path);
+                   const wchar_t* source, std::wstring* path);

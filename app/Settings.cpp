@@ -17,7 +17,7 @@ static const SettingRange kSourceCount = {OutOfRange::UseDefault, 3, 39};
 static const SettingRange kStrength = {OutOfRange::Clamp, 0, 10};
 static const SettingRange kTargetGrey = {OutOfRange::Clamp, 48, 160};
 static const SettingRange kGainTenths = {OutOfRange::Clamp, 0, 30};
-static const SettingRange kNoiseLevel = {OutOfRange::UseDefault, 0, 3};
+static const SettingRange kNoiseLevel = {OutOfRange::Clamp, 0, 3};
 
 using Group = SettingGroup;
 #define FIELD(name) offsetof(Settings, name)

@@ -77,13 +77,3 @@ int ThumbOfScroll(WPARAM wParam);
 // A key that moves this slider is waiting: what the present value asks for would be outdated
 // before it is done. The slider says so itself when the last key has come up (TB_ENDTRACK).
 bool NewerSliderInputWaits(HWND slider);
-
-// The row that a WM_HSCROLL belongs to, or null.
-template <int N>
-const SliderControl* SliderOfScroll(HWND dialog, const SliderControl (&rows)[N], LPARAM lParam)
-{
-    for (const SliderControl& row : rows)
-        if (GetDlgItem(dialog, row.slider) == reinterpret_cast<HWND>(lParam))
-            return &row;
-    return nullptr;
-}

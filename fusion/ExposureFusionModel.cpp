@@ -6,8 +6,8 @@ static constexpr unsigned kLeftArrow = 0x25, kRightArrow = 0x27;
 ExposureFusionModel OpenExposureFusion(const Settings& settings, int seriesCount)
 {
     const auto& stored = settings.fusionTool;
-    return {stored.sharpStrength, stored.satStrength, stored.expStrength,
-            MovedSlider(kTargetGreyRange, stored.exposure, SliderMove::Other, 0), seriesCount};
+    return {stored.sharpStrength, stored.satStrength, stored.expStrength, stored.exposure,
+            seriesCount};
 }
 
 bool MoveExposure(ExposureFusionModel* model, SliderMove move, int thumb)

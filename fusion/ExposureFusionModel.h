@@ -17,6 +17,7 @@ struct ExposureFusionModel
     int seriesCount;
 };
 
+// From settings as they are read, which is within the slider's range.
 ExposureFusionModel OpenExposureFusion(const Settings& settings, int seriesCount);
 
 // True when the value is another one now, and the preview with it.

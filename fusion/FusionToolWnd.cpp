@@ -35,11 +35,6 @@ struct FusionTool
     ~FusionTool() { CBxPicBufAPI::DoneHeap(&working); }
 };
 
-static FusionTool* ToolOf(HWND dlg)
-{
-    return reinterpret_cast<FusionTool*>(GetWindowLongPtrW(dlg, DWLP_USER));
-}
-
 static std::unique_ptr<FusionSources> SeriesOfFrame()
 {
     std::vector<std::string> paths;
@@ -172,17 +167,6 @@ static INT_PTR OnSlider(HWND dlg, FusionTool* tool, WPARAM wParam, LPARAM lParam
     return ValueChanged(dlg, tool);
 }
 
-// The preview is refreshed first: the frame puts it over the result when a tool is cancelled. The
-// frame hears of the end when the dialog has gone and the view has its place back.
-static void GiveUp(HWND dlg)
-{
-    CBxPicBufAPI::Copy(&g_previewPicture, g_sourcePicture);
-    SetStatusText(g_strings[76]);
-    DestroyWindow(dlg);
-    SetFocus(g_hwndMain);
-    SendMessageW(g_hwndMain, WM_APP_TOOL_CANCELLED, 0, 0);
-}
-
 static FusionOutcome FuseResult(FusionTool* tool)
 {
     const ToolWaitCursor wait;
@@ -199,7 +183,7 @@ static void MakeResult(HWND dlg, FusionTool* tool)
     if (outcome != FusionOutcome::Done)
     {
         MessageBeep(MB_ICONHAND);
-        GiveUp(dlg);
+        GiveUpTool(dlg);
         return;
     }
     SetStatusText(g_strings[g_multiImageMode ? 56 : 81]);
@@ -223,7 +207,7 @@ static INT_PTR OnButton(HWND dlg, FusionTool* tool, int id)
     if (id == IDOK)
         Finish(dlg, tool);
     else if (id == IDCANCEL)
-        GiveUp(dlg);
+        GiveUpTool(dlg);
     else if (id == IDC_FUSION_DEFAULT && tool->kind.setDefaults)
     {
         tool->kind.setDefaults();
@@ -254,7 +238,7 @@ static INT_PTR CALLBACK FusionToolProc(HWND dlg, UINT message, WPARAM wParam, LP
 {
     if (message == WM_INITDIALOG)
         return OnInit(dlg, reinterpret_cast<std::unique_ptr<FusionTool>*>(lParam));
-    FusionTool* tool = ToolOf(dlg);
+    FusionTool* tool = DialogData<FusionTool>(dlg);
     if (!tool)
         return FALSE;
     switch (message)
@@ -297,7 +281,8 @@ bool ShowFusionTool(const FusionToolKind& kind, std::unique_ptr<FusionSources> s
     SetFocus(GetDlgItem(dlg, kind.slider.slider));
     UpdateWindow(g_hwndMain);
     SendMessageW(dlg, WM_LBUTTONUP, 0, 0);
-    if (ToolOf(dlg) && NothingUsable(*ToolOf(dlg)->sources))
-        GiveUp(dlg); // with no slider that could change anything
+    const FusionTool* shown = DialogData<FusionTool>(dlg); // null when it has been closed already
+    if (shown && NothingUsable(*shown->sources))
+        GiveUpTool(dlg); // with no slider that could change anything
     return true;
 }

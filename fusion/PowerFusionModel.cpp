@@ -4,7 +4,7 @@
 
 PowerFusionModel OpenPowerFusion(const Settings& settings, int seriesCount)
 {
-    return {std::clamp(settings.powerTool.power, kPowerRange.low, kPowerRange.high), seriesCount};
+    return {settings.powerTool.power, seriesCount};
 }
 
 bool MovePower(PowerFusionModel* model, SliderMove move, int thumb)

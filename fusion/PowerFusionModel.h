@@ -15,6 +15,7 @@ struct PowerFusionModel
     int seriesCount; // sources that there are; a series that was stopped has fewer than 39
 };
 
+// From settings as they are read, which is within the slider's range.
 PowerFusionModel OpenPowerFusion(const Settings& settings, int seriesCount);
 
 // True when the value is another one now, and the preview with it.

@@ -11,8 +11,7 @@ struct SeriesProgress
 {
     int percent;  // for the text
     int position; // of the bar
-    bool
-        newText; // false: the bar moves, but the text is no longer ours, since a cancel shows there
+    bool newText; // false: the bar moves, but the text stays, since it tells of the cancel
 };
 
 struct SeriesControl

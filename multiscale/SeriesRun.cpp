@@ -22,6 +22,13 @@ static void WriteSeriesFile(const std::string& path, const SBxPicBuf& picture)
     SavePicturePair(picture, noAlpha, savePath.c_str(), "", kFormatTiff, nullptr, &extras);
 }
 
+// A series that nobody stopped ended early because memory was short. What there is of it would give
+// another picture than the whole.
+static bool IsCutShort(const SeriesRun& run, int made, int whole)
+{
+    return made < whole && !run.control.Ending();
+}
+
 static void MakeFiles(SeriesRun* run)
 {
     const SeriesSink write = [run](int, const SBxPicBuf& picture, const char* name)
@@ -32,6 +39,8 @@ static void MakeFiles(SeriesRun* run)
     if (run->kind == SeriesKind::Single)
     {
         const int count = MakeExposureSeries(run->source, run->noiseLevel, write, run->control);
+        if (IsCutShort(*run, count, kExposures))
+            return;
         for (int number = 0; number < count; ++number)
             run->files.push_back(ExposureFileName(number));
         return;
@@ -39,6 +48,8 @@ static void MakeFiles(SeriesRun* run)
     const DaylightMode mode =
         run->kind == SeriesKind::DaylightUp ? DaylightMode::Up : DaylightMode::Down;
     const std::vector<unsigned> keys = MakeDaylightSeries(run->source, mode, write, run->control);
+    if (IsCutShort(*run, int(keys.size()), kDaylightVariants))
+        return;
     for (const int number : DaylightOrder(mode, keys))
         run->files.push_back(DaylightFileName(number));
 }

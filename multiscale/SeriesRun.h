@@ -33,6 +33,7 @@ struct SeriesRun
 
     // What the run leaves behind: names of the files that count, in the order of fusion. A file
     // that could not be written is there all the same; whoever reads it finds out and says so.
+    // Empty when memory was short.
     std::vector<std::string> files;
 };
 

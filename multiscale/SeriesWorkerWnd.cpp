@@ -41,10 +41,10 @@ static DWORD WINAPI SeriesThread(void*)
         MakeSeriesFiles(run);
     if (g_cancelRequested || run->files.empty())
         PostMessageW(g_hwndMain, WM_APP_SERIES_CANCELLED, 0, 0);
+    else if (run->kind == SeriesKind::Single)
+        PostMessageW(g_hwndMain, WM_COMMAND, ID_OPEN_EXPOSURE_FUSION, 0);
     else
-        PostMessageW(
-            g_hwndMain, WM_COMMAND,
-            run->kind == SeriesKind::Single ? ID_OPEN_EXPOSURE_FUSION : ID_OPEN_POWER_FUSION, 0);
+        SendMessageW(g_hwndMain, WM_COMMAND, ID_OPEN_POWER_FUSION, 0);
     return 0;
 }
 

@@ -26,7 +26,7 @@ private:
 };
 
 // Splits the rows [0, rows) into ranges over the task pool and waits for all of them. Small planes
-// (by rows * rowSamples) run on the calling thread. The function may throw
-// std::bad_alloc, which arrives at the caller, and must not write outside its own rows. The pool
-// itself lives with the engine (fusion/FusionThreads.h).
+// (by rows * rowSamples) run on the calling thread. The function may throw std::bad_alloc, which
+// arrives at the caller, and must not write outside its own rows. The pool itself lives with the
+// engine (fusion/FusionThreads.h).
 void VcParallelRows(int rows, int rowSamples, const LoopBody<int, int>& rowRange);

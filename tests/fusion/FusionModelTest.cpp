@@ -35,13 +35,6 @@ TEST(PowerModel, FusesAsManySourcesAsItSaysWithAFixedGrey)
     EXPECT_EQ(settings.powerTool.exposure, 100) << "not its own value";
 }
 
-TEST(ExposureModel, OpensInsideItsRange)
-{
-    for (const auto& [stored, expected] :
-         std::vector<std::pair<int, int>>{{20, 48}, {48, 48}, {100, 100}, {160, 160}, {200, 160}})
-        EXPECT_EQ(OpenExposureFusion(StoredExposure(stored), 3).exposure, expected) << stored;
-}
-
 TEST(ExposureModel, GivesTheSlidersValueToAllSourcesAndKeepsTheStrengths)
 {
     Settings settings = StoredExposure(120);

@@ -1,5 +1,6 @@
 // Save As through the system's dialog: names, types, refusals, foreign letters.
 
+#include "app/FileDialogsDlg.h"
 #include "app/FileDialogsIds.h"
 #include "app/ProfileStore.h"
 #include "tests/win/FrameHarness.h"
@@ -74,6 +75,9 @@ TEST_F(FrameSave, ProposesNameAndTypeAndRemembersTheQuality)
               }});
     EXPECT_EQ(ReadNumber(UserSettingsFile(), L"General", L"jpeg", 0), 71);
     EXPECT_GT(ReadBytes(folder.File("quality.jpg")).size(), 0u);
+    std::wstring given = Wide("given.tif"); // without the dialog
+    EXPECT_TRUE(SavePictureAs(g_hwndMain, g_resultPicture, g_alphaPicture, L"", &given));
+    EXPECT_FALSE(LoadedPair(folder.File("given.tif")).failed);
 
     // The type of the source's ending, and two types only for 16 bits.
     const struct
