@@ -134,6 +134,64 @@ static UINT_PTR OnQualityScroll(HWND row, WPARAM wParam)
     return 0;
 }
 
+static RECT PlaceIn(HWND row, HWND control)
+{
+    RECT place = {};
+    GetWindowRect(control, &place);
+    MapWindowPoints(nullptr, row, reinterpret_cast<POINT*>(&place), 2);
+    return place;
+}
+
+static void SpanControl(HWND row, int control, int left, int right)
+{
+    const HWND hwnd = GetDlgItem(row, control);
+    const RECT now = PlaceIn(row, hwnd);
+    SetWindowPos(hwnd, nullptr, left, now.top, right - left, now.bottom - now.top,
+                 SWP_NOZORDER | SWP_NOACTIVATE);
+}
+
+static int TextWidth(HWND control)
+{
+    wchar_t text[kNameChars];
+    const int length = GetWindowTextW(control, text, kNameChars);
+    const HDC dc = GetDC(control);
+    const HGDIOBJ before =
+        SelectObject(dc, reinterpret_cast<HFONT>(SendMessageW(control, WM_GETFONT, 0, 0)));
+    SIZE size = {};
+    GetTextExtentPoint32W(dc, text, length, &size);
+    SelectObject(dc, before);
+    ReleaseDC(control, dc);
+    return size.cx;
+}
+
+// The label begins below the one of the file types, the slider's channel and the percent sign span
+// their box, unless the label needs more room. Where these are is the system's choice and known
+// when the dialog is complete.
+static void AlignQualityRow(HWND row)
+{
+    const HWND typeLabel = GetDlgItem(GetParent(row), stc2);
+    const HWND typeBox = GetDlgItem(GetParent(row), cmb1);
+    if (!typeLabel || !typeBox)
+        return;
+    const int labelLeft = PlaceIn(row, typeLabel).left;
+    const RECT box = PlaceIn(row, typeBox);
+    const RECT value = PlaceIn(row, GetDlgItem(row, IDC_QUALITY_VALUE));
+    const RECT percent = PlaceIn(row, GetDlgItem(row, IDC_QUALITY_PERCENT));
+    const HWND slider = GetDlgItem(row, IDC_QUALITY_SLIDER);
+    RECT channel = {};
+    SendMessageW(slider, TBM_GETCHANNELRECT, 0, reinterpret_cast<LPARAM>(&channel));
+    const int sliderLeft = std::max(int(box.left - channel.left),
+                                    labelLeft + TextWidth(GetDlgItem(row, IDC_QUALITY_LABEL)));
+    const int percentLeft = box.right - (percent.right - percent.left);
+    const int valueLeft = percentLeft - (percent.left - value.left);
+    if (sliderLeft >= valueLeft)
+        return; // an unusual dialog: the row stays as it was drawn
+    SpanControl(row, IDC_QUALITY_LABEL, labelLeft, sliderLeft);
+    SpanControl(row, IDC_QUALITY_SLIDER, sliderLeft, valueLeft);
+    SpanControl(row, IDC_QUALITY_VALUE, valueLeft, valueLeft + int(value.right - value.left));
+    SpanControl(row, IDC_QUALITY_PERCENT, percentLeft, box.right);
+}
+
 static void EnableQualityRow(HWND row)
 {
     const bool jpeg = SendDlgItemMessageW(GetParent(row), cmb1, CB_GETCURSEL, 0, 0) == kJpegEntry;
@@ -162,6 +220,8 @@ static bool CompleteName(HWND row, const OFNOTIFYW* notification)
 static UINT_PTR OnQualityNotify(HWND row, const OFNOTIFYW* notification)
 {
     EnableQualityRow(row);
+    if (notification->hdr.code == CDN_INITDONE)
+        AlignQualityRow(row);
     if (notification->hdr.code == CDN_FILEOK && CompleteName(row, notification))
     {
         // Not this time: OK again, with the full name, brings the question.

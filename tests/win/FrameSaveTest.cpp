@@ -30,6 +30,12 @@ protected:
                 return child;
         return nullptr;
     }
+    static RECT OnScreen(HWND hwnd)
+    {
+        RECT place = {};
+        GetWindowRect(hwnd, &place);
+        return place;
+    }
     // Saves under a name in the folder with the given entry of the type box.
     void SaveAs(const std::wstring& name, int type,
                 std::vector<std::function<void(HWND)>> boxes = {})
@@ -65,6 +71,13 @@ TEST_F(FrameSave, ProposesNameAndTypeAndRemembersTheQuality)
                   ASSERT_TRUE(row);
                   const HWND slider = GetDlgItem(row, IDC_QUALITY_SLIDER);
                   EXPECT_EQ(WindowText(GetDlgItem(row, IDC_QUALITY_LABEL)), g_strings[48]);
+                  EXPECT_EQ(OnScreen(GetDlgItem(row, IDC_QUALITY_LABEL)).left,
+                            OnScreen(GetDlgItem(dialog, stc2)).left);
+                  const RECT box = OnScreen(GetDlgItem(dialog, cmb1));
+                  RECT channel = {};
+                  SendMessageW(slider, TBM_GETCHANNELRECT, 0, LPARAM(&channel));
+                  EXPECT_EQ(OnScreen(slider).left + channel.left, box.left);
+                  EXPECT_EQ(OnScreen(GetDlgItem(row, IDC_QUALITY_PERCENT)).right, box.right);
                   EXPECT_FALSE(IsWindowEnabled(slider)) << "BMP is on";
                   SelectType(dialog, 3);
                   EXPECT_TRUE(IsWindowEnabled(slider));

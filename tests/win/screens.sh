@@ -6,14 +6,16 @@
 set -euo pipefail
 . "$(dirname "${BASH_SOURCE[0]}")/../../cmake/screen.sh"
 trap ScreenDown EXIT
-declare -A languages=([en]=0 [de]=1 [ja]=13)
-scenes=(empty photo tooltip contrast tonemap running finished noise progress power fusion menu
-    submenu options languages about open save question)
+languages=(en de fr es it pt nl pl cs sv tr ru uk ja zh) # as in the file of texts
+scenes=(empty photo tooltip zooms contrast tonemap running finished noise levels progress power
+    fusion menu submenu filemenu helpmenu options languages about open save question)
 
 Settle() { sleep "${1:-0.3}"; }
 ClickAt() { xdotool mousemove "$1" "$2"; Settle 0.1; xdotool click 1; Settle; }
 ClickTool() { ClickAt $(($1)) 23; }
-Keep() { Settle 0.6; import -window root "$folder/$1.png"; }
+# What stays is kept when it has come to rest, what passes at once.
+KeepNow() { import -window root "$folder/$1.png"; }
+Keep() { Settle 0.6; KeepNow "$1"; }
 
 # A place of the docked dialog, in dialog units from its upper left corner.
 dockWidth=333 dockTop=44
@@ -54,12 +56,14 @@ Scene()
     empty) Open; Keep "$1" ;;
     photo) Open "$photo"; xdotool mousemove 500 400; Keep "$1" ;;
     tooltip) Open "$photo"; xdotool mousemove 119 23; Settle 1.5; Keep "$1" ;;
+    zooms) Open "$photo"; ClickTool "width - 53"; Keep "$1" ;;
     contrast) Contrast; ClickDocked 70 24; xdotool key Right; StillFor; Keep "$1" ;;
     tonemap) ToneMap; ClickDocked 60 34; StillFor; ClickDocked 16 154; StillFor; Keep "$1" ;;
-    running) ToneMap; ClickDocked 92 181; Keep "$1" ;;
+    running) ToneMap; ClickDocked 92 181; KeepNow "$1" ;;
     finished) ToneMap; ClickDocked 92 181; StillFor; Keep "$1" ;;
     noise) Noise; Keep "$1" ;;
-    progress) Noise; ClickDocked 92 62; Settle 0.5; Keep "$1" ;;
+    levels) Noise; xdotool key F4; Keep "$1" ;;
+    progress) Noise; ClickDocked 92 62; KeepNow "$1" ;;
     power) Open "$photo"; ClickTool 246; StillFor; Keep "$1" ;;
     fusion)
         Open; ClickTool 199; WaitFor .
@@ -67,6 +71,8 @@ Scene()
         xdotool type --delay 20 '"a.jpg" "b.jpg"'; xdotool key Return; StillFor; Keep "$1" ;;
     menu) Open "$photo"; ClickTool "width - 20"; xdotool key Down; Keep "$1" ;;
     submenu) Open; ClickTool "width - 20"; xdotool key Down Down Right Down; Keep "$1" ;;
+    filemenu) Open "$photo"; ClickTool "width - 20"; xdotool key Down Right Down; Keep "$1" ;;
+    helpmenu) Open; ClickTool "width - 20"; xdotool key Up Right; Keep "$1" ;;
     options) Open; ClickTool "width - 20"; xdotool key Down Right Down Down Down Return
         Settle 1; Keep "$1" ;;
     languages) Open; ClickTool "width - 20"; xdotool key Down Right Down Down Down Return
@@ -89,7 +95,11 @@ Sheet()
     cp "$(dirname "$PLENOVIZ_PROGRAM")/Plenoviz.exe" "$scratch/program/"
     [[ $look == dark ]] ||
         cp "$root/build/windows/tests/win/PlenovizLight.exe" "$scratch/program/Plenoviz.exe"
-    sed "s/^Language Current=.*/Language Current=${languages[$language]}/" \
+    local index
+    for index in "${!languages[@]}"; do
+        [[ ${languages[index]} == "$language" ]] && break
+    done
+    sed "s/^Language Current=.*/Language Current=$index/" \
         "$root/res/Plenoviz_loc.ini" >"$scratch/texts.ini"
     "$root/res/make_texts.sh" "$scratch/texts.ini" "$scratch/program/Plenoviz_loc.ini"
     program=$scratch/program/Plenoviz.exe
@@ -107,7 +117,7 @@ export PLENOVIZ_PROGRAM=$program
 mv "$scratch/sample_2.jpg" "$scratch/photo.jpg"
 mv "$scratch/sample_1.jpg" "$scratch/a.jpg"
 mv "$scratch/sample_3.jpg" "$scratch/b.jpg"
-ScreenFolder
+ScreenFolder "${3:-screen}" # sheets of different sizes can be made at the same time
 if (($# >= 3)); then
     Sheet "$1" "$2" "$3" $([[ $# -gt 3 ]] && echo "${@:4}" || echo "${scenes[@]}")
     exit
