@@ -132,6 +132,11 @@ static LRESULT CALLBACK ZoomEditProc(HWND edit, UINT message, WPARAM wParam, LPA
         SendMessageW(edit, EM_SETSEL, 0, -1);
         return answer;
     }
+    if (message == EM_SETSEL && wParam == 0 && lParam == -1)
+    {
+        // All of it, but with the caret in front, or "207.7 %" would lose its first digit.
+        return DefSubclassProc(edit, message, WPARAM(GetWindowTextLengthW(edit)), 0);
+    }
     if (message == WM_KILLFOCUS)
         PostMessageW(g_hwndMain, WM_APP_ZOOM_TEXT_RESTORE, 0, 0);
     return DefSubclassProc(edit, message, wParam, lParam);

@@ -90,7 +90,9 @@ TEST_F(FrameView, EnteringTheZoomBoxSelectsItsTextAndLeavingRestoresIt)
     EXPECT_EQ(ZoomBoxText(), L"100.0 %");
 
     // Keys that are commands work in the box; the arrows move its caret.
+    SetWindowTextW(edit, L"1234567890.0 %");
     SetFocus(edit);
+    EXPECT_EQ(LOWORD(SendMessageW(edit, EM_CHARFROMPOS, 0, 0)), 0) << "begins in front";
     SendMessageW(edit, EM_SETSEL, 3, 3);
     SendMessageW(edit, WM_COMMAND, MAKEWPARAM(ID_SOURCE_PREV, 1), 0);
     DWORD from = 0;

@@ -37,7 +37,7 @@ StillFor()
 Open()
 {
     rm -f "$WINEPREFIX"/drive_c/users/*/AppData/Roaming/Plenoviz/Plenoviz.txt
-    StartProgram "$@"
+    StartProgram "$@" || StartProgram "$@" # a busy machine may be too slow for the desktop
     xdotool windowsize --sync "$window" "$width" "$height" 2>/dev/null || true
     xdotool windowmove "$window" 0 0 windowfocus "$window" 2>/dev/null || true
     Settle 0.5
