@@ -79,6 +79,29 @@ ToolWaitCursor::~ToolWaitCursor()
     SetCursor(before);
 }
 
+ToolProgress::ToolProgress()
+{
+    wchar_t text[kStringChars] = L"";
+    if (LOWORD(SendMessageW(g_hwndStatus, SB_GETTEXTLENGTHW, 0, 0)) < kStringChars)
+        SendMessageW(g_hwndStatus, SB_GETTEXTW, 0, reinterpret_cast<LPARAM>(text));
+    before = text;
+}
+
+ToolProgress::~ToolProgress()
+{
+    SetStatusText(before.c_str());
+}
+
+// A window that does not even look at its messages for some seconds is taken for dead and replaced
+// by the system's image of it.
+void ToolProgress::Show(int done, int count) const
+{
+    SetStatusText(VcFormatText(L"%s%i%%", g_strings[14], 100 * done / count).c_str());
+    UpdateWindow(g_hwndStatus);
+    MSG message;
+    PeekMessageW(&message, nullptr, 0, 0, PM_NOREMOVE);
+}
+
 void WarnOfShortMemory()
 {
     const std::wstring text = SystemErrorText(ERROR_NOT_ENOUGH_MEMORY);

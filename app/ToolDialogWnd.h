@@ -3,6 +3,8 @@
 #include "app/SliderRules.h"
 #include "app/Win.h"
 
+#include <string>
+
 // What the tools' dialogs have in common. Window thread only.
 
 // What the status bar says: what the right button does over a preview, and nothing.
@@ -51,6 +53,19 @@ struct ToolWaitCursor
     ~ToolWaitCursor();
     ToolWaitCursor(const ToolWaitCursor&) = delete;
     ToolWaitCursor& operator=(const ToolWaitCursor&) = delete;
+};
+
+// How far such a computation is, in the status bar, which then says again what it said before.
+struct ToolProgress
+{
+    std::wstring before;
+
+    ToolProgress();
+    ~ToolProgress();
+    ToolProgress(const ToolProgress&) = delete;
+    ToolProgress& operator=(const ToolProgress&) = delete;
+
+    void Show(int done, int count) const;
 };
 
 // Tells the user, in the system's own words, that memory is short.

@@ -64,11 +64,15 @@ static std::unique_ptr<FusionSources> ReadSeries(const std::vector<std::wstring>
                                                  SBxPicBuf* first, SBxPicBuf* alpha)
 {
     const ToolWaitCursor wait;
+    const ToolProgress progress;
+    const int count = int(paths.size());
+    progress.Show(0, count);
     auto series = std::make_unique<FusionSources>();
     const bool loaded = LoadSilently(paths[0].c_str(), first, alpha);
     OpenFusionSources(series.get(), Utf8Paths(paths), *first, FusionSourceBudget());
     if (loaded)
-        ReadFusionSources(series.get(), *first, RegionAt100(*first));
+        ReadFusionSources(series.get(), *first, RegionAt100(*first),
+                          [&](int source) { progress.Show(source, count); });
     else
         series->problems[0] = SourceProblem::Unreadable;
     return SeriesFits(*series, paths) ? std::move(series) : nullptr;

@@ -272,10 +272,18 @@ FusionOutcome FuseRegion(SBxPicBuf* result, FusionSources* sources, const Fusion
     return FailsOrLacksMemory(fuse) ? FusionOutcome::Failed : outcome;
 }
 
-FusionOutcome FuseWhole(SBxPicBuf* result, FusionSources* sources, const FusionTask& task)
+FusionOutcome FuseWhole(SBxPicBuf* result, FusionSources* sources, const FusionTask& task,
+                        const std::function<void(int)>& comes)
 {
     FusionTask whole = task;
     whole.region = {0, 0, sources->geometry.width, sources->geometry.height};
+    int next = 0;
+    const GivenUp tellAndGoOn = [&]
+    {
+        if (comes)
+            comes(next++);
+        return false;
+    };
     const auto fuse = [&]
     {
         if (!CanFuse(whole))
@@ -284,7 +292,7 @@ FusionOutcome FuseWhole(SBxPicBuf* result, FusionSources* sources, const FusionT
         shares[0].range = {0, whole.sources};
         shares[0].failed = SetUpSums(shares[0].sums.get(), *sources, whole);
         if (!shares[0].failed)
-            AddSources(&shares[0], sources, whole, nullptr);
+            AddSources(&shares[0], sources, whole, tellAndGoOn);
         return ComposeShares(result, &shares) == FusionOutcome::Failed;
     };
     return FailsOrLacksMemory(fuse) ? FusionOutcome::Failed : FusionOutcome::Done;

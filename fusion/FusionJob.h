@@ -46,5 +46,7 @@ enum class FusionOutcome
 FusionOutcome FuseRegion(SBxPicBuf* result, FusionSources* sources, const FusionTask& task,
                          const std::function<bool()>& outdated);
 
-// The same on whole pictures and on the calling thread alone, one source after the other.
-FusionOutcome FuseWhole(SBxPicBuf* result, FusionSources* sources, const FusionTask& task);
+// The same on whole pictures and on the calling thread alone, one source after the other. `comes`
+// may be empty; it is told the number of each source before that is loaded.
+FusionOutcome FuseWhole(SBxPicBuf* result, FusionSources* sources, const FusionTask& task,
+                        const std::function<void(int)>& comes = nullptr);

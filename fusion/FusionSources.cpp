@@ -256,27 +256,32 @@ static void KeepFirst(FusionSources* sources, const SBxPicBuf& first, const CBxR
         Keep(sources, {0, state, part, copy});
 }
 
-void ReadFusionSources(FusionSources* sources, const SBxPicBuf& first, const CBxRect<int>& region)
+void ReadFusionSources(FusionSources* sources, const SBxPicBuf& first, const CBxRect<int>& region,
+                       const std::function<void(int)>& comes)
 {
     KeepFirst(sources, first, region);
     std::atomic<int> next = 1;
     const auto readOne = [&](int index)
     { return FailsOrLacksMemory([&] { return !LoadFusionSource(sources, index, region); }); };
-    const auto read = [&]
+    const auto read = [&](const std::function<void(int)>& tell)
     {
         for (int i = next++; i < int(sources->paths.size()); i = next++)
+        {
+            if (tell)
+                tell(i);
             (void)readOne(i); // one that lacks memory is read again when it is fused
+        }
     };
     std::vector<std::thread> helpers;
     try
     {
         for (unsigned i = 1; i < std::min(std::thread::hardware_concurrency(), kMostReaders); ++i)
-            helpers.emplace_back(read);
+            helpers.emplace_back(read, nullptr);
     }
     catch (const std::exception&) // no memory or no threads: those that there are do it
     {
     }
-    read();
+    read(comes);
     for (std::thread& helper : helpers)
         helper.join();
 }

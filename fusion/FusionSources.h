@@ -3,6 +3,7 @@
 #include "fusion/PreparedSource.h"
 
 #include <cstdint>
+#include <functional>
 #include <list>
 #include <mutex>
 #include <string>
@@ -105,8 +106,10 @@ PreparedSourcePtr LoadPreparedSource(FusionSources* sources, int index,
                                      const VcFusionAccumulator& acc);
 
 // Reads the whole series on several threads and notes the problems. What there is room for, whole
-// pictures or that region, is not read again. The first source has been read by the caller.
-void ReadFusionSources(FusionSources* sources, const SBxPicBuf& first, const CBxRect<int>& region);
+// pictures or that region, is not read again. The first source has been read by the caller. `comes`
+// may be empty; it is told the number of each source that the calling thread begins to read.
+void ReadFusionSources(FusionSources* sources, const SBxPicBuf& first, const CBxRect<int>& region,
+                       const std::function<void(int)>& comes = nullptr);
 
 // Notes the problems that show without reading pixels, of sources that have not been read.
 void CheckFusionSources(FusionSources* sources);

@@ -170,7 +170,10 @@ static INT_PTR OnSlider(HWND dlg, FusionTool* tool, WPARAM wParam, LPARAM lParam
 static FusionOutcome FuseResult(FusionTool* tool)
 {
     const ToolWaitCursor wait;
-    return FuseWhole(&g_resultPicture, tool->sources.get(), tool->kind.task({}));
+    const ToolProgress progress;
+    const FusionTask task = tool->kind.task({});
+    return FuseWhole(&g_resultPicture, tool->sources.get(), task,
+                     [&](int source) { progress.Show(source, task.sources); });
 }
 
 static void MakeResult(HWND dlg, FusionTool* tool)

@@ -140,8 +140,11 @@ TEST(FusionJob, GivesWhatTheEngineGivesForThatRegionOfThoseSources)
         ExpectSamePicture(result.pic, series.FusedByHand(region, UpTo(test.sources), 110).pic,
                           tolerance);
         TestPicture whole = series.Blank(kWholePicture);
-        ASSERT_EQ(FuseWhole(&whole.pic, &series.sources, {{}, test.sources, 110}),
+        std::vector<int> told;
+        ASSERT_EQ(FuseWhole(&whole.pic, &series.sources, {{}, test.sources, 110},
+                            [&](int source) { told.push_back(source); }),
                   FusionOutcome::Done);
+        EXPECT_EQ(told, UpTo(test.sources));
         ExpectSamePicture(whole.pic,
                           series.FusedByHand(kWholePicture, UpTo(test.sources), 110).pic);
     }
