@@ -1,5 +1,7 @@
 #include "app/AppState.h"
 
+#include "picture/ParallelCopy.h"
+
 #include <cwchar>
 #include <utility>
 
@@ -43,7 +45,7 @@ bool CopyPicture(SBxPicBuf* dst, const SBxPicBuf& src)
     CBxPicBufAPI::ReinitHeap(dst, src);
     if (!dst->data)
         return false;
-    CBxPicBufAPI::Copy(dst, src);
+    VcCopyPixels(dst, src, {src.width, src.height});
     return true;
 }
 

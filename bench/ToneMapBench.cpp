@@ -8,6 +8,8 @@
 
 #include <benchmark/benchmark.h>
 
+#include <algorithm>
+#include <chrono>
 #include <vector>
 
 static BenchPicture BenchPlane(int width, int height)
@@ -84,6 +86,56 @@ static void ToneMap12MP(benchmark::State& state)
     ReportPixels(state, 4000, 3000);
 }
 
+using Clock = std::chrono::steady_clock;
+
+static double SecondsSince(Clock::time_point start)
+{
+    return std::chrono::duration<double>(Clock::now() - start).count();
+}
+
+// Seconds from the wish to stop, which comes after `wait` seconds, until the run has ended; below
+// zero when it was done before.
+static double StopAfter(double wait, SBxPicBuf* out, const SBxPicBuf& source, bool chroma)
+{
+    const ToneMapParams p = ToneMapParamsOf(10, 10, 10, 10);
+    const auto start = Clock::now();
+    RunControl control;
+    control.cancelled = [&] { return SecondsSince(start) >= wait; };
+    const int result =
+        ToneMapPicture(out, source, kToneMapLevels, p.p1, p.p2, p.p3, p.p4, chroma, control);
+    return result == kToneMapCancelled ? SecondsSince(start) - wait : -1.0;
+}
+
+// How soon a run over 24 megapixels ends when it is asked to, at moments spread evenly over it.
+// Stopped runs write nothing.
+static void StopToneMap24MP(benchmark::State& state)
+{
+    const bool chroma = state.range(0) != 0;
+    const int moments = int(state.max_iterations);
+    const BenchPicture source = BenchScene(6000, 4000, 3, 8, 0);
+    BenchPicture out(6000, 4000, 3, 8), untouched(6000, 4000, 3, 8);
+    std::fill_n(untouched.pic.data, untouched.pic.size, uint8_t(77));
+    const auto start = Clock::now();
+    StopAfter(1e9, &out.pic, source.pic, chroma);
+    const double duration = SecondsSince(start);
+    bool wrong = LargestDifference(out.pic, source.pic) < 10;
+    std::vector<double> times;
+    for (auto _ : state)
+    {
+        CBxPicBufAPI::Copy(&out.pic, untouched.pic);
+        const double moment = (double(times.size()) + 0.5) / moments * duration;
+        times.push_back(StopAfter(moment, &out.pic, source.pic, chroma));
+        state.SetIterationTime(std::max(times.back(), 0.0));
+        wrong |= times.back() >= 0.0 && LargestDifference(out.pic, untouched.pic) > 0;
+    }
+    std::sort(times.begin(), times.end());
+    if (wrong || times[size_t(moments / 2)] < 0.0) // the first run may have been the slowest
+        state.SkipWithError("wrong result");
+    state.counters["p95_ms"] = 1e3 * times[size_t(moments * 95 / 100)];
+    state.counters["worst_ms"] = 1e3 * times.back();
+    state.counters["run_ms"] = 1e3 * duration;
+}
+
 BENCHMARK(BenchPyrDown)->Unit(benchmark::kMillisecond)->MeasureProcessCPUTime()->UseRealTime();
 BENCHMARK(BenchPyrUp)->Unit(benchmark::kMillisecond)->MeasureProcessCPUTime()->UseRealTime();
 BENCHMARK(RemapPlane)
@@ -99,3 +151,10 @@ BENCHMARK(ToneMap12MP)
     ->Unit(benchmark::kMillisecond)
     ->MeasureProcessCPUTime()
     ->UseRealTime();
+BENCHMARK(StopToneMap24MP)
+    ->Arg(0)
+    ->Arg(1)
+    ->ArgName("chroma")
+    ->Iterations(40)
+    ->UseManualTime()
+    ->Unit(benchmark::kMillisecond);

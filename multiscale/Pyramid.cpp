@@ -69,12 +69,12 @@ static void HalveRow(float* __restrict out, const float* row, int count)
                  (row[2 * x - 1] + row[2 * x + 1]) * 0.25f + row[2 * x] * 0.375f;
 }
 
-void PyrDown(const float* src, int srcStep, float* dst, int dstStep, const CBxSize<int>& srcSize,
-             void* scratch)
+static void DownRows(const float* src, int srcStep, float* dst, int dstStep,
+                     const CBxSize<int>& srcSize, int first, int end, void* scratch)
 {
     const int width = srcSize.cx, height = srcSize.cy;
     float* row = static_cast<float*>(scratch) + kRowMargin;
-    for (int y = 0; y < height / 2; ++y)
+    for (int y = first; y < end; ++y)
     {
         const auto source = [&](int offset)
         { return RowAt(src, srcStep, Mirrored(2 * y + offset, height)); };
@@ -86,6 +86,12 @@ void PyrDown(const float* src, int srcStep, float* dst, int dstStep, const CBxSi
     }
 }
 
+void PyrDown(const float* src, int srcStep, float* dst, int dstStep, const CBxSize<int>& srcSize,
+             void* scratch)
+{
+    DownRows(src, srcStep, dst, dstStep, srcSize, 0, srcSize.cy / 2, scratch);
+}
+
 static void DoubleRow(float* __restrict out, const float* row, int count)
 {
     for (int x = 0; x < count; ++x)
@@ -95,34 +101,39 @@ static void DoubleRow(float* __restrict out, const float* row, int count)
     }
 }
 
-void PyrUp(const float* src, int srcStep, float* dst, int dstStep, const CBxSize<int>& srcSize,
-           void* scratch)
+// One row of the doubled plane, `y`, into out.
+static void UpRow(float* out, const float* src, int srcStep, const CBxSize<int>& srcSize, int y,
+                  void* scratch)
 {
     const int width = srcSize.cx, height = srcSize.cy;
     float* row = static_cast<float*>(scratch) + kRowMargin;
     // Mirroring in the raster with the inserted zeros: before the first sample comes the second,
     // behind the last one the last again.
-    const auto source = [&](int y)
-    { return RowAt(src, srcStep, y < 0 ? std::min(1, height - 1) : std::min(y, height - 1)); };
-    for (int y = 0; y < 2 * height; ++y)
+    const auto source = [&](int at)
+    { return RowAt(src, srcStep, at < 0 ? std::min(1, height - 1) : std::min(at, height - 1)); };
+    const float* __restrict here = source(y / 2);
+    const float* __restrict below = source(y / 2 + 1);
+    if (y % 2 == 0)
     {
-        const float* __restrict here = source(y / 2);
-        const float* __restrict below = source(y / 2 + 1);
-        if (y % 2 == 0)
-        {
-            const float* __restrict above = source(y / 2 - 1);
-            for (int x = 0; x < width; ++x)
-                row[x] = (above[x] + below[x]) * 0.125f + here[x] * 0.75f;
-        }
-        else
-        {
-            for (int x = 0; x < width; ++x)
-                row[x] = (here[x] + below[x]) * 0.5f;
-        }
-        row[-1] = row[std::min(1, width - 1)];
-        row[width] = row[width - 1];
-        DoubleRow(RowAt(dst, dstStep, y), row, width);
+        const float* __restrict above = source(y / 2 - 1);
+        for (int x = 0; x < width; ++x)
+            row[x] = (above[x] + below[x]) * 0.125f + here[x] * 0.75f;
     }
+    else
+    {
+        for (int x = 0; x < width; ++x)
+            row[x] = (here[x] + below[x]) * 0.5f;
+    }
+    row[-1] = row[std::min(1, width - 1)];
+    row[width] = row[width - 1];
+    DoubleRow(out, row, width);
+}
+
+void PyrUp(const float* src, int srcStep, float* dst, int dstStep, const CBxSize<int>& srcSize,
+           void* scratch)
+{
+    for (int y = 0; y < 2 * srcSize.cy; ++y)
+        UpRow(RowAt(dst, dstStep, y), src, srcStep, srcSize, y, scratch);
 }
 
 CBxSize<int> LevelSize(const PyramidSet& set, int level)
@@ -163,33 +174,58 @@ bool AllocatePyramid(PyramidSet* set, float* plane, const CBxSize<int>& size, in
         const int64_t samples = int64_t(at.cx) * at.cy;
         if (l > 0)
         {
-            set->owned[l].reset(VcAllocPlane(samples));
+            set->owned[l].reset(VcAllocUnsetPlane(samples));
             set->gauss[l] = set->owned[l].get();
         }
         if (l < levels)
-            set->laplace[l].reset(VcAllocPlane(samples));
+            set->laplace[l].reset(VcAllocUnsetPlane(samples));
         if (!set->gauss[l] || (l < levels && !set->laplace[l]))
             return true;
     }
     return false;
 }
 
-void BuildLevel(PyramidSet* set, int level)
+// Expands level + 1 into dst row by row, and joins each row with the one of `other` while it is in
+// the cache: the same bits as in two passes. dst and other have the size of `level`.
+template <typename JoinFn>
+static bool UpAndJoin(PyramidSet* set, float* dst, const float* other, int level,
+                      const RunControl& control, JoinFn join)
 {
-    const CBxSize<int> size = LevelSize(*set, level);
-    float* laplace = set->laplace[level].get();
-    DownStep(set, set->gauss[level + 1], set->gauss[level], level);
-    UpStep(set, laplace, set->gauss[level + 1], level);
-    Subtract(laplace, set->gauss[level], laplace, size.cx, size.cy);
+    const CBxSize<int> fine = LevelSize(*set, level), coarse = LevelSize(*set, level + 1);
+    const auto rows = [&](int first, int end)
+    {
+        for (int y = first; y < end; ++y)
+        {
+            float* row = dst + int64_t(y) * fine.cx;
+            UpRow(row, set->gauss[level + 1], coarse.cx * int(sizeof(float)), coarse, y,
+                  set->scratch.data());
+            join(row, other + int64_t(y) * fine.cx, fine.cx);
+        }
+    };
+    return StopsInRows(fine.cy, fine.cx, control, rows);
 }
 
-void CollapsePyramid(PyramidSet* set)
+bool BuildLevel(PyramidSet* set, int level, const RunControl& control)
+{
+    const CBxSize<int> size = LevelSize(*set, level);
+    const int step = size.cx * int(sizeof(float));
+    const float* fine = set->gauss[level];
+    const auto down = [&](int first, int end) {
+        DownRows(fine, step, set->gauss[level + 1], step / 2, size, first, end,
+                 set->scratch.data());
+    };
+    return StopsInRows(size.cy / 2, 2 * size.cx, control, down) ||
+           UpAndJoin(set, set->laplace[level].get(), fine, level, control,
+                     [](float* row, const float* gauss, int width)
+                     { Subtract(row, gauss, row, width, 1); });
+}
+
+bool CollapsePyramid(PyramidSet* set, const RunControl& control)
 {
     for (int level = set->levels - 1; level >= 0; --level)
-    {
-        const CBxSize<int> size = LevelSize(*set, level);
-        float* gauss = set->gauss[level];
-        UpStep(set, gauss, set->gauss[level + 1], level);
-        Add(gauss, gauss, set->laplace[level].get(), size.cx, size.cy);
-    }
+        if (UpAndJoin(set, set->gauss[level], set->laplace[level].get(), level, control,
+                      [](float* row, const float* laplace, int width)
+                      { Add(row, row, laplace, width, 1); }))
+            return true;
+    return false;
 }

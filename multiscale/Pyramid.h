@@ -1,5 +1,6 @@
 #pragma once
 
+#include "multiscale/RunControl.h"
 #include "picture/FloatPlane.h"
 #include "picture/Geometry.h"
 #include "picture/PicBuf.h"
@@ -39,8 +40,9 @@ void PyrUp(const float* src, int srcStep, float* dst, int dstStep, const CBxSize
 int PaddedSide(int side, int levels);
 
 // Makes `padded` (initialised; released first) a copy of the picture with both sides padded and the
-// edges replicated. True when memory is short; padded is empty then.
-[[nodiscard]] bool PadForPyramid(SBxPicBuf* padded, const SBxPicBuf& picture, int levels);
+// edges replicated. True when memory is short, padded is empty then, or when it was cancelled.
+[[nodiscard]] bool PadForPyramid(SBxPicBuf* padded, const SBxPicBuf& picture, int levels,
+                                 const RunControl& control = {});
 
 // Fill what lies right of `width` and below `height` of a buffer with its last column and row.
 void ReplicateEdges8(SBxPicBuf* buffer, int width, int height);
@@ -70,8 +72,10 @@ void UpStep(PyramidSet* set, float* dst, const float* src, int level);
 [[nodiscard]] bool AllocatePyramid(PyramidSet* set, float* plane, const CBxSize<int>& size,
                                    int levels);
 
-// One level of the build: gauss[level + 1] and laplace[level] from gauss[level].
-void BuildLevel(PyramidSet* set, int level);
+// One level of the build: gauss[level + 1] and laplace[level] from gauss[level]. True when it was
+// cancelled.
+[[nodiscard]] bool BuildLevel(PyramidSet* set, int level, const RunControl& control = {});
 
-// Puts gauss[0] together again from the Laplacian levels and the coarsest Gaussian.
-void CollapsePyramid(PyramidSet* set);
+// Puts gauss[0] together again from the Laplacian levels and the coarsest Gaussian. True when it
+// was cancelled.
+[[nodiscard]] bool CollapsePyramid(PyramidSet* set, const RunControl& control = {});

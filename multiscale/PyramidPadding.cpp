@@ -1,5 +1,6 @@
 #include "multiscale/Pyramid.h"
 
+#include <algorithm>
 #include <cmath>
 #include <cstring>
 
@@ -34,18 +35,30 @@ void ReplicateEdges16(SBxPicBuf* buffer, int width, int height)
     ReplicateEdges<uint16_t>(buffer, width, height);
 }
 
-bool PadForPyramid(SBxPicBuf* padded, const SBxPicBuf& picture, int levels)
+// Rows of the padded picture; below the picture, its last one again.
+static void PadRows(SBxPicBuf* padded, const SBxPicBuf& picture, int first, int end)
+{
+    for (int y = first; y < end; ++y)
+    {
+        SBxPicBuf row = *padded;
+        row.data += int64_t(y) * padded->stride;
+        row.height = 1;
+        const int from = std::min(y, picture.height - 1);
+        CBxPicBufAPI::CopyRect(&row, picture, {0, 0}, {0, from}, {picture.width, 1});
+        if (picture.bitsPerComponent == 8)
+            ReplicateEdges8(&row, picture.width, 1);
+        else
+            ReplicateEdges16(&row, picture.width, 1);
+    }
+}
+
+bool PadForPyramid(SBxPicBuf* padded, const SBxPicBuf& picture, int levels,
+                   const RunControl& control)
 {
     CBxPicBufAPI::ReinitHeap(padded, PaddedSide(picture.width, levels),
                              PaddedSide(picture.height, levels), picture.components,
                              picture.bitsPerComponent);
-    if (!padded->data)
-        return true;
-    std::memset(padded->data, 255, size_t(padded->size));
-    CBxPicBufAPI::CopyRect(padded, picture, {0, 0}, {0, 0}, {picture.width, picture.height});
-    if (picture.bitsPerComponent == 8)
-        ReplicateEdges8(padded, picture.width, picture.height);
-    else
-        ReplicateEdges16(padded, picture.width, picture.height);
-    return false;
+    return !padded->data ||
+           StopsInRows(padded->height, padded->width * padded->components, control,
+                       [&](int first, int end) { PadRows(padded, picture, first, end); });
 }

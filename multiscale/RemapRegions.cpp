@@ -136,7 +136,7 @@ static PhaseLayout PhaseLayoutOf(const RemapGrid& grid, int fineWidth)
     return layout;
 }
 
-// One row of the fine level sorted into its phases; mirrored on the left.
+// One row of the fine level sorted into its phases; mirrored on the left, zeros on the right.
 static void SortRow(float* to, const float* from, int width, const PhaseLayout& layout)
 {
     for (int phase = 0; phase < layout.phases; ++phase)
@@ -147,29 +147,32 @@ static void SortRow(float* to, const float* from, int width, const PhaseLayout& 
         const int count = (width - phase + layout.phases - 1) / layout.phases;
         for (int q = 0; q < count; ++q)
             out[q] = from[q * layout.phases + phase];
+        std::fill(out + count, to + int64_t(phase + 1) * layout.step, 0.0f);
     }
 }
 
 bool RemapLevel(PyramidSet* set, int level, const RemapConstants& constants, const float* curve,
-                const RunControl& control, bool* cancelled)
+                const RunControl& control)
 {
     const RemapGrid grid = RemapGridOf(level);
     const CBxSize<int> fine = LevelSize(*set, grid.fine), size = LevelSize(*set, level);
     // The truncating division of the phases: a coefficient counts if a whole step follows it.
     const int columns = size.cx - grid.step + 1, rows = size.cy - grid.step + 1;
-    *cancelled = false;
     if (columns <= 0 || rows <= 0)
         return false;
 
     const RemapWeights weights = RemapWeightsOf(grid.shift);
     const PhaseLayout layout = PhaseLayoutOf(grid, fine.cx);
-    const FloatPlane sorted(VcAllocPlane(layout.rowStep * fine.cy));
+    const FloatPlane sorted(VcAllocUnsetPlane(layout.rowStep * fine.cy));
     if (!sorted)
         return true;
+    LoopStop stop(control);
     const float* source = set->gauss[grid.fine];
 #pragma omp parallel for schedule(static)
     for (int y = 0; y < fine.cy; ++y)
-        SortRow(sorted.get() + y * layout.rowStep, source + int64_t(y) * fine.cx, fine.cx, layout);
+        if (!stop.Wanted())
+            SortRow(sorted.get() + y * layout.rowStep, source + int64_t(y) * fine.cx, fine.cx,
+                    layout);
 
     float scaledCurve[1024];
     for (int i = 0; i < 1024; ++i)
@@ -197,21 +200,11 @@ bool RemapLevel(PyramidSet* set, int level, const RemapConstants& constants, con
         job.weights[parity][1] = weights.table[parity][1].data();
     }
 
-    // Some hundredths of a second between two looks at the cancel flag.
-    const int rowsAtOnce =
-        std::max(8, int(4000000 / (int64_t(grid.size) * grid.size * columns / 8)));
     const RemapRowFn remapRow = g_remapRow ? g_remapRow : BestRemapRow();
-    for (int first = 0; first < rows; first += rowsAtOnce)
-    {
-        if (control.Cancelled())
-        {
-            *cancelled = true;
-            return true;
-        }
-        const int end = std::min(first + rowsAtOnce, rows);
-#pragma omp parallel for schedule(static)
-        for (int y = first; y < end; ++y)
+    // A row of a large photograph takes up to some thousandths of a second.
+#pragma omp parallel for schedule(dynamic)
+    for (int y = 0; y < rows; ++y)
+        if (!stop.Wanted())
             remapRow(&job, y);
-    }
-    return false;
+    return stop.Wanted();
 }

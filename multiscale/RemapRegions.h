@@ -53,9 +53,9 @@ void RemapRegions(float* workJ, int J, const float* Gl, int l, int W, int H, int
 // The remapped coefficients of one level, straight into set->laplace[level]: what the phases give,
 // without working pyramids. Each coefficient is one weighted sum over its remapped neighbourhood.
 // Coefficients of the last partial step keep their plain value. Rows are spread over threads; the
-// bits do not depend on their number. True when cancelled or short of memory (*cancelled tells).
+// bits do not depend on their number. True when cancelled or short of memory.
 [[nodiscard]] bool RemapLevel(PyramidSet* set, int level, const RemapConstants& constants,
-                              const float* curve, const RunControl& control, bool* cancelled);
+                              const float* curve, const RunControl& control);
 
 // Forces the loop of an instruction set (tests, benchmarks): 1 SSE2, 2 AVX2, 3 AVX-512; 0 goes back
 // to the best one. False when this processor cannot run it. Not while a run goes on.

@@ -42,7 +42,7 @@ int ToneMapPicture(SBxPicBuf* out, const SBxPicBuf& in, int levels, double p1, d
                    ToneMapMethod method = ToneMapMethod::Direct);
 
 // The filter on one plane: one component of 32-bit floats on the 0..255 scale, both sides multiples
-// of 2^levels. True when it was cancelled or memory was short; out then holds a copy of in.
+// of 2^levels. True when it was cancelled or memory was short; out is worthless then.
 [[nodiscard]] bool ToneMapPlane(SBxPicBuf* out, const SBxPicBuf& in, int levels, double p1,
                                 double p2, double p3, double p4, const RunControl& control = {},
                                 ToneMapMethod method = ToneMapMethod::Direct);

@@ -242,7 +242,11 @@ static INT_PTR OnCancelled(HWND dlg, bool memoryShort)
     if (!IsWindow(dlg))
         return TRUE;
     g_workerBusy = true; // the dialog is still open
-    ShowToneMapPreview(ModelOf(dlg));
+    if (IsPreviewShown(*ModelOf(dlg)))
+    {
+        UpdateWindow(g_hwndMain); // the photograph first
+        ShowToneMapPreview(ModelOf(dlg));
+    }
     if (memoryShort)
         WarnOfShortMemory();
     return TRUE;

@@ -73,8 +73,7 @@ static bool RemapDirectly(PyramidSet* set, const RemapConstants& constants, cons
     for (int level = 0; level < set->levels; ++level)
     {
         control.Advance(2);
-        bool cancelled;
-        if (RemapLevel(set, level, constants, curve, control, &cancelled))
+        if (RemapLevel(set, level, constants, curve, control))
             return true;
     }
     return false;
@@ -88,13 +87,12 @@ bool ToneMapPlane(SBxPicBuf* out, const SBxPicBuf& in, int levels, double p1, do
     PyramidSet set;
     if (AllocatePyramid(&set, PicRow<float>(*out, 0), {in.width, in.height}, levels))
         return true;
-    for (int level = 0; level < levels && !control.Cancelled(); ++level)
+    for (int level = 0; level < levels; ++level)
     {
         control.Advance(1);
-        BuildLevel(&set, level);
+        if (BuildLevel(&set, level, control))
+            return true;
     }
-    if (control.Cancelled())
-        return true;
 
     const FloatPlane curve(VcAllocPlane(kRemapCurveEntries));
     if (!curve)
@@ -104,8 +102,5 @@ bool ToneMapPlane(SBxPicBuf* out, const SBxPicBuf& in, int levels, double p1, do
         method == ToneMapMethod::Phases
             ? RemapByPhases(&set, p1, p2, p4, curve.get(), control)
             : RemapDirectly(&set, RemapConstantsOf(p1, p2, p3, p4), curve.get(), control);
-    if (failed || control.Cancelled())
-        return true;
-    CollapsePyramid(&set);
-    return false;
+    return failed || CollapsePyramid(&set, control);
 }

@@ -96,8 +96,8 @@ TEST(Pyramid, CollapsesToWhatItWasBuiltFrom)
     PyramidSet set;
     ASSERT_FALSE(AllocatePyramid(&set, plane.data(), size, 5));
     for (int level = 0; level < 5; ++level)
-        BuildLevel(&set, level);
-    CollapsePyramid(&set);
+        ASSERT_FALSE(BuildLevel(&set, level));
+    ASSERT_FALSE(CollapsePyramid(&set));
     for (size_t i = 0; i < plane.size(); ++i)
         ASSERT_NEAR(plane[i], original[i], 1e-3) << i;
 }

@@ -6,6 +6,7 @@
 //
 //   windows    T|W id class left top right bottom visible,enabled value text   (T: top level)
 //              B id left top right bottom enabled                 (buttons of the toolbar)
+//   ready ID   when the control, wherever it is below the frame, can be used and the frame answers
 //   handles    H kernel gdi user
 //   close      as the system menu closes it
 //   endsession E 1 when the program agrees that the user logs off; it is told so then
@@ -23,6 +24,7 @@
 #include <algorithm>
 #include <cstdint>
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
 #include <cwchar>
 #include <string>
@@ -214,6 +216,25 @@ static int UserHandles()
     return (highest - kFirst) / 2 + 1 - kFreeOnes;
 }
 
+static BOOL CALLBACK TakeControl(HWND hwnd, LPARAM found)
+{
+    HWND* control = reinterpret_cast<HWND*>(found); // in: the number that is looked for
+    if (GetDlgCtrlID(hwnd) != int(reinterpret_cast<intptr_t>(*control)))
+        return TRUE;
+    *control = hwnd;
+    return FALSE;
+}
+
+// Without the many questions of a look, which take longer than what is to be measured.
+static void WaitFor(int id)
+{
+    HWND control = reinterpret_cast<HWND>(intptr_t(id));
+    EnumChildWindows(g_program.frame, TakeControl, reinterpret_cast<LPARAM>(&control));
+    for (int tries = 0; tries < 60000 && !IsWindowEnabled(control); ++tries)
+        Sleep(1);
+    Ask(g_program.frame, WM_NULL);
+}
+
 static void EndSession()
 {
     const bool agrees = Ask(g_program.frame, WM_QUERYENDSESSION) != 0;
@@ -231,6 +252,8 @@ int main(int, char** arguments)
     {
         if (FindProgram() && !std::strncmp(line, "windows", 7))
             EnumWindows(PrintTop, 0);
+        else if (g_program.frame && !std::strncmp(line, "ready ", 6))
+            WaitFor(std::atoi(line + 6));
         else if (g_program.frame && !std::strncmp(line, "handles", 7))
             std::printf("H %d %d %d\n", KernelHandles(), GdiHandles(), UserHandles());
         else if (g_program.frame && !std::strncmp(line, "close", 5))

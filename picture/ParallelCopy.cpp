@@ -1,0 +1,18 @@
+#include "picture/ParallelCopy.h"
+
+#include "picture/ParallelRows.h"
+#include "picture/ShortMemory.h"
+
+void VcCopyPixels(SBxPicBuf* dst, const SBxPicBuf& src, const CBxSize<int>& size)
+{
+    const auto copy = [&](int first, int end) {
+        CBxPicBufAPI::CopyRect(dst, src, {0, first}, {0, first}, {size.cx, end - first});
+    };
+    const auto inParallel = [&]
+    {
+        VcParallelRows(size.cy, size.cx * src.components, copy);
+        return false;
+    };
+    if (FailsOrLacksMemory(inParallel)) // of the task pool
+        copy(0, size.cy);
+}
