@@ -99,6 +99,7 @@ static void Compare(bool showSource)
         ReleaseCapture();
     g_showSources = showSource;
     RedrawView();
+    ViewMoved(); // the view may have moved over the source meanwhile
 }
 
 // What a mouse message does, however it came.
@@ -170,6 +171,8 @@ LRESULT OnMouseMove(HWND, WPARAM, LPARAM lParam)
     if (!g_toolBusy &&
         DragTo(&g_drag, &g_view, ShownPicture(), GET_X_LPARAM(lParam), GET_Y_LPARAM(lParam)))
     {
+        if (g_hwndActiveTool && !g_showSources)
+            SendMessageW(g_hwndActiveTool, WM_APP_VIEW_MOVING, 0, 0);
         RedrawView();
         UpdateWindow(g_hwndMain);
     }

@@ -25,6 +25,10 @@ constexpr unsigned WM_APP_SERIES_PROGRESS = 4303;
 // Posted to the active tool, both parameters 0.
 constexpr unsigned WM_APP_VIEW_MOVED = 4302; // panned, zoomed or resized: another part is in view
 
+// Sent to the active tool while the picture is being dragged, before the view is drawn, so that the
+// tool can see to what comes into view; both parameters 0. The end of it is a move as above.
+constexpr unsigned WM_APP_VIEW_MOVING = 4304;
+
 // Sent to the active tool while the mouse is on its preview rectangle, with the position in the
 // frame's client area in lParam. A grab is answered with 1 if the tool wants to move the rectangle;
 // then WM_MOUSEMOVE and one drop follow.

@@ -5,6 +5,7 @@
 #include "multiscale/LevelsOfDetail.h"
 
 #include "fusion/FusionFilter.h"
+#include "fusion/FusionKernels.h"
 #include "fusion/FusionThreads.h"
 #include "picture/ShortMemory.h"
 
@@ -120,24 +121,31 @@ static void ComponentToFloat(float* plane, const SBxPicBuf& picture, int compone
                    });
 }
 
-// Expands the next level into `dst` and calls row(expanded, other's row, width) for each row while
-// it is in the cache. `other` is a plane of the level's size.
+static CBxRect<int> WholeLevel(const LevelsOfDetail& record, int level)
+{
+    return {0, 0, record.levelWidth[level], record.levelHeight[level]};
+}
+
+// Expands the part of the next level into `dst` and calls row(expanded, other's samples, count) for
+// each row while it is in the cache. `other` is a plane of the level's size.
 template <typename RowFn>
 static void ExpandAndDo(float* dst, const LevelsOfDetail& record, int component, int level,
-                        const float* other, RowFn row)
+                        const float* other, const CBxRect<int>& part, RowFn row)
 {
     const int width = record.levelWidth[level], height = record.levelHeight[level];
-    const float* coarse = GaussPlane(record, component, level + 1);
-    VcParallelRows(height, width,
-                   [&](int first, int end)
-                   {
-                       for (int y = first; y < end; ++y)
-                       {
-                           VcExpandRows(dst, coarse, width, height, record.levelWidth[level + 1],
-                                        record.levelHeight[level + 1], record.kernel, y, y + 1);
-                           row(dst + int64_t(y) * width, other + int64_t(y) * width, width);
-                       }
-                   });
+    const FusionPlane coarse = {GaussPlane(record, component, level + 1),
+                                record.levelWidth[level + 1], record.levelHeight[level + 1]};
+    const auto expandRow = VcFusionKernels().expandRow;
+    const auto rows = [&](int first, int end)
+    {
+        for (int y = part.top + first; y < part.top + end; ++y)
+        {
+            const int64_t at = int64_t(y) * width;
+            expandRow(dst + at, width, height, &coarse, record.kernel, y, part.left, part.right);
+            row(dst + at + part.left, other + at + part.left, part.right - part.left);
+        }
+    };
+    VcParallelRows(part.bottom - part.top, part.right - part.left, rows);
 }
 
 static void TakeApartLevel(LevelsOfDetail* record, int component, int level)
@@ -147,6 +155,7 @@ static void TakeApartLevel(LevelsOfDetail* record, int component, int level)
              record->levelHeight[level + 1], record->levelWidth[level], record->levelHeight[level],
              record->kernel);
     ExpandAndDo(record->laplace[component][level].get(), *record, component, level, fine,
+                WholeLevel(*record, level),
                 [](float* __restrict to, const float* __restrict from, int width)
                 {
                     for (int x = 0; x < width; ++x)
@@ -154,10 +163,11 @@ static void TakeApartLevel(LevelsOfDetail* record, int component, int level)
                 });
 }
 
-static void PutTogetherLevel(LevelsOfDetail* record, int component, int level, float gain)
+static void PutTogetherLevel(LevelsOfDetail* record, int component, int level, float gain,
+                             const CBxRect<int>& part)
 {
     ExpandAndDo(record->gauss[level].get(), *record, component, level,
-                record->laplace[component][level].get(),
+                record->laplace[component][level].get(), part,
                 [=](float* __restrict to, const float* __restrict detail, int width)
                 {
                     for (int x = 0; x < width; ++x)
@@ -201,7 +211,7 @@ bool RecomposeComponent(SBxPicBuf* padded, LevelsOfDetail* record, bool autoStre
     {
         if (control.Cancelled())
             return true;
-        PutTogetherLevel(record, component, i, gains[i]);
+        PutTogetherLevel(record, component, i, gains[i], WholeLevel(*record, i));
     }
     const float* finest = GaussPlane(*record, component, 0);
     if (record->bitsPerComponent == 8)
@@ -211,15 +221,54 @@ bool RecomposeComponent(SBxPicBuf* padded, LevelsOfDetail* record, bool autoStre
     return false;
 }
 
+static bool IsOfRecord(const SBxPicBuf& padded, const LevelsOfDetail& record)
+{
+    return padded.components == record.components && padded.width == record.width &&
+           padded.height == record.height && padded.bitsPerComponent == record.bitsPerComponent;
+}
+
 bool Recompose(SBxPicBuf* padded, LevelsOfDetail* record, const float gains[kDetailLevels],
                const RunControl& control)
 {
-    if (padded->components != record->components || padded->width != record->width ||
-        padded->height != record->height || padded->bitsPerComponent != record->bitsPerComponent)
+    if (!IsOfRecord(*padded, *record))
         return true;
     for (int c = 0; c < record->components; ++c)
         if (RecomposeComponent(padded, record, false, gains, c, control))
             return true;
+    return false;
+}
+
+// Of the next level, what expanding the samples [first, end) of a side looks at. The windows of
+// five begin two samples before, moved inside the side.
+static void WidenToCoarse(int* first, int* end, int side, int coarseSide)
+{
+    const auto start = [=](int at) { return std::max(std::min(at - 2, side - 5), 0); };
+    *first = start(*first) / 2;
+    *end = std::min((start(*end - 1) + 4) / 2 + 1, coarseSide);
+}
+
+bool RecomposeRegion(SBxPicBuf* padded, LevelsOfDetail* record, const float gains[kDetailLevels],
+                     const CBxRect<int>& region)
+{
+    if (!IsOfRecord(*padded, *record))
+        return true;
+    CBxRect<int> parts[kDetailLevels + 1];
+    parts[0] = {std::max(region.left, 0), std::max(region.top, 0),
+                std::min(region.right, record->width), std::min(region.bottom, record->height)};
+    if (parts[0].left >= parts[0].right || parts[0].top >= parts[0].bottom)
+        return false;
+    for (int i = 0; i < record->levels; ++i)
+    {
+        CBxRect<int>& part = parts[i + 1] = parts[i];
+        WidenToCoarse(&part.left, &part.right, record->levelWidth[i], record->levelWidth[i + 1]);
+        WidenToCoarse(&part.top, &part.bottom, record->levelHeight[i], record->levelHeight[i + 1]);
+    }
+    for (int c = 0; c < record->components; ++c)
+    {
+        for (int i = record->levels - 1; i >= 0; --i)
+            PutTogetherLevel(record, c, i, gains[i], parts[i]);
+        ToIntegerRect(padded, c, GaussPlane(*record, c, 0), parts[0]);
+    }
     return false;
 }
 

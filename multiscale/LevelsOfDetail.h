@@ -2,6 +2,7 @@
 
 #include "multiscale/RunControl.h"
 #include "picture/FloatPlane.h"
+#include "picture/Geometry.h"
 #include "picture/PicBuf.h"
 
 // Smart contrast: a picture is split into a Laplacian pyramid once and put together again with a
@@ -67,6 +68,11 @@ void ReleaseLevelsOfDetail(LevelsOfDetail* record);
 [[nodiscard]] bool Recompose(SBxPicBuf* padded, LevelsOfDetail* record,
                              const float gains[kDetailLevels], const RunControl& control = {});
 
+// The same for a rectangle of the output, which is clipped to it; the rest of the output stays as
+// it is. Of each level only what that takes is put together, and the pixels are those of the whole.
+[[nodiscard]] bool RecomposeRegion(SBxPicBuf* padded, LevelsOfDetail* record,
+                                   const float gains[kDetailLevels], const CBxRect<int>& region);
+
 // The same for one component of the output. With autoStretch, its smallest and largest value are
 // spread over the whole range.
 [[nodiscard]] bool RecomposeComponent(SBxPicBuf* padded, LevelsOfDetail* record, bool autoStretch,
@@ -74,9 +80,11 @@ void ReleaseLevelsOfDetail(LevelsOfDetail* record);
                                       const RunControl& control = {});
 
 // Write a packed float plane into a component of an 8- or 16-bit picture of its size: rounded to
-// nearest and clamped, after spreading its range if asked to.
+// nearest and clamped, after spreading its range if asked to. The third writes a rectangle only,
+// and spreads nothing.
 void ToInteger8(SBxPicBuf* picture, int component, const float* plane, bool autoStretch);
 void ToInteger16(SBxPicBuf* picture, int component, const float* plane, bool autoStretch);
+void ToIntegerRect(SBxPicBuf* picture, int component, const float* plane, const CBxRect<int>& rect);
 
 // The whole job for one picture, component by component, so that a third of the planes is enough
 // for colour. `out` has the geometry of `in` and may be `in`. Advances kSmartContrastSteps times a

@@ -67,28 +67,36 @@ static ValueRange StretchedRange(const float* plane, int64_t samples, float top)
 }
 
 template <typename T>
+static void ToIntegerRows(SBxPicBuf* picture, int component, const float* plane,
+                          const CBxRect<int>& rect, const ValueRange& range)
+{
+    constexpr float top = float((1u << (8 * sizeof(T))) - 1);
+    const int step = picture->components;
+    const auto rows = [&](int first, int end)
+    {
+        for (int y = rect.top + first; y < rect.top + end; ++y)
+        {
+            const float* from = plane + int64_t(y) * picture->width;
+            T* to = PicRow<T>(*picture, y) + component;
+            for (int x = rect.left; x < rect.right; ++x)
+            {
+                const float value = (from[x] - range.offset) * range.scale;
+                const float lifted = value > 0.0f ? value : 0.0f;
+                to[x * step] = T((lifted < top ? lifted : top) + 0.5f);
+            }
+        }
+    };
+    VcParallelRows(rect.bottom - rect.top, rect.right - rect.left, rows);
+}
+
+template <typename T>
 static void ToInteger(SBxPicBuf* picture, int component, const float* plane, bool autoStretch)
 {
     constexpr float top = float((1u << (8 * sizeof(T))) - 1);
-    const int width = picture->width, step = picture->components;
-    const ValueRange range = autoStretch
-                                 ? StretchedRange(plane, int64_t(width) * picture->height, top)
-                                 : ValueRange{0.0f, 1.0f};
-    VcParallelRows(picture->height, width,
-                   [&](int first, int end)
-                   {
-                       for (int y = first; y < end; ++y)
-                       {
-                           const float* from = plane + int64_t(y) * width;
-                           T* to = PicRow<T>(*picture, y) + component;
-                           for (int x = 0; x < width; ++x)
-                           {
-                               const float value = (from[x] - range.offset) * range.scale;
-                               const float lifted = value > 0.0f ? value : 0.0f;
-                               to[x * step] = T((lifted < top ? lifted : top) + 0.5f);
-                           }
-                       }
-                   });
+    const int64_t samples = int64_t(picture->width) * picture->height;
+    const ValueRange range =
+        autoStretch ? StretchedRange(plane, samples, top) : ValueRange{0.0f, 1.0f};
+    ToIntegerRows<T>(picture, component, plane, {0, 0, picture->width, picture->height}, range);
 }
 
 void ToInteger8(SBxPicBuf* picture, int component, const float* plane, bool autoStretch)
@@ -99,4 +107,12 @@ void ToInteger8(SBxPicBuf* picture, int component, const float* plane, bool auto
 void ToInteger16(SBxPicBuf* picture, int component, const float* plane, bool autoStretch)
 {
     ToInteger<uint16_t>(picture, component, plane, autoStretch);
+}
+
+void ToIntegerRect(SBxPicBuf* picture, int component, const float* plane, const CBxRect<int>& rect)
+{
+    if (picture->bitsPerComponent == 8)
+        ToIntegerRows<uint8_t>(picture, component, plane, rect, {0.0f, 1.0f});
+    else
+        ToIntegerRows<uint16_t>(picture, component, plane, rect, {0.0f, 1.0f});
 }

@@ -3,6 +3,7 @@
 #include "app/AppState.h"
 #include "app/AppWindows_win.h"
 #include "app/CommandsWnd.h"
+#include "app/FrameView_win.h"
 #include "app/Messages.h"
 #include "app/Settings.h"
 #include "app/Strings.h"
@@ -27,11 +28,32 @@ static SmartContrastModel* ModelOf(HWND dlg)
     return DialogData<SmartContrastModel>(dlg);
 }
 
+static CBxRect<int> VisiblePart(const SmartContrastModel& model)
+{
+    UpdateViewArea();
+    return SmartContrastVisible(g_view, model.size);
+}
+
+static void Show(SmartContrastModel* model, const CBxRect<int>& visible)
+{
+    if (!RecomposeSmartContrast(&g_previewPicture, model, visible))
+        SendMessageW(g_hwndMain, WM_APP_PREVIEW_READY, 0, 0);
+}
+
 static void ShowRecomposed(SmartContrastModel* model)
 {
     const ToolWaitCursor wait;
-    if (!RecomposeSmartContrast(&g_previewPicture, model))
-        SendMessageW(g_hwndMain, WM_APP_PREVIEW_READY, 0, 0);
+    Show(model, VisiblePart(*model));
+}
+
+// While the picture is being dragged, the hand stays as it is.
+static INT_PTR OnViewMoved(HWND dlg)
+{
+    SmartContrastModel* model = ModelOf(dlg);
+    const CBxRect<int> visible = VisiblePart(*model);
+    if (!HasSmartContrast(*model, visible))
+        Show(model, visible);
+    return TRUE;
 }
 
 static INT_PTR OnInit(HWND dlg, LPARAM lParam)
@@ -62,8 +84,11 @@ static INT_PTR OnSlider(HWND dlg, WPARAM wParam, LPARAM lParam)
 static INT_PTR OnOk(HWND dlg)
 {
     SmartContrastModel* model = ModelOf(dlg);
-    if (IsSmartContrastBehind(*model))
-        ShowRecomposed(model);
+    {
+        const ToolWaitCursor wait;
+        // Refused only when there is no preview to show either.
+        (void)CompleteSmartContrast(&g_previewPicture, model);
+    }
     std::copy_n(model->lod, kDetailLevels, g_settings.levelsOfDetail);
     const bool stored = WriteSettings(SettingGroup::LevelsOfDetail);
     CBxPicBufAPI::Copy(&g_resultPicture, g_previewPicture);
@@ -101,6 +126,8 @@ static INT_PTR CALLBACK SmartContrastProc(HWND dlg, UINT message, WPARAM wParam,
     case WM_INITDIALOG: return OnInit(dlg, lParam);
     case WM_HSCROLL: return OnSlider(dlg, wParam, lParam);
     case WM_COMMAND: return OnCommand(dlg, LOWORD(wParam));
+    case WM_APP_VIEW_MOVING:
+    case WM_APP_VIEW_MOVED: return ModelOf(dlg) ? OnViewMoved(dlg) : FALSE;
     case WM_MOUSEWHEEL: SendMessageW(g_hwndMain, message, wParam, lParam); return TRUE;
     case WM_DESTROY: return OnDestroy(dlg);
     default: return FALSE;

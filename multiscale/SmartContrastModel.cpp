@@ -1,6 +1,7 @@
 #include "multiscale/SmartContrastModel.h"
 
 #include <algorithm>
+#include <cmath>
 
 // The padded picture is also the one that the record is put together into: once it has been taken
 // apart, nobody needs its pixels any more.
@@ -38,20 +39,51 @@ void ReleaseSmartContrast(SmartContrastModel* model)
     *model = SmartContrastModel();
 }
 
+static bool IsEmpty(const CBxRect<int>& rect)
+{
+    return rect.right <= rect.left || rect.bottom <= rect.top;
+}
+
+static bool HasItsNumbers(const SmartContrastModel& model)
+{
+    return !IsEmpty(model.madePart) && std::equal(model.lod, model.lod + kDetailLevels, model.made);
+}
+
 bool SmartContrastSliderMoved(SmartContrastModel* model, int level, SliderMove move, int thumb)
 {
     model->lod[level] = MovedSlider(kLevelOfDetailRange, model->lod[level], move, thumb);
     if (move == SliderMove::Drag)
         return false;
-    return move == SliderMove::Drop || IsSmartContrastBehind(*model);
+    return move == SliderMove::Drop || !HasItsNumbers(*model);
 }
 
-bool IsSmartContrastBehind(const SmartContrastModel& model)
+static CBxRect<int> InPicture(double left, double top, double right, double bottom,
+                              CBxSize<int> picture)
 {
-    return !model.anyMade || !std::equal(model.lod, model.lod + kDetailLevels, model.made);
+    const auto inside = [](double at, int size) { return int(std::clamp(at, 0.0, double(size))); };
+    return {inside(left, picture.cx), inside(top, picture.cy), inside(right, picture.cx),
+            inside(bottom, picture.cy)};
 }
 
-bool RecomposeSmartContrast(SBxPicBuf* out, SmartContrastModel* model)
+CBxRect<int> SmartContrastVisible(const ImageView& view, CBxSize<int> picture)
+{
+    constexpr double kAround = 3.0; // two of them in bicubic scaling
+    double left, top, right, bottom;
+    const CBxPicMap map = MapOfView(view.state);
+    map.MapPointDstToSrc(&left, &top, view.area.left, view.area.top);
+    map.MapPointDstToSrc(&right, &bottom, view.area.right, view.area.bottom);
+    return InPicture(std::floor(left) - kAround, std::floor(top) - kAround,
+                     std::ceil(right) + kAround, std::ceil(bottom) + kAround, picture);
+}
+
+bool HasSmartContrast(const SmartContrastModel& model, const CBxRect<int>& part)
+{
+    const CBxRect<int>& made = model.madePart;
+    return HasItsNumbers(model) && part.left >= made.left && part.top >= made.top &&
+           part.right <= made.right && part.bottom <= made.bottom;
+}
+
+static bool RecomposePart(SBxPicBuf* out, SmartContrastModel* model, const CBxRect<int>& part)
 {
     const SBxPicBuf& padded = model->padded;
     if (!out->data || out->width != model->size.cx || out->height != model->size.cy ||
@@ -59,10 +91,27 @@ bool RecomposeSmartContrast(SBxPicBuf* out, SmartContrastModel* model)
         return true;
     float gains[kDetailLevels];
     std::transform(model->lod, model->lod + kDetailLevels, gains, LevelGain);
-    if (Recompose(&model->padded, &model->record, gains))
+    const int x = model->padding.x, y = model->padding.y;
+    if (RecomposeRegion(&model->padded, &model->record, gains,
+                        {part.left + x, part.top + y, part.right + x, part.bottom + y}))
         return true;
-    CBxPicBufAPI::CopyRect(out, padded, {0, 0}, {model->padding.x, model->padding.y}, model->size);
+    CBxPicBufAPI::CopyRect(out, padded, {part.left, part.top}, {part.left + x, part.top + y},
+                           {part.right - part.left, part.bottom - part.top});
     std::copy_n(model->lod, kDetailLevels, model->made);
-    model->anyMade = true;
+    model->madePart = part;
     return false;
+}
+
+bool RecomposeSmartContrast(SBxPicBuf* out, SmartContrastModel* model, const CBxRect<int>& visible)
+{
+    const double x = (visible.right - visible.left) / 8.0, y = (visible.bottom - visible.top) / 8.0;
+    return RecomposePart(out, model,
+                         InPicture(visible.left - x, visible.top - y, visible.right + x,
+                                   visible.bottom + y, model->size));
+}
+
+bool CompleteSmartContrast(SBxPicBuf* out, SmartContrastModel* model)
+{
+    const CBxRect<int> whole = {0, 0, model->size.cx, model->size.cy};
+    return !HasSmartContrast(*model, whole) && RecomposePart(out, model, whole);
 }

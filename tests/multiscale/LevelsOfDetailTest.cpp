@@ -126,6 +126,43 @@ TEST(Recompose, FollowsTheFormulas)
     }
 }
 
+TEST(Recompose, OfARegionGivesThePixelsOfTheWhole)
+{
+    const CBxSize<int> sizes[] = {{301, 203}, {64, 97}, {130, 45}};
+    const float gains[kDetailLevels] = {1.7f, 0.2f, 2.5f, 0.0f, 3.0f};
+    for (const auto& [w, h] : sizes)
+        for (const int components : {1, 3})
+        {
+            const TestPicture scene = ScenePicture(w, h, components, 16, 0);
+            LevelsOfDetail record;
+            ASSERT_FALSE(Decompose(&record, scene.pic, kDetailLevels));
+            TestPicture whole = TestPicture::Like(scene.pic);
+            ASSERT_FALSE(Recompose(&whole.pic, &record, gains));
+            const CBxRect<int> regions[] = {{0, 0, 1, 1},         {w - 1, h - 1, w, h},
+                                            {0, h - 6, 7, h},     {w / 2 - 1, 3, w / 2, 4},
+                                            {5, 3, w - 4, h - 1}, {-9, -9, w + 9, h / 2},
+                                            {w - 3, 0, w + 1, h}, {17, 11, 54, 40},
+                                            {40, 20, 40, 30}};
+            for (const CBxRect<int>& r : regions)
+            {
+                // The planes hold what other numbers have left.
+                const float others[kDetailLevels] = {0.1f, 3.0f, 0.5f, 2.0f, 0.3f};
+                TestPicture out = TestPicture::Like(scene.pic),
+                            expected = TestPicture::Like(scene.pic);
+                ASSERT_FALSE(Recompose(&out.pic, &record, others));
+                CBxPicBufAPI::SetConst(&out.pic, 3);
+                CBxPicBufAPI::SetConst(&expected.pic, 3);
+                const CBxPoint<int> at = {std::max(r.left, 0), std::max(r.top, 0)};
+                CBxPicBufAPI::CopyRect(&expected.pic, whole.pic, at, at,
+                                       {std::min(r.right, w) - at.x, std::min(r.bottom, h) - at.y});
+                ASSERT_FALSE(RecomposeRegion(&out.pic, &record, gains, r));
+                SCOPED_TRACE(testing::Message()
+                             << w << "x" << h << ": " << r.left << ", " << r.top);
+                ExpectSamePicture(out.pic, expected.pic);
+            }
+        }
+}
+
 TEST(Recompose, RefusesAnotherGeometry)
 {
     const TestPicture scene = ScenePicture(32, 30, 3, 8, 0);
@@ -135,7 +172,8 @@ TEST(Recompose, RefusesAnotherGeometry)
     const float gains[kDetailLevels] = {};
     TestPicture others[] = {{32, 30, 1, 8}, {31, 30, 3, 8}, {32, 31, 3, 8}, {32, 30, 3, 16}};
     for (TestPicture& other : others)
-        EXPECT_TRUE(Recompose(&other.pic, &record, gains));
+        EXPECT_TRUE(Recompose(&other.pic, &record, gains) &&
+                    RecomposeRegion(&other.pic, &record, gains, {0, 0, 1, 1}));
     ReleaseLevelsOfDetail(&record);
     ReleaseLevelsOfDetail(&record);
     TestPicture same(32, 30, 3, 8);

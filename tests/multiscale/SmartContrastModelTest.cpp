@@ -27,7 +27,7 @@ TestPicture Recomposed(SmartContrastModel* model, const TestPicture& like)
 {
     TestPicture out(like.pic.width, like.pic.height, like.pic.components,
                     like.pic.bitsPerComponent);
-    EXPECT_FALSE(RecomposeSmartContrast(&out.pic, model));
+    EXPECT_FALSE(RecomposeSmartContrast(&out.pic, model, {0, 0, out.pic.width, out.pic.height}));
     return out;
 }
 
@@ -55,7 +55,7 @@ TEST(SmartContrastModel, RecomposesWhenTheThumbIsLetGoAndWhenANumberIsNew)
     const TestPicture photo = ScenePicture(40, 30, 3, 8, 0);
     OpenModel open(photo);
     SmartContrastModel* model = &open.model;
-    EXPECT_TRUE(IsSmartContrastBehind(*model)) << "nothing has been made yet";
+    EXPECT_FALSE(HasSmartContrast(*model, {0, 0, 1, 1})) << "nothing has been made yet";
     Recomposed(model, photo);
     const struct
     {
@@ -97,10 +97,39 @@ TEST(SmartContrastModel, GivesTheSamePictureAsTheWholeJobAsOftenAsASliderMoves)
                 TestPicture whole(61, 47, components, bits);
                 ASSERT_FALSE(SmartContrastPicture(&whole.pic, photo.pic, lod, {}));
                 ExpectSamePicture(Recomposed(&open.model, photo).pic, whole.pic);
-                EXPECT_FALSE(IsSmartContrastBehind(open.model));
+                EXPECT_TRUE(HasSmartContrast(open.model, {0, 0, 61, 47}));
             }
             ExpectSamePicture(Recomposed(&open.model, photo).pic, photo.pic, 1); // floats round
         }
+}
+
+// As a slider moves, the view is panned, and OK is pressed.
+TEST(SmartContrastModel, PutsTogetherWhatIsVisibleAndTheRestInTheEnd)
+{
+    const TestPicture photo = ScenePicture(301, 203, 3, 8, 0);
+    const Lods lod = {25, 3, 14, 8, 22, 10, 10, 10};
+    OpenModel open(photo, lod);
+    TestPicture whole(301, 203, 3, 8), shown = FlatPicture(301, 203, 8, {7, 7, 7});
+    ASSERT_FALSE(SmartContrastPicture(&whole.pic, photo.pic, lod, {}));
+    ImageView view;
+    view.area = {0, 30, 80, 90}; // shows 80 x 60 pixels
+    for (const double x : {0.0, 150.5, 290.0})
+    {
+        view.state = {1.0, 40, 60, x, 100.0};
+        const CBxRect<int> visible = SmartContrastVisible(view, open.model.size);
+        EXPECT_LE(visible.left, std::max(x - 42, 0.0));
+        EXPECT_GE(visible.right, std::min(x + 42, 301.0));
+        EXPECT_FALSE(HasSmartContrast(open.model, visible)) << x;
+        ASSERT_FALSE(RecomposeSmartContrast(&shown.pic, &open.model, visible));
+        EXPECT_TRUE(HasSmartContrast(open.model, visible)) << x;
+        const CBxRect<int>& made = open.model.madePart;
+        for (int y = made.top; y < made.bottom; ++y)
+            for (int column = made.left; column < made.right; ++column)
+                ASSERT_EQ(shown.At(column, y, 1), whole.At(column, y, 1)) << column << ", " << y;
+    }
+    EXPECT_EQ(shown.At(150, 0), 7) << "nobody has seen it";
+    ASSERT_FALSE(CompleteSmartContrast(&shown.pic, &open.model));
+    ExpectSamePicture(shown.pic, whole.pic);
 }
 
 TEST(SmartContrastModel, TakesStoredNumbersFromOutsideOfTheRangeAsItsEnds)
