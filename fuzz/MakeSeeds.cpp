@@ -178,6 +178,20 @@ static void WritePictures(const fs::path& folder)
     }
 }
 
+// The same with the longest kind of header.
+static void WriteLongBmp(const fs::path& folder, const char* name)
+{
+    std::ifstream file(folder / name, std::ios::binary);
+    Bytes bytes{std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
+    const size_t header = 14 + 40, more = 124 - 40;
+    if (bytes.size() < header)
+        return;
+    bytes[10] = uint8_t(bytes[10] + more); // where the pixels begin; small enough for one byte
+    bytes[14] = 124;
+    bytes.insert(bytes.begin() + header, more, 0);
+    Write(folder / (std::string(name) + "-long"), bytes);
+}
+
 static void Put(Bytes* out, uint32_t value, int bytes)
 {
     for (int i = 0; i < bytes; ++i)
@@ -272,6 +286,8 @@ int main(int argc, char** argv)
 #endif
     const fs::path folder = argv[1];
     WritePictures(folder);
+    for (const char* name : {"bmp/1", "bmp/4", "bmp/8-grey", "bmp/8-packed", "bmp/32"})
+        WriteLongBmp(folder, name);
     Write(folder / "raw/dng", MakeRaw());
     WriteTexts(folder / "texts");
     return g_failures == 0 ? 0 : 1;
