@@ -16,6 +16,7 @@
 #include <filesystem>
 
 static constexpr UINT_PTR kPreviewTimer = 1; // of a preview that was given up
+static constexpr UINT_PTR kTellTimer = 2;    // of sources that turned out to be missing
 static constexpr UINT kRetryMs = 20;
 static constexpr int kMostFilesTold = 12; // in one box
 
@@ -131,9 +132,22 @@ static INT_PTR OnPreview(HWND dlg, FusionTool* tool)
         SendMessageW(g_hwndMain, WM_APP_PREVIEW_READY, 0, 0);
         UpdateWindow(g_hwndMain);
     }
+    // A trackbar takes the mouse when the message of its press has been answered: after a box it
+    // would wait for a button that is up already, and the next click would be lost there.
     if (outcome != FusionOutcome::Outdated)
-        TellUnusable(tool);
+        SetTimer(dlg, kTellTimer, kRetryMs, nullptr);
     tool->computing = false;
+    return TRUE;
+}
+
+static INT_PTR OnTimer(HWND dlg, FusionTool* tool, WPARAM timer)
+{
+    if (timer == kPreviewTimer)
+        return OnPreview(dlg, tool);
+    if (tool->computing || GetCapture())
+        return TRUE; // later
+    KillTimer(dlg, kTellTimer);
+    TellUnusable(tool);
     return TRUE;
 }
 
@@ -248,8 +262,8 @@ static INT_PTR CALLBACK FusionToolProc(HWND dlg, UINT message, WPARAM wParam, LP
     {
     case WM_HSCROLL: return OnSlider(dlg, tool, wParam, lParam);
     case WM_LBUTTONUP:
-    case WM_TIMER:
     case WM_APP_VIEW_MOVED: return OnPreview(dlg, tool);
+    case WM_TIMER: return OnTimer(dlg, tool, wParam);
     case WM_COMMAND: return OnButton(dlg, tool, LOWORD(wParam));
     case WM_CLOSE: return OnButton(dlg, tool, IDOK);
     case WM_MOUSEWHEEL: return SendOn(message, wParam, lParam);
@@ -284,8 +298,11 @@ bool ShowFusionTool(const FusionToolKind& kind, std::unique_ptr<FusionSources> s
     SetFocus(GetDlgItem(dlg, kind.slider.slider));
     UpdateWindow(g_hwndMain);
     SendMessageW(dlg, WM_LBUTTONUP, 0, 0);
-    const FusionTool* shown = DialogData<FusionTool>(dlg); // null when it has been closed already
-    if (shown && NothingUsable(*shown->sources))
+    // Told now, as the dialog may have to close. It may have been closed already, even by then.
+    if (FusionTool* shown = DialogData<FusionTool>(dlg))
+        TellUnusable(shown);
+    const FusionTool* open = DialogData<FusionTool>(dlg);
+    if (open && NothingUsable(*open->sources))
         GiveUpTool(dlg); // with no slider that could change anything
     return true;
 }

@@ -82,9 +82,9 @@ static bool FindProgram()
 
 static std::string TextOf(HWND hwnd)
 {
-    wchar_t text[512] = L"";
-    char utf8[2048] = "";
-    Ask(hwnd, WM_GETTEXT, 512, reinterpret_cast<LPARAM>(text));
+    wchar_t text[2048] = L"";
+    char utf8[8192] = "";
+    Ask(hwnd, WM_GETTEXT, 2048, reinterpret_cast<LPARAM>(text));
     WideCharToMultiByte(CP_UTF8, 0, text, -1, utf8, sizeof utf8, nullptr, nullptr);
     for (char* c = utf8; *c; ++c)
         if (*c == '\n' || *c == '\r')
@@ -250,7 +250,8 @@ int main(int, char** arguments)
     _setmode(_fileno(stdout), _O_BINARY); // no carriage returns for the shell to strip
     while (std::fgets(line, sizeof line, stdin))
     {
-        if (FindProgram() && !std::strncmp(line, "windows", 7))
+        // What the program says when its window has gone, counts as well.
+        if ((FindProgram() || g_program.id) && !std::strncmp(line, "windows", 7))
             EnumWindows(PrintTop, 0);
         else if (g_program.frame && !std::strncmp(line, "ready ", 6))
             WaitFor(std::atoi(line + 6));

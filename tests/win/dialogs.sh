@@ -75,6 +75,36 @@ Open()
     Rests
 }
 
+# Into the name of a file dialog, and OK.
+TypeName()
+{
+    Press $(MiddleOf ${modalPlace[1148]})
+    xdotool key ctrl+a
+    xdotool type --delay 5 "$1"
+    Settle
+    ClickModal $IDOK
+}
+
+# Answers the dialog of Multi Image: the folder first, then the names.
+Choose()
+{
+    local names
+    names=$(printf '"%s" ' "${@:2}")
+    [[ $# -gt 2 ]] || names=$2
+    Sees $ID_MULTI_IMAGE
+    Click $ID_MULTI_IMAGE
+    Expect SeesModal 'Select Source*'
+    Rests
+    TypeName "Z:${1//\//\\}\\"
+    Rests
+    TypeName "$names"
+    Expect SeesNoChooser
+}
+SeesNoChooser() { Look; [[ $modal != 'Select Source'* ]]; }
+
+# The status bar.
+Says() { Look; [[ $status == "$1" ]]; }
+
 SamePixels()
 {
     cmp -s <("$convert" "$1" -depth 16 rgb:-) <("$convert" "$2" -depth 16 rgb:-)

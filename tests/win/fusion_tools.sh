@@ -36,32 +36,6 @@ MakeWrongFiles()
     echo broken >"$scratch/wrong/d.png"
 }
 
-TypeName()
-{
-    Press $(MiddleOf ${modalPlace[1148]})
-    xdotool key ctrl+a
-    xdotool type --delay 5 "$1"
-    Settle
-    ClickModal $IDOK
-}
-
-# Answers the dialog of Multi Image: the folder first, then the names.
-Choose()
-{
-    local names
-    names=$(printf '"%s" ' "${@:2}")
-    [[ $# -gt 2 ]] || names=$2
-    Sees $ID_MULTI_IMAGE
-    Click $ID_MULTI_IMAGE
-    Expect SeesModal 'Select Source*'
-    Rests
-    TypeName "Z:${1//\//\\}\\"
-    Rests
-    TypeName "$names"
-    Expect SeesNoChooser
-}
-SeesNoChooser() { Look; [[ $modal != 'Select Source'* ]]; }
-
 WrongPick() # TEXT NAMES...
 {
     local before
@@ -87,8 +61,6 @@ WrongPicks()
     WrongPick 'All the files must have the same resolution and number of components!' a.png b.png
     WrongPick 'All the files must have the same resolution and number of components!' a.png c.png
 }
-
-Says() { Look; [[ $status == "$1" ]]; }
 
 # Key and what the status bar says then; another source has to show.
 Page()
