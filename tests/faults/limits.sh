@@ -104,13 +104,13 @@ for ((megabytes = 35; megabytes <= 110; megabytes += 5)); do
 done
 echo "little memory: $done done, $refused refused"
 
-# A scene that repeats itself every 512 rows, 19 times: what a tool makes of it repeats itself as
+# A scene that repeats itself every 512 rows, 39 times: what a tool makes of it repeats itself as
 # well, away from the edges. Sizes that overflow anywhere would show.
 Repeats() # FILE TOLERANCE
 {
-    local block=$((20480 * 3 * 512)) worst
-    worst=$(cmp -l <(tail -c +$((55 + 7 * block)) "$1" | head -c $block) \
-        <(tail -c +$((55 + 11 * block)) "$1" | head -c $block) |
+    local block=$((10000 * 3 * 512)) worst
+    worst=$(cmp -l <(tail -c +$((55 + 18 * block)) "$1" | head -c $block) \
+        <(tail -c +$((55 + 22 * block)) "$1" | head -c $block) |
         awk 'function Octal(n) { return int(n / 100) * 64 + int(n / 10) % 10 * 8 + n % 10 }
              { off = Octal($2) - Octal($3); if (off < 0) off = -off; if (off > worst) worst = off }
              END { print worst + 0 }')
@@ -118,18 +118,18 @@ Repeats() # FILE TOLERANCE
     ((worst <= $2)) || Complain "${*:3}: rows of the middle are $worst apart"
 }
 if [[ $all == --all ]]; then
-    "$cli" sample -q --width 20480 --height 512 --frames 1 --out-dir .
+    "$cli" sample -q --width 10000 --height 512 --frames 1 --out-dir .
     "$cli" fuse -q -o strip.bmp sample_1.jpg
     {
-        printf 'P6 20480 9728 255\n'
-        for ((i = 0; i < 19; i++)); do tail -c +55 strip.bmp; done
+        printf 'P6 10000 19968 255\n'
+        for ((i = 0; i < 39; i++)); do tail -c +55 strip.bmp; done
     } >huge.ppm
     while read -r tolerance command; do
         rm -f huge.bmp
         # shellcheck disable=SC2086 # the words are options
         Expect 0 "" /usr/bin/time -o cost -f '%U + %S s, %M kB' "$cli" $command -o huge.bmp huge.ppm
         echo "200 megapixels, $command: $(tail -n 1 cost)"
-        [[ $(stat -c %s huge.bmp) == $((54 + 20480 * 9728 * 3)) ]] || Complain "$command: wrong size"
+        [[ $(stat -c %s huge.bmp) == $((54 + 10000 * 19968 * 3)) ]] || Complain "$command: wrong size"
         Repeats huge.bmp "$tolerance" "$command"
     done <<'END'
 0 fuse
