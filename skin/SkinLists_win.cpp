@@ -51,6 +51,16 @@ static void DrawOwnersItem(const SkinCall& call, HDC dc, const RECT& place)
     RestoreDC(dc, saved);
 }
 
+// Its class has a white background, seen where its combo box has not been painted yet.
+bool FillWithWindowColour(const SkinCall& call, LRESULT* answer)
+{
+    RECT client;
+    GetClientRect(call.hwnd, &client);
+    FillBox(reinterpret_cast<HDC>(call.wParam), client, SkinColor(kSkinWindow));
+    *answer = 1;
+    return true;
+}
+
 // Grey levels of a picture in the system's light colours, put between the scheme's field and text.
 static void DarkenPixels(uint32_t* pixels, size_t count)
 {

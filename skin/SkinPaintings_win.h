@@ -22,7 +22,8 @@ bool PaintMenuFrame(const SkinCall& call, LRESULT* answer);
 
 // SkinLists_win.cpp
 bool PaintCombo(const SkinCall& call, LRESULT* answer);
-bool DrawForeignItem(const SkinCall& call, LRESULT* answer); // of the system's own dialogs
+bool FillWithWindowColour(const SkinCall& call, LRESULT* answer); // until a child covers it
+bool DrawForeignItem(const SkinCall& call, LRESULT* answer);      // of the system's own dialogs
 bool PaintHeader(const SkinCall& call, LRESULT* answer);
 bool PaintTab(const SkinCall& call, LRESULT* answer);
 

@@ -68,6 +68,8 @@ static const struct
     {SkinClass::ComboBox, WM_KILLFOCUS, ChangeQuietly},
     {SkinClass::ComboBox, CB_SETCURSEL, ChangeQuietly},
 
+    {SkinClass::ComboBoxEx, WM_ERASEBKGND, FillWithWindowColour},
+
     {SkinClass::Header, WM_PAINT, PaintHeader},
     {SkinClass::Header, WM_ERASEBKGND, KeepBackground},
     {SkinClass::Tab, WM_PAINT, PaintTab},

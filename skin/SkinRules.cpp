@@ -45,6 +45,7 @@ static const struct
     {L"Edit", SkinClass::Edit},
     {L"ListBox", SkinClass::ListBox},
     {L"ComboBox", SkinClass::ComboBox},
+    {L"ComboBoxEx32", SkinClass::ComboBoxEx},
     {L"ComboLBox", SkinClass::ComboList},
     {L"SysListView32", SkinClass::ListView},
     {L"SysTreeView32", SkinClass::TreeView},

@@ -18,6 +18,7 @@ enum class SkinClass
     Edit,
     ListBox,
     ComboBox,
+    ComboBoxEx,
     ComboList,
     ListView,
     TreeView,

@@ -117,6 +117,8 @@ TEST_F(Skin, ColoursLists)
     EXPECT_EQ(GetTextColor(dc), RGB(190, 190, 190));
     EXPECT_EQ(GetBkColor(dc), RGB(65, 65, 65));
     DeleteDC(dc);
+    const HWND extended = Make(WC_COMBOBOXEXW, CBS_DROPDOWN);
+    EXPECT_EQ(Picture(extended, WM_ERASEBKGND).At(5, 5), RGB(65, 65, 65));
 }
 
 TEST_F(Skin, ShowsTheStateOfACheckBox)
