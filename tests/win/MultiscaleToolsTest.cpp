@@ -6,9 +6,12 @@
 #include "app/Settings.h"
 #include "multiscale/LevelsOfDetail.h"
 #include "multiscale/MultiscaleDlgIds.h"
+#include "multiscale/SmartContrastModel.h"
 #include "tests/win/FrameHarness.h"
 
 #include <commctrl.h>
+
+#include <utility>
 
 static const char kAllOn[] = "111111111", kToolOpen[] = "000000001";
 
@@ -100,6 +103,55 @@ TEST_F(Tools, SmartContrastShowsEachMoveAndKeepsItsNumbers)
     Press(IDCANCEL);
     ExpectGivenUp();
     EXPECT_EQ(ReadNumber(UserSettingsFile(), L"General", L"LOD_3", -1), 4);
+}
+
+TEST_F(Tools, SmartContrastSeesToWhatComesIntoView)
+{
+    OpenPicture("large.png", 2200, 1200);
+    Command(ID_SMART_CONTRAST);
+    Command(ID_ZOOM_100);
+    Pump();
+    TestPicture expected = TestPicture::Like(g_sourcePicture);
+    const auto moveTo = [&](int number)
+    {
+        Scroll(IDC_LEVEL_SLIDER + 1, TB_THUMBPOSITION, number);
+        const int lod[kDetailLevels] = {10, number, 10, 10, 10, 10, 10, 10};
+        ASSERT_FALSE(SmartContrastPicture(&expected.pic, g_sourcePicture, lod, {}));
+    };
+    const auto viewIsRight = [&]
+    {
+        const CBxRect<int> part = SmartContrastVisible(g_view, {2200, 1200});
+        TestPicture shown = TestPicture::Like(g_sourcePicture),
+                    right = TestPicture::Like(shown.pic);
+        for (const auto& [to, from] :
+             {std::pair{&shown, &g_view.resultCache}, {&right, &expected.pic}})
+        {
+            CBxPicBufAPI::SetConst(&to->pic, 0);
+            CBxPicBufAPI::Copy(&to->pic, *from, part);
+        }
+        return HashOf(shown.pic) == HashOf(right.pic);
+    };
+    moveTo(25);
+    EXPECT_TRUE(viewIsRight());
+    EXPECT_NE(HashOf(g_previewPicture), HashOf(expected.pic)) << "nobody sees all of it";
+    Mouse(WM_RBUTTONDOWN, 500, 300);
+    for (int notch = 0; notch < 3; ++notch)
+        Wheel(-120, 500, 300); // over the original
+    Mouse(WM_RBUTTONUP, 500, 300);
+    Pump();
+    EXPECT_TRUE(viewIsRight());
+
+    Command(ID_ZOOM_100);
+    moveTo(4);
+    Mouse(WM_LBUTTONDOWN, 900, 300);
+    for (int x = 800; x >= 0; x -= 200)
+    {
+        Mouse(WM_MOUSEMOVE, x, 300, MK_LBUTTON);
+        EXPECT_TRUE(viewIsRight()) << x;
+    }
+    Mouse(WM_LBUTTONUP, 0, 300);
+    Press(IDOK);
+    ExpectSamePicture(g_resultPicture, expected.pic);
 }
 
 TEST_F(Tools, ToneMappingPreviewsARectangleThatTheMouseMoves)

@@ -9,7 +9,8 @@
 //   ready ID   when the control, wherever it is below the frame, can be used and the frame answers
 //   handles    H kernel gdi user
 //   close      as the system menu closes it
-//   endsession E 1 when the program agrees that the user logs off; it is told so then
+//   endsession E 1 when the program agrees that the user logs off; it is told so then. What it asks
+//              before is answered with Yes
 //
 // Coordinates are those of the screen. The value is the position of a slider with its thumb's
 // centre and its range, or of a progress bar, the mark of a check box, the choice of a combo box.
@@ -235,10 +236,35 @@ static void WaitFor(int id)
     Ask(g_program.frame, WM_NULL);
 }
 
+static BOOL CALLBACK SayYes(HWND hwnd, LPARAM)
+{
+    char name[64] = "";
+    DWORD process = 0;
+    GetWindowThreadProcessId(hwnd, &process);
+    GetClassNameA(hwnd, name, sizeof name);
+    if (process == g_program.id && IsWindowVisible(hwnd) && !std::strcmp(name, "#32770"))
+        PostMessageW(hwnd, WM_COMMAND, IDYES, 0);
+    return TRUE;
+}
+
+static void CALLBACK TakeAnswer(HWND, UINT, ULONG_PTR answer, LRESULT result)
+{
+    *reinterpret_cast<int*>(answer) = int(result);
+}
+
 static void EndSession()
 {
-    const bool agrees = Ask(g_program.frame, WM_QUERYENDSESSION) != 0;
-    Ask(g_program.frame, WM_ENDSESSION, agrees);
+    int agrees = -1;
+    SendMessageCallbackW(g_program.frame, WM_QUERYENDSESSION, 0, 0, TakeAnswer,
+                         reinterpret_cast<ULONG_PTR>(&agrees));
+    for (int tries = 0; tries < 1500 && agrees < 0; ++tries)
+    {
+        MSG message;
+        PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE); // lets the answer in
+        EnumWindows(SayYes, 0);
+        MsgWaitForMultipleObjects(0, nullptr, FALSE, 20, QS_ALLINPUT);
+    }
+    Ask(g_program.frame, WM_ENDSESSION, agrees == 1);
     std::printf("E %d\n", agrees);
 }
 

@@ -1,7 +1,8 @@
 #!/bin/bash
 # Stops every worker at random moments: by its button, by closing the program, by logging off. Each
 # time the toolbar has to be right, the photograph to show as before, nothing to be left open, and
-# the next start to be told of no crash.
+# the next start to be told of no crash. How long tone mapping takes to stop is printed, no more: it
+# is the machine's as well.
 #
 #   stops_run.sh [COUNT [SEED [WORKER...]]]    moments per worker and way of stopping; 2
 
@@ -76,11 +77,26 @@ Rehearse()
 
 Moment()
 {
-    local moment=$((RANDOM * duration / 32768 / ${1:-1})) now
+    local moment=$((RANDOM * duration / 32768)) now
     now=$(($(date +%s%3N) - started))
     stopped=$moment
     ((now >= moment)) || sleep "$(printf '0.%03d' $(((moment - now) % 1000)))"
     ((now >= moment)) || sleep $(((moment - now) / 1000))
+}
+
+# Presses the button that stops it. Of tone mapping, whose dialog stays open, $took says how many
+# milliseconds later it can be used again.
+PressStop()
+{
+    local pressed
+    took=''
+    xdotool mousemove $stopPlace
+    Settle
+    pressed=$(date +%s%3N)
+    xdotool click 1
+    [[ $worker == tone ]] || return 0
+    Ask "ready $IDOK"
+    took=", $(($(date +%s%3N) - pressed)) ms until it can be used again"
 }
 
 # Only whole files of the series are in its folder, and the program has none of them open.
@@ -88,6 +104,7 @@ FolderIsClean()
 {
     local folder=("$WINEPREFIX"/drive_c/users/*/AppData/Roaming/Plenoviz/tmpfolder)
     local odd
+    [[ -d ${folder[0]} ]] || return 0 # before the first series
     odd=$(find "${folder[0]}" -type f ! -name 'file_*.tif' 2>/dev/null)
     [[ -z $odd ]] || Complain "$step: left behind: $odd"
     [[ -z $programPid ]] || ! ls -l "/proc/$programPid/fd" 2>/dev/null | grep -q tmpfolder ||
@@ -101,7 +118,7 @@ StopByButton()
         step=stops-$worker-button-$turn
         StartWorker "$command"
         Moment
-        Press $stopPlace
+        PressStop
         Expect IsIdle
         ! HasDialog || Tidy # a finished run leaves its dialog
         Park
@@ -109,7 +126,7 @@ StopByButton()
         FolderIsClean
         # Halfway, when everything has been used.
         [[ $turn != $(((count + 1) / 2)) ]] || read -ra before <<<"$(Handles)"
-        echo "$step after $stopped of $duration ms: handles and memory $(Handles)"
+        echo "$step after $stopped of $duration ms: handles and memory $(Handles)$took"
     done
     read -ra after <<<"$(Handles)"
     local kind
@@ -145,8 +162,9 @@ StopByLoggingOff()
     step=stops-$worker-log-off
     Start
     StartWorker "$1"
-    Moment 3 # a run that has ended asks whether its result may be lost
+    Moment
     Ask endsession
+    echo "$step after $stopped of $duration ms"
     [[ ${rows[0]:-} == "E 1" ]] || Complain "$step: refused"
     MarkerIsDown
     kill "$programPid" 2>/dev/null || true
