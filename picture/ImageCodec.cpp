@@ -55,7 +55,7 @@ static const BitmapKind* KindOfPicture(const SBxPicBuf& picture, bool withAlpha)
 // goes by the contents of a file whatever its name; some of those decoders write past the end of
 // their buffers when a file is damaged.
 // Camera raw files are read as well; but as long as that format is enabled, every TIFF file
-// and every unknown one goes through the raw library, so ImageFile.cpp chooses it by itself.
+// and every unknown one goes through the raw library, so ImageReader.cpp chooses it by itself.
 static const FREE_IMAGE_FORMAT kFormats[] = {
     FIF_BMP, FIF_JPEG, FIF_PNG, FIF_TIFF,   FIF_GIF,    FIF_WEBP,
     FIF_PBM, FIF_PGM,  FIF_PPM, FIF_PBMRAW, FIF_PGMRAW, FIF_PPMRAW,

@@ -2,8 +2,8 @@
 
 #include "picture/PicBuf.h"
 
-struct FIBITMAP; // FreeImage's bitmap; its header is seen by ImageCodec.cpp and
-                 // ImageFile.cpp only
+struct FIBITMAP; // FreeImage's bitmap; its header is seen by ImageCodec.cpp, ImageReader
+                 // and ImageFile.cpp only
 
 // The door to FreeImage: its bitmaps to picture pairs and back. A pair is a picture (1 or 3
 // components, 8 or 16 bits, blue green red, top row first) and an alpha plane of the same size and
@@ -13,7 +13,7 @@ struct FIBITMAP; // FreeImage's bitmap; its header is seen by ImageCodec.cpp and
 //   grey 8 and 16 bit, colour 24 and 48 bit, colour with alpha 32 and 64 bit.
 
 // Prepares the library and silences what it would print. Called by every routine here and in
-// ImageFile.cpp; cheap after the first time and safe on any thread.
+// ImageFile.h; cheap after the first time and safe on any thread.
 void InitImageLibrary();
 
 enum class BitmapFit
