@@ -33,6 +33,19 @@ StillFor()
     done
 }
 
+# Presses a key and gives the dialog that it brings the time to come and to be painted.
+Bring()
+{
+    local before tries
+    before=$(ScreenSum)
+    xdotool key "$1"
+    for ((tries = 0; tries < 100; tries++)); do
+        sleep 0.2
+        [[ $(ScreenSum) == "$before" ]] || break
+    done
+    Settle 2
+}
+
 # The program over the whole screen, with the photograph fitted.
 Open()
 {
@@ -48,7 +61,7 @@ Close() { kill "$programPid" 2>/dev/null || true; wait "$programPid" 2>/dev/null
 photo="Z:${scratch//\//\\}\\photo.jpg"
 Contrast() { Open "$photo"; ClickTool 119; Settle; }
 ToneMap() { Open "$photo"; ClickTool 326; StillFor; }
-Noise() { Open "$photo"; ClickTool 159; Settle; }
+Noise() { Open "$photo"; ClickTool 159; StillFor; }
 
 Scene()
 {
@@ -78,9 +91,9 @@ Scene()
     languages) Open; ClickTool "width - 20"; xdotool key Down Right Down Down Down Return
         Settle 1; xdotool key F4; Keep "$1" ;;
     about) Open; ClickTool "width - 20"; xdotool key Up Right Return; Settle 1; Keep "$1" ;;
-    open) Open; xdotool key ctrl+o; Settle 2; Keep "$1" ;;
-    save) Contrast; ClickDocked 92 174; StillFor; xdotool key ctrl+s; Settle 2; Keep "$1" ;;
-    question) Contrast; ClickDocked 92 174; StillFor; xdotool key alt+F4; Settle 1; Keep "$1" ;;
+    open) Open; Bring ctrl+o; Keep "$1" ;;
+    save) Contrast; ClickDocked 92 174; StillFor; Bring ctrl+s; Keep "$1" ;;
+    question) Contrast; ClickDocked 92 174; StillFor; Bring alt+F4; Keep "$1" ;;
     esac
     Close
 }
