@@ -51,7 +51,7 @@ static void DrawOwnersItem(const SkinCall& call, HDC dc, const RECT& place)
     RestoreDC(dc, saved);
 }
 
-// Its class has a white background, seen where its combo box has not been painted yet.
+// What holds a control has a white background, seen until the control has been painted.
 bool FillWithWindowColour(const SkinCall& call, LRESULT* answer)
 {
     RECT client;

@@ -68,8 +68,6 @@ static const struct
     {SkinClass::ComboBox, WM_KILLFOCUS, ChangeQuietly},
     {SkinClass::ComboBox, CB_SETCURSEL, ChangeQuietly},
 
-    {SkinClass::ComboBoxEx, WM_ERASEBKGND, FillWithWindowColour},
-
     {SkinClass::Header, WM_PAINT, PaintHeader},
     {SkinClass::Header, WM_ERASEBKGND, KeepBackground},
     {SkinClass::Tab, WM_PAINT, PaintTab},
@@ -91,6 +89,8 @@ static const struct
     {SkinClass::Dialog, WM_DRAWITEM, DrawForeignItem},
     {SkinClass::Any, WM_MEASUREITEM, MeasureMenuItem},
     {SkinClass::Any, WM_MENUCHAR, FindMenuLetter},
+
+    {SkinClass::Holder, WM_ERASEBKGND, FillWithWindowColour},
 
     {SkinClass::Any, WM_CTLCOLORMSGBOX, AnswerColours},
     {SkinClass::Any, WM_CTLCOLOREDIT, AnswerColours},

@@ -45,7 +45,6 @@ static const struct
     {L"Edit", SkinClass::Edit},
     {L"ListBox", SkinClass::ListBox},
     {L"ComboBox", SkinClass::ComboBox},
-    {L"ComboBoxEx32", SkinClass::ComboBoxEx},
     {L"ComboLBox", SkinClass::ComboList},
     {L"SysListView32", SkinClass::ListView},
     {L"SysTreeView32", SkinClass::TreeView},
@@ -59,6 +58,8 @@ static const struct
     {L"msctls_updown32", SkinClass::UpDown},
     {L"tooltips_class32", SkinClass::Tooltip},
     {L"#32768", SkinClass::Menu},
+    {L"ComboBoxEx32", SkinClass::Holder},
+    {L"SHELLDLL_DefView", SkinClass::Holder}, // files in the system's dialogs
 };
 
 static bool SameName(const wchar_t* a, const wchar_t* b)

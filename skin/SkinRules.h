@@ -18,7 +18,6 @@ enum class SkinClass
     Edit,
     ListBox,
     ComboBox,
-    ComboBoxEx,
     ComboList,
     ListView,
     TreeView,
@@ -32,6 +31,7 @@ enum class SkinClass
     UpDown,
     Tooltip,
     Menu,
+    Holder, // of another control, which covers it
 };
 
 // By the class's name, whose letters' case does not count.
