@@ -84,7 +84,10 @@ PickedFiles AskForSeries(HWND owner)
 
 bool LoadSilently(const wchar_t* path, SBxPicBuf* picture, SBxPicBuf* alpha)
 {
-    return !LoadPicturePair(Utf8(path).c_str(), picture, alpha);
+    std::wstring chosen = path;
+    if (chosen.empty() && !AskForPicture(GetActiveWindow(), g_strings[78], &chosen))
+        return false;
+    return !LoadPicturePair(Utf8(chosen).c_str(), picture, alpha);
 }
 
 bool LoadForDocument(const wchar_t* path, SBxPicBuf* picture, SBxPicBuf* alpha)

@@ -24,7 +24,7 @@ PickedFiles AskForSeries(HWND owner);
 // Main loader: every failure shows string 41 and changes nothing. Both records must be initialised.
 bool LoadForDocument(const wchar_t* path, SBxPicBuf* picture, SBxPicBuf* alpha);
 
-// Loader of the tools: silent.
+// Loader of the tools: silent. An empty path asks for a picture first.
 bool LoadSilently(const wchar_t* path, SBxPicBuf* picture, SBxPicBuf* alpha);
 
 // Save As for a picture with the metadata of `source`: writes to `path`, whose ending decides the

@@ -1,13 +1,12 @@
 #include "fusion/FusionAccumulator.h"
 
+#include "fusion/FusionFilter.h"
 #include "fusion/FusionKernels.h"
 #include "fusion/FusionThreads.h"
 #include "picture/FloatPlane.h"
 
 #include <algorithm>
 #include <cstdlib>
-
-static constexpr float kGeneratingKernel[5] = {0.05f, 0.25f, 0.4f, 0.25f, 0.05f};
 
 static uint32_t CountLevels(uint32_t width, uint32_t height)
 {
@@ -50,9 +49,7 @@ bool VcInitAccumulator(VcFusionAccumulator* acc, const SBxPicBuf& geometry, unsi
         acc->levelWidth[k] = acc->width >> k;
         acc->levelHeight[k] = acc->height >> k;
     }
-    for (int i = 0; i < 5; ++i)
-        for (int j = 0; j < 5; ++j)
-            acc->kernel[i][j] = kGeneratingKernel[i] * kGeneratingKernel[j];
+    FillGeneratingKernel(acc->kernel);
 
     acc->planes =
         static_cast<float*(*)[kFusionPlanes]>(std::calloc(acc->channels, sizeof(*acc->planes)));

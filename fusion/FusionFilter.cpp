@@ -3,6 +3,13 @@
 #include "fusion/FusionKernels.h"
 #include "fusion/FusionThreads.h"
 
+void FillGeneratingKernel(float kernel[5][5])
+{
+    for (int i = 0; i < 5; ++i)
+        for (int j = 0; j < 5; ++j)
+            kernel[i][j] = kGeneratingTaps[i] * kGeneratingTaps[j];
+}
+
 void VcReduceRows(float* dst, const float* src, int dstW, int dstH, int srcW, int srcH,
                   const float kernel[5][5], int firstRow, int endRow)
 {

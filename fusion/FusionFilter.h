@@ -10,6 +10,11 @@
 // (reduce) or coarser (expand) level, with at least 5, or 3, samples a side. Rows are spread over
 // the task pool.
 
+// The generating kernel with a = 0.4 along one axis, and its outer product with itself: what all
+// users of the filters take.
+constexpr float kGeneratingTaps[5] = {0.05f, 0.25f, 0.4f, 0.25f, 0.05f};
+void FillGeneratingKernel(float kernel[5][5]);
+
 // Filter and halve: dst(i, j) from the 5x5 window at (2i - 2, 2j - 2).
 void VcReduce(float* dst, const float* src, int dstW, int dstH, int srcW, int srcH,
               const float kernel[5][5]);

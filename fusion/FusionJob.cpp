@@ -31,11 +31,6 @@ CBxRect<int> FusionRegionOf(const ImageView& view, int width, int height)
             Inside(std::ceil(bottom) + kSurroundings, height)};
 }
 
-bool IsEmptyRect(const CBxRect<int>& rect)
-{
-    return rect.right <= rect.left || rect.bottom <= rect.top;
-}
-
 bool SameTask(const FusionTask& a, const FusionTask& b)
 {
     return SameRect(a.region, b.region) && a.sources == b.sources && a.exposureMid == b.exposureMid;

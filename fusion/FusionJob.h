@@ -14,8 +14,6 @@
 // above left, or bottom not above top) when the picture is out of sight.
 CBxRect<int> FusionRegionOf(const ImageView& view, int width, int height);
 
-bool IsEmptyRect(const CBxRect<int>& rect);
-
 // Sources [first, end) of a series that one thread adds up. The first range is the caller's own.
 struct SourceRange
 {

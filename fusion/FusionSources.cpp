@@ -31,11 +31,6 @@ static bool SameFile(const FileState& a, const FileState& b)
     return a.size == b.size && a.time == b.time;
 }
 
-bool SameRect(const CBxRect<int>& a, const CBxRect<int>& b)
-{
-    return a.left == b.left && a.top == b.top && a.right == b.right && a.bottom == b.bottom;
-}
-
 static bool Contains(const CBxRect<int>& outer, const CBxRect<int>& inner)
 {
     return inner.left >= outer.left && inner.top >= outer.top && inner.right <= outer.right &&
@@ -250,7 +245,7 @@ static void KeepFirst(FusionSources* sources, const SBxPicBuf& first, const CBxR
 {
     FileState state = {};
     const CBxRect<int> part = KeepsWholePictures(*sources) ? WholeOf(first) : region;
-    if (!LookAtFile(sources, 0, &state) || part.right <= part.left || part.bottom <= part.top)
+    if (!LookAtFile(sources, 0, &state) || IsEmptyRect(part))
         return;
     if (const SourceRegionPtr copy = CutOut(first, {0, 0}, part))
         Keep(sources, {0, state, part, copy});

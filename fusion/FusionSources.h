@@ -113,5 +113,3 @@ void ReadFusionSources(FusionSources* sources, const SBxPicBuf& first, const CBx
 
 // Notes the problems that show without reading pixels, of sources that have not been read.
 void CheckFusionSources(FusionSources* sources);
-
-bool SameRect(const CBxRect<int>& a, const CBxRect<int>& b);

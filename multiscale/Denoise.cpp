@@ -132,14 +132,6 @@ static void ReadRow(TilePlanes* tile, const SBxPicBuf& src, int y)
 }
 
 template <typename T>
-static T ToSample(float value)
-{
-    constexpr float top = float((1u << (8 * sizeof(T))) - 1);
-    const float lifted = value > 0.0f ? value : 0.0f;
-    return T((lifted < top ? lifted : top) + 0.5f);
-}
-
-template <typename T>
 static void WriteRow(SBxPicBuf* dst, const TilePlanes& tile, const CBxRect<int>& own, int y)
 {
     const int64_t offset = int64_t(y - tile.y) * tile.width + own.left - tile.x;
@@ -149,16 +141,17 @@ static void WriteRow(SBxPicBuf* dst, const TilePlanes& tile, const CBxRect<int>&
     if (dst->components == 1)
     {
         for (int x = 0; x < count; ++x)
-            to[x] = ToSample<T>(luma[x]);
+            to[x] = NearestSample<T>(luma[x]);
         return;
     }
     const float* blue = tile.plane[1].get() + offset;
     const float* red = tile.plane[2].get() + offset;
     for (int x = 0; x < count; ++x, to += 3)
     {
-        to[0] = ToSample<T>(luma[x] + blue[x]);
-        to[1] = ToSample<T>(luma[x] - (0.114f / 0.587f) * blue[x] - (0.299f / 0.587f) * red[x]);
-        to[2] = ToSample<T>(luma[x] + red[x]);
+        to[0] = NearestSample<T>(luma[x] + blue[x]);
+        to[1] =
+            NearestSample<T>(luma[x] - (0.114f / 0.587f) * blue[x] - (0.299f / 0.587f) * red[x]);
+        to[2] = NearestSample<T>(luma[x] + red[x]);
     }
 }
 

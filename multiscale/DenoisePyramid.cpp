@@ -26,16 +26,12 @@ void SplitRows(unsigned threads, int rows, const LoopBody<int, int, int>& rowRan
                    });
 }
 
-static const float kTap[5] = {0.05f, 0.25f, 0.4f, 0.25f, 0.05f};
-
 bool AllocateDenoisePyramid(DenoisePyramid* pyramid, int width, int height, unsigned threads)
 {
     pyramid->width = width;
     pyramid->height = height;
     pyramid->threads = threads;
-    for (int i = 0; i < 5; ++i)
-        for (int j = 0; j < 5; ++j)
-            pyramid->kernel[i][j] = kTap[i] * kTap[j];
+    FillGeneratingKernel(pyramid->kernel);
     const int64_t samples = int64_t(width) * height;
     pyramid->scratch.reset(VcAllocUnsetPlane(samples));
     pyramid->blocks.reset(VcAllocUnsetPlane(int64_t(threads) * kScratchPerColumn * width));
@@ -58,8 +54,8 @@ static double RowCorrelation(int level, int distance)
     double sum = 0.0;
     for (int a = 0; a < 5; ++a)
         for (int b = 0; b < 5; ++b)
-            sum +=
-                double(kTap[a]) * double(kTap[b]) * RowCorrelation(level - 1, 2 * distance + a - b);
+            sum += double(kGeneratingTaps[a]) * double(kGeneratingTaps[b]) *
+                   RowCorrelation(level - 1, 2 * distance + a - b);
     return sum;
 }
 

@@ -29,14 +29,6 @@ int CountDetailLevels(int width, int height)
     return levels;
 }
 
-static void MakeKernel(float kernel[5][5])
-{
-    const float tap[5] = {0.05f, 0.25f, 0.4f, 0.25f, 0.05f};
-    for (int i = 0; i < 5; ++i)
-        for (int j = 0; j < 5; ++j)
-            kernel[i][j] = tap[i] * tap[j];
-}
-
 static int64_t LevelSamples(const LevelsOfDetail& record, int level)
 {
     return int64_t(record.levelWidth[level]) * record.levelHeight[level];
@@ -90,7 +82,7 @@ static bool SetUp(LevelsOfDetail* record, const SBxPicBuf& padded, int maxLevels
         record->levelWidth[i] = padded.width >> i;
         record->levelHeight[i] = padded.height >> i;
     }
-    MakeKernel(record->kernel);
+    FillGeneratingKernel(record->kernel);
     if (!AllocatePlanes(record))
         return false;
     ReleaseLevelsOfDetail(record);

@@ -70,7 +70,6 @@ template <typename T>
 static void ToIntegerRows(SBxPicBuf* picture, int component, const float* plane,
                           const CBxRect<int>& rect, const ValueRange& range)
 {
-    constexpr float top = float((1u << (8 * sizeof(T))) - 1);
     const int step = picture->components;
     const auto rows = [&](int first, int end)
     {
@@ -79,11 +78,7 @@ static void ToIntegerRows(SBxPicBuf* picture, int component, const float* plane,
             const float* from = plane + int64_t(y) * picture->width;
             T* to = PicRow<T>(*picture, y) + component;
             for (int x = rect.left; x < rect.right; ++x)
-            {
-                const float value = (from[x] - range.offset) * range.scale;
-                const float lifted = value > 0.0f ? value : 0.0f;
-                to[x * step] = T((lifted < top ? lifted : top) + 0.5f);
-            }
+                to[x * step] = NearestSample<T>((from[x] - range.offset) * range.scale);
         }
     };
     VcParallelRows(rect.bottom - rect.top, rect.right - rect.left, rows);

@@ -20,3 +20,15 @@ struct CBxRect
 {
     T left, top, right, bottom;
 };
+
+template <typename T>
+constexpr bool SameRect(const CBxRect<T>& a, const CBxRect<T>& b)
+{
+    return a.left == b.left && a.top == b.top && a.right == b.right && a.bottom == b.bottom;
+}
+
+template <typename T>
+constexpr bool IsEmptyRect(const CBxRect<T>& rect)
+{
+    return rect.right <= rect.left || rect.bottom <= rect.top;
+}

@@ -41,14 +41,9 @@ CBxSize<int> SizeOfArea(const CBxRect<int>& area)
     return {area.right - area.left, area.bottom - area.top};
 }
 
-static bool HasRoom(const CBxRect<int>& area)
-{
-    return area.right > area.left && area.bottom > area.top;
-}
-
 void SetViewArea(ImageView* view, const CBxRect<int>& area)
 {
-    const bool hadRoom = HasRoom(view->area);
+    const bool hadRoom = !IsEmptyRect(view->area);
     view->area = area;
     if (!hadRoom)
         RecentreView(view);
@@ -145,7 +140,7 @@ static bool HasPixels(const SBxPicBuf* picture)
 // The checkerboard is blended before the copy, so that what CopyOnly brings back has it too.
 static bool RenderPicture(ImageView* view, const SBxPicBuf* cache, bool withAlpha)
 {
-    if (!HasRoom(view->area) || SizeLike(&view->rendered, SizeOfArea(view->area), 3))
+    if (IsEmptyRect(view->area) || SizeLike(&view->rendered, SizeOfArea(view->area), 3))
         return true;
     FillRows(&view->rendered, ViewBackground(view->colourScheme));
     bool failed = false;

@@ -40,6 +40,16 @@ inline T* PicRow(const SBxPicBuf& picture, int y)
     return reinterpret_cast<T*>(picture.data + int64_t(y) * picture.stride);
 }
 
+// A number as the nearest sample of an integer type: halves go up, what lies outside of the range
+// becomes its end, and what is not a number 0.
+template <typename T>
+inline T NearestSample(float value)
+{
+    constexpr float top = float((1u << (8 * sizeof(T))) - 1);
+    const float lifted = value > 0.0f ? value : 0.0f; // a NaN compares false
+    return T((lifted < top ? lifted : top) + 0.5f);
+}
+
 // Bytes of a block of that geometry, or -1 when it is not a picture that the record can describe
 // (a side below 1, 31 bits exceeded, components not 1 or more, bits not 8, 16 or 32).
 int64_t PictureBytes(int width, int height, int components, int bitsPerComponent);

@@ -10,23 +10,15 @@ template <typename T>
 static constexpr float kHalf = sizeof(T) == 1 ? 128.0f : 32768.0f;
 
 template <typename T>
-static T RoundToSample(float value)
-{
-    constexpr float top = sizeof(T) == 1 ? 255.0f : 65535.0f;
-    const float lifted = value > 0.0f ? value : 0.0f;
-    return T((lifted < top ? lifted : top) + 0.5f);
-}
-
-template <typename T>
 static void RgbRowToYuv(T* to, const T* from, int width)
 {
     for (int x = 0; x < width; ++x, to += 3, from += 3)
     {
         const float b = from[0], g = from[1], r = from[2];
         const float y = 0.114f * b + 0.587f * g + 0.299f * r;
-        to[0] = RoundToSample<T>(y);
-        to[1] = RoundToSample<T>((b - y) * (1.0f / 1.772f) + kHalf<T>);
-        to[2] = RoundToSample<T>((r - y) * (1.0f / 1.402f) + kHalf<T>);
+        to[0] = NearestSample<T>(y);
+        to[1] = NearestSample<T>((b - y) * (1.0f / 1.772f) + kHalf<T>);
+        to[2] = NearestSample<T>((r - y) * (1.0f / 1.402f) + kHalf<T>);
     }
 }
 
@@ -36,10 +28,10 @@ static void YuvRowToRgb(T* to, const T* from, int width)
     for (int x = 0; x < width; ++x, to += 3, from += 3)
     {
         const float y = from[0], u = from[1] - kHalf<T>, v = from[2] - kHalf<T>;
-        to[0] = RoundToSample<T>(y + 1.772f * u);
+        to[0] = NearestSample<T>(y + 1.772f * u);
         to[1] =
-            RoundToSample<T>(y - (0.114f * 1.772f / 0.587f) * u - (0.299f * 1.402f / 0.587f) * v);
-        to[2] = RoundToSample<T>(y + 1.402f * v);
+            NearestSample<T>(y - (0.114f * 1.772f / 0.587f) * u - (0.299f * 1.402f / 0.587f) * v);
+        to[2] = NearestSample<T>(y + 1.402f * v);
     }
 }
 

@@ -9,11 +9,7 @@ static D ConvertSample(S sample)
     if constexpr (std::is_same_v<D, S>)
         return sample;
     else if constexpr (std::is_same_v<S, float>)
-    {
-        constexpr float top = sizeof(D) == 1 ? 255.0f : 65535.0f;
-        const float lifted = sample > 0.0f ? sample : 0.0f; // a NaN compares false and becomes 0
-        return D((lifted < top ? lifted : top) + 0.5f);
-    }
+        return NearestSample<D>(sample);
     else if constexpr (std::is_same_v<D, float>)
         return float(sample);
     else if constexpr (sizeof(D) < sizeof(S))

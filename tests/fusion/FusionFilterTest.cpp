@@ -18,13 +18,7 @@ struct Kernel
 {
     float k[5][5];
 
-    Kernel()
-    {
-        const float tap[5] = {0.05f, 0.25f, 0.4f, 0.25f, 0.05f};
-        for (int i = 0; i < 5; ++i)
-            for (int j = 0; j < 5; ++j)
-                k[i][j] = tap[i] * tap[j];
-    }
+    Kernel() { FillGeneratingKernel(k); }
 };
 const Kernel kKernel;
 

@@ -1,5 +1,6 @@
 // Opening: by drop and by dialog, every kind that is taken and every kind that is refused.
 
+#include "app/FileDialogsDlg.h"
 #include "tests/win/FrameHarness.h"
 
 #include <algorithm>
@@ -58,6 +59,20 @@ TEST_F(FrameFiles, OpensEveryKind)
                             1);
         }
     }
+}
+
+TEST_F(FrameFiles, ToolsAskForAPictureThatHasNoName)
+{
+    Save(ScenePicture(12, 9, 3, 8, 0), folder.File("picked.png"));
+    SBxPicBuf picture = {}, alpha = {};
+    RunModal([&] { EXPECT_TRUE(LoadSilently(L"", &picture, &alpha)); },
+             {[&](HWND dialog)
+              {
+                  EXPECT_EQ(WindowText(dialog), g_strings[78]);
+                  ChooseFile(dialog, WideOf(folder.path.u8string()), L"picked.png");
+              }});
+    EXPECT_EQ(picture.width, 12);
+    CBxPicBufAPI::DoneHeap(&picture);
 }
 
 TEST_F(FrameFiles, RefusesWithOneMessageAndChangesNothing)
