@@ -63,5 +63,5 @@ void SwitchView()
     if (g_showSources)
         ShowSourceStatus(31);
     else
-        SetStatusText(g_strings[g_multiImageMode ? 56 : 81]);
+        SetStatusText(g_strings[56]);
 }

@@ -321,4 +321,11 @@ TEST_F(FusionDialogs, NoisePromptDecidesWhetherTheSeriesIsMade)
     EXPECT_EQ(g_sourceIndex, 0);
     Press(IDCANCEL);
     ExpectClosed(false);
+
+    Command(ID_DAYLIGHT_DOWN); // with its first preview before the worker ends
+    PumpUntil([] { return g_hwndActiveTool != nullptr; });
+    EXPECT_EQ(g_sourceCount, 39);
+    EXPECT_FALSE(SamePixels(g_previewPicture, g_sourcePicture));
+    Press(IDCANCEL);
+    ExpectClosed(false);
 }
