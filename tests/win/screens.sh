@@ -13,9 +13,9 @@ scenes=(empty photo tooltip zooms contrast tonemap running finished noise levels
 Settle() { sleep "${1:-0.3}"; }
 ClickAt() { xdotool mousemove "$1" "$2"; Settle 0.1; xdotool click 1; Settle; }
 ClickTool() { ClickAt $(($1)) 23; }
-# What stays is kept when it has come to rest, what passes at once.
-KeepNow() { import -window root "$folder/$1.png"; }
-Keep() { Settle 0.6; KeepNow "$1"; }
+# What stays is kept when it has come to rest, what passes soon.
+KeepSoon() { Settle; import -window root "$folder/$1.png"; }
+Keep() { Settle; KeepSoon "$1"; }
 
 # A place of the docked dialog, in dialog units from its upper left corner.
 dockWidth=333 dockTop=44
@@ -72,11 +72,11 @@ Scene()
     zooms) Open "$photo"; ClickTool "width - 53"; Keep "$1" ;;
     contrast) Contrast; ClickDocked 70 24; xdotool key Right; StillFor; Keep "$1" ;;
     tonemap) ToneMap; ClickDocked 60 34; StillFor; ClickDocked 16 154; StillFor; Keep "$1" ;;
-    running) ToneMap; ClickDocked 92 181; KeepNow "$1" ;;
+    running) ToneMap; ClickDocked 92 181; KeepSoon "$1" ;;
     finished) ToneMap; ClickDocked 92 181; StillFor; Keep "$1" ;;
     noise) Noise; Keep "$1" ;;
     levels) Noise; xdotool key F4; Keep "$1" ;;
-    progress) Noise; ClickDocked 92 62; KeepNow "$1" ;;
+    progress) Noise; ClickDocked 92 62; KeepSoon "$1" ;;
     power) Open "$photo"; ClickTool 246; StillFor; Keep "$1" ;;
     fusion)
         Open; ClickTool 199; WaitFor .
