@@ -6,29 +6,15 @@
 #include <algorithm>
 #include <atomic>
 #include <chrono>
-#include <cmath>
 #include <condition_variable>
 #include <thread>
 
 static constexpr int kSurroundings = 256;                // picture pixels around what is seen
 static constexpr int kTwoThreads = 5, kThreeThreads = 9; // sources from which on they are used
 
-// Clamped before the conversion, since far out at a small zoom the doubles leave the int range.
-static int Inside(double value, int limit)
-{
-    return int(std::clamp(value, 0.0, double(limit)));
-}
-
 CBxRect<int> FusionRegionOf(const ImageView& view, int width, int height)
 {
-    const CBxPicMap map = MapOfView(view.state);
-    double left, top, right, bottom;
-    map.MapPointDstToSrc(&left, &top, view.area.left, view.area.top);
-    map.MapPointDstToSrc(&right, &bottom, view.area.right, view.area.bottom);
-    return {Inside(std::floor(left) - kSurroundings, width),
-            Inside(std::floor(top) - kSurroundings, height),
-            Inside(std::ceil(right) + kSurroundings, width),
-            Inside(std::ceil(bottom) + kSurroundings, height)};
+    return PictureInView(view, {width, height}, kSurroundings);
 }
 
 bool SameTask(const FusionTask& a, const FusionTask& b)

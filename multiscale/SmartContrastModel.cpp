@@ -1,7 +1,6 @@
 #include "multiscale/SmartContrastModel.h"
 
 #include <algorithm>
-#include <cmath>
 
 // The padded picture is also the one that the record is put together into: once it has been taken
 // apart, nobody needs its pixels any more.
@@ -39,14 +38,10 @@ void ReleaseSmartContrast(SmartContrastModel* model)
     *model = SmartContrastModel();
 }
 
-static bool IsEmpty(const CBxRect<int>& rect)
-{
-    return rect.right <= rect.left || rect.bottom <= rect.top;
-}
-
 static bool HasItsNumbers(const SmartContrastModel& model)
 {
-    return !IsEmpty(model.madePart) && std::equal(model.lod, model.lod + kDetailLevels, model.made);
+    return !IsEmptyRect(model.madePart) &&
+           std::equal(model.lod, model.lod + kDetailLevels, model.made);
 }
 
 bool SmartContrastSliderMoved(SmartContrastModel* model, int level, SliderMove move, int thumb)
@@ -57,23 +52,9 @@ bool SmartContrastSliderMoved(SmartContrastModel* model, int level, SliderMove m
     return move == SliderMove::Drop || !HasItsNumbers(*model);
 }
 
-static CBxRect<int> InPicture(double left, double top, double right, double bottom,
-                              CBxSize<int> picture)
-{
-    const auto inside = [](double at, int size) { return int(std::clamp(at, 0.0, double(size))); };
-    return {inside(left, picture.cx), inside(top, picture.cy), inside(right, picture.cx),
-            inside(bottom, picture.cy)};
-}
-
 CBxRect<int> SmartContrastVisible(const ImageView& view, CBxSize<int> picture)
 {
-    constexpr double kAround = 3.0; // two of them in bicubic scaling
-    double left, top, right, bottom;
-    const CBxPicMap map = MapOfView(view.state);
-    map.MapPointDstToSrc(&left, &top, view.area.left, view.area.top);
-    map.MapPointDstToSrc(&right, &bottom, view.area.right, view.area.bottom);
-    return InPicture(std::floor(left) - kAround, std::floor(top) - kAround,
-                     std::ceil(right) + kAround, std::ceil(bottom) + kAround, picture);
+    return PictureInView(view, picture, 3); // bicubic scaling looks at two of them
 }
 
 bool HasSmartContrast(const SmartContrastModel& model, const CBxRect<int>& part)
@@ -104,10 +85,11 @@ static bool RecomposePart(SBxPicBuf* out, SmartContrastModel* model, const CBxRe
 
 bool RecomposeSmartContrast(SBxPicBuf* out, SmartContrastModel* model, const CBxRect<int>& visible)
 {
-    const double x = (visible.right - visible.left) / 8.0, y = (visible.bottom - visible.top) / 8.0;
+    const int x = (visible.right - visible.left) / 8, y = (visible.bottom - visible.top) / 8;
     return RecomposePart(out, model,
-                         InPicture(visible.left - x, visible.top - y, visible.right + x,
-                                   visible.bottom + y, model->size));
+                         {std::max(visible.left - x, 0), std::max(visible.top - y, 0),
+                          std::min(visible.right + x, model->size.cx),
+                          std::min(visible.bottom + y, model->size.cy)});
 }
 
 bool CompleteSmartContrast(SBxPicBuf* out, SmartContrastModel* model)

@@ -8,16 +8,6 @@ static bool SameChoice(const ToneMapChoice& a, const ToneMapChoice& b)
     return std::equal(a.slider, a.slider + kToneMapSliders, b.slider) && a.useColors == b.useColors;
 }
 
-static bool SameRect(const CBxRect<int>& a, const CBxRect<int>& b)
-{
-    return a.left == b.left && a.top == b.top && a.right == b.right && a.bottom == b.bottom;
-}
-
-static bool IsEmpty(const CBxRect<int>& rect)
-{
-    return rect.right <= rect.left || rect.bottom <= rect.top;
-}
-
 static bool IsBehind(const ToneMapModel& model)
 {
     return IsPreviewShown(model) && !(SameRect(model.renderedRect, model.previewRect) &&
@@ -133,7 +123,7 @@ bool DropPreviewRect(ToneMapModel* model)
 
 static void RestoreRendered(SBxPicBuf* preview, ToneMapModel* model, const SBxPicBuf& source)
 {
-    if (!IsEmpty(model->renderedRect))
+    if (!IsEmptyRect(model->renderedRect))
         CBxPicBufAPI::Copy(preview, source, model->renderedRect);
     ForgetToneMapPreview(model);
 }
@@ -166,7 +156,7 @@ static int FilterRect(SBxPicBuf* preview, const ToneMapModel& model, const SBxPi
 bool RenderToneMapPreview(SBxPicBuf* preview, ToneMapModel* model, const SBxPicBuf& source)
 {
     RestoreRendered(preview, model, source);
-    if (!IsPreviewShown(*model) || IsEmpty(model->previewRect))
+    if (!IsPreviewShown(*model) || IsEmptyRect(model->previewRect))
         return false;
     if (FilterRect(preview, *model, source) != kToneMapDone)
         return true;

@@ -5,6 +5,7 @@
 #include "picture/ViewCache.h"
 
 #include <algorithm>
+#include <cmath>
 #include <cstring>
 
 CBxPicMap MapOfView(const ViewState& state)
@@ -39,6 +40,20 @@ CBxRect<int> ViewAreaOf(int clientHeight, int toolbarClientHeight, int dockerLef
 CBxSize<int> SizeOfArea(const CBxRect<int>& area)
 {
     return {area.right - area.left, area.bottom - area.top};
+}
+
+// Clamped before the conversion, since far out at a small zoom the doubles leave the int range.
+CBxRect<int> PictureInView(const ImageView& view, CBxSize<int> picture, int around)
+{
+    const CBxPicMap map = MapOfView(view.state);
+    double left, top, right, bottom;
+    map.MapPointDstToSrc(&left, &top, view.area.left, view.area.top);
+    map.MapPointDstToSrc(&right, &bottom, view.area.right, view.area.bottom);
+    const auto inside = [](double at, int size) { return int(std::clamp(at, 0.0, double(size))); };
+    return {inside(std::floor(left) - around, picture.cx),
+            inside(std::floor(top) - around, picture.cy),
+            inside(std::ceil(right) + around, picture.cx),
+            inside(std::ceil(bottom) + around, picture.cy)};
 }
 
 void SetViewArea(ImageView* view, const CBxRect<int>& area)

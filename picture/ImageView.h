@@ -80,6 +80,10 @@ void RecentreView(ImageView* view);
 
 CBxSize<int> SizeOfArea(const CBxRect<int>& area);
 
+// The part of a picture that the view shows, with so many pixels around it, in picture coordinates.
+// Empty when none of that is in sight.
+CBxRect<int> PictureInView(const ImageView& view, CBxSize<int> picture, int around);
+
 // Grey of the background.
 uint8_t ViewBackground(int colourScheme);
 
