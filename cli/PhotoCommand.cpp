@@ -189,9 +189,10 @@ int RunOnPhotos(const char* command, const CliOptions& options, const CliStreams
         ++failures;
         Fail(streams, StopRequested() ? "" : file, problem);
     }
-    if (outputs.size() > 1 && (failures > 0 || !options.quiet))
-        (failures > 0 ? streams.err : streams.out)
-            << "plenoviz-cli: " << failures << " of " << outputs.size() << " pictures failed"
-            << std::endl;
+    if (outputs.size() > 1 && failures > 0)
+        streams.err << "plenoviz-cli: " << failures << " of " << outputs.size()
+                    << " pictures failed" << std::endl;
+    else if (outputs.size() > 1 && !options.quiet)
+        streams.out << outputs.size() << " pictures done" << std::endl;
     return failures > 0 || StopRequested() ? kExitFailed : kExitDone;
 }

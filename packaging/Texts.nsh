@@ -44,7 +44,7 @@
     "Bietet Plenoviz für Bilder in BMP, JPEG, TIFF und PNG an. Das Standardprogramm bleibt, wie es ist." \
     "Startet Plenoviz vom Desktop." \
     "Das Programm und die Belichtungen der letzten Reihe. Ihre Bilder bleiben." \
-    "Die Stellung der Regler und die Qualität von JPEG-Dateien. Ohne Häkchen bleiben sie für die nächste Installation."
+    "Reglerstellungen und JPEG-Qualität. Ohne Häkchen bleiben sie für die nächste Installation."
 
 !insertmacro Language "French" FRENCH \
     "Plenoviz est en cours d'exécution. Veuillez d'abord le fermer." \
@@ -114,7 +114,7 @@
     "Biedt Plenoviz aan voor BMP-, JPEG-, TIFF- en PNG-afbeeldingen. Het standaardprogramma blijft gelijk." \
     "Start Plenoviz vanaf het bureaublad." \
     "Het programma en de belichtingen van de laatste reeks. Uw afbeeldingen blijven." \
-    "De stand van de schuiven en de kwaliteit van JPEG-bestanden. Anders blijven ze voor de volgende installatie."
+    "De stand van de schuiven en de JPEG-kwaliteit. Anders blijven ze voor een volgende installatie."
 
 !insertmacro Language "Polish" POLISH \
     "Plenoviz jest uruchomiony. Najpierw go zamknij." \

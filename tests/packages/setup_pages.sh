@@ -46,7 +46,9 @@ Hover() # COMPONENT, from 0
 {
     local width height
     eval "$(xdotool getwindowgeometry --shell "$page" | sed -n 's/^WIDTH=/width=/p; s/^HEIGHT=/height=/p')"
+    # Into the line by a second step: the first one may be what brings the mouse into the list.
     xdotool mousemove --window "$page" $((width / 2)) $((height * (411 + 43 * $1) / 1000))
+    xdotool mousemove_relative 3 0
     Settle
 }
 

@@ -105,6 +105,8 @@ for class in Plenoviz.Picture Applications\\Plenoviz.exe; do
         Complain "$class opens nothing: $(RegistryKey "$class\\shell\\open\\command")"
 done
 command=$(RegistryKey 'Plenoviz.Picture\shell\open\command' | sed -n 's/^@="\\"\(.*\)\\" .*/\1/p')
+paths='[HKEY_CURRENT_USER\Software\Microsoft\Windows\CurrentVersion\App Paths\Plenoviz.exe]'
+[[ $(grep -Fx -A1 "$paths" "$registry") == *'@="C:'*'\\Plenoviz.exe"' ]] || Complain "not found by its name"
 UseProgram "${command//\\\\/\\}" installed
 code=0
 wine "$packages"/*-setup.exe /S || code=$?
