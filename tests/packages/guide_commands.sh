@@ -5,7 +5,7 @@
 
 set -euo pipefail
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/../.." && pwd)
-program=$1 count=0 failed=0
+program=$(realpath "$1") count=0 failed=0
 scratch=$(mktemp -d)
 trap 'rm -rf "$scratch"' EXIT
 Complain() { echo "$1" >&2; failed=1; }
