@@ -243,7 +243,8 @@ Weigh || { Complain "the program has ended"; exit 1; }
 echo "kernel, GDI, user handles, kB: ${warm[*]} after a quarter, ${weight[*]} at the end," \
     "$fileDialogs file dialogs between"
 # Some threads, libraries and icons of the system's dialogs come late, each file dialog keeps one
-# user object, and the program keeps up to 96 MB of freed blocks for the next picture.
+# user object, and the program keeps up to 96 MB of freed blocks for the next picture. The last three
+# quarters of 300 actions with 27 file dialogs added 10 kernel, 1 GDI and 18 user handles and 14 MB.
 allowed=(16 60 $((8 + fileDialogs)) 160000)
 for kind in 0 1 2 3; do
     ((weight[kind] <= warm[kind] + allowed[kind])) ||
