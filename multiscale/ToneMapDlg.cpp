@@ -105,9 +105,8 @@ static void ShowState(HWND dlg)
     // There is nothing left to cancel: the result stays.
     ShowWindow(GetDlgItem(dlg, IDCANCEL),
                model.state == ToneMapState::Finished ? SW_HIDE : SW_SHOW);
-    // Now: a preview may keep this thread busy next.
-    RedrawWindow(dlg, nullptr, nullptr,
-                 RDW_ERASE | RDW_INVALIDATE | RDW_ALLCHILDREN | RDW_UPDATENOW);
+    // Now: a preview may keep this thread busy next. The controls have asked for it themselves.
+    RedrawWindow(dlg, nullptr, nullptr, RDW_ALLCHILDREN | RDW_UPDATENOW);
 }
 
 static INT_PTR OnInit(HWND dlg, LPARAM lParam)
