@@ -121,6 +121,12 @@ LoseSources()
     SaveLike "$scratch/expected.tif"
 }
 
+# At once: a worker may be about to make the next file in it.
+TakeFolder()
+{
+    mv "$settings/tmpfolder" "$settings/taken"
+    rm -r "$settings/taken"
+}
 HasFile() { compgen -G "$settings/tmpfolder/file_*.tif" >/dev/null; }
 ShowsPhoto() { Expect ToolsAreOn; Park; Expect ShowsLike "$shows"; }
 
@@ -131,7 +137,7 @@ LoseFolder()
     Rests
     shows=$(ViewSum)
     Open $ID_SINGLE_LIGHT $IDC_FUSION_SLIDER
-    rm -r "$settings/tmpfolder"
+    TakeFolder
     PageSlider $IDC_FUSION_SLIDER
     Told Warning 'Cannot open file:' file_000.tif file_010.tif
     Sees $IDCANCEL
@@ -140,7 +146,7 @@ LoseFolder()
 
     step=losses-folder-ok
     Open $ID_SINGLE_LIGHT $IDC_FUSION_SLIDER
-    rm -r "$settings/tmpfolder"
+    TakeFolder
     PressOk
     Told Warning 'Cannot open file:' file_000.tif file_010.tif
     ShowsPhoto
@@ -149,7 +155,7 @@ LoseFolder()
     step=losses-folder-worker
     Click $ID_DAYLIGHT_UP
     Until HasFile || Complain "$step: no series begins"
-    rm -r "$settings/tmpfolder"
+    TakeFolder
     Told Warning 'Cannot open file:' file_
     ! Sees $IDC_FUSION_SLIDER || Click $IDCANCEL
     ShowsPhoto
