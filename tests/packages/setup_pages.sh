@@ -17,29 +17,20 @@ pages=$root/out/setup
 setupPid='' page=''
 
 Settle() { sleep "${1:-0.4}"; }
-Until()
-{
-    local tries
-    for ((tries = 0; tries < 100; tries++)); do
-        "$@" && return
-        sleep 0.1
-    done
-    echo "$language: never: $*" >&2
-    return 1
-}
+Expect() { Until "$@" || { echo "$language: never: $*" >&2; return 1; }; }
 HasWindow() { page=$(xdotool search --onlyvisible --name Plenoviz 2>/dev/null | tail -n 1); [[ $page ]]; }
 HasChanged() { [[ $(ScreenSum) != "$last" ]]; }
 IsStill() { local sum; sum=$(ScreenSum); Settle; [[ $(ScreenSum) == "$sum" ]]; }
 Keep()
 {
-    Until IsStill
+    Expect IsStill
     import -window "$page" "$pages/$1-$language.png"
     last=$(ScreenSum)
 }
 Next()
 {
     xdotool windowfocus "$page" key Return
-    Until HasChanged
+    Expect HasChanged
 }
 # The pages have the size of their language's font.
 Hover() # COMPONENT, from 0
@@ -58,7 +49,7 @@ Start()
     xdotool mousemove 1270 890
     LC_ALL=$language.UTF-8 wine "$@" </dev/null >/dev/null 2>&1 &
     setupPid=$!
-    Until HasWindow
+    Expect HasWindow
 }
 Stop()
 {
@@ -80,7 +71,7 @@ Install()
     Next
     Keep 3-folder
     Next
-    Until IsStill
+    Expect IsStill
     Settle 2
     Keep 4-finish
     Stop
