@@ -53,17 +53,12 @@ template <typename T>
 static void FloatToComponent(const SBxPicBuf& picture, const SBxPicBuf& plane, int component)
 {
     constexpr float kScale = sizeof(T) == 1 ? 1.0f : 256.0f;
-    constexpr float kTop = sizeof(T) == 1 ? 255.0f : 65535.0f;
     for (int y = 0; y < plane.height; ++y)
     {
         const float* from = PicRow<const float>(plane, y);
         T* to = PicRow<T>(picture, y) + component;
         for (int x = 0; x < plane.width; ++x)
-        {
-            const float value = from[x] * kScale;
-            const float lifted = value > 0.0f ? value : 0.0f;
-            to[x * picture.components] = T((lifted < kTop ? lifted : kTop) + 0.5f);
-        }
+            to[x * picture.components] = NearestSample<T>(from[x] * kScale);
     }
 }
 
