@@ -3,62 +3,63 @@
 // costs.
 
 #include "bench/BenchPictures.h"
+#include "bench/BenchRun.h"
+#include "fusion/FusionAccumulator.h"
 #include "fusion/FusionJob.h"
 #include "picture/ImageFile.h"
 
-#include <filesystem>
+constexpr int kSources = 11;
 
-namespace fs = std::filesystem;
+static int Width()
+{
+    return BenchSide(4000);
+}
 
-constexpr int kWidth = 4000, kHeight = 3000, kSources = 11;
-constexpr int kViewWidth = 1920, kViewHeight = 1080;
+static int Height()
+{
+    return BenchSide(3000);
+}
 
 // The files, for as long as the program runs.
 struct SeriesFiles
 {
-    fs::path folder = fs::temp_directory_path() / "plenoviz-preview-bench";
+    BenchFolder folder;
     std::vector<std::string> paths;
 
     SeriesFiles()
     {
-        fs::create_directories(folder);
         for (int i = 0; i < kSources; ++i)
         {
-            const BenchPicture photo = BenchScene(kWidth, kHeight, 3, 8, i - kSources / 2);
-            paths.push_back((folder / ("photo" + std::to_string(i) + ".jpg")).u8string());
+            const BenchPicture photo = BenchScene(Width(), Height(), 3, 8, i - kSources / 2);
+            paths.push_back(folder.path + "photo" + std::to_string(i) + ".jpg");
             SavePicturePair(photo.pic, {}, paths.back().c_str(), "", kFormatJpeg);
         }
     }
-    ~SeriesFiles()
-    {
-        std::error_code error;
-        fs::remove_all(folder, error);
-    }
-    SeriesFiles(const SeriesFiles&) = delete;
-    SeriesFiles& operator=(const SeriesFiles&) = delete;
 };
 
 // What the view shows of the middle of the photograph, and what surrounds it.
 static CBxRect<int> ViewedRegion()
 {
+    const int viewWidth = BenchSide(1920), viewHeight = BenchSide(1080);
     ImageView view;
-    view.area = {0, 0, kViewWidth, kViewHeight};
-    view.state = {1.0, kViewWidth / 2.0, kViewHeight / 2.0, kWidth / 2.0, kHeight / 2.0};
-    return FusionRegionOf(view, kWidth, kHeight);
+    view.area = {0, 0, viewWidth, viewHeight};
+    view.state = {1.0, viewWidth / 2.0, viewHeight / 2.0, Width() / 2.0, Height() / 2.0};
+    return FusionRegionOf(view, Width(), Height());
 }
 
 struct OpenSeries
 {
     CBxRect<int> region = ViewedRegion();
+    CBxSize<int> size = SizeOfArea(region);
     FusionSources sources;
-    BenchPicture preview{region.right - region.left, region.bottom - region.top, 3, 8};
+    BenchPicture preview{size.cx, size.cy, 3, 8};
 
     OpenSeries()
     {
         static const SeriesFiles files;
         SBxPicBuf geometry = {};
-        geometry.width = kWidth;
-        geometry.height = kHeight;
+        geometry.width = Width();
+        geometry.height = Height();
         geometry.components = 3;
         geometry.bitsPerComponent = 8;
         OpenFusionSources(&sources, files.paths, geometry, FusionSourceBudget());
@@ -70,15 +71,41 @@ struct OpenSeries
         if (FuseRegion(&preview.pic, &sources, task, nullptr) != FusionOutcome::Done)
             state.SkipWithError("no preview");
     }
+
+    // The engine, fed with the same region of the files. Threads add up in another order, which
+    // comes to one step at most.
+    bool ShowsTheFusionOf(int count, unsigned mid) const
+    {
+        BenchPicture fused(size.cx, size.cy, 3, 8);
+        VcFusionAccumulator sums;
+        bool failed = VcInitAccumulator(&sums, fused.pic, mid);
+        for (int i = 0; i < count; ++i)
+        {
+            SBxPicBuf photo = {}, alpha = {};
+            failed = failed || LoadPicturePair(sources.paths[size_t(i)].c_str(), &photo, &alpha);
+            if (!failed)
+                CBxPicBufAPI::CopyRect(&fused.pic, photo, {0, 0}, {region.left, region.top}, size);
+            failed = failed || VcAccumulateImage(&sums, fused.pic);
+            CBxPicBufAPI::DoneHeap(&photo);
+        }
+        failed = failed || VcComposeResult(&fused.pic, sums);
+        VcFreeAccumulator(&sums);
+        return !failed && LargestDifference(fused.pic, preview.pic) <= 1;
+    }
 };
 
 static void FuseFirstPreview(benchmark::State& state)
 {
+    bool right = true;
     for (auto _ : state)
     {
         OpenSeries series;
         series.Fuse(state, kSources, 100);
+        state.PauseTiming();
+        right = right && series.ShowsTheFusionOf(kSources, 100);
+        state.ResumeTiming();
     }
+    CheckResult(state, right);
 }
 
 // The Exposure slider: another target grey every time.
@@ -91,6 +118,7 @@ static void FuseNextExposure(benchmark::State& state)
         series.Fuse(state, kSources, mid = mid == 100 ? 108 : 100);
     if (series.sources.filesRead != kSources)
         state.SkipWithError("a file was read twice");
+    CheckResult(state, series.ShowsTheFusionOf(kSources, mid));
 }
 
 // The Power slider: one source more and one less in turn.
@@ -101,6 +129,7 @@ static void FuseNextPower(benchmark::State& state)
     int count = kSources - 1;
     for (auto _ : state)
         series.Fuse(state, count = count == kSources ? kSources - 1 : kSources, 128);
+    CheckResult(state, series.ShowsTheFusionOf(count, 128));
 }
 
 BENCHMARK(FuseFirstPreview)->Unit(benchmark::kMillisecond)->UseRealTime()->MeasureProcessCPUTime();

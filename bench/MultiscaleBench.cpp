@@ -2,47 +2,57 @@
 // are checked before a time is reported.
 
 #include "bench/BenchPictures.h"
+#include "bench/BenchRun.h"
 #include "fusion/FusionKernels.h"
 #include "multiscale/DaylightSeries.h"
 #include "multiscale/Denoise.h"
 #include "multiscale/ExposureSeries.h"
 #include "multiscale/LevelsOfDetail.h"
 
-#include <benchmark/benchmark.h>
+#include <cmath>
+#include <numeric>
+#include <vector>
 
-#include <algorithm>
+static int Width()
+{
+    return BenchSide(4000);
+}
 
-constexpr int kWidth = 4000, kHeight = 3000;
+static int Height()
+{
+    return BenchSide(3000);
+}
+
 constexpr float kUnchanged[kDetailLevels] = {1, 1, 1, 1, 1, 1, 1, 1};
 
 static BenchPicture PaddedScene(const DetailPadding& padding)
 {
-    const BenchPicture scene = BenchScene(kWidth, kHeight, 3, 8, 0);
+    const BenchPicture scene = BenchScene(Width(), Height(), 3, 8, 0);
     BenchPicture padded(padding.width, padding.height, 3, 8);
     CBxPicBufAPI::CopyRect(&padded.pic, scene.pic, {padding.x, padding.y}, {0, 0},
-                           {kWidth, kHeight});
-    ReplicateBorder8(&padded.pic, padding.x, padding.y, kWidth, kHeight);
+                           {Width(), Height()});
+    ReplicateBorder8(&padded.pic, padding.x, padding.y, Width(), Height());
     return padded;
 }
 
 static void DecomposeColour(benchmark::State& state)
 {
-    const DetailPadding padding = DetailPaddingOf(kWidth, kHeight);
+    const DetailPadding padding = DetailPaddingOf(Width(), Height());
     const BenchPicture padded = PaddedScene(padding);
     LevelsOfDetail record;
     for (auto _ : state)
         if (Decompose(&record, padded.pic, padding.levels))
             state.SkipWithError("out of memory");
     BenchPicture again(padding.width, padding.height, 3, 8);
-    if (Recompose(&again.pic, &record, kUnchanged) || LargestDifference(again.pic, padded.pic) > 0)
-        state.SkipWithError("wrong result");
-    ReportPixels(state, kWidth, kHeight);
+    CheckResult(state, !Recompose(&again.pic, &record, kUnchanged) &&
+                           LargestDifference(again.pic, padded.pic) == 0);
+    ReportPixels(state, Width(), Height());
 }
 
 // What a move of a slider costs.
 static void RecomposeColour(benchmark::State& state)
 {
-    const DetailPadding padding = DetailPaddingOf(kWidth, kHeight);
+    const DetailPadding padding = DetailPaddingOf(Width(), Height());
     const BenchPicture padded = PaddedScene(padding);
     BenchPicture again(padding.width, padding.height, 3, 8);
     LevelsOfDetail record;
@@ -51,78 +61,128 @@ static void RecomposeColour(benchmark::State& state)
     for (auto _ : state)
         if (Recompose(&again.pic, &record, kUnchanged))
             state.SkipWithError("refused");
-    if (LargestDifference(again.pic, padded.pic) > 0)
-        state.SkipWithError("wrong result");
-    ReportPixels(state, kWidth, kHeight);
+    CheckResult(state, LargestDifference(again.pic, padded.pic) == 0);
+    ReportPixels(state, Width(), Height());
 }
 
 // The same when the view shows 1280 x 800 of the pixels, with an eighth of that around them.
 static void RecomposeRegionColour(benchmark::State& state)
 {
-    const DetailPadding padding = DetailPaddingOf(kWidth, kHeight);
+    const DetailPadding padding = DetailPaddingOf(Width(), Height());
     const BenchPicture padded = PaddedScene(padding);
     BenchPicture again(padding.width, padding.height, 3, 8);
     LevelsOfDetail record;
     if (Decompose(&record, padded.pic, padding.levels) ||
         Recompose(&again.pic, &record, kUnchanged))
         return state.SkipWithError("out of memory");
-    const CBxRect<int> region = {1700, 1500, 1700 + 1600, 1500 + 1000};
+    const CBxRect<int> region = {BenchSide(1700), BenchSide(1500), BenchSide(3300),
+                                 BenchSide(2500)};
     CBxPicBufAPI::SetConst(&again.pic, region, 0);
     for (auto _ : state)
         if (RecomposeRegion(&again.pic, &record, kUnchanged, region))
             state.SkipWithError("refused");
-    if (LargestDifference(again.pic, padded.pic) > 0)
-        state.SkipWithError("wrong result");
+    CheckResult(state, LargestDifference(again.pic, padded.pic) == 0);
     ReportPixels(state, region.right - region.left, region.bottom - region.top);
 }
 
 static void SmartContrastWhole(benchmark::State& state)
 {
-    const BenchPicture scene = BenchScene(kWidth, kHeight, 3, int(state.range(0)), 0);
-    BenchPicture out(kWidth, kHeight, 3, int(state.range(0)));
+    const BenchPicture scene = BenchScene(Width(), Height(), 3, int(state.range(0)), 0);
+    BenchPicture out(Width(), Height(), 3, int(state.range(0)));
     const int lod[kDetailLevels] = {10, 10, 10, 10, 10, 10, 10, 10};
     for (auto _ : state)
         if (SmartContrastPicture(&out.pic, scene.pic, lod, {}))
             state.SkipWithError("out of memory");
-    if (LargestDifference(out.pic, scene.pic) > 0)
-        state.SkipWithError("wrong result");
-    ReportPixels(state, kWidth, kHeight);
+    CheckResult(state, LargestDifference(out.pic, scene.pic) == 0);
+    ReportPixels(state, Width(), Height());
+}
+
+// Some samples of a picture, spread over it.
+static std::vector<int> SomeSamples(const SBxPicBuf& picture)
+{
+    std::vector<int> samples;
+    for (int64_t i = 7; i < int64_t(picture.width) * picture.height * 3; i += 499)
+        samples.push_back(picture.bitsPerComponent == 8 ? picture.data[i]
+                                                        : PicRow<uint16_t>(picture, 0)[i]);
+    return samples;
+}
+
+// Exposures 0 to 4 are ever brighter than the photograph, which is 5; from there they
+// get darker, until nothing is left of a dark photograph.
+static bool AreExposuresOf(const std::vector<int>& photo, const std::vector<std::vector<int>>& made)
+{
+    const int order[kExposures] = {4, 3, 2, 1, 0, 5, 6, 7, 8, 9, 10};
+    const auto sum = [](const std::vector<int>& samples)
+    { return std::accumulate(samples.begin(), samples.end(), 0); };
+    for (size_t i = 1; i < kExposures; ++i)
+    {
+        const int light = sum(made[size_t(order[i])]);
+        if (light > 0 && light >= sum(made[size_t(order[i - 1])]))
+            return false;
+    }
+    return made[5] == photo;
 }
 
 static void MakeExposures(benchmark::State& state)
 {
-    const BenchPicture scene = BenchScene(kWidth, kHeight, 3, 8, -1);
+    const BenchPicture scene = BenchScene(Width(), Height(), 3, 8, -1);
     const unsigned noiseLevel = unsigned(state.range(0));
-    const SeriesSink sink = [](int, const SBxPicBuf& picture, const char*)
+    std::vector<std::vector<int>> made(kExposures);
+    const SeriesSink sink = [&](int number, const SBxPicBuf& picture, const char*)
     {
-        benchmark::DoNotOptimize(picture.data);
+        made[size_t(number)] = SomeSamples(picture);
         return false;
     };
     for (auto _ : state)
         if (MakeExposureSeries(scene.pic, noiseLevel, sink, {}) != kExposures)
             state.SkipWithError("incomplete");
-    ReportPixels(state, kWidth, kHeight);
+    CheckResult(state, AreExposuresOf(SomeSamples(scene.pic), made));
+    ReportPixels(state, Width(), Height());
 }
 
 static void MakeDaylight(benchmark::State& state)
 {
     const int bits = int(state.range(0));
-    const BenchPicture scene = BenchScene(kWidth, kHeight, 3, bits, -1);
-    const SeriesSink sink = [](int, const SBxPicBuf&, const char*) { return false; };
+    const BenchPicture scene = BenchScene(Width(), Height(), 3, bits, -1);
+    std::vector<std::vector<int>> made(kDaylightVariants);
+    const SeriesSink sink = [&](int number, const SBxPicBuf& picture, const char*)
+    {
+        made[size_t(number)] = SomeSamples(picture);
+        return false;
+    };
     for (auto _ : state)
         if (MakeDaylightSeries(scene.pic, DaylightMode::Up, sink, {}).size() != kDaylightVariants)
             state.SkipWithError("incomplete");
-    ReportPixels(state, kWidth, kHeight);
+    bool right = true;
+    for (int number = 0; number < kDaylightVariants; ++number)
+    {
+        std::vector<int> meant = SomeSamples(scene.pic);
+        const std::vector<uint16_t> table = DaylightTable(DaylightMode::Up, number, bits);
+        for (int& sample : meant)
+            sample = table[size_t(sample)];
+        right = right && made[size_t(number)] == meant;
+    }
+    CheckResult(state, right);
+    ReportPixels(state, Width(), Height());
 }
 
-// The order alone, as the command line wants it.
+// The order alone, as the command line wants it. Keys are the brightness of pictures not yet made.
 static void OrderDaylight(benchmark::State& state)
 {
-    const BenchPicture scene = BenchScene(kWidth, kHeight, 3, int(state.range(0)), -1);
+    const int bits = int(state.range(0));
+    const BenchPicture scene = BenchScene(Width(), Height(), 3, bits, -1);
+    std::vector<unsigned> keys;
     for (auto _ : state)
-        if (DaylightKeys(scene.pic, DaylightMode::Down).size() != kDaylightVariants)
-            state.SkipWithError("incomplete");
-    ReportPixels(state, kWidth, kHeight);
+        keys = DaylightKeys(scene.pic, DaylightMode::Down);
+    BenchPicture variant(Width(), Height(), 3, bits);
+    bool right = keys.size() == kDaylightVariants;
+    for (int number = 0; right && number < kDaylightVariants; number += 13)
+    {
+        MakeDaylightVariant(&variant.pic, scene.pic, DaylightMode::Down, number);
+        right = std::fabs(keys[size_t(number)] - 3 * MeanOf(variant.pic)) <= 1.0;
+    }
+    CheckResult(state, right);
+    ReportPixels(state, Width(), Height());
 }
 
 // The first denoising of a series, with its noise estimate.
@@ -130,10 +190,10 @@ static void DenoiseLevel(benchmark::State& state)
 {
     const FusionKernels* kernels = VcFusionKernelsOf(FusionVariant(state.range(0)));
     if (!kernels)
-        return state.SkipWithError("not on this processor");
+        return SkipOnThisProcessor(state);
     VcForceFusionKernels(kernels);
-    const BenchPicture scene = BenchScene(kWidth, kHeight, 3, 8, -1);
-    BenchPicture out(kWidth, kHeight, 3, 8);
+    const BenchPicture scene = BenchScene(Width(), Height(), 3, 8, -1);
+    BenchPicture out(Width(), Height(), 3, 8);
     const int radius = DenoiseRadius(2, unsigned(state.range(1)));
     double before[2], after[2];
     for (auto _ : state)
@@ -148,7 +208,7 @@ static void DenoiseLevel(benchmark::State& state)
         state.SkipWithError("the noise is still there");
     state.SetLabel(kernels->name);
     VcForceFusionKernels(nullptr);
-    ReportPixels(state, kWidth, kHeight);
+    ReportPixels(state, Width(), Height());
 }
 
 BENCHMARK(DecomposeColour)->Unit(benchmark::kMillisecond)->MeasureProcessCPUTime()->UseRealTime();
