@@ -1,10 +1,10 @@
 #include "cli/CommandLine.h"
 #include "cli/Progress.h"
-#include "cli/SampleScene.h"
 
 #include "picture/ExifBlock.h"
 #include "picture/ImageFile.h"
 #include "picture/SystemFiles.h"
+#include "sample/Scene.h"
 
 #include <filesystem>
 #include <memory>

@@ -1,6 +1,6 @@
-#include "cli/SampleMaterials.h"
+#include "sample/Materials.h"
 
-#include "cli/SampleRoom.h"
+#include "sample/Room.h"
 
 namespace sample
 {

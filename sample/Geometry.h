@@ -1,6 +1,6 @@
 #pragma once
 
-#include "cli/SampleMath.h"
+#include "sample/Math.h"
 
 #include <cstdint>
 #include <vector>
@@ -9,7 +9,7 @@
 namespace sample
 {
 
-// What a surface is made of; SampleMaterials.cpp knows the look of each.
+// What a surface is made of; Materials.cpp knows the look of each.
 enum class Surface : uint8_t
 {
     Plaster,

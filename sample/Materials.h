@@ -1,6 +1,6 @@
 #pragma once
 
-#include "cli/SampleGeometry.h"
+#include "sample/Geometry.h"
 
 namespace sample
 {

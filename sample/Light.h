@@ -1,7 +1,7 @@
 #pragma once
 
-#include "cli/SampleGeometry.h"
-#include "cli/SampleMaterials.h"
+#include "sample/Geometry.h"
+#include "sample/Materials.h"
 
 #include <array>
 #include <functional>

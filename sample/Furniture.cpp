@@ -1,4 +1,4 @@
-#include "cli/SampleRoom.h"
+#include "sample/Room.h"
 
 namespace sample
 {

@@ -1,4 +1,4 @@
-#include "cli/SampleMaterials.h"
+#include "sample/Materials.h"
 
 // The landscape before the window: summer sky, a mountain lake, woods and a meadow. Directions
 // with z <= 0 look back into the house's own wall; they only occur in reflections.

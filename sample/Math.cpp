@@ -1,4 +1,4 @@
-#include "cli/SampleMath.h"
+#include "sample/Math.h"
 
 namespace sample
 {

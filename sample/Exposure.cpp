@@ -1,6 +1,6 @@
-#include "cli/SampleScene.h"
+#include "sample/Scene.h"
 
-#include "cli/SampleMath.h"
+#include "sample/Math.h"
 
 #include <algorithm>
 

@@ -1,4 +1,4 @@
-#include "cli/SampleScene.h"
+#include "sample/Scene.h"
 
 #include "tests/support/TestPictures.h"
 

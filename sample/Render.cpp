@@ -1,6 +1,6 @@
-#include "cli/SampleLight.h"
-#include "cli/SampleRoom.h"
-#include "cli/SampleScene.h"
+#include "sample/Light.h"
+#include "sample/Room.h"
+#include "sample/Scene.h"
 
 #include <algorithm>
 

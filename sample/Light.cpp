@@ -1,6 +1,6 @@
-#include "cli/SampleLight.h"
+#include "sample/Light.h"
 
-#include "cli/SampleRoom.h"
+#include "sample/Room.h"
 
 #include <atomic>
 #include <thread>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "cli/SampleGeometry.h"
+#include "sample/Geometry.h"
 
 // The room of the sample scene: a sitting room with one tall window into a summer landscape, built
 // so that sunlit clouds and the inside of the bookcase beside the window share one picture.

@@ -1,4 +1,4 @@
-#include "cli/SampleGeometry.h"
+#include "sample/Geometry.h"
 
 #include <algorithm>
 
