@@ -4,7 +4,7 @@
 #   lint.sh format    layout of all C++ files is what .clang-format says (lint.sh fix makes it so)
 #   lint.sh tidy      clang-tidy over what the release build compiles; clean files are remembered
 #   lint.sh tuned     objects for special instruction sets share no inline function with others
-#   lint.sh imports   Windows programs need nothing that Windows does not bring
+#   lint.sh imports   Windows programs import from libraries that Windows brings, and no others
 #   lint.sh run       ./run passes arguments, folder and exit code on and keeps quiet
 
 set -euo pipefail
@@ -47,36 +47,63 @@ TidyOne()
     echo "$common $(sha256sum "$file")" >"$stamp"
 }
 
+# Objects of a build that are compiled for more than the processors that every user has.
+TunedObjects()
+{
+    sed -nE '/"command".* -m(avx|sse[34]|fma|bmi|f16c|arch)/s/.* -o ([^ ]*) .*/\1/p' \
+        "build/$1/compile_commands.json" | sed "s|^|build/$1/|"
+}
+
+# Functions of an object of which the linker keeps one copy out of many: weak symbols here, sections
+# of the kind COMDAT for Windows. Pointers to other files' data are such sections, too, but hold no
+# instructions.
+SharedFunctions()
+{
+    case $1 in
+    *.obj) x86_64-w64-mingw32-objdump -h "$1" | sed -n '/CODE.*COMDAT/s/.*COMDAT \([^ ]*\).*/\1/p' |
+        c++filt ;;
+    *) nm --defined-only -C "$1" | grep -E ' [WVu] ' || true ;;
+    esac
+}
+
 # An inline function that the linker keeps once may be kept in its tuned form, and then the program
-# dies on a processor without these instructions. Weak symbols are such functions.
+# dies on a processor without these instructions.
 CheckTuned()
 {
-    local object weak failed=0 count=0
-    while IFS= read -r -d '' object; do
-        count=$((count + 1))
-        weak=$(nm --defined-only -C "$object" | grep -E ' [WVu] ' || true)
-        if [[ -n $weak ]]; then
-            echo "${object##*/} shares inline functions with untuned code:" >&2
-            echo "$weak" >&2
-            failed=1
-        fi
-    done < <(find build/release -regex '.*_\(avx2\|avx512\)\.cpp\.o' -print0)
-    ((count)) || { echo "no tuned objects found" >&2; return 1; }
+    local preset object shared failed=0 count
+    for preset in release windows; do
+        count=0
+        while read -r object; do
+            count=$((count + 1))
+            shared=$(SharedFunctions "$object")
+            if [[ -n $shared ]]; then
+                echo "$object shares inline functions with untuned code:" >&2
+                echo "$shared" >&2
+                failed=1
+            fi
+        done < <(TunedObjects $preset)
+        ((count)) || { echo "no tuned objects found in build/$preset" >&2; return 1; }
+    done
     return $failed
 }
 
+# What every Windows since 7 has in its system folder. Everything else would have to be brought along.
+systemLibraries=' comctl32.dll comdlg32.dll gdi32.dll gdiplus.dll kernel32.dll msvcrt.dll ntdll.dll
+    ole32.dll shell32.dll user32.dll uxtheme.dll ws2_32.dll '
+
 CheckImports()
 {
-    local program name failed=0 count=0
+    local program name names failed=0 count=0
     while IFS= read -r -d '' program; do
         count=$((count + 1))
-        for name in $(x86_64-w64-mingw32-objdump -p "$program" | sed -n 's/.*DLL Name: //p'); do
-            case ${name,,} in
-            libg* | libstdc* | libwinpthread* | libssp* | zlib* | libgomp*)
+        names=$(x86_64-w64-mingw32-objdump -p "$program" | sed -n 's/.*DLL Name: //p')
+        # A program that imports nothing was not understood.
+        [[ -n $names ]] || { echo "no imports found in ${program##*/}" >&2; failed=1; }
+        for name in $names; do
+            if [[ $systemLibraries != *[[:space:]]"${name,,}"[[:space:]]* ]]; then
                 echo "${program##*/} needs $name" >&2
                 failed=1
-                ;;
-            esac
+            fi
         done
     done < <(find build/windows -name '*.exe' -not -path '*/CMakeFiles/*' -print0)
     ((count)) || { echo "no Windows programs found" >&2; return 1; }
