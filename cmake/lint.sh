@@ -5,6 +5,8 @@
 #   lint.sh tidy      clang-tidy over what the release build compiles; clean files are remembered
 #   lint.sh tuned     objects for special instruction sets share no inline function with others
 #   lint.sh imports   Windows programs import from libraries that Windows brings, and no others
+#   lint.sh layers    nobody includes what layers.txt does not say; headers have their functions beside them
+#   lint.sh functions no function is longer than 60 lines
 #   lint.sh run       ./run passes arguments, folder and exit code on and keeps quiet
 
 set -euo pipefail
@@ -110,6 +112,23 @@ CheckImports()
     return $failed
 }
 
+# Facts about all C++ files; see sources.awk.
+Facts() { Sources | sed -z 's|^\./||' | sort -z | xargs -0 awk -f cmake/sources.awk; }
+
+CheckLayers() { Facts | awk -f cmake/layers.awk cmake/layers.txt -; }
+
+# Lines of a function, from its head to its closing brace.
+longestFunction=60
+
+CheckFunctions()
+{
+    Facts | awk -v most=$longestFunction '
+        $1 == "function" { ++count }
+        $1 == "puzzle" { print $2 ": braces do not pair"; ++tooLong }
+        $1 == "function" && $4 > most { print $2 ":" $3 ": " $5 " has " $4 " lines"; ++tooLong }
+        END { if (!count) print "no functions found"; exit !count || tooLong }' >&2
+}
+
 CheckRun()
 {
     local root=$PWD folder status=0 said
@@ -132,6 +151,8 @@ tidy) CheckTidy ;;
 tidy-one) TidyOne "$2" ;;
 tuned) CheckTuned ;;
 imports) CheckImports ;;
+layers) CheckLayers ;;
+functions) CheckFunctions ;;
 run) CheckRun ;;
 *)
     sed -n '2,/^$/s/^# \{0,1\}//p' "$0" >&2
