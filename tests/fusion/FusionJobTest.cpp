@@ -25,9 +25,17 @@ struct Series
         {
             pictures.push_back(ScenePicture(kWidth, kHeight, components, bits, i - count / 2));
             paths.push_back(folder.File("photo" + std::to_string(i) + ".tif"));
-            Save(pictures.back(), paths.back());
+            SavePacked(i, false);
         }
         Open(int64_t(1) << 30);
+    }
+
+    // Unpacked, files of one geometry have one size.
+    void SavePacked(int index, bool packed) const
+    {
+        SaveExtras extras;
+        extras.passing = !packed;
+        Save(pictures[size_t(index)], paths[size_t(index)], kFormatTiff, "", nullptr, &extras);
     }
 
     void Open(int64_t budget) { OpenFusionSources(&sources, paths, pictures[0].pic, budget); }
@@ -200,13 +208,39 @@ TEST(FusionJob, StopsBetweenSourcesWhenItIsOutdated)
     EXPECT_EQ(series.sources.filesRead, 2);
     ExpectSamePicture(result.pic, series.Blank(kWholePicture).pic);
 
-    Series large(12); // the others stop as well
+    Series large(12);
     EXPECT_EQ(
         FuseRegion(&result.pic, &large.sources, {kWholePicture, 12, 100}, [] { return true; }),
         FusionOutcome::Outdated);
-    EXPECT_LE(large.sources.filesRead, 8); // all of theirs would be 8, and none of the first 4
     EXPECT_EQ(FuseRegion(&result.pic, &large.sources, {kWholePicture, 12, 100}, nullptr),
               FusionOutcome::Done);
+}
+
+// Numbers as text are read letter by letter: a picture of other size that takes a tenth of a second
+// to refuse.
+static Bytes SlowPicture()
+{
+    const std::string header = "P2 1200 1200 255 ";
+    Bytes file(header.begin(), header.end());
+    for (int i = 0; i < 1200 * 1200; ++i)
+        file.insert(file.end(), {'7', ' '});
+    return file;
+}
+
+// The caller has added up its own share, the others are still at the first sources of theirs.
+TEST(FusionJob, AsksAndStopsWhileOthersAreWaitedFor)
+{
+    Series series(12);
+    for (const char* first : {"photo4.tif", "photo8.tif"})
+        series.folder.Write(first, SlowPicture());
+    series.Open(0); // nothing is prepared: one question before each source
+    TestPicture result = series.Blank(kWholePicture);
+    int asked = 0;
+    EXPECT_EQ(FuseRegion(&result.pic, &series.sources, {kWholePicture, 12, 100},
+                         [&asked] { return ++asked > 4; }),
+              FusionOutcome::Outdated);
+    EXPECT_LT(series.sources.filesRead, 12);
+    ExpectSamePicture(result.pic, series.Blank(kWholePicture).pic);
 }
 
 TEST(FusionSources, AreReadOnceHoweverOftenAndWhereTheyAreLookedAt)
@@ -261,22 +295,113 @@ TEST(FusionSources, KeepRegionsWhenWholePicturesDoNotFit)
     EXPECT_EQ(fuse(region), 8);
 }
 
-TEST(FusionSources, AreReadAgainWhenTheFileHasChanged)
+// Sums and prepared sources of the region before are of another size.
+TEST(FusionSources, ServeRegionsOfAnySizeOneAfterTheOther)
 {
-    Series series(2);
-    const CBxRect<int> region = {0, 0, 50, 50};
-    ASSERT_TRUE(LoadFusionSource(&series.sources, 1, region));
-    const std::filesystem::path path = series.paths[1];
-    const auto later = std::filesystem::last_write_time(path) + std::chrono::seconds(5);
-    Save(FlatPicture(kWidth, kHeight, 8, {1, 2, 3}), series.paths[1]);
-    std::filesystem::last_write_time(path, later);
-    const SourceRegionPtr again = LoadFusionSource(&series.sources, 1, region);
-    ASSERT_TRUE(again);
-    ExpectSamePicture(again->picture, FlatPicture(50, 50, 8, {1, 2, 3}).pic);
-    EXPECT_EQ(series.sources.keptBytes, int64_t(kWidth) * kHeight * 3); // the old one has gone
+    Series series(9); // on three threads
+    const CBxRect<int> small = {10, 20, 90, 80}, large = {40, 30, 260, 171};
+    for (const CBxRect<int>& region : {large, small, kWholePicture, small})
+    {
+        TestPicture part = series.Blank(region);
+        ASSERT_EQ(FuseRegion(&part.pic, &series.sources, {region, 9, 100}, nullptr),
+                  FusionOutcome::Done);
+        EXPECT_EQ(series.sources.sums.size(), 3u) << "for the next preview";
+        ExpectSamePicture(part.pic, series.FusedByHand(region, UpTo(9), 100).pic, 1);
+    }
+}
 
-    std::filesystem::remove(path);
+TEST(FusionSources, FollowTheirFiles)
+{
+    namespace fs = std::filesystem;
+    Series series(2);
+    const CBxRect<int> region = {10, 20, 90, 80};
+    const fs::path path = series.paths[1], away = series.folder.File("away");
+    const auto none = SourceProblem::None;
+    const auto expectFused = [&](const char* step, const std::vector<int>& which)
+    {
+        SCOPED_TRACE(step);
+        TestPicture part = series.Blank(region);
+        EXPECT_EQ(FuseRegion(&part.pic, &series.sources, {region, 2, 100}, nullptr),
+                  FusionOutcome::Done);
+        ExpectSamePicture(part.pic, series.FusedByHand(region, which, 100).pic);
+        const std::vector<SourceProblem> problems = {
+            none, which.size() == 2 ? none : SourceProblem::Unreadable};
+        EXPECT_EQ(series.sources.problems, problems);
+    };
+    expectFused("as they are", {0, 1});
+    const auto size = fs::file_size(path);
+    const auto later = fs::last_write_time(path) + std::chrono::seconds(5);
+    series.pictures[1] = FlatPicture(kWidth, kHeight, 8, {10, 20, 30});
+    series.SavePacked(1, false);
+    ASSERT_EQ(fs::file_size(path), size);
+    fs::last_write_time(path, later);
+    expectFused("changed, of the same size", {0, 1});
+    series.pictures[1] = FlatPicture(kWidth, kHeight, 8, {200, 90, 30});
+    series.SavePacked(1, true);
+    fs::last_write_time(path, later);
+    expectFused("changed at the same time", {0, 1});
+    EXPECT_EQ(series.sources.keptBytes, 2 * int64_t(kWidth) * kHeight * 3) << "the old one stays";
+    fs::rename(path, away);
+    expectFused("gone", {0});
     EXPECT_FALSE(LoadFusionSource(&series.sources, 1, region));
+    fs::rename(away, path);
+    expectFused("back", {0, 1});
     EXPECT_GT(FusionSourceBudget(), int64_t(1) << 24);
     EXPECT_LT(FusionSourceBudget(), int64_t(1) << 44);
+}
+
+// Bytes that an accumulator and a source that was taken apart really hold.
+static int64_t BytesHeld(const VcFusionAccumulator& sums)
+{
+    int64_t samples = 0;
+    for (unsigned c = 0; c < sums.channels; ++c)
+        for (unsigned k = 0; k <= sums.levels; ++k)
+            for (const float* plane : {WeightPlane(sums, c, k), SumPlane(sums, c, k)})
+                samples += plane ? int64_t(sums.levelWidth[k]) * sums.levelHeight[k] : 0;
+    return samples * 4;
+}
+
+static int64_t BytesHeld(const PreparedSource& source, const VcFusionAccumulator& sums)
+{
+    int64_t bytes = 0;
+    for (int c = 0; c < source.levels.count; ++c)
+    {
+        bytes += source.levels.finest[c].size;
+        for (unsigned k = 1; k <= sums.levels; ++k)
+            if (source.levels.gauss[c][k])
+                bytes += int64_t(sums.levelWidth[k]) * sums.levelHeight[k] * 4;
+    }
+    return bytes;
+}
+
+// Sources are taken apart where there is room for that, for what the three threads sum up, and for
+// whole pictures if those stay, too.
+TEST(PreparedSources, FillTheBudgetAndNeverMore)
+{
+    for (const int components : {1, 3})
+        for (const int bits : {8, 16})
+        {
+            Series series(9, bits, components);
+            const CBxRect<int> region = {10, 20, 90, 80};
+            const TestPicture part = series.Blank(region);
+            FusionSums sums;
+            ASSERT_FALSE(VcInitAccumulator(&sums.acc, part.pic, 100));
+            const int64_t held = 9 * BytesHeld(*VcPrepareSource(sums.acc, part.pic), sums.acc) +
+                                 3 * BytesHeld(sums.acc);
+            const int64_t wholes = 9 * int64_t(series.pictures[0].pic.size);
+            bool everPrepared = false;
+            for (int64_t budget = held / 2; budget < 3 * (held + wholes); budget += budget / 50)
+            {
+                series.Open(budget);
+                PrepareForRegion(&series.sources, region);
+                const int64_t needed = held + (budget >= wholes ? wholes : 0);
+                const bool prepared = !series.sources.prepared.empty();
+                if (prepared)
+                    EXPECT_LE(needed, budget) << components << " x " << bits;
+                else
+                    EXPECT_GT(needed + needed / 20, budget) << components << " x " << bits;
+                everPrepared |= prepared;
+            }
+            EXPECT_TRUE(everPrepared);
+        }
 }

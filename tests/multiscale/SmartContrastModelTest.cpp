@@ -113,21 +113,34 @@ TEST(SmartContrastModel, PutsTogetherWhatIsVisibleAndTheRestInTheEnd)
     ASSERT_FALSE(SmartContrastPicture(&whole.pic, photo.pic, lod, {}));
     ImageView view;
     view.area = {0, 30, 80, 90}; // shows 80 x 60 pixels
-    for (const double x : {0.0, 150.5, 290.0})
+    const CBxPoint<double> centres[] = {{0, 100},     {150.5, 100}, {290, 100}, {290, 0},
+                                        {290, 101.5}, {290, 190},   {280, 30}};
+    for (const auto& [x, y] : centres)
     {
-        view.state = {1.0, 40, 60, x, 100.0};
+        SCOPED_TRACE(testing::Message() << x << ", " << y);
+        view.state = {1.0, 40, 60, x, y};
         const CBxRect<int> visible = SmartContrastVisible(view, open.model.size);
         EXPECT_LE(visible.left, std::max(x - 42, 0.0));
         EXPECT_GE(visible.right, std::min(x + 42, 301.0));
-        EXPECT_FALSE(HasSmartContrast(open.model, visible)) << x;
+        EXPECT_LE(visible.top, std::max(y - 32, 0.0));
+        EXPECT_GE(visible.bottom, std::min(y + 32, 203.0));
+        EXPECT_FALSE(HasSmartContrast(open.model, visible));
+        CBxPicBufAPI::SetConst(&shown.pic, 7);
         ASSERT_FALSE(RecomposeSmartContrast(&shown.pic, &open.model, visible));
-        EXPECT_TRUE(HasSmartContrast(open.model, visible)) << x;
+        const CBxRect<int> near = {std::max(visible.left - 4, 0), std::max(visible.top - 4, 0),
+                                   std::min(visible.right + 4, 301),
+                                   std::min(visible.bottom + 4, 203)};
+        EXPECT_TRUE(HasSmartContrast(open.model, near)) << "a short way of panning";
         const CBxRect<int>& made = open.model.madePart;
-        for (int y = made.top; y < made.bottom; ++y)
-            for (int column = made.left; column < made.right; ++column)
-                ASSERT_EQ(shown.At(column, y, 1), whole.At(column, y, 1)) << column << ", " << y;
+        for (int row = 0; row < 203; ++row)
+            for (int column = 0; column < 301; ++column)
+            {
+                const bool inside = column >= made.left && column < made.right && row >= made.top &&
+                                    row < made.bottom;
+                ASSERT_EQ(shown.At(column, row, 1), inside ? whole.At(column, row, 1) : 7)
+                    << column << ", " << row;
+            }
     }
-    EXPECT_EQ(shown.At(150, 0), 7) << "nobody has seen it";
     ASSERT_FALSE(CompleteSmartContrast(&shown.pic, &open.model));
     ExpectSamePicture(shown.pic, whole.pic);
 }

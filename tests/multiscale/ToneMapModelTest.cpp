@@ -154,9 +154,16 @@ TEST(ToneMapModel, LetsTheRectangleBeDraggedByItsInside)
     EXPECT_FALSE(DragPreviewRect(model, {500, 500})) << "let go";
     EXPECT_FALSE(DropPreviewRect(model));
 
-    // The view takes it along again.
+    // The view takes it along again, also out of a hand that holds it, as switching it on does.
     EXPECT_TRUE(ToneMapViewMoved(model, {1500, 1000}));
     ExpectRect(model->previewRect, {1244, 744, 1756, 1256});
+    ASSERT_TRUE(GrabPreviewRect(model, {1300, 800}, all));
+    EXPECT_TRUE(ToneMapViewMoved(model, {1010, 700}));
+    EXPECT_FALSE(DragPreviewRect(model, {1310, 810}));
+    ASSERT_TRUE(GrabPreviewRect(model, {1100, 650}, all));
+    ToneMapPreviewToggled(model, true, {1000, 700});
+    EXPECT_FALSE(DragPreviewRect(model, {1110, 640}));
+    ExpectRect(model->previewRect, {744, 444, 1256, 956});
 }
 
 TEST(ToneMapModel, GoesFromEditingToARunAndToItsEnd)

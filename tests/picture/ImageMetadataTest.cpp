@@ -1,5 +1,6 @@
 #include "picture/ExifBlock.h"
 #include "picture/ImageFile.h"
+#include "picture/Orientation.h"
 
 #include "tests/support/TestFiles.h"
 
@@ -216,6 +217,38 @@ TEST(Orientation, TurnsThePictureOnceAndForAll)
         EXPECT_EQ(TagsOf(folder.File("t.jpg"), FIMD_EXIF_MAIN)["Orientation"], "top, left side");
         EXPECT_EQ(TagsOf(folder.File("t.tif"), FIMD_XMP)["XMLPacket"], kXmp);
     }
+}
+
+// It is turned in squares of 32 samples; these are more than one, and none is full at the edges.
+TEST(Orientation, TurnsEverySampleOfALargePicture)
+{
+    const struct
+    {
+        bool sideways, mirrorsColumns, mirrorsRows;
+    } turns[] = {{false, true, false}, {false, true, true}, {false, false, true},
+                 {true, false, false}, {true, false, true}, {true, true, true},
+                 {true, true, false}};
+    const auto value = [](int x, int y, int c) { return (x * 3 + y * 71 + c * 101) % 251; };
+    for (const int components : {1, 3})
+        for (const int bits : {8, 16})
+            for (int orientation = 2; orientation <= 8; ++orientation)
+            {
+                SCOPED_TRACE(testing::Message()
+                             << orientation << ", " << components << ", " << bits);
+                const auto turn = turns[orientation - 2];
+                TestPicture picture = PictureOf(70, 45, components, bits, value);
+                ASSERT_TRUE(MakeUpright(&picture.pic, orientation));
+                const TestPicture expected =
+                    PictureOf(turn.sideways ? 45 : 70, turn.sideways ? 70 : 45, components, bits,
+                              [&](int x, int y, int c)
+                              {
+                                  const int column = turn.sideways ? y : x,
+                                            row = turn.sideways ? x : y;
+                                  return value(turn.mirrorsColumns ? 69 - column : column,
+                                               turn.mirrorsRows ? 44 - row : row, c);
+                              });
+                ExpectSamePicture(picture.pic, expected.pic);
+            }
 }
 
 // Some cameras put the date of the exposure beside their own name, where it does not belong. And
