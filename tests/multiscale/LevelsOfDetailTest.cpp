@@ -3,6 +3,7 @@
 #include "fusion/FusionThreads.h"
 #include "tests/support/Reference.h"
 #include "tests/support/TestPictures.h"
+#include "tests/support/Variants.h"
 
 #include <gtest/gtest.h>
 
@@ -215,6 +216,36 @@ TEST(SmartContrast, WorksInPlaceAndCountsItsSteps)
     VcLimitThreads(1);
     ExpectSamePicture(inPlace.pic, SmartContrast(scene, lod).pic); // on one thread
     VcLimitThreads(0);
+}
+
+// Taken from the native build; holds for every tuned set, every number of threads and system.
+TEST(SmartContrast, GivesTheSameBitsOnEveryBuild)
+{
+    const struct
+    {
+        int components, bits;
+        uint64_t hash;
+    } cases[] = {{1, 8, 5999227711677231069u},
+                 {3, 8, 3437363608020523056u},
+                 {1, 16, 13816655331068028806u},
+                 {3, 16, 14175605173933798608u}};
+    for (const auto& c : cases)
+    {
+        const TestPicture scene = ScenePicture(333, 222, c.components, c.bits, 0);
+        ForEachVariant(
+            [&]
+            {
+                if (&VcFusionKernels() == VcFusionKernelsOf(FusionVariant::Plain))
+                    return;
+                for (const int threads : {1, 3, 0})
+                {
+                    VcLimitThreads(threads);
+                    EXPECT_EQ(HashOf(SmartContrast(scene, {25, 3, 14, 8, 22, 17, 5, 30}).pic),
+                              c.hash)
+                        << c.components << " x " << c.bits;
+                }
+            });
+    }
 }
 
 TEST(SmartContrast, StopsBetweenLevels)

@@ -111,6 +111,34 @@ TEST(TransformVariants, GiveTheSameBits)
             }
 }
 
+// Taken from the native build; holds for every variant and system.
+TEST(Transforms, GiveTheSameBitsOnEveryBuild)
+{
+    const struct
+    {
+        int components, bits;
+        uint64_t hash;
+    } cases[] = {{1, 8, 12005541800936136141u},
+                 {3, 8, 8126235535416766140u},
+                 {1, 16, 15928601316779655713u},
+                 {3, 16, 4603863155614916853u}};
+    for (const auto& c : cases)
+    {
+        const TestPicture source = Noise(133, 91, c.components, c.bits);
+        ForEachTransformVariant(
+            [&]
+            {
+                uint64_t hash = 0;
+                for (const TransformFn transform : kTransforms)
+                    for (const double scale : {0.37, 1.0, 1.7, 8.0})
+                        hash = hash * 31 + HashOf(Transformed(source, transform, 101, 77,
+                                                              MapTo(101, 77, scale, 61.21, 44.3))
+                                                      .pic);
+                EXPECT_EQ(hash, c.hash) << c.components << " x " << c.bits;
+            });
+    }
+}
+
 TEST(TransformThreads, ChangeNoBit)
 {
     const TestPicture source = Noise(500, 400, 3, 8);
