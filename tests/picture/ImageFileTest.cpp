@@ -146,6 +146,57 @@ TEST(Loading, OpensAGifOfGreysAndNoOther)
     EXPECT_EQ(colour.problem, LoadProblem::KindNotSupported);
 }
 
+// Raw photographs look like TIFF files, so their names have to say what they are.
+TEST(Loading, TakesAPhotographForCameraRawByItsEnding)
+{
+    const TempFolder folder;
+    const Bytes raw = MakeRaw(64, 48);
+    for (const char* name : {"a.dng", "A.B.DNG", "a.nEf"})
+    {
+        SCOPED_TRACE(name);
+        const LoadedPair photo(folder.Write(name, raw));
+        ASSERT_FALSE(photo.failed);
+        ASSERT_EQ(photo.picture.pic.components * photo.picture.pic.bitsPerComponent, 48);
+        EXPECT_EQ(photo.picture.pic.width, 64);
+        EXPECT_EQ(photo.picture.pic.height, 48);
+        EXPECT_LT(3 * photo.picture.At(8, 20, 1), photo.picture.At(56, 20, 1));
+    }
+    for (const char* name : {"a.tif", "dng", "a.dng.tif"})
+        EXPECT_EQ(LoadedPair(folder.Write(name, raw)).picture.pic.components, 1) << name;
+    const TestPicture picture = ScenePicture(20, 20, 3, 8, 0);
+    ASSERT_TRUE(Save(picture, folder.File("no-raw.dng"), kFormatPng).written);
+    ExpectSamePicture(LoadedPair(folder.File("no-raw.dng")).picture.pic, picture.pic);
+}
+
+// Nothing packs the samples of portable maps: a file that is shorter than they are has lost some.
+TEST(Loading, OpensPortableMapsThatHaveTheirSamples)
+{
+    const TempFolder folder;
+    const struct
+    {
+        const char* header;
+        size_t bytes; // of samples
+        LoadProblem problem;
+    } cases[] = {
+        {"P5 30 20 255\n", 600, LoadProblem::None},
+        {"P6 30 20 255\n", 1800, LoadProblem::None},
+        {"P5 30 20 65535\n", 1200, LoadProblem::None},
+        {"P5 300 200 255\n", 40, LoadProblem::DecoderFailed},
+        {"P6 300 200 255\n", 60000, LoadProblem::DecoderFailed},
+        {"P5 300 200 65535\n", 60000, LoadProblem::DecoderFailed},
+        {"P6 300 200 65535\n", 180000, LoadProblem::DecoderFailed},
+        {"P3 300 200 255\n", 40, LoadProblem::DecoderFailed},
+        {"P6 60000 60000 255\n", 40, LoadProblem::TooLarge},
+    };
+    for (const auto& c : cases)
+    {
+        const std::string header = c.header;
+        Bytes file(header.begin(), header.end());
+        file.resize(file.size() + c.bytes, '1');
+        EXPECT_EQ(LoadedPair(folder.Write("a.pnm", file)).problem, c.problem) << header;
+    }
+}
+
 struct BadFile
 {
     const char* name; // of the file

@@ -1,4 +1,5 @@
 #include "picture/ExifBlock.h"
+#include "picture/FileHeaders.h"
 #include "picture/ImageFile.h"
 #include "picture/Orientation.h"
 
@@ -7,6 +8,7 @@
 #include <FreeImage.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <map>
 #include <memory>
 
@@ -50,9 +52,10 @@ std::map<std::string, std::string> TagsOf(const std::string& file, FREE_IMAGE_MD
 }
 
 void SetTag(FIBITMAP* bitmap, FREE_IMAGE_MDMODEL model, const char* key, FREE_IMAGE_MDTYPE type,
-            const void* data, size_t size)
+            const void* data, size_t size, int id = 0)
 {
     FITAG* tag = FreeImage_CreateTag();
+    FreeImage_SetTagID(tag, WORD(id));
     FreeImage_SetTagKey(tag, key);
     FreeImage_SetTagType(tag, type);
     FreeImage_SetTagLength(tag, DWORD(size));
@@ -195,11 +198,8 @@ TEST(Orientation, TurnsThePictureOnceAndForAll)
     for (uint8_t number = 1; number <= 8; ++number)
     {
         SCOPED_TRACE(int(number));
-        Bytes tiff = MakeTiff({2, 3, 1, 8, 1, 1, {1, 2, 3, 4, 5, 6}});
-        const size_t photometric = 8 + 2 + 12 * 4; // after it, in the place of the rows' count
-        tiff[photometric + 36] = 0x12, tiff[photometric + 37] = 0x01,
-                           tiff[photometric + 44] = number;
-        const LoadedPair turned(folder.Write("a.tif", tiff));
+        const LoadedPair turned(folder.Write(
+            "a.tif", MakeTiff({2, 3, 1, 8, 1, 1, {1, 2, 3, 4, 5, 6}, {{274, 3, 1, number}}})));
         ASSERT_EQ(turned.picture.pic.width, number < 5 ? 2 : 3);
         EXPECT_EQ(turned.picture.At(0, 0), corners[number][0]);
         EXPECT_EQ(turned.picture.At(1, 0), corners[number][1]);
@@ -273,6 +273,64 @@ TEST(Exif, ThatIsDamagedStopsNothing)
         EXPECT_EQ(ProfileOf(folder.File("t.tif")).size(), 600u);
         EXPECT_EQ(TagsOf(folder.File("t.jpg"), FIMD_EXIF_RAW).empty(), exif == tooLong);
     }
+}
+
+// What the first directory needs is all there, or nothing of the block is looked at.
+TEST(Exif, ThatIsCutOffCountsFromTheEndOfItsFirstDirectory)
+{
+    const TempFolder folder;
+    const auto exifOf = [](const std::string& path)
+    {
+        FILE* file = std::fopen(path.c_str(), "rb");
+        const Bytes block = SoundJpegExif(file);
+        EXPECT_GE(JpegOrientation(file), 1);
+        std::fclose(file);
+        return block;
+    };
+    const Bytes whole = MakeExifBlock(SomeExposure());
+    const size_t directory = 6 + 8, end = directory + 2 + 12 * whole[directory] + 4;
+    ASSERT_LT(end, whole.size());
+    for (size_t size = 6; size <= whole.size(); size += size < 20 || size > end - 3 ? 1 : 7)
+    {
+        const Bytes cut(whole.begin(), whole.begin() + std::ptrdiff_t(size));
+        EXPECT_EQ(exifOf(WriteSource(folder, "s.jpg", {}, cut)), size < end ? Bytes() : cut);
+    }
+    Bytes lost = whole; // to two gigabytes behind
+    std::fill_n(lost.begin() + 6 + 4, 4, uint8_t(0x7F));
+    EXPECT_EQ(exifOf(WriteSource(folder, "s.jpg", {}, lost)), Bytes());
+    Bytes file = ReadBytes(WriteSource(folder, "s.jpg", {}, whole));
+    file.erase(std::search(file.begin(), file.end(), whole.begin(), whole.end()) +
+                   std::ptrdiff_t(whole.size()) - 1,
+               file.end());
+    EXPECT_EQ(exifOf(folder.Write("s.jpg", file)), Bytes()) << "the file ends in it";
+}
+
+// The codec library counts captions of TIFF files in units of four bytes: it reads behind them and
+// writes a quarter.
+TEST(Captions, GoFromJpegToJpegAndNeitherIntoNorOutOfTiff)
+{
+    const TempFolder folder;
+    const std::string from = folder.File("s.jpg"), text = "a caption";
+    FIBITMAP* bitmap = FreeImage_Allocate(24, 16, 24);
+    SetTag(bitmap, FIMD_IPTC, "Caption-Abstract", FIDT_ASCII, text.data(), text.size(), 0x278);
+    EXPECT_TRUE(FreeImage_Save(FIF_JPEG, bitmap, from.c_str(), 0));
+    FreeImage_Unload(bitmap);
+    const TestPicture picture = ScenePicture(24, 16, 3, 8, 0);
+    for (const auto& [target, kept] : {std::pair("t.jpg", true), {"t.tif", false}})
+    {
+        ASSERT_TRUE(Save(picture, folder.File(target), kFormatFromName, from).written);
+        EXPECT_EQ(TagsOf(folder.File(target), FIMD_IPTC).empty(), !kept) << target;
+    }
+    // A record of two letters: mark, set, kind, length.
+    const Bytes samples = {1, 2, 3, 4, 0x1C, 2, 0x78, 0, 2, 'H', 'i', 0};
+    const int place = 8 + 2 + 12 * 11 + 4 + 16 + 4;
+    const TiffEntry captions = {33723, 4, 2, place};
+    const std::string tiff =
+        folder.Write("s.tif", MakeTiff({2, 2, 1, 8, 1, 1, samples, {captions}}));
+    ExpectSamePicture(LoadedPair(tiff).picture.pic,
+                      PictureOf(2, 2, 1, 8, [](int x, int y, int) { return 1 + x + 2 * y; }).pic);
+    ASSERT_TRUE(Save(picture, folder.File("u.jpg"), kFormatFromName, tiff).written);
+    EXPECT_TRUE(TagsOf(folder.File("u.jpg"), FIMD_IPTC).empty());
 }
 
 TEST(Profile, OfOtherColourChannelsStaysBehind)

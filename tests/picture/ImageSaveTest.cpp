@@ -1,3 +1,4 @@
+#include "picture/FileReplace.h"
 #include "picture/ImageFile.h"
 #include "picture/SystemFiles.h"
 
@@ -5,6 +6,8 @@
 
 #include <FreeImage.h>
 #include <gtest/gtest.h>
+
+#include <unistd.h>
 
 namespace
 {
@@ -123,6 +126,27 @@ TEST(SaveErrors, AreThrownForFormatsAndSourcesOnly)
               SaveProblem::NoPicture);
     EXPECT_STREQ(UnsupportedImageFormat().what(), "");
     EXPECT_STREQ(ImageReadError().what(), "");
+}
+
+// Short of a full disk: what is still in memory has no file to go to when the stream is closed.
+TEST(Replacing, LeavesTheOldFileWhenTheNewOneDoesNotClose)
+{
+    const TempFolder folder;
+    const std::string target = folder.Write("old.tif", {'o', 'l', 'd'});
+    std::string path;
+    ASSERT_FALSE(SavePathFromUtf8(&path, target.c_str(), PathUse::Target));
+    for (const bool closes : {false, true})
+    {
+        ReplacingFile file;
+        ASSERT_TRUE(BeginReplacing(&file, path.c_str()));
+        std::fputs("new", file.stream);
+        if (!closes)
+            close(fileno(file.stream));
+        EXPECT_EQ(FinishReplacing(&file, false), closes);
+        EXPECT_EQ(file.error != 0, !closes);
+        EXPECT_EQ(ReadBytes(target), closes ? (Bytes{'n', 'e', 'w'}) : (Bytes{'o', 'l', 'd'}));
+        EXPECT_EQ(folder.FileCount(), 1) << "nothing beside it";
+    }
 }
 
 TEST(Names, EndAtTheLengthThatSavingTakes)

@@ -2,6 +2,7 @@
 
 #include "picture/SystemFiles.h"
 
+#include <algorithm>
 #include <atomic>
 #include <chrono>
 #include <cstring>
@@ -119,16 +120,12 @@ Bytes MakeBmp(const BmpParts& parts)
 
 Bytes MakeTiff(const TiffParts& parts)
 {
-    const int kShort = 3, kLong = 4, directory = 8, entries = 10;
+    const int kShort = 3, kLong = 4, directory = 8, entries = 10 + int(parts.more.size());
     const int bitsOffset = directory + 2 + 12 * entries + 4, formatsOffset = bitsOffset + 8;
     const int pixelOffset = formatsOffset + 8;
     const auto perSample = [&](int value, int offset)
     { return parts.samples <= 2 ? value * 0x10001LL : offset; };
-    const struct
-    {
-        int tag, type, count;
-        int64_t value;
-    } rows[entries] = {
+    std::vector<TiffEntry> rows = {
         {256, kLong, 1, parts.width},
         {257, kLong, 1, parts.height},
         {258, kShort, parts.samples, perSample(parts.bits, bitsOffset)},
@@ -140,10 +137,13 @@ Bytes MakeTiff(const TiffParts& parts)
         {279, kLong, 1, int64_t(parts.pixels.size())},
         {339, kShort, parts.samples, perSample(parts.sampleFormat, formatsOffset)},
     };
+    rows.insert(rows.end(), parts.more.begin(), parts.more.end());
+    std::sort(rows.begin(), rows.end(),
+              [](const TiffEntry& a, const TiffEntry& b) { return a.tag < b.tag; });
     Bytes file = {'I', 'I', 42, 0};
     Put32(&file, directory);
     Put16(&file, entries);
-    for (const auto& row : rows)
+    for (const TiffEntry& row : rows)
     {
         Put16(&file, row.tag);
         Put16(&file, row.type);
@@ -156,6 +156,23 @@ Bytes MakeTiff(const TiffParts& parts)
             Put16(&file, value);
     file.insert(file.end(), parts.pixels.begin(), parts.pixels.end());
     return file;
+}
+
+Bytes MakeRaw(int width, int height)
+{
+    const int kByte = 1, kText = 2, kShort = 3, kLong = 4, kMosaic = 32803;
+    Bytes samples;
+    for (int i = 0; i < width * height; ++i)
+        Put16(&samples, 1000 + i % width * (60000 / width));
+    const std::vector<TiffEntry> camera = {
+        {271, kText, 4, 0x4241},        // maker
+        {272, kText, 4, 0x4443},        // model
+        {33421, kShort, 2, 0x00020002}, // the mosaic repeats every two samples
+        {33422, kByte, 4, 0x02010100},  // red, green, green, blue
+        {50706, kByte, 4, 0x00000401},  // version 1.4
+        {50717, kLong, 1, 65535},       // white
+    };
+    return MakeTiff({width, height, 1, 16, kMosaic, 1, samples, camera});
 }
 
 static uint32_t PngChecksum(const Bytes& bytes, size_t start)

@@ -54,14 +54,21 @@ struct BmpParts
 };
 Bytes MakeBmp(const BmpParts& parts);
 
+struct TiffEntry
+{
+    int tag, type, count;
+    int64_t value; // or its place in the file
+};
 struct TiffParts
 {
     int width, height, samples, bits;
     int photometric;      // 0 grey from white, 1 grey from black, 2 colour, 5 inks
     int sampleFormat = 1; // 1 unsigned, 2 signed, 3 float
     Bytes pixels;         // uncompressed, top row first, little-endian
+    std::vector<TiffEntry> more = {};
 };
 Bytes MakeTiff(const TiffParts& parts);
+Bytes MakeRaw(int width, int height); // a mosaic as a camera writes it, grey from dark to light
 
 Bytes MakePngHeader(int width, int height, int bits, int colourType); // no pixels
 Bytes MakeGifHeader(int width, int height);                           // no pixels
