@@ -125,18 +125,34 @@ $1 == "type" { promised[$3] = promised[$3] $2 " " }
 $1 == "declares" { promised[$3] = promised[$3] $2 " " }
 
 # Tests replace functions by their own.
-$1 == "defines" && Folder($2) != "tests" {
-    name = $3
-    sub(/(<.*)?::.*/, "", name) # a member is promised with its type
-    count = split(promised[name], list, " ")
+$1 == "defines" && Folder($2) != "tests" { definitions[$2 " " $3] = 1 }
+
+# Whether the function is where one of the headers that promise it says.
+function IsAtHome(file, headers,    list, count, i)
+{
+    count = split(headers, list, " ")
     for (i = 1; i <= count; ++i)
-        if (Topic(list[i]) == Topic($2) || Fitting($2, meant[list[i]]) != "")
-            next
-    if (count > 0)
-        stray[$2 " " list[1]] = stray[$2 " " list[1]] " " $3
+        if (Topic(list[i]) == Topic(file) || Fitting(file, meant[list[i]]) != "")
+            return 1
+    return count == 0
+}
+
+function FindStray(file, member,    name, list)
+{
+    name = member
+    sub(/(<.*)?::.*/, "", name) # a member is promised with its type
+    if (IsAtHome(file, promised[name]))
+        return
+    split(promised[name], list, " ")
+    stray[file " " list[1]] = stray[file " " list[1]] " " member
 }
 
 END {
+    for (definition in definitions)
+    {
+        split(definition, list, " ")
+        FindStray(list[1], list[2])
+    }
     for (pair in stray)
     {
         split(pair, list, " ")

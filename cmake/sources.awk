@@ -198,6 +198,12 @@ inMacro || /^[ \t]*#/ {
             chunkLine = FNR
         chunk = chunk " " substr(rest, 1, RSTART - 1)
         rest = substr(rest, RSTART + 1)
+        # Braces of default arguments and of lambdas that are handed over.
+        if (kind[depth] !~ /^(function|block)$/ && gsub(/\(/, "(", chunk) != gsub(/\)/, ")", chunk))
+        {
+            chunk = chunk " "
+            continue
+        }
         if (mark == ";")
             Statement(chunk)
         else if (mark == "{")
