@@ -1,6 +1,6 @@
 #pragma once
 
-#include "app/Win.h"
+#include "base/Win.h"
 
 // Window handles of the application; null until the window exists. Window thread only.
 extern HINSTANCE g_hInst;

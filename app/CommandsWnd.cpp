@@ -5,15 +5,15 @@
 #include "app/AppWindows_win.h"
 #include "app/CommandIds.h"
 #include "app/FileDialogsDlg.h"
-#include "app/Format_win.h"
 #include "app/FrameView_win.h"
 #include "app/OptionsDlg.h"
-#include "app/ProfileStore.h"
-#include "app/Settings.h"
 #include "app/SourcePaging_win.h"
-#include "app/Strings.h"
 #include "app/ToolbarWnd.h"
 #include "app/ToolsWnd.h"
+#include "base/Format_win.h"
+#include "text/ProfileStore.h"
+#include "text/Strings.h"
+#include "tools/Settings.h"
 
 #include <commctrl.h>
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "app/Win.h"
+#include "base/Win.h"
 
 // What the commands do. Each checks first whether it is switched on: keys reach commands whose
 // buttons are grey.

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "app/Win.h"
+#include "base/Win.h"
 
 // The panel at the right edge of the frame that holds the tools' dialogs, one below the other. With
 // nothing in it, it is one pixel wide.

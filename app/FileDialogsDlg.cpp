@@ -3,11 +3,11 @@
 #include "app/AppWindows_win.h"
 #include "app/FileDialogsIds.h"
 #include "app/FileNames.h"
-#include "app/Format_win.h"
-#include "app/Settings.h"
-#include "app/Strings.h"
-#include "picture/ImageFile.h"
-#include "picture/SystemFiles.h"
+#include "base/Format_win.h"
+#include "base/SystemFiles.h"
+#include "files/ImageFile.h"
+#include "text/Strings.h"
+#include "tools/Settings.h"
 
 #include <cderr.h>
 #include <commctrl.h>

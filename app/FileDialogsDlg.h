@@ -1,6 +1,6 @@
 #pragma once
 
-#include "app/Win.h"
+#include "base/Win.h"
 #include "picture/PicBuf.h"
 
 #include <string>

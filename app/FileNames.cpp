@@ -1,6 +1,6 @@
 #include "app/FileNames.h"
 
-#include "picture/ImageFile.h"
+#include "files/ImageFile.h"
 
 #include <algorithm>
 #include <cwctype>

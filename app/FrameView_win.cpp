@@ -3,10 +3,10 @@
 #include "app/AppState.h"
 #include "app/AppWindows_win.h"
 #include "app/Invitation.h"
-#include "app/Messages.h"
-#include "app/Strings.h"
 #include "app/ToolbarWnd.h"
 #include "skin/SkinColors.h"
+#include "text/Strings.h"
+#include "tools/Messages.h"
 
 ImageView g_view;
 DisplayDocument g_document;

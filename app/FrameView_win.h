@@ -1,8 +1,8 @@
 #pragma once
 
-#include "app/Win.h"
-#include "picture/DisplayDocument_win.h"
-#include "picture/ImageViewZoom.h"
+#include "base/Win.h"
+#include "view/DisplayDocument_win.h"
+#include "view/ImageViewZoom.h"
 
 // What the frame shows: the view, its display bitmap, and which of the pictures is on. Window
 // thread only.

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "picture/Geometry.h"
+#include "base/Geometry.h"
 
 // What the view says while no picture is open: a text in a rounded frame, in the middle.
 

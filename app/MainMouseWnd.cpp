@@ -3,7 +3,7 @@
 #include "app/AppState.h"
 #include "app/AppWindows_win.h"
 #include "app/FrameView_win.h"
-#include "app/Messages.h"
+#include "tools/Messages.h"
 
 #include <windowsx.h>
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "app/Win.h"
+#include "base/Win.h"
 
 // The mouse on the view: pan, compare, fit and zoom, also while a tool's dialog has the focus.
 

@@ -5,17 +5,17 @@
 #include "app/CommandIds.h"
 #include "app/CommandsWnd.h"
 #include "app/DockerWnd.h"
-#include "app/Format_win.h"
 #include "app/FrameView_win.h"
 #include "app/MainMouseWnd.h"
-#include "app/Messages.h"
-#include "app/ProfileStore.h"
-#include "app/Settings.h"
-#include "app/Strings.h"
 #include "app/ToolMessagesWnd.h"
 #include "app/ToolbarWnd.h"
+#include "base/Format_win.h"
 #include "skin/SkinBrushes_win.h"
 #include "skin/SkinColors.h"
+#include "text/ProfileStore.h"
+#include "text/Strings.h"
+#include "tools/Messages.h"
+#include "tools/Settings.h"
 
 #include <commctrl.h>
 #include <objbase.h>

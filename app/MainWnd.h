@@ -1,6 +1,6 @@
 #pragma once
 
-#include "app/Win.h"
+#include "base/Win.h"
 
 // The frame window: toolbar, view, docker, status bar, and the messages by which tools talk to it.
 

@@ -5,8 +5,8 @@
 #include "app/CommandIds.h"
 #include "app/CommandsWnd.h"
 #include "app/MainWnd.h"
-#include "app/Strings.h"
 #include "skin/SkinHooks_win.h"
+#include "text/Strings.h"
 
 #include <commctrl.h>
 #include <objidl.h>

@@ -1,9 +1,9 @@
 #include "app/OptionsDlg.h"
 
-#include "app/LanguageFile.h"
 #include "app/OptionsIds.h"
-#include "app/Settings.h"
-#include "app/Strings.h"
+#include "text/LanguageFile.h"
+#include "text/Strings.h"
+#include "tools/Settings.h"
 
 constexpr int kRestartText = 47;
 constexpr int kReportText = 38;

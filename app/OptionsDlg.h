@@ -1,6 +1,6 @@
 #pragma once
 
-#include "app/Win.h"
+#include "base/Win.h"
 
 // The Options dialog: which language the texts are in. Runs until it is closed.
 //

@@ -4,9 +4,9 @@
 #include "app/AppWindows_win.h"
 #include "app/CommandsWnd.h"
 #include "app/FileDialogsDlg.h"
-#include "app/Format_win.h"
 #include "app/FrameView_win.h"
-#include "app/Strings.h"
+#include "base/Format_win.h"
+#include "text/Strings.h"
 
 void ShowSourceStatus(int string)
 {

@@ -6,10 +6,10 @@
 #include "app/CommandsWnd.h"
 #include "app/FrameView_win.h"
 #include "app/ToolbarWnd.h"
-#include "fusion/ExposureFusionDlg.h"
-#include "fusion/PowerFusionDlg.h"
-#include "multiscale/SeriesWorkerWnd.h"
-#include "multiscale/ToneMapWorker_win.h"
+#include "tools/ExposureFusionDlg.h"
+#include "tools/PowerFusionDlg.h"
+#include "tools/SeriesWorkerWnd.h"
+#include "tools/ToneMapWorker_win.h"
 
 bool g_closeWanted;
 

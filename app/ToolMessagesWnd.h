@@ -1,6 +1,6 @@
 #pragma once
 
-#include "app/Win.h"
+#include "base/Win.h"
 
 // What tools, their workers and the zoom box tell the frame. Numbers and meanings: Messages.h. Run
 // on the window thread, also when a worker sends them.

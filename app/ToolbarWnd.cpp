@@ -3,11 +3,11 @@
 #include "app/AppState.h"
 #include "app/AppWindows_win.h"
 #include "app/CommandIds.h"
-#include "app/Format_win.h"
-#include "app/Messages.h"
-#include "app/Strings.h"
-#include "picture/ImageViewZoom.h"
+#include "base/Format_win.h"
 #include "picture/ResourceImage_win.h"
+#include "text/Strings.h"
+#include "tools/Messages.h"
+#include "view/ImageViewZoom.h"
 
 #include <commctrl.h>
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "app/Win.h"
+#include "base/Win.h"
 
 // The toolbar with the zoom box in it, and the command menu that its last button pops up.
 

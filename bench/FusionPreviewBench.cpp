@@ -4,9 +4,9 @@
 
 #include "bench/BenchPictures.h"
 #include "bench/BenchRun.h"
+#include "files/ImageFile.h"
 #include "fusion/FusionAccumulator.h"
-#include "fusion/FusionJob.h"
-#include "picture/ImageFile.h"
+#include "pipeline/FusionJob.h"
 
 constexpr int kSources = 11;
 

@@ -3,11 +3,11 @@
 
 #include "bench/BenchPictures.h"
 #include "bench/BenchRun.h"
+#include "contrast/LevelsOfDetail.h"
 #include "fusion/FusionKernels.h"
-#include "multiscale/DaylightSeries.h"
-#include "multiscale/Denoise.h"
-#include "multiscale/ExposureSeries.h"
-#include "multiscale/LevelsOfDetail.h"
+#include "series/DaylightSeries.h"
+#include "series/Denoise.h"
+#include "series/ExposureSeries.h"
 
 #include <cmath>
 #include <numeric>

@@ -2,7 +2,7 @@
 
 #include "bench/BenchPictures.h"
 #include "bench/BenchRun.h"
-#include "picture/ImageFile.h"
+#include "files/ImageFile.h"
 #include "picture/PicMap.h"
 
 #include <cmath>

@@ -3,9 +3,9 @@
 #include "bench/BenchPictures.h"
 #include "bench/BenchRun.h"
 #include "fusion/FusionAccumulator.h"
-#include "fusion/FusionJob.h"
-#include "fusion/FusionSources.h"
-#include "multiscale/SeriesRun.h"
+#include "pipeline/FusionJob.h"
+#include "pipeline/FusionSources.h"
+#include "series/SeriesRun.h"
 
 static std::vector<std::string> PathsOf(const SeriesRun& run)
 {

@@ -3,9 +3,9 @@
 
 #include "bench/BenchPictures.h"
 #include "bench/BenchRun.h"
-#include "multiscale/Pyramid.h"
-#include "multiscale/RemapRegions.h"
-#include "multiscale/ToneMap.h"
+#include "tonemap/Pyramid.h"
+#include "tonemap/RemapRegions.h"
+#include "tonemap/ToneMap.h"
 
 #include <algorithm>
 #include <chrono>

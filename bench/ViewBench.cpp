@@ -4,8 +4,8 @@
 
 #include "bench/BenchPictures.h"
 #include "bench/BenchRun.h"
-#include "picture/ImageViewZoom.h"
 #include "picture/PicTransformRows.h"
+#include "view/ImageViewZoom.h"
 
 #include <cmath>
 

@@ -1,9 +1,9 @@
 #include "cli/CommandLine.h"
 
-#include "picture/ImageFile.h"
+#include "files/ImageFile.h"
 
-#include "fusion/FusionThreads.h"
-#include "multiscale/RemapRegions.h"
+#include "base/ParallelRows.h"
+#include "tonemap/RemapRegions.h"
 
 #include <new>
 #include <ostream>

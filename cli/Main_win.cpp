@@ -1,6 +1,6 @@
 #include "cli/Program.h"
 
-#include "app/Win.h"
+#include "base/Win.h"
 
 #include <cstdio>
 #include <io.h>

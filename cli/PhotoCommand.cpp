@@ -3,7 +3,7 @@
 #include "cli/Progress.h"
 #include "cli/ResultFile.h"
 
-#include "picture/ImageCodec.h"
+#include "files/ImageCodec.h"
 
 #include <chrono>
 #include <filesystem>

@@ -2,7 +2,7 @@
 
 #include "cli/CommandLine.h"
 
-#include "multiscale/RunControl.h"
+#include "base/RunControl.h"
 #include "picture/PicBuf.h"
 
 // What all commands on single photographs have in common: where results go, reading, progress with

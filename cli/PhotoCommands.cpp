@@ -3,12 +3,12 @@
 #include "cli/PhotoCommand.h"
 #include "cli/Progress.h"
 
+#include "base/ShortMemory.h"
+#include "contrast/LevelsOfDetail.h"
 #include "fusion/FusionAccumulator.h"
-#include "multiscale/DaylightSeries.h"
-#include "multiscale/ExposureSeries.h"
-#include "multiscale/LevelsOfDetail.h"
-#include "multiscale/ToneMap.h"
-#include "picture/ShortMemory.h"
+#include "series/DaylightSeries.h"
+#include "series/ExposureSeries.h"
+#include "tonemap/ToneMap.h"
 
 static const char kNoMemory[] = "not enough memory for a picture of this size";
 

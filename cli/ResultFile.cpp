@@ -1,7 +1,7 @@
 #include "cli/ResultFile.h"
 
-#include "picture/ImageCodec.h"
-#include "picture/SystemFiles.h"
+#include "base/SystemFiles.h"
+#include "files/ImageCodec.h"
 
 struct EndingRow
 {

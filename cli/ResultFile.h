@@ -2,7 +2,7 @@
 
 #include "cli/CommandLine.h"
 
-#include "picture/ImageFile.h"
+#include "files/ImageFile.h"
 
 // Writing what a command made. Each function gives the reason of a failure, empty when all is well.
 

@@ -1,9 +1,9 @@
 #include "cli/CommandLine.h"
 #include "cli/Progress.h"
 
-#include "picture/ExifBlock.h"
-#include "picture/ImageFile.h"
-#include "picture/SystemFiles.h"
+#include "base/SystemFiles.h"
+#include "files/ExifBlock.h"
+#include "files/ImageFile.h"
 #include "sample/Scene.h"
 
 #include <filesystem>

@@ -2,8 +2,8 @@
 #include "cli/Progress.h"
 #include "cli/ResultFile.h"
 
-#include "multiscale/DaylightSeries.h"
-#include "multiscale/ExposureSeries.h"
+#include "series/DaylightSeries.h"
+#include "series/ExposureSeries.h"
 
 #include <filesystem>
 #include <ostream>

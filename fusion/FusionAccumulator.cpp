@@ -1,8 +1,8 @@
 #include "fusion/FusionAccumulator.h"
 
+#include "base/ParallelRows.h"
 #include "fusion/FusionFilter.h"
 #include "fusion/FusionKernels.h"
-#include "fusion/FusionThreads.h"
 #include "picture/FloatPlane.h"
 
 #include <algorithm>

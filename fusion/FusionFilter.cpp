@@ -1,7 +1,7 @@
 #include "fusion/FusionFilter.h"
 
+#include "base/ParallelRows.h"
 #include "fusion/FusionKernels.h"
-#include "fusion/FusionThreads.h"
 
 void FillGeneratingKernel(float kernel[5][5])
 {

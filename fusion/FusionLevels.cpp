@@ -1,6 +1,6 @@
 #include "fusion/FusionLevels.h"
 
-#include "fusion/FusionThreads.h"
+#include "base/ParallelRows.h"
 
 #include <algorithm>
 

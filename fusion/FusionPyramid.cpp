@@ -5,12 +5,12 @@
 // adding. Putting together keeps the level it comes from and the one it makes; the finest goes
 // straight into the picture.
 
+#include "base/ParallelRows.h"
+#include "base/ShortMemory.h"
 #include "fusion/FusionAccumulator.h"
 #include "fusion/FusionKernels.h"
 #include "fusion/FusionLevels.h"
-#include "fusion/FusionThreads.h"
 #include "fusion/FusionWeights.h"
-#include "picture/ShortMemory.h"
 
 #include <algorithm>
 #include <utility>

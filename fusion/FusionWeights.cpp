@@ -1,15 +1,10 @@
 #include "fusion/FusionWeights.h"
 
-#include "fusion/FusionThreads.h"
-
-#include <memory>
-
-#include <tbb/blocked_range.h>
 #include <tbb/blocked_range2d.h>
-#include <tbb/global_control.h>
 #include <tbb/parallel_for.h>
 
-// The only file that knows the task library.
+// Beside base/ParallelRows.cpp the only file that knows the task library: the weighting splits its
+// work along both axes.
 
 using TaskRange = tbb::blocked_range2d<int, int>;
 
@@ -103,30 +98,4 @@ void VcWeighBand(FusionBandJob job, FusionSamples samples, unsigned channels,
     else
         bitsPerComponent == 8 ? RunBody<VcUpdateAplitude_x8>(job, samples, firstRow, endRow)
                               : RunBody<VcUpdateAplitude_x16>(job, samples, firstRow, endRow);
-}
-
-void VcParallelRows(int rows, int rowSamples, const LoopBody<int, int>& rowRange)
-{
-    // Below some ten thousand samples a task costs more than its work.
-    constexpr int kSamplesPerTask = 16384;
-    const int grain = rowSamples > 0 ? (kSamplesPerTask + rowSamples - 1) / rowSamples : 1;
-    if (rows <= grain)
-    {
-        rowRange(0, rows);
-        return;
-    }
-    tbb::task_group_context context(tbb::task_group_context::bound);
-    tbb::parallel_for(
-        tbb::blocked_range<int>(0, rows, size_t(grain)),
-        [&](const tbb::blocked_range<int>& range) { rowRange(range.begin(), range.end()); },
-        tbb::auto_partitioner(), context);
-}
-
-void VcLimitThreads(int threads)
-{
-    static std::unique_ptr<tbb::global_control> limit;
-    limit.reset();
-    if (threads > 0)
-        limit = std::make_unique<tbb::global_control>(tbb::global_control::max_allowed_parallelism,
-                                                      size_t(threads));
 }

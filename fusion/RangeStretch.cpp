@@ -1,6 +1,6 @@
 #include "fusion/RangeStretch.h"
 
-#include "fusion/FusionThreads.h"
+#include "base/ParallelRows.h"
 
 static unsigned StretchedSample(unsigned v, unsigned lo, unsigned hi, unsigned max)
 {

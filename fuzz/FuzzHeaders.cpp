@@ -1,6 +1,6 @@
 #include "fuzz/FuzzTarget.h"
 
-#include "picture/FileHeaders.h"
+#include "files/FileHeaders.h"
 
 #include <cstdio>
 

@@ -1,7 +1,7 @@
 #include "fuzz/FuzzTarget.h"
 
-#include "picture/ImageFile.h"
-#include "picture/SystemFiles.h"
+#include "base/SystemFiles.h"
+#include "files/ImageFile.h"
 
 #include <sys/mman.h>
 #include <unistd.h>

@@ -1,11 +1,11 @@
 #include "fuzz/FuzzTarget.h"
 
 #include "app/FileNames.h"
-#include "app/LanguageFile.h"
-#include "app/Settings.h"
-#include "app/Strings.h"
 #include "cli/CommandLine.h"
-#include "picture/ImageViewZoom.h"
+#include "text/LanguageFile.h"
+#include "text/Strings.h"
+#include "tools/Settings.h"
+#include "view/ImageViewZoom.h"
 
 #include <algorithm>
 #include <cmath>

@@ -1,10 +1,10 @@
-#include "app/LanguageFile.h"
-#include "app/Settings.h"
-#include "app/Strings.h"
 #include "cli/CommandLine.h"
-#include "picture/ExifBlock.h"
-#include "picture/ImageFile.h"
-#include "picture/ImageViewZoom.h"
+#include "files/ExifBlock.h"
+#include "files/ImageFile.h"
+#include "text/LanguageFile.h"
+#include "text/Strings.h"
+#include "tools/Settings.h"
+#include "view/ImageViewZoom.h"
 
 #include <FreeImage.h>
 

@@ -1,6 +1,6 @@
 #include "picture/FloatPlane.h"
 
-#include "picture/LargeBlocks.h"
+#include "base/LargeBlocks.h"
 
 #include <new>
 

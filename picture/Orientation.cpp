@@ -1,6 +1,6 @@
 #include "picture/Orientation.h"
 
-#include "picture/ParallelRows.h"
+#include "base/ParallelRows.h"
 
 #include <algorithm>
 #include <cstring>

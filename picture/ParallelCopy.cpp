@@ -1,7 +1,7 @@
 #include "picture/ParallelCopy.h"
 
-#include "picture/ParallelRows.h"
-#include "picture/ShortMemory.h"
+#include "base/ParallelRows.h"
+#include "base/ShortMemory.h"
 
 void VcCopyPixels(SBxPicBuf* dst, const SBxPicBuf& src, const CBxSize<int>& size)
 {

@@ -1,6 +1,6 @@
 #include "picture/PicBuf.h"
 
-#include "picture/LargeBlocks.h"
+#include "base/LargeBlocks.h"
 
 #include <algorithm>
 #include <cstring>

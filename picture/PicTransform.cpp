@@ -1,4 +1,4 @@
-#include "picture/ParallelRows.h"
+#include "base/ParallelRows.h"
 #include "picture/PicBuf.h"
 #include "picture/PicMap.h"
 #include "picture/PicTransformFilters.h"

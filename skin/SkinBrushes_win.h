@@ -1,6 +1,6 @@
 #pragma once
 
-#include "app/Win.h"
+#include "base/Win.h"
 #include "skin/SkinTable.h"
 
 // A brush of SkinColor's colour, which stays the skin's; null for a negative index.

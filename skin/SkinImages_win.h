@@ -1,6 +1,6 @@
 #pragma once
 
-#include "app/Win.h"
+#include "base/Win.h"
 
 // Images of check boxes and radio buttons, loaded at first use and kept until the skin goes.
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "app/Win.h"
+#include "base/Win.h"
 
 // Keys of a converted button that looks like a push button, in dialogs that are modal. True when
 // the key has been used up.

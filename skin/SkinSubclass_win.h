@@ -1,6 +1,6 @@
 #pragma once
 
-#include "app/Win.h"
+#include "base/Win.h"
 
 // Windows whose procedure the skin has replaced, each with a count, since messages nest: only the
 // last release puts the old procedure back.

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "app/Win.h"
+#include "base/Win.h"
 #include "skin/SkinRules.h"
 
 // A message on its way to a window, with what the rules ask about the window.

@@ -1,14 +1,14 @@
+#include "base/ParallelRows.h"
 #include "cli/CommandLine.h"
+#include "contrast/LevelsOfDetail.h"
 #include "fusion/FusionAccumulator.h"
-#include "fusion/FusionJob.h"
-#include "fusion/FusionThreads.h"
-#include "multiscale/DaylightSeries.h"
-#include "multiscale/ExposureSeries.h"
-#include "multiscale/LevelsOfDetail.h"
-#include "multiscale/RemapRegions.h"
-#include "multiscale/SeriesRun.h"
-#include "multiscale/ToneMap.h"
+#include "pipeline/FusionJob.h"
+#include "series/DaylightSeries.h"
+#include "series/ExposureSeries.h"
+#include "series/SeriesRun.h"
 #include "tests/support/TestFiles.h"
+#include "tonemap/RemapRegions.h"
+#include "tonemap/ToneMap.h"
 
 #include <algorithm>
 #include <atomic>

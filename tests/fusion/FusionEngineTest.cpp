@@ -1,5 +1,5 @@
+#include "base/ParallelRows.h"
 #include "fusion/FusionAccumulator.h"
-#include "fusion/FusionThreads.h"
 #include "tests/support/Reference.h"
 #include "tests/support/TestPictures.h"
 #include "tests/support/Variants.h"

@@ -1,6 +1,6 @@
 #include "picture/PicTransformRows.h"
 
-#include "fusion/FusionThreads.h"
+#include "base/ParallelRows.h"
 #include "picture/PicMap.h"
 #include "tests/support/TestPictures.h"
 

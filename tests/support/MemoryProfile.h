@@ -1,6 +1,6 @@
 #pragma once
 
-#include "app/ProfileStore.h"
+#include "text/ProfileStore.h"
 
 #include <map>
 #include <string>

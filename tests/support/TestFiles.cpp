@@ -1,6 +1,6 @@
 #include "tests/support/TestFiles.h"
 
-#include "picture/SystemFiles.h"
+#include "base/SystemFiles.h"
 
 #include <algorithm>
 #include <atomic>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "picture/ImageFile.h"
+#include "files/ImageFile.h"
 #include "tests/support/TestPictures.h"
 
 #include <cstdint>

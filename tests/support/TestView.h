@@ -1,7 +1,7 @@
 #pragma once
 
-#include "picture/ImageViewZoom.h"
 #include "tests/support/TestPictures.h"
+#include "view/ImageViewZoom.h"
 
 // A view with a display of its own, which is all of its area. The display starts with 77
 // everywhere.

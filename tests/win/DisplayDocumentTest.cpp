@@ -1,5 +1,5 @@
-#include "picture/DisplayDocument_win.h"
 #include "picture/ResourceImage_win.h"
+#include "view/DisplayDocument_win.h"
 
 #include "tests/support/TestFiles.h"
 

@@ -4,9 +4,9 @@
 #include "app/AppWindows_win.h"
 #include "app/CommandIds.h"
 #include "app/FrameView_win.h"
-#include "app/Strings.h"
 #include "tests/support/TestFiles.h"
 #include "tests/win/ModalScript.h"
+#include "text/Strings.h"
 
 #include <gtest/gtest.h>
 

@@ -2,8 +2,8 @@
 
 #include "app/FileDialogsDlg.h"
 #include "app/FileDialogsIds.h"
-#include "app/ProfileStore.h"
 #include "tests/win/FrameHarness.h"
+#include "text/ProfileStore.h"
 
 #include <commctrl.h>
 #include <commdlg.h>

@@ -1,9 +1,9 @@
 // How the frame starts and ends: controls, settings, crash marker, questions.
 
-#include "app/Messages.h"
-#include "app/ProfileStore.h"
-#include "app/Settings.h"
 #include "tests/win/FrameHarness.h"
+#include "text/ProfileStore.h"
+#include "tools/Messages.h"
+#include "tools/Settings.h"
 
 #include <commctrl.h>
 

@@ -2,9 +2,9 @@
 // the scripted run.
 
 #include "app/DockerWnd.h"
-#include "app/Messages.h"
 #include "app/ToolbarWnd.h"
 #include "tests/win/FrameHarness.h"
+#include "tools/Messages.h"
 
 #include <commctrl.h>
 

@@ -1,12 +1,12 @@
 // The fusion dialogs and the series that lead to them, in the real frame.
 
-#include "app/Messages.h"
-#include "fusion/FusionDlgIds.h"
-#include "fusion/FusionJob.h"
-#include "multiscale/SeriesDlgIds.h"
-#include "multiscale/SeriesFolder_win.h"
+#include "pipeline/FusionJob.h"
 #include "tests/win/FrameHarness.h"
 #include "tests/win/ProfileFiles.h"
+#include "tools/FusionDlgIds.h"
+#include "tools/Messages.h"
+#include "tools/SeriesDlgIds.h"
+#include "tools/SeriesFolder_win.h"
 
 #include <commctrl.h>
 #include <psapi.h>

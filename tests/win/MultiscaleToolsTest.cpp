@@ -1,13 +1,13 @@
 // The dialogs of Smart Contrast and Tone Mapping in the real frame: states, ways out, what they
 // keep. Sliders and results are those of a person in tools_run.sh.
 
-#include "app/Messages.h"
-#include "app/ProfileStore.h"
-#include "app/Settings.h"
-#include "multiscale/LevelsOfDetail.h"
-#include "multiscale/MultiscaleDlgIds.h"
-#include "multiscale/SmartContrastModel.h"
+#include "contrast/LevelsOfDetail.h"
 #include "tests/win/FrameHarness.h"
+#include "text/ProfileStore.h"
+#include "tools/Messages.h"
+#include "tools/MultiscaleDlgIds.h"
+#include "tools/Settings.h"
+#include "tools/SmartContrastModel.h"
 
 #include <commctrl.h>
 

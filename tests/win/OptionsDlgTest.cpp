@@ -1,11 +1,11 @@
 #include "app/OptionsDlg.h"
 
-#include "app/LanguageFile.h"
 #include "app/OptionsIds.h"
-#include "app/Settings.h"
-#include "app/Strings.h"
 #include "tests/win/ModalScript.h"
 #include "tests/win/ProfileFiles.h"
+#include "text/LanguageFile.h"
+#include "text/Strings.h"
+#include "tools/Settings.h"
 
 #include <gtest/gtest.h>
 

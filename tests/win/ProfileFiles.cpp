@@ -1,7 +1,7 @@
 #include "tests/win/ProfileFiles.h"
 
-#include "app/ProfileStore.h"
-#include "app/Win.h"
+#include "base/Win.h"
+#include "text/ProfileStore.h"
 
 #include <cstdlib>
 #include <fstream>

@@ -1,5 +1,5 @@
 #include "app/CommandIds.h"
-#include "app/Win.h"
+#include "base/Win.h"
 
 #include <gtest/gtest.h>
 

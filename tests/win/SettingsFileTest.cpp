@@ -1,10 +1,10 @@
-#include "app/Format_win.h"
-#include "app/LanguageFile.h"
-#include "app/Settings.h"
-#include "app/Strings.h"
-#include "app/Win.h"
-#include "picture/ImageFile.h"
+#include "base/Format_win.h"
+#include "base/Win.h"
+#include "files/ImageFile.h"
 #include "tests/win/ProfileFiles.h"
+#include "text/LanguageFile.h"
+#include "text/Strings.h"
+#include "tools/Settings.h"
 
 #include <gtest/gtest.h>
 

@@ -2,11 +2,11 @@
 
 #include "app/AppWindows_win.h"
 #include "app/FrameView_win.h"
-#include "multiscale/MultiscaleDlgIds.h"
 #include "skin/SkinBrushes_win.h"
 #include "skin/SkinColors.h"
 #include "skin/SkinHooks_win.h"
 #include "tests/win/FrameHarness.h"
+#include "tools/MultiscaleDlgIds.h"
 
 #include <commctrl.h>
 

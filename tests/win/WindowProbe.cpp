@@ -15,7 +15,7 @@
 // Coordinates are those of the screen. The value is the position of a slider with its thumb's
 // centre and its range, or of a progress bar, the mark of a check box, the choice of a combo box.
 
-#include "app/Win.h"
+#include "base/Win.h"
 
 #include <commctrl.h>
 #include <fcntl.h>

@@ -20,7 +20,7 @@ probe=${PLENOVIZ_PROBE:-$root/build/windows/tests/win/WindowProbe.exe}
 cli=$root/run # of this machine, whatever the system of the program
 failed=0 modal='' modalText='' status='' viewTop=0 viewRight=0 viewBottom=0
 declare -A place able value text modalPlace shown
-eval "$(sed -n 's/^#define \(ID[A-Z0-9_]*\) \([0-9]*\)$/\1=\2/p' "$root"/{app,fusion,multiscale}/*Ids.h)"
+eval "$(sed -n 's/^#define \(ID[A-Z0-9_]*\) \([0-9]*\)$/\1=\2/p' "$root"/{app,tools}/*Ids.h)"
 IDOK=1 IDCANCEL=2 IDYES=6 IDNO=7
 
 Complain()

@@ -1,0 +1,103 @@
+#include "base/SystemFiles.h"
+
+#include "base/Win.h"
+
+#include <cerrno>
+
+static std::wstring Wide(UINT codePage, DWORD flags, const char* text)
+{
+    const int count = MultiByteToWideChar(codePage, flags, text, -1, nullptr, 0);
+    if (count <= 1)
+        return {};
+    std::wstring wide(size_t(count), L'\0');
+    MultiByteToWideChar(codePage, flags, text, -1, wide.data(), count);
+    wide.pop_back(); // the final zero
+    return wide;
+}
+
+std::wstring WideFromUtf8(const char* text)
+{
+    return Wide(CP_UTF8, MB_ERR_INVALID_CHARS, text);
+}
+
+std::wstring WideFromSavePath(const char* savePath)
+{
+    return Wide(CP_ACP, 0, savePath);
+}
+
+// False when the code page lacks a letter or the result is too long. UTF-8 has every letter and
+// does not take the flags that the other code pages need to own up to a substitution.
+static bool ToCodePage(std::string* text, const std::wstring& wide)
+{
+    const bool utf8 = GetACP() == CP_UTF8;
+    const DWORD flags = utf8 ? WC_ERR_INVALID_CHARS : WC_NO_BEST_FIT_CHARS;
+    BOOL substituted = FALSE;
+    char buffer[kMaxSavePathBytes + 1];
+    const int count = WideCharToMultiByte(CP_ACP, flags, wide.c_str(), -1, buffer, sizeof buffer,
+                                          nullptr, utf8 ? nullptr : &substituted);
+    if (count <= 1 || substituted)
+        return false;
+    *text = buffer;
+    return true;
+}
+
+// The path in 8.3 names, empty when there is no such file or the drive keeps no short names.
+static std::wstring ShortPath(const std::wstring& path)
+{
+    const DWORD size = GetShortPathNameW(path.c_str(), nullptr, 0);
+    std::wstring result(size, L'\0');
+    const DWORD count = size ? GetShortPathNameW(path.c_str(), result.data(), size) : 0;
+    result.resize(count < size ? count : 0);
+    return result;
+}
+
+bool SavePathFromWide(std::string* savePath, const wchar_t* path, PathUse use)
+{
+    savePath->clear();
+    const std::wstring whole = path;
+    if (whole.empty())
+        return true;
+    if (ToCodePage(savePath, whole))
+        return false;
+    if (use == PathUse::Source)
+    {
+        const std::wstring shortPath = ShortPath(whole);
+        return shortPath.empty() || !ToCodePage(savePath, shortPath);
+    }
+    // A new file gets the name that was asked for or none: only its folder may be written short.
+    const size_t split = whole.find_last_of(L"\\/");
+    if (split == std::wstring::npos)
+        return true;
+    const std::wstring folder = ShortPath(whole.substr(0, split + 1));
+    return folder.empty() || !ToCodePage(savePath, folder + whole.substr(split + 1));
+}
+
+bool SavePathFromUtf8(std::string* savePath, const char* path, PathUse use)
+{
+    return SavePathFromWide(savePath, WideFromUtf8(path).c_str(), use);
+}
+
+static FILE* OpenWide(const std::wstring& path)
+{
+    if (!path.empty())
+        return _wfopen(path.c_str(), L"rbN"); // N: not for child processes
+    errno = ENOENT;
+    return nullptr;
+}
+
+FILE* OpenUtf8Path(const char* path)
+{
+    return OpenWide(WideFromUtf8(path));
+}
+
+FILE* OpenSavePath(const char* savePath)
+{
+    return OpenWide(WideFromSavePath(savePath));
+}
+
+int64_t PhysicalMemoryBytes()
+{
+    MEMORYSTATUSEX status = {};
+    status.dwLength = sizeof status;
+    return GlobalMemoryStatusEx(&status) ? int64_t(status.ullTotalPhys) : INT64_MAX;
+}

@@ -1,0 +1,95 @@
+#pragma once
+
+#include "base/Geometry.h"
+#include "base/RunControl.h"
+#include "picture/FloatPlane.h"
+#include "picture/PicBuf.h"
+
+// Smart contrast: a picture is split into a Laplacian pyramid once and put together again with a
+// gain per level, as often as a slider moves. Every component is treated as it is stored, and
+// samples keep their own scale (0..255 or 0..65535). The filters are those of exposure fusion
+// (VcReduce and VcExpand with the same kernel), whose windows move inside at the borders; the
+// picture is therefore padded on all sides first, and the padding cut off afterwards.
+//
+// Everything that returns bool says true on failure or when it was cancelled. Rows are split over
+// the task pool; results have the same bits whatever the number of threads.
+
+constexpr int kDetailLevels = 8; // the most levels, and the number of sliders
+
+// What a level's number 0..30 means. Numbers from outside (a settings file, a command line) are
+// clamped here, for the slider and the gain alike.
+int ClampLevelOfDetail(int lod);
+float LevelGain(int lod); // a tenth of the clamped number: 10 leaves the level as it is
+
+// Halvings of the shorter side while it has at least 11 samples, at most kDetailLevels.
+int CountDetailLevels(int width, int height);
+
+// Where a picture lies in its padded copy.
+struct DetailPadding
+{
+    int levels;
+    int width, height; // of the padded picture: multiples of 2^levels
+    int x, y;          // the picture's top left pixel
+};
+DetailPadding DetailPaddingOf(int width, int height);
+
+// Fill the padding around the width * height pixels at (x, y): every row is extended with its
+// first and last pixel, then the first and the last row are repeated.
+void ReplicateBorder8(SBxPicBuf* padded, int x, int y, int width, int height);
+void ReplicateBorder16(SBxPicBuf* padded, int x, int y, int width, int height);
+
+// A picture taken apart. The Laplacian planes and the coarsest Gaussian of each component are what
+// counts; the finer Gaussians are only ever on the way up or down, so one set of them serves all
+// components, and every recomposition overwrites it.
+struct LevelsOfDetail
+{
+    int components = 0, bitsPerComponent = 0;
+    int width = 0, height = 0; // of the padded picture
+    int levels = 0;            // L
+    int levelWidth[kDetailLevels + 1] = {}, levelHeight[kDetailLevels + 1] = {};
+    float kernel[5][5] = {};
+    FloatPlane laplace[3][kDetailLevels]; // per component, levels 0..L-1
+    FloatPlane coarsest[3];               // per component, Gaussian level L
+    FloatPlane gauss[kDetailLevels];      // levels 0..L-1 of the component at hand
+};
+
+// Frees all planes; copes with a half-filled record.
+void ReleaseLevelsOfDetail(LevelsOfDetail* record);
+
+// Takes the padded picture apart (1 or 3 components, 8 or 16 bits) into at most maxLevels levels;
+// whatever the record held is released. True when memory is short or the run was cancelled, which
+// is asked once a level; the record is empty then.
+[[nodiscard]] bool Decompose(LevelsOfDetail* record, const SBxPicBuf& padded, int maxLevels,
+                             const RunControl& control = {});
+
+// Puts all components together again. gains[i] belongs to level i; those from L on are not looked
+// at, since the coarsest level has no gain. Refused (true) when the output has not the components,
+// bits and size of the record.
+[[nodiscard]] bool Recompose(SBxPicBuf* padded, LevelsOfDetail* record,
+                             const float gains[kDetailLevels], const RunControl& control = {});
+
+// The same for a rectangle of the output, which is clipped to it; the rest of the output stays as
+// it is. Of each level only what that takes is put together, and the pixels are those of the whole.
+[[nodiscard]] bool RecomposeRegion(SBxPicBuf* padded, LevelsOfDetail* record,
+                                   const float gains[kDetailLevels], const CBxRect<int>& region);
+
+// The same for one component of the output. With autoStretch, its smallest and largest value are
+// spread over the whole range.
+[[nodiscard]] bool RecomposeComponent(SBxPicBuf* padded, LevelsOfDetail* record, bool autoStretch,
+                                      const float gains[kDetailLevels], int component,
+                                      const RunControl& control = {});
+
+// Write a packed float plane into a component of an 8- or 16-bit picture of its size: rounded to
+// nearest and clamped, after spreading its range if asked to. The third writes a rectangle only,
+// and spreads nothing.
+void ToInteger8(SBxPicBuf* picture, int component, const float* plane, bool autoStretch);
+void ToInteger16(SBxPicBuf* picture, int component, const float* plane, bool autoStretch);
+void ToIntegerRect(SBxPicBuf* picture, int component, const float* plane, const CBxRect<int>& rect);
+
+// The whole job for one picture, component by component, so that a third of the planes is enough
+// for colour. `out` has the geometry of `in` and may be `in`. Advances kSmartContrastSteps times a
+// component; polls once a level. True when memory is short or the run was cancelled; `out` is
+// then worthless.
+constexpr int kSmartContrastSteps = 2;
+[[nodiscard]] bool SmartContrastPicture(SBxPicBuf* out, const SBxPicBuf& in,
+                                        const int lod[kDetailLevels], const RunControl& control);

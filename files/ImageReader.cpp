@@ -1,0 +1,181 @@
+#include "files/ImageReader.h"
+
+#include "base/SystemFiles.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <cstring>
+#include <string>
+
+// Files are opened here and handed to FreeImage as streams: on Windows it takes wide names, on
+// other systems narrow ones only, and a stream shows every short write, which FreeImage does not
+// report (most of its encoders call a file on a full disk a success).
+
+static unsigned DLL_CALLCONV ReadStream(void* buffer, unsigned size, unsigned count,
+                                        fi_handle handle)
+{
+    ImageStream* stream = static_cast<ImageStream*>(handle);
+    const std::vector<MaskedByte>& masked = stream->masked;
+    const long start = masked.empty() ? 0 : std::ftell(stream->file);
+    const size_t done = std::fread(buffer, size, count, stream->file);
+    const auto before = [](const MaskedByte& byte, long offset) { return byte.offset < offset; };
+    auto byte = std::lower_bound(masked.begin(), masked.end(), start, before);
+    for (; byte != masked.end() && uint64_t(byte->offset - start) < uint64_t(size) * count; ++byte)
+        static_cast<uint8_t*>(buffer)[byte->offset - start] = byte->shown;
+    return unsigned(done);
+}
+
+// After an error the encoder is kept going with the good news that it expects: the file is lost
+// anyway, and some of FreeImage's ways out of a failed write leak memory.
+static unsigned DLL_CALLCONV WriteStream(void* buffer, unsigned size, unsigned count,
+                                         fi_handle handle)
+{
+    ImageStream* stream = static_cast<ImageStream*>(handle);
+    if (!stream->error && size != 0 && std::fwrite(buffer, size, count, stream->file) != count)
+        stream->error = errno ? errno : EIO;
+    return count;
+}
+
+static int DLL_CALLCONV SeekStream(fi_handle handle, long offset, int origin)
+{
+    return std::fseek(static_cast<ImageStream*>(handle)->file, offset, origin);
+}
+
+static long DLL_CALLCONV TellStream(fi_handle handle)
+{
+    return std::ftell(static_cast<ImageStream*>(handle)->file);
+}
+
+FreeImageIO StreamFunctions()
+{
+    return {ReadStream, WriteStream, SeekStream, TellStream};
+}
+
+// Camera raw files mostly look like TIFF files: their names have to say so, too.
+static bool IsRaw(FILE* file, const char* name)
+{
+    const char* point = std::strrchr(name, '.');
+    if (!point || !LooksLikeRaw(file))
+        return false;
+    std::string ending = point + 1;
+    for (char& letter : ending)
+        letter = letter >= 'A' && letter <= 'Z' ? char(letter - 'A' + 'a') : letter;
+    const std::string known = std::string(",") + FreeImage_GetFIFExtensionList(FIF_RAW) + ",";
+    return known.find("," + ending + ",") != known.npos;
+}
+
+LoadProblem FindReadableFormat(FREE_IMAGE_FORMAT* format, ImageStream* stream, const char* name)
+{
+    FreeImageIO io = StreamFunctions();
+    const bool raw = IsRaw(stream->file, name);
+    std::rewind(stream->file);
+    *format = raw ? FIF_RAW : FreeImage_GetFileTypeFromHandle(&io, stream, 0);
+    if (*format == FIF_UNKNOWN)
+        *format = FREE_IMAGE_FORMAT(FormatFromFileName(name));
+    if (*format == FIF_UNKNOWN)
+        return LoadProblem::UnknownFormat;
+    return FreeImage_FIFSupportsReading(*format) ? LoadProblem::None : LoadProblem::NotReadable;
+}
+
+static std::vector<MaskedByte> MaskedBytes(FREE_IMAGE_FORMAT format, FILE* file)
+{
+    switch (format)
+    {
+    case FIF_JPEG:
+    case FIF_WEBP:
+    case FIF_RAW: return MaskedExif(file); // of the preview
+    case FIF_BMP: return MaskedBmpHeader(file);
+    case FIF_TIFF: return MaskedTiffEntries(file);
+    case FIF_PNG: return MaskedPngProfiles(file);
+    default: return {};
+    }
+}
+
+BitmapOwner Decode(FREE_IMAGE_FORMAT format, ImageStream* stream, int flags)
+{
+    FreeImageIO io = StreamFunctions();
+    if (stream->masked.empty())
+        stream->masked = MaskedBytes(format, stream->file);
+    std::rewind(stream->file);
+    // A decoder that runs out of memory half-way may throw instead of giving up.
+    try
+    {
+        return BitmapOwner(FreeImage_LoadFromHandle(format, &io, stream, flags));
+    }
+    catch (...)
+    {
+        return nullptr;
+    }
+}
+
+LoadProblem ProblemOf(BitmapFit fit)
+{
+    switch (fit)
+    {
+    case BitmapFit::Fits: return LoadProblem::None;
+    case BitmapFit::TooLarge: return LoadProblem::TooLarge;
+    case BitmapFit::KindNotSupported: break;
+    }
+    return LoadProblem::KindNotSupported;
+}
+
+static bool IsPortableMap(FREE_IMAGE_FORMAT format)
+{
+    return format == FIF_PBM || format == FIF_PGM || format == FIF_PPM || format == FIF_PBMRAW ||
+           format == FIF_PGMRAW || format == FIF_PPMRAW;
+}
+
+// Portable maps are not packed. FreeImage asks for each of their samples in turn, without noticing
+// the end of the file: a few bytes could keep it busy for minutes.
+static bool HasItsPixels(ImageStream* stream, FIBITMAP* header)
+{
+    const int64_t bytes = int64_t(FreeImage_GetWidth(header)) * FreeImage_GetHeight(header) *
+                          FreeImage_GetBPP(header) / 8;
+    return std::fseek(stream->file, 0, SEEK_END) == 0 && bytes <= std::ftell(stream->file);
+}
+
+LoadProblem CheckHeader(FREE_IMAGE_FORMAT format, ImageStream* stream)
+{
+    if (format == FIF_GIF)
+    {
+        int width = 0, height = 0;
+        const bool known = GifFrameSize(stream->file, &width, &height);
+        const int64_t bytes = PictureBytes(width, height, 1, 8);
+        const bool fits = bytes >= 0 && 2 * bytes <= PhysicalMemoryBytes();
+        return !known || fits ? LoadProblem::None : LoadProblem::TooLarge;
+    }
+    if (format == FIF_PNG && !PngChunksFit(stream->file))
+        return LoadProblem::DecoderFailed;
+    if (!FreeImage_FIFSupportsNoPixels(format))
+        return LoadProblem::None;
+    const BitmapOwner header = Decode(format, stream, FIF_LOAD_NOPIXELS);
+    if (!header)
+        return LoadProblem::DecoderFailed;
+    const LoadProblem problem = ProblemOf(FitOfBitmap(header.get()));
+    if (problem != LoadProblem::None)
+        return problem;
+    const bool empty = IsPortableMap(format) && !HasItsPixels(stream, header.get());
+    return empty ? LoadProblem::DecoderFailed : LoadProblem::None;
+}
+
+BitmapOwner LoadWhole(FREE_IMAGE_FORMAT format, ImageStream* stream, LoadProblem* problem)
+{
+    *problem = CheckHeader(format, stream);
+    if (*problem != LoadProblem::None)
+        return nullptr;
+    BitmapOwner bitmap = Decode(format, stream, format == FIF_JPEG ? JPEG_ACCURATE : 0);
+    if (!bitmap)
+        *problem = LoadProblem::DecoderFailed;
+    return bitmap;
+}
+
+LoadProblem OpenPicture(const char* path, FileOwner* file, ImageStream* stream,
+                        FREE_IMAGE_FORMAT* format)
+{
+    file->reset(OpenUtf8Path(path));
+    if (!*file)
+        return errno == ENOENT || errno == ENOTDIR ? LoadProblem::NoSuchFile
+                                                   : LoadProblem::CannotOpen;
+    stream->file = file->get();
+    return FindReadableFormat(format, stream, path);
+}

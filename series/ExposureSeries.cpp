@@ -1,0 +1,135 @@
+#include "series/ExposureSeries.h"
+
+#include "base/ShortMemory.h"
+#include "fusion/RangeStretch.h"
+#include "series/Denoise.h"
+
+#include <algorithm>
+#include <cstdio>
+
+constexpr int kBrightened = 5; // exposures 0..4
+
+ExposureRange ExposureRangeOf(int number, int bitsPerComponent)
+{
+    const unsigned unit = 1u << (bitsPerComponent - 8);
+    if (number < kBrightened)
+        return {0, 40 * unsigned(6 - number) * unit};
+    return {40 * unsigned(number - kBrightened) * unit, (1u << bitsPerComponent) - 1};
+}
+
+std::string ExposureFileName(int number)
+{
+    char name[32];
+    std::snprintf(name, sizeof(name), "file_%.3i.tif", number);
+    return name;
+}
+
+int ExposurePercent(int number)
+{
+    if (number == 0)
+        return 5;
+    return number < kBrightened ? 25 * number - 20 : 82 + 2 * (number - kBrightened);
+}
+
+unsigned ClampNoiseLevel(int level)
+{
+    return unsigned(std::clamp(level, 0, int(kNoiseLevels) - 1));
+}
+
+int DenoiseRadius(int number, unsigned noiseLevel)
+{
+    if (number < 2 || number >= kBrightened || 3 * noiseLevel <= 1)
+        return 0;
+    return 2 + number * int((3 * noiseLevel) >> 1);
+}
+
+void MakeExposure(SBxPicBuf* dst, const SBxPicBuf& source, int number)
+{
+    const ExposureRange range = ExposureRangeOf(number, source.bitsPerComponent);
+    if (source.bitsPerComponent == 8)
+        VcStretchRange8(dst, source, range.lo, range.hi);
+    else
+        VcStretchRange16(dst, source, range.lo, range.hi);
+}
+
+namespace
+{
+struct SeriesPictures
+{
+    SBxPicBuf working = {}, scratch = {};
+
+    ~SeriesPictures()
+    {
+        CBxPicBufAPI::DoneHeap(&working);
+        CBxPicBufAPI::DoneHeap(&scratch);
+    }
+};
+} // namespace
+
+// The filter reads a copy. Whether it was stopped is of no interest: the picture is handed on as
+// far as it got, and the series finds the stop by itself. True when memory is short.
+static bool DenoiseExposure(SeriesPictures* pictures, int radius, double cache[3],
+                            const SeriesControl& control)
+{
+    SBxPicBuf* scratch = &pictures->scratch;
+    CBxPicBufAPI::ReinitHeap(scratch, pictures->working);
+    if (!scratch->data)
+        return true;
+    CBxPicBufAPI::Copy(scratch, pictures->working);
+    RunControl stop;
+    stop.cancelled = [&control] { return control.Ending(); };
+    return DenoiseTiled(&pictures->working, *scratch, radius, radius, 1.0, cache,
+                        control.denoiseThreads, stop) &&
+           !control.Ending();
+}
+
+// A brightened exposure says nothing once a cancel has come; a darkened one still moves the bar.
+static void ReportExposure(int number, const SeriesControl& control)
+{
+    const bool cancelled = control.CancelRequested();
+    if (number == 0 || (cancelled && number < kBrightened) || !control.progress)
+        return;
+    const int percent = ExposurePercent(number);
+    control.progress({percent, percent, !cancelled});
+}
+
+// Counts the exposures in `made`; true when the series ended early.
+static bool MakeExposures(int* made, const SBxPicBuf& source, unsigned noiseLevel,
+                          const SeriesSink& sink, const SeriesControl& control)
+{
+    SeriesPictures pictures;
+    CBxPicBufAPI::ReinitHeap(&pictures.working, source);
+    if (!pictures.working.data)
+        return true;
+    double noise[3] = {-1.0, -1.0, -1.0}; // estimated by the first denoising, for all three
+    for (int k = 0; k < kExposures; *made = ++k)
+    {
+        MakeExposure(&pictures.working, source, k);
+        const int radius = DenoiseRadius(k, noiseLevel);
+        if (radius > 0 && DenoiseExposure(&pictures, radius, noise, control))
+            return true;
+        if (sink(k, pictures.working, ExposureFileName(k).c_str()))
+            return true;
+        ReportExposure(k, control);
+        if (control.Ending())
+            return true;
+    }
+    return false;
+}
+
+int MakeExposureSeries(const SBxPicBuf& source, unsigned noiseLevel, const SeriesSink& sink,
+                       const SeriesControl& control)
+{
+    int made = 0;
+    (void)FailsOrLacksMemory([&]
+                             { return MakeExposures(&made, source, noiseLevel, sink, control); });
+    return made;
+}
+
+uint8_t ProcessorCount(uint64_t processMask, uint64_t systemMask)
+{
+    uint8_t count = 0;
+    for (uint64_t mask = processMask & systemMask; mask != 0; mask >>= 1)
+        ++count;
+    return count;
+}

@@ -1,0 +1,193 @@
+#include "tonemap/ToneMap.h"
+
+#include "tests/support/TestPictures.h"
+#include "tonemap/Pyramid.h"
+#include "tonemap/RemapRegions.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <vector>
+
+namespace
+{
+
+// Sliders at 10, where they start.
+const ToneMapParams kDefaults = ToneMapParamsOf(10, 10, 10, 10);
+
+int Map(SBxPicBuf* out, const SBxPicBuf& in, const ToneMapParams& p, bool useColors,
+        ToneMapMethod method = ToneMapMethod::Direct, const RunControl& control = {})
+{
+    return ToneMapPicture(out, in, kToneMapLevels, p.p1, p.p2, p.p3, p.p4, useColors, control,
+                          method);
+}
+
+TestPicture Mapped(const TestPicture& in, const ToneMapParams& p, bool useColors,
+                   ToneMapMethod method = ToneMapMethod::Direct)
+{
+    TestPicture out = TestPicture::Like(in.pic);
+    EXPECT_EQ(Map(&out.pic, in.pic, p, useColors, method), kToneMapDone);
+    return out;
+}
+
+TestPicture FloatPlaneOf(const TestPicture& scene)
+{
+    return PictureOf(scene.pic.width, scene.pic.height, 1, 32,
+                     [&](int x, int y, int) { return scene.At(x, y); });
+}
+
+TestPicture MappedPlane(const TestPicture& plane, const ToneMapParams& p, ToneMapMethod method)
+{
+    TestPicture out = TestPicture::Like(plane.pic);
+    EXPECT_FALSE(
+        ToneMapPlane(&out.pic, plane.pic, kToneMapLevels, p.p1, p.p2, p.p3, p.p4, {}, method));
+    return out;
+}
+
+} // namespace
+
+TEST(ToneMapParams, GiveTheConstantsOfTheSliders)
+{
+    EXPECT_NEAR(kDefaults.p1, 0.22, 1e-7);
+    EXPECT_NEAR(kDefaults.p2, 0.22, 1e-7);
+    EXPECT_EQ(kDefaults.p3, 0.5);
+    EXPECT_NEAR(kDefaults.p4, 0.8, 1e-7);
+    const RemapConstants k =
+        RemapConstantsOf(kDefaults.p1, kDefaults.p2, kDefaults.p3, kDefaults.p4);
+    EXPECT_NEAR(k.sigma, 56.1001f, 1e-5);
+    EXPECT_NEAR(k.noise, 2.805f, 1e-5);
+    EXPECT_NEAR(k.curveStep, 0.0561001f, 1e-7);
+    EXPECT_NEAR(k.beta, 1.6f, 1e-6);
+    EXPECT_EQ(ToneMapParamsOf(1, 1, 50, 50).p3, 0.0);
+    EXPECT_EQ(ToneMapParamsOf(1, 1, 50, 50).p4, 0.0);
+}
+
+TEST(Remapping, KeepsNoiseLiftsDetailAndScalesEdges)
+{
+    const RemapConstants k =
+        RemapConstantsOf(kDefaults.p1, kDefaults.p2, kDefaults.p3, kDefaults.p4);
+    std::vector<float> curve(kRemapCurveEntries);
+    FillRemapCurve(curve.data(), k.alpha);
+    const float cases[][2] = {{100, 100},      {101, 101},      {102, 102},      {104, 108.664f},
+                              {106, 118.265f}, {110, 123.669f}, {120, 133.473f}, {156, 156.044f},
+                              {157, 157.540f}, {200, 226.340f}, {90, 76.331f},   {20, 5.660f}};
+    for (const auto& c : cases)
+        EXPECT_NEAR(RemapSample(c[0], 100.0f, k, curve.data()), c[1], 2e-3) << c[0];
+    // Exactly sigma away is an edge already, where both branches meet.
+    EXPECT_EQ(RemapSample(k.sigma, 0.0f, k, curve.data()), k.sigma);
+
+    FillRemapCurve(curve.data(), 0.0);
+    EXPECT_EQ(curve[0], 1.0f) << "nothing to the power of nothing";
+    EXPECT_NEAR(RemapSample(140.0f, 100.0f, k, curve.data()), 100.0f + k.sigma, 1e-4);
+}
+
+TEST(RemapGrid, HasNeighbourhoodsThatDoNotTouch)
+{
+    const int expected[][4] = {
+        {0, 0, 9, 9}, {0, 1, 21, 11}, {0, 2, 45, 12}, {0, 3, 93, 12}, {1, 3, 93, 12}};
+    for (int level = 0; level < 5; ++level)
+    {
+        const RemapGrid grid = RemapGridOf(level);
+        EXPECT_EQ(grid.fine, expected[level][0]);
+        EXPECT_EQ(grid.shift, expected[level][1]);
+        EXPECT_EQ(grid.size, expected[level][2]);
+        EXPECT_EQ(grid.step, expected[level][3]);
+        EXPECT_GE(grid.step << grid.shift, grid.size);
+    }
+}
+
+// The direct sums against the definition, on planes with and without partial steps.
+TEST(ToneMapping, GivesWhatThePhasesGive)
+{
+    const ToneMapParams settings[] = {kDefaults, ToneMapParamsOf(35, 1, 45, 30),
+                                      ToneMapParamsOf(3, 30, 1, 1)};
+    const CBxSize<int> sizes[] = {{64, 64}, {96, 64}, {128, 160}, {320, 96}};
+    for (const ToneMapParams& p : settings)
+        for (const auto& size : sizes)
+        {
+            const TestPicture plane = FloatPlaneOf(ScenePicture(size.cx, size.cy, 1, 8, 1));
+            const TestPicture direct = MappedPlane(plane, p, ToneMapMethod::Direct);
+            const TestPicture phases = MappedPlane(plane, p, ToneMapMethod::Phases);
+            SCOPED_TRACE(::testing::Message() << size.cx << "x" << size.cy << ", p1 " << p.p1);
+            ExpectSamePicture(direct.pic, phases.pic, 1e-3);
+        }
+}
+
+TEST(ToneMapping, LeavesFlatPicturesFlat)
+{
+    for (const auto& p : {kDefaults, ToneMapParamsOf(1, 1, 50, 50), ToneMapParamsOf(50, 50, 1, 1)})
+    {
+        const TestPicture flat = FlatPicture(40, 31, 8, {30, 140, 250});
+        ExpectSamePicture(Mapped(flat, p, true).pic, flat.pic, 1);
+        const TestPicture pixel = FlatPicture(1, 1, 16, {40000});
+        ExpectSamePicture(Mapped(pixel, p, true).pic, pixel.pic, 1);
+    }
+}
+
+TEST(ToneMapping, OfLuminanceAloneKeepsTheChromaPlanes)
+{
+    const TestPicture scene = PictureOf(80, 60, 3, 16,
+                                        [](int x, int y, int c)
+                                        {
+                                            return 20000 + 150 * x + (y / 9 % 2) * 3000 +
+                                                   1000 * c; // far from both ends of the range
+                                        });
+    TestPicture before(80, 60, 3, 16), after(80, 60, 3, 16);
+    CBxPicBufAPI::ConvertRGBtoYUV(&before.pic, scene.pic);
+    const TestPicture mapped = Mapped(scene, kDefaults, false);
+    CBxPicBufAPI::ConvertRGBtoYUV(&after.pic, mapped.pic);
+    double lumaChange = 0.0;
+    for (int y = 0; y < 60; ++y)
+        for (int x = 0; x < 80; ++x)
+        {
+            lumaChange = std::max(lumaChange, std::fabs(after.At(x, y, 0) - before.At(x, y, 0)));
+            ASSERT_NEAR(after.At(x, y, 1), before.At(x, y, 1), 1) << x << ", " << y;
+            ASSERT_NEAR(after.At(x, y, 2), before.At(x, y, 2), 1) << x << ", " << y;
+        }
+    EXPECT_GT(lumaChange, 500.0);
+}
+
+TEST(ToneMapping, StopsAtEveryLookAtTheFlagAndWritesNothing)
+{
+    const TestPicture scene = ScenePicture(90, 70, 3, 8, 0),
+                      flat = FlatPicture(90, 70, 8, {1, 2, 3});
+    LimitRemapThreads(1); // or the number of looks would vary
+    for (const ToneMapMethod method : {ToneMapMethod::Direct, ToneMapMethod::Phases})
+    {
+        int looks = 0, allowed = 1 << 30;
+        RunControl control;
+        control.cancelled = [&] { return looks >= allowed || ++looks == allowed; };
+        TestPicture out = TestPicture::Like(scene.pic);
+        ASSERT_EQ(Map(&out.pic, scene.pic, kDefaults, true, method, control), kToneMapDone);
+        const int all = looks;
+        EXPECT_GT(all, 30);
+        for (allowed = 1; allowed <= all; allowed += allowed < 12 ? 1 : (all - 12) / 8)
+        {
+            looks = 0;
+            TestPicture untouched = FlatPicture(90, 70, 8, {1, 2, 3});
+            ASSERT_EQ(Map(&untouched.pic, scene.pic, kDefaults, true, method, control),
+                      kToneMapCancelled)
+                << allowed << " of " << all;
+            ExpectSamePicture(untouched.pic, flat.pic);
+        }
+    }
+    LimitRemapThreads(0);
+}
+
+// Taken from the native build; holds for every instruction set, thread count and system.
+TEST(ToneMapping, GivesTheSameBitsOnEveryBuild)
+{
+    const TestPicture scene = ScenePicture(301, 203, 3, 16, 0);
+    for (int variant = 0; variant < 4; ++variant)
+        for (const int threads : {1, 2, 8})
+        {
+            if (!ForceRemapVariant(variant))
+                continue;
+            LimitRemapThreads(threads);
+            EXPECT_EQ(HashOf(Mapped(scene, ToneMapParamsOf(20, 4, 33, 8), true).pic),
+                      17465508449943024907u)
+                << variant << ", " << threads << " threads";
+        }
+    ForceRemapVariant(0);
+    LimitRemapThreads(0);
+}

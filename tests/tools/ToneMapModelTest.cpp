@@ -1,0 +1,216 @@
+#include "tools/ToneMapModel.h"
+
+#include "tests/support/TestPictures.h"
+
+#include <vector>
+
+namespace
+{
+
+constexpr int kTens[kToneMapSliders] = {10, 10, 10, 10};
+
+// A photograph, a preview picture that starts as a copy of it, and the model over both.
+struct Tool
+{
+    TestPicture source, preview;
+    ToneMapModel model;
+
+    Tool(int width, int height, int components = 3, int bits = 8)
+        : source(ScenePicture(width, height, components, bits, 0)),
+          preview(ScenePicture(width, height, components, bits, 0))
+    {
+        StartToneMapModel(&model, source.pic, kTens, true);
+    }
+
+    void Render() { EXPECT_FALSE(RenderToneMapPreview(&preview.pic, &model, source.pic)); }
+
+    // Samples of the preview that are not the source's, inside and outside of a rectangle.
+    void CountChanges(const CBxRect<int>& rect, int* inside, int* outside) const
+    {
+        *inside = *outside = 0;
+        for (int y = 0; y < source.pic.height; ++y)
+            for (int x = 0; x < source.pic.width; ++x)
+            {
+                const bool within =
+                    x >= rect.left && x < rect.right && y >= rect.top && y < rect.bottom;
+                for (int c = 0; c < source.pic.components; ++c)
+                    *(within ? inside : outside) += source.At(x, y, c) != preview.At(x, y, c);
+            }
+    }
+};
+
+void ExpectRect(const CBxRect<int>& a, const CBxRect<int>& b)
+{
+    EXPECT_EQ((std::vector<int>{a.left, a.top, a.right, a.bottom}),
+              (std::vector<int>{b.left, b.top, b.right, b.bottom}));
+}
+
+} // namespace
+
+TEST(PreviewRectangle, ReachesAsFarAsThePicture)
+{
+    const struct
+    {
+        CBxPoint<double> centre;
+        CBxSize<int> picture;
+        CBxRect<int> rect;
+    } cases[] = {
+        {{1000.7, 600.2}, {2832, 2128}, {744, 344, 1256, 856}},
+        {{256, 257}, {2832, 2128}, {0, 1, 512, 513}},
+        {{10, 2120}, {2832, 2128}, {0, 1864, 266, 2128}},
+        {{50, 50}, {100, 80}, {0, 0, 100, 80}},
+        {{-4000, 9000}, {2832, 2128}, {0, 1872, 256, 2128}}, // panned out of sight
+        {{0, 0}, {1, 1}, {0, 0, 1, 1}},
+    };
+    for (const auto& c : cases)
+        ExpectRect(PreviewRectAround(c.centre, c.picture), c.rect);
+}
+
+TEST(ToneMapModel, RendersThePreviewOnlyWhenItIsOnAndBehind)
+{
+    Tool tool(60, 50);
+    ToneMapModel* model = &tool.model;
+    EXPECT_FALSE(ToneMapSliderMoved(model, 0, SliderMove::Up, 0)) << "the preview is off";
+    EXPECT_EQ(model->choice.slider[0], 11);
+    EXPECT_FALSE(ToneMapSliderMoved(model, 0, SliderMove::Drop, 20));
+    EXPECT_TRUE(ToneMapPreviewToggled(model, true, {30, 25}));
+    tool.Render();
+
+    const struct
+    {
+        SliderMove move;
+        int thumb, value;
+        bool render;
+    } steps[] = {{SliderMove::Up, 0, 21, true},     {SliderMove::Down, 0, 20, false},
+                 {SliderMove::Drag, 33, 33, false}, {SliderMove::Other, 0, 33, true},
+                 {SliderMove::Drop, 20, 20, true},  {SliderMove::Other, 0, 20, false},
+                 {SliderMove::Drop, 0, 1, true},    {SliderMove::ToHigh, 0, 50, true}};
+    for (const auto& step : steps)
+    {
+        EXPECT_EQ(ToneMapSliderMoved(model, 0, step.move, step.thumb), step.render)
+            << "move " << int(step.move) << " to " << step.value;
+        EXPECT_EQ(model->choice.slider[0], step.value);
+    }
+    tool.Render();
+    EXPECT_TRUE(ToneMapColorsToggled(model, false));
+    EXPECT_FALSE(ToneMapColorsToggled(model, true)) << "as it was rendered";
+}
+
+TEST(ToneMapModel, FiltersTheRectangleAndLeavesTheRestOfThePictureAlone)
+{
+    for (int bits : {8, 16})
+    {
+        Tool tool(700, 40, 3, bits);
+        ToneMapPreviewToggled(&tool.model, true, {500, 20});
+        tool.Render();
+        int inside, outside;
+        tool.CountChanges({244, 0, 700, 40}, &inside, &outside);
+        EXPECT_GT(inside, 10000);
+        EXPECT_EQ(outside, 0);
+
+        // The same as the filter makes of the cut-out alone.
+        TestPicture crop(456, 40, 3, bits), shown(456, 40, 3, bits);
+        CBxPicBufAPI::CopyRect(&crop.pic, tool.source.pic, {0, 0}, {244, 0}, {456, 40});
+        CBxPicBufAPI::CopyRect(&shown.pic, tool.preview.pic, {0, 0}, {244, 0}, {456, 40});
+        ASSERT_EQ(ToneMapPicture(&crop.pic, crop.pic, 5, double(11 / 50.0f), double(11 / 50.0f),
+                                 0.5, double(40 / 50.0f), true),
+                  kToneMapDone);
+        ExpectSamePicture(shown.pic, crop.pic);
+
+        EXPECT_TRUE(ToneMapViewMoved(&tool.model, {100, 20}));
+        EXPECT_FALSE(ToneMapViewMoved(&tool.model, {100, 20})) << "the view stands still";
+        tool.Render();
+        tool.CountChanges({0, 0, 356, 40}, &inside, &outside);
+        EXPECT_GT(inside, 10000);
+        EXPECT_EQ(outside, 0) << "where the rectangle was before";
+
+        EXPECT_FALSE(ToneMapPreviewToggled(&tool.model, false, {100, 20}));
+        tool.Render();
+        ExpectSamePicture(tool.preview.pic, tool.source.pic);
+    }
+}
+
+TEST(ToneMapModel, LetsTheRectangleBeDraggedByItsInside)
+{
+    Tool tool(2000, 1500);
+    ToneMapModel* model = &tool.model;
+    const CBxRect<int> all = {0, 0, 2000, 1500};
+    EXPECT_FALSE(GrabPreviewRect(model, {1000, 700}, all)) << "the preview is off";
+    ToneMapPreviewToggled(model, true, {1000, 700});
+    tool.Render();
+    EXPECT_FALSE(GrabPreviewRect(model, {1256, 700}, all)) << "outside";
+    EXPECT_FALSE(DragPreviewRect(model, {1300, 700}));
+    EXPECT_FALSE(GrabPreviewRect(model, {1000, 700}, {800, 500, 1200, 900})) << "no edge in view";
+
+    ASSERT_TRUE(GrabPreviewRect(model, {1100, 650}, {800, 0, 1200, 900}));
+    EXPECT_FALSE(DropPreviewRect(model)) << "it has not moved";
+    ASSERT_TRUE(GrabPreviewRect(model, {1100, 650}, all));
+    EXPECT_TRUE(DragPreviewRect(model, {1110, 640}));
+    ExpectRect(model->previewRect, {754, 434, 1266, 946});
+    EXPECT_FALSE(DragPreviewRect(model, {1110, 640}));
+    EXPECT_TRUE(DragPreviewRect(model, {-900, 640}));
+    ExpectRect(model->previewRect, {0, 434, 256, 946});
+    EXPECT_TRUE(DropPreviewRect(model));
+    EXPECT_FALSE(DragPreviewRect(model, {500, 500})) << "let go";
+    EXPECT_FALSE(DropPreviewRect(model));
+
+    // The view takes it along again, also out of a hand that holds it, as switching it on does.
+    EXPECT_TRUE(ToneMapViewMoved(model, {1500, 1000}));
+    ExpectRect(model->previewRect, {1244, 744, 1756, 1256});
+    ASSERT_TRUE(GrabPreviewRect(model, {1300, 800}, all));
+    EXPECT_TRUE(ToneMapViewMoved(model, {1010, 700}));
+    EXPECT_FALSE(DragPreviewRect(model, {1310, 810}));
+    ASSERT_TRUE(GrabPreviewRect(model, {1100, 650}, all));
+    ToneMapPreviewToggled(model, true, {1000, 700});
+    EXPECT_FALSE(DragPreviewRect(model, {1110, 640}));
+    ExpectRect(model->previewRect, {744, 444, 1256, 956});
+}
+
+TEST(ToneMapModel, GoesFromEditingToARunAndToItsEnd)
+{
+    Tool tool(60, 50);
+    ToneMapModel* model = &tool.model;
+    ToneMapPreviewToggled(model, true, {30, 25});
+    const auto expectSteps = [&](ToneMapStep ok, ToneMapStep cancel, ToneMapStep stop)
+    {
+        EXPECT_EQ(ToneMapOk(*model), ok);
+        EXPECT_EQ(ToneMapCancel(*model), cancel);
+        EXPECT_EQ(ToneMapStop(*model), stop);
+    };
+    expectSteps(ToneMapStep::StartRun, ToneMapStep::GiveUp, ToneMapStep::Nothing);
+
+    ToneMapRunStarted(model);
+    EXPECT_FALSE(IsPreviewShown(*model));
+    expectSteps(ToneMapStep::Nothing, ToneMapStep::Nothing, ToneMapStep::Stop);
+    EXPECT_FALSE(ToneMapSliderMoved(model, 1, SliderMove::Up, 0));
+    EXPECT_EQ(model->choice.slider[1], 10);
+    EXPECT_FALSE(GrabPreviewRect(model, {30, 25}, {0, 0, 1000, 1000}));
+
+    ToneMapRunEnded(model, false); // stopped: as before, and the preview is wanted again
+    EXPECT_TRUE(IsPreviewShown(*model));
+    EXPECT_TRUE(ToneMapSliderMoved(model, 1, SliderMove::Other, 0)) << "forgotten by the run";
+    expectSteps(ToneMapStep::StartRun, ToneMapStep::GiveUp, ToneMapStep::Nothing);
+
+    ToneMapRunStarted(model);
+    ToneMapRunEnded(model, true);
+    EXPECT_FALSE(IsPreviewShown(*model));
+    expectSteps(ToneMapStep::Close, ToneMapStep::Close, ToneMapStep::Nothing);
+}
+
+TEST(ToneMapModel, KnowsHowLongARunIs)
+{
+    const int cases[][3] = {{1, true, 17}, {1, false, 17}, {3, false, 17}, {3, true, 47}};
+    for (const auto& [components, useColors, end] : cases)
+    {
+        Tool tool(20, 20, components);
+        ToneMapColorsToggled(&tool.model, useColors != 0);
+        EXPECT_EQ(ToneMapProgressEnd(tool.model), end);
+        // All but two steps are really taken.
+        int steps = 0;
+        RunControl control;
+        control.progress = [&](int n) { steps += n; };
+        ToneMapPicture(&tool.preview.pic, tool.source.pic, kToneMapLevels, 0.2, 0.2, 0.5, 0.8,
+                       useColors != 0, control);
+        EXPECT_EQ(steps, end - 2);
+    }
+}

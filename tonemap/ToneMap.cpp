@@ -1,0 +1,144 @@
+#include "tonemap/ToneMap.h"
+
+#include "base/ShortMemory.h"
+#include "picture/ParallelCopy.h"
+#include "tonemap/Pyramid.h"
+
+#include <algorithm>
+
+ToneMapParams ToneMapParamsOf(int contrast, int noiseAmplitude, int details, int equalization)
+{
+    // Quotients in single precision, then double: the settings mean these very numbers.
+    return {double(float(contrast + 1) / 50.0f), double(float(noiseAmplitude + 1) / 50.0f),
+            double(float(50 - details) / 80.0f), double(float(50 - equalization) / 50.0f)};
+}
+
+struct PlaneFilter
+{
+    int levels;
+    double p1, p2, p3, p4;
+    const RunControl* control;
+    ToneMapMethod method;
+};
+
+static int FailureOf(const RunControl& control)
+{
+    return control.Cancelled() ? kToneMapCancelled : kToneMapOutOfMemory;
+}
+
+// Rows [first, end) of a picture, as a picture of their own.
+static SBxPicBuf RowsOf(const SBxPicBuf& picture, int first, int end)
+{
+    SBxPicBuf rows = picture;
+    rows.data += int64_t(first) * picture.stride;
+    rows.height = end - first;
+    return rows;
+}
+
+// One component as floats on the 0..255 scale, and back by the rules of ConvertBpcComp.
+template <typename T>
+static void ComponentToFloat(const SBxPicBuf& plane, const SBxPicBuf& picture, int component)
+{
+    constexpr float kScale = sizeof(T) == 1 ? 1.0f : 0.00390625f;
+    for (int y = 0; y < plane.height; ++y)
+    {
+        const T* from = PicRow<const T>(picture, y) + component;
+        float* to = PicRow<float>(plane, y);
+        for (int x = 0; x < plane.width; ++x)
+            to[x] = float(from[x * picture.components]) * kScale;
+    }
+}
+
+template <typename T>
+static void FloatToComponent(const SBxPicBuf& picture, const SBxPicBuf& plane, int component)
+{
+    constexpr float kScale = sizeof(T) == 1 ? 1.0f : 256.0f;
+    for (int y = 0; y < plane.height; ++y)
+    {
+        const float* from = PicRow<const float>(plane, y);
+        T* to = PicRow<T>(picture, y) + component;
+        for (int x = 0; x < plane.width; ++x)
+            to[x * picture.components] = NearestSample<T>(from[x] * kScale);
+    }
+}
+
+// Calls body with the same rows of two pictures, a few at a time. True when it was cancelled.
+template <typename Body>
+static bool StopsInPair(const SBxPicBuf& a, const SBxPicBuf& b, const RunControl& control,
+                        Body body)
+{
+    return StopsInRows(a.height, a.width * std::max(a.components, b.components), control,
+                       [&](int first, int end)
+                       { body(RowsOf(a, first, end), RowsOf(b, first, end)); });
+}
+
+// Filters a component of the padded picture in place, going through floats.
+static int FilterComponent(const SBxPicBuf& padded, int component, const PlaneFilter& filter)
+{
+    const RunControl& control = *filter.control;
+    ScratchPicture floats;
+    CBxPicBufAPI::ReinitHeap(&floats.pic, padded.width, padded.height, 1, 32);
+    if (!floats.pic.data)
+        return kToneMapOutOfMemory;
+    const bool narrow = padded.bitsPerComponent == 8;
+    const auto there = [=](const SBxPicBuf& picture, const SBxPicBuf& plane)
+    {
+        return narrow ? ComponentToFloat<uint8_t>(plane, picture, component)
+                      : ComponentToFloat<uint16_t>(plane, picture, component);
+    };
+    const auto back = [=](const SBxPicBuf& picture, const SBxPicBuf& plane)
+    {
+        return narrow ? FloatToComponent<uint8_t>(picture, plane, component)
+                      : FloatToComponent<uint16_t>(picture, plane, component);
+    };
+    if (StopsInPair(padded, floats.pic, control, there) ||
+        ToneMapPlane(&floats.pic, floats.pic, filter.levels, filter.p1, filter.p2, filter.p3,
+                     filter.p4, control, filter.method) ||
+        StopsInPair(padded, floats.pic, control, back))
+        return FailureOf(control);
+    return kToneMapDone;
+}
+
+static int FilterColours(const SBxPicBuf& padded, const PlaneFilter& filter, int planes)
+{
+    const RunControl& control = *filter.control;
+    if (StopsInPair(padded, padded, control,
+                    [](SBxPicBuf rows, const SBxPicBuf&)
+                    { CBxPicBufAPI::ConvertRGBtoYUV(&rows, rows); }))
+        return kToneMapCancelled;
+    for (int c = 0; c < planes; ++c)
+        if (const int failure = FilterComponent(padded, c, filter))
+            return failure;
+    const bool stopped = StopsInPair(padded, padded, control,
+                                     [](SBxPicBuf rows, const SBxPicBuf&)
+                                     { CBxPicBufAPI::ConvertYUVtoRGB(&rows, rows); });
+    return stopped ? kToneMapCancelled : kToneMapDone;
+}
+
+static int FilterPicture(SBxPicBuf* out, const SBxPicBuf& in, const PlaneFilter& filter,
+                         bool useColors)
+{
+    ScratchPicture padded;
+    if (PadForPyramid(&padded.pic, in, filter.levels, *filter.control))
+        return FailureOf(*filter.control);
+    const int result = in.components == 1 ? FilterComponent(padded.pic, 0, filter)
+                                          : FilterColours(padded.pic, filter, useColors ? 3 : 1);
+    if (result != kToneMapDone)
+        return result;
+    // As a whole or not at all: nobody asks from here on.
+    VcCopyPixels(out, padded.pic, {in.width, in.height});
+    return kToneMapDone;
+}
+
+int ToneMapPicture(SBxPicBuf* out, const SBxPicBuf& in, int levels, double p1, double p2, double p3,
+                   double p4, bool useColors, const RunControl& control, ToneMapMethod method)
+{
+    const PlaneFilter filter = {levels, p1, p2, p3, p4, &control, method};
+    int result = kToneMapOutOfMemory;
+    const auto run = [&]
+    {
+        result = FilterPicture(out, in, filter, useColors);
+        return false;
+    };
+    return FailsOrLacksMemory(run) ? kToneMapOutOfMemory : result;
+}

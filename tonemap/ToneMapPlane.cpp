@@ -1,0 +1,106 @@
+// The local Laplacian filter on one plane.
+
+#include "tonemap/Pyramid.h"
+#include "tonemap/RemapRegions.h"
+#include "tonemap/ToneMap.h"
+
+#include <cstring>
+
+// Working pyramid of the phases: one level more than coefficients are taken from.
+struct WorkingPyramid
+{
+    FloatPlane gauss[16], laplace[16];
+};
+
+static bool AllocateWork(WorkingPyramid* work, const PyramidSet& set)
+{
+    for (int l = 0; l <= set.levels; ++l)
+    {
+        const CBxSize<int> size = LevelSize(set, l);
+        work->gauss[l].reset(VcAllocPlane(int64_t(size.cx) * size.cy));
+        work->laplace[l].reset(VcAllocPlane(int64_t(size.cx) * size.cy));
+        if (!work->gauss[l] || !work->laplace[l])
+            return true;
+    }
+    return false;
+}
+
+// One phase: remap every step-th neighbourhood in a copy, take the copy apart, keep the
+// coefficients in the middle of the neighbourhoods. Only the Laplacian of the level is ever looked
+// at.
+static void RunPhase(PyramidSet* set, WorkingPyramid* work, int level, const RemapGrid& grid,
+                     int dx, int dy, double p1, double p2, double p4, const float* curve)
+{
+    const CBxSize<int> fine = LevelSize(*set, grid.fine), size = LevelSize(*set, level);
+    std::memcpy(work->gauss[grid.fine].get(), set->gauss[grid.fine],
+                size_t(fine.cx) * size_t(fine.cy) * sizeof(float));
+    RemapRegions(work->gauss[grid.fine].get(), grid.fine, set->gauss[level], level, set->size.cx,
+                 set->size.cy, grid.size, grid.step, dx, dy, p1, p2 * 5.0, p4 * 2.0, curve);
+    for (int m = grid.fine; m <= level; ++m)
+        DownStep(set, work->gauss[m + 1].get(), work->gauss[m].get(), m);
+    float* laplace = work->laplace[level].get();
+    UpStep(set, laplace, work->gauss[level + 1].get(), level);
+    Subtract(laplace, work->gauss[level].get(), laplace, size.cx, size.cy);
+    for (int y = dy; y < size.cy; y += grid.step)
+        for (int x = dx; x < size.cx; x += grid.step)
+            set->laplace[level].get()[int64_t(y) * size.cx + x] = laplace[int64_t(y) * size.cx + x];
+}
+
+static bool RemapByPhases(PyramidSet* set, double p1, double p2, double p4, const float* curve,
+                          const RunControl& control)
+{
+    WorkingPyramid work;
+    if (AllocateWork(&work, *set))
+        return true;
+    for (int level = 0; level < set->levels; ++level)
+    {
+        const RemapGrid grid = RemapGridOf(level);
+        control.Advance(2);
+        for (int dy = 0; dy < grid.step; ++dy)
+            for (int dx = 0; dx < grid.step; ++dx)
+            {
+                RunPhase(set, &work, level, grid, dx, dy, p1, p2, p4, curve);
+                if (control.Cancelled())
+                    return true;
+            }
+    }
+    return false;
+}
+
+static bool RemapDirectly(PyramidSet* set, const RemapConstants& constants, const float* curve,
+                          const RunControl& control)
+{
+    for (int level = 0; level < set->levels; ++level)
+    {
+        control.Advance(2);
+        if (RemapLevel(set, level, constants, curve, control))
+            return true;
+    }
+    return false;
+}
+
+bool ToneMapPlane(SBxPicBuf* out, const SBxPicBuf& in, int levels, double p1, double p2, double p3,
+                  double p4, const RunControl& control, ToneMapMethod method)
+{
+    if (out->data != in.data)
+        CBxPicBufAPI::Copy(out, in);
+    PyramidSet set;
+    if (AllocatePyramid(&set, PicRow<float>(*out, 0), {in.width, in.height}, levels))
+        return true;
+    for (int level = 0; level < levels; ++level)
+    {
+        control.Advance(1);
+        if (BuildLevel(&set, level, control))
+            return true;
+    }
+
+    const FloatPlane curve(VcAllocPlane(kRemapCurveEntries));
+    if (!curve)
+        return true;
+    FillRemapCurve(curve.get(), p3);
+    const bool failed =
+        method == ToneMapMethod::Phases
+            ? RemapByPhases(&set, p1, p2, p4, curve.get(), control)
+            : RemapDirectly(&set, RemapConstantsOf(p1, p2, p3, p4), curve.get(), control);
+    return failed || CollapsePyramid(&set, control);
+}

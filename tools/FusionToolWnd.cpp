@@ -1,0 +1,308 @@
+#include "tools/FusionToolWnd.h"
+
+#include "app/AppState.h"
+#include "app/AppWindows_win.h"
+#include "app/CommandIds.h"
+#include "app/CommandsWnd.h"
+#include "app/FrameView_win.h"
+#include "base/Format_win.h"
+#include "base/SystemFiles.h"
+#include "text/Strings.h"
+#include "tools/FusionDlgIds.h"
+#include "tools/Messages.h"
+#include "tools/Settings.h"
+
+#include <algorithm>
+#include <filesystem>
+
+static constexpr UINT_PTR kPreviewTimer = 1; // of a preview that was given up
+static constexpr UINT_PTR kTellTimer = 2;    // of sources that turned out to be missing
+static constexpr UINT kRetryMs = 20;
+static constexpr int kMostFilesTold = 12; // in one box
+
+// An open dialog.
+struct FusionTool
+{
+    FusionToolKind kind;
+    std::unique_ptr<FusionSources> sources;
+    FusionTask last = {};   // of the preview on the screen; no sources = none yet
+    std::vector<bool> told; // the user knows that this source cannot be used
+    SBxPicBuf working = {}; // the preview's region
+    bool computing = false;
+
+    FusionTool() = default;
+    FusionTool(const FusionTool&) = delete;
+    FusionTool& operator=(const FusionTool&) = delete;
+    ~FusionTool() { CBxPicBufAPI::DoneHeap(&working); }
+};
+
+static std::unique_ptr<FusionSources> SeriesOfFrame()
+{
+    std::vector<std::string> paths;
+    for (int32_t i = 0; i < g_sourceCount; ++i)
+        paths.push_back(std::filesystem::path(g_sourceFiles[i]).u8string());
+    auto sources = std::make_unique<FusionSources>();
+    OpenFusionSources(sources.get(), paths, g_sourcePicture, FusionSourceBudget());
+    return sources;
+}
+
+static CBxRect<int> RegionInView()
+{
+    UpdateViewArea();
+    return FusionRegionOf(g_view, g_sourcePicture.width, g_sourcePicture.height);
+}
+
+CBxRect<int> RegionAt100(const SBxPicBuf& picture)
+{
+    UpdateViewArea();
+    ImageView view;
+    view.area = g_view.area;
+    ZoomTo100(&view, picture);
+    return FusionRegionOf(view, picture.width, picture.height);
+}
+
+// What waits will change the slider or the view, or end the tool; the slider and the view move on
+// as soon as they get to see it. A trackbar sends its messages, so it is the mouse and the keys
+// behind them that wait.
+static bool NewerInputWaits(HWND dlg, const FusionTool& tool)
+{
+    MSG message;
+    const auto waits = [&](HWND window, UINT number)
+    { return PeekMessageW(&message, window, number, number, PM_NOREMOVE) != FALSE; };
+    const HWND slider = GetDlgItem(dlg, tool.kind.slider.slider);
+    if (GetCapture() == slider && waits(slider, WM_MOUSEMOVE))
+        return true;
+    for (const UINT number : {WM_LBUTTONDOWN, WM_NCLBUTTONDOWN, WM_MOUSEWHEEL})
+        if (waits(nullptr, number))
+            return true;
+    return tool.kind.peeksAtKeys && waits(slider, WM_KEYDOWN);
+}
+
+// Sources that turned out to be of no use, once each.
+static void TellUnusable(FusionTool* tool)
+{
+    std::wstring text;
+    int files = 0;
+    for (size_t i = 0; i < tool->told.size(); ++i)
+    {
+        if (tool->sources->problems[i] == SourceProblem::None || tool->told[i])
+            continue;
+        tool->told[i] = true;
+        if (++files <= kMostFilesTold)
+            text += VcFormatText(L"%s %s\n", g_strings[33],
+                                 WideFromUtf8(tool->sources->paths[i].c_str()).c_str());
+    }
+    if (files > 0)
+        MessageBoxW(g_hwndMain, text.c_str(), g_strings[3], MB_OK | MB_ICONASTERISK);
+}
+
+static FusionOutcome ComputePreview(HWND dlg, FusionTool* tool, const FusionTask& task)
+{
+    const CBxRect<int>& region = task.region;
+    const CBxSize<int> size = {region.right - region.left, region.bottom - region.top};
+    CBxPicBufAPI::ReinitHeap(&tool->working, size.cx, size.cy, g_sourcePicture.components,
+                             g_sourcePicture.bitsPerComponent);
+    if (!tool->working.data)
+        return FusionOutcome::Failed;
+    const ToolWaitCursor wait;
+    const FusionOutcome outcome = FuseRegion(&tool->working, tool->sources.get(), task,
+                                             [&] { return NewerInputWaits(dlg, *tool); });
+    if (outcome == FusionOutcome::Done)
+        CBxPicBufAPI::CopyRect(&g_previewPicture, tool->working, {region.left, region.top}, {0, 0},
+                               size);
+    return outcome;
+}
+
+// Where everything ends that may have changed the preview. One that is up to date stays; one that
+// gets outdated on the way is given up and tried again when the input has been dealt with.
+static INT_PTR OnPreview(HWND dlg, FusionTool* tool)
+{
+    KillTimer(dlg, kPreviewTimer);
+    const FusionTask task = tool->kind.task(RegionInView());
+    if (tool->computing || IsEmptyRect(task.region) || SameTask(task, tool->last))
+        return TRUE;
+    tool->computing = true;
+    RedrawWindow(dlg, nullptr, nullptr, RDW_UPDATENOW | RDW_ALLCHILDREN);
+    const FusionOutcome outcome = ComputePreview(dlg, tool, task);
+    if (outcome == FusionOutcome::Outdated)
+        SetTimer(dlg, kPreviewTimer, kRetryMs, nullptr);
+    if (outcome == FusionOutcome::Done)
+    {
+        tool->last = task;
+        SendMessageW(g_hwndMain, WM_APP_PREVIEW_READY, 0, 0);
+        UpdateWindow(g_hwndMain);
+    }
+    // A trackbar takes the mouse when the message of its press has been answered: after a box it
+    // would wait for a button that is up already, and the next click would be lost there.
+    if (outcome != FusionOutcome::Outdated)
+        SetTimer(dlg, kTellTimer, kRetryMs, nullptr);
+    tool->computing = false;
+    return TRUE;
+}
+
+static INT_PTR OnTimer(HWND dlg, FusionTool* tool, WPARAM timer)
+{
+    if (timer == kPreviewTimer)
+        return OnPreview(dlg, tool);
+    if (tool->computing || GetCapture())
+        return TRUE; // later
+    KillTimer(dlg, kTellTimer);
+    TellUnusable(tool);
+    return TRUE;
+}
+
+static INT_PTR ValueChanged(HWND dlg, FusionTool* tool)
+{
+    ShowSlider(dlg, tool->kind.slider, tool->kind.value());
+    SendMessageW(dlg, WM_LBUTTONUP, 0, 0);
+    return TRUE;
+}
+
+static INT_PTR OnInit(HWND dlg, std::unique_ptr<FusionTool>* opening)
+{
+    FusionTool* tool = opening->release();
+    SetWindowLongPtrW(dlg, DWLP_USER, reinterpret_cast<LONG_PTR>(tool));
+    SetDlgItemTextW(dlg, IDC_FUSION_TITLE, tool->kind.title.c_str());
+    for (const auto& [control, text] : tool->kind.texts)
+        SetDlgItemTextW(dlg, control, g_strings[text]);
+    SetUpSlider(dlg, tool->kind.slider, tool->kind.value());
+    if (tool->kind.opened)
+        tool->kind.opened();
+    return TRUE;
+}
+
+static INT_PTR OnSlider(HWND dlg, FusionTool* tool, WPARAM wParam, LPARAM lParam)
+{
+    const SliderMove move = MoveOfScroll(wParam);
+    if (GetDlgItem(dlg, tool->kind.slider.slider) != reinterpret_cast<HWND>(lParam) ||
+        move == SliderMove::Other)
+        return FALSE;
+    tool->kind.move(move, ThumbOfScroll(wParam));
+    return ValueChanged(dlg, tool);
+}
+
+static FusionOutcome FuseResult(FusionTool* tool)
+{
+    const ToolWaitCursor wait;
+    const ToolProgress progress;
+    const FusionTask task = tool->kind.task({});
+    return FuseWhole(&g_resultPicture, tool->sources.get(), task,
+                     [&](int source) { progress.Show(source, task.sources); });
+}
+
+static void MakeResult(HWND dlg, FusionTool* tool)
+{
+    tool->computing = true; // nothing else until the dialog has gone
+    const FusionOutcome outcome = FuseResult(tool);
+    if (outcome != FusionOutcome::Done) // it has told of them, but not that OK needs them
+        tool->told.assign(tool->told.size(), false);
+    TellUnusable(tool);
+    if (outcome != FusionOutcome::Done)
+    {
+        MessageBeep(MB_ICONHAND);
+        GiveUpTool(dlg);
+        return;
+    }
+    SetStatusText(g_strings[g_multiImageMode ? 56 : 81]);
+    DestroyWindow(dlg);
+    SetFocus(g_hwndMain);
+    SendMessageW(g_hwndMain, WM_APP_TOOL_DONE, 0, 0);
+}
+
+static void Finish(HWND dlg, FusionTool* tool)
+{
+    const bool stored = tool->kind.store();
+    MakeResult(dlg, tool);
+    if (!stored)
+        TellSettingsUnsaved();
+}
+
+static INT_PTR OnButton(HWND dlg, FusionTool* tool, int id)
+{
+    if (tool->computing)
+        return FALSE;
+    if (id == IDOK)
+        Finish(dlg, tool);
+    else if (id == IDCANCEL)
+        GiveUpTool(dlg);
+    else if (id == IDC_FUSION_DEFAULT && tool->kind.setDefaults)
+    {
+        tool->kind.setDefaults();
+        ValueChanged(dlg, tool);
+    }
+    else
+        return FALSE;
+    return TRUE;
+}
+
+static INT_PTR OnDestroyed(HWND dlg, FusionTool* tool)
+{
+    if (tool->kind.ended)
+        tool->kind.ended();
+    SetWindowLongPtrW(dlg, DWLP_USER, 0);
+    delete tool;
+    ToolDialogDestroyed(dlg);
+    return TRUE;
+}
+
+static INT_PTR SendOn(UINT message, WPARAM wParam, LPARAM lParam)
+{
+    SendMessageW(g_hwndMain, message, wParam, lParam);
+    return TRUE;
+}
+
+static INT_PTR CALLBACK FusionToolProc(HWND dlg, UINT message, WPARAM wParam, LPARAM lParam)
+{
+    if (message == WM_INITDIALOG)
+        return OnInit(dlg, reinterpret_cast<std::unique_ptr<FusionTool>*>(lParam));
+    FusionTool* tool = DialogData<FusionTool>(dlg);
+    if (!tool)
+        return FALSE;
+    switch (message)
+    {
+    case WM_HSCROLL: return OnSlider(dlg, tool, wParam, lParam);
+    case WM_LBUTTONUP:
+    case WM_APP_VIEW_MOVED: return OnPreview(dlg, tool);
+    case WM_TIMER: return OnTimer(dlg, tool, wParam);
+    case WM_COMMAND: return OnButton(dlg, tool, LOWORD(wParam));
+    case WM_CLOSE: return OnButton(dlg, tool, IDOK);
+    case WM_MOUSEWHEEL: return SendOn(message, wParam, lParam);
+    case ID_SOURCE_PREV:
+    case ID_SOURCE_NEXT: return SendOn(WM_COMMAND, message, 0);
+    case WM_DESTROY: return OnDestroyed(dlg, tool);
+    default: return FALSE;
+    }
+}
+
+static bool NothingUsable(const FusionSources& sources)
+{
+    return std::all_of(sources.problems.begin(), sources.problems.end(),
+                       [](SourceProblem problem) { return problem != SourceProblem::None; });
+}
+
+bool ShowFusionTool(const FusionToolKind& kind, std::unique_ptr<FusionSources> sources)
+{
+    if (!PrepareToolPictures())
+    {
+        WarnOfShortMemory();
+        return false;
+    }
+    auto tool = std::make_unique<FusionTool>();
+    tool->kind = kind;
+    tool->sources = sources ? std::move(sources) : SeriesOfFrame();
+    tool->told.assign(tool->sources->paths.size(), false);
+    CheckFusionSources(tool->sources.get()); // of all, though the slider may begin with fewer
+    const HWND dlg = OpenToolDialog(kind.dialogId, FusionToolProc, reinterpret_cast<LPARAM>(&tool));
+    if (!dlg)
+        return false;
+    SetFocus(GetDlgItem(dlg, kind.slider.slider));
+    UpdateWindow(g_hwndMain);
+    SendMessageW(dlg, WM_LBUTTONUP, 0, 0);
+    // Told now, as the dialog may have to close. It may have been closed already, even by then.
+    if (FusionTool* shown = DialogData<FusionTool>(dlg))
+        TellUnusable(shown);
+    const FusionTool* open = DialogData<FusionTool>(dlg);
+    if (open && NothingUsable(*open->sources))
+        GiveUpTool(dlg); // with no slider that could change anything
+    return true;
+}

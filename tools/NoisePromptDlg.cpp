@@ -1,0 +1,102 @@
+#include "tools/NoisePromptDlg.h"
+
+#include "app/AppWindows_win.h"
+#include "app/FrameView_win.h"
+#include "series/ExposureSeries.h"
+#include "text/Strings.h"
+#include "tools/SeriesDlgIds.h"
+#include "tools/Settings.h"
+#include "tools/ToolDialogWnd.h"
+
+static constexpr int kFirstLevelText = 84; // "None"; the others follow
+
+static int g_answer; // of the prompt that is open
+
+static const ControlText kTexts[] = {
+    {0, 82}, {IDC_SERIES_TITLE, 82}, {IDC_NOISE_LABEL, 83}, {IDOK, 45}, {IDCANCEL, 46},
+};
+
+static unsigned* LevelOf(HWND dlg)
+{
+    return DialogData<unsigned>(dlg);
+}
+
+static INT_PTR OnInit(HWND dlg, LPARAM lParam)
+{
+    SetWindowLongPtrW(dlg, DWLP_USER, lParam);
+    ReadSettings(SettingGroup::NoisePrompt);
+    *LevelOf(dlg) = ClampNoiseLevel(g_settings.denoiseStrength);
+    ShowTexts(dlg, kTexts);
+    SendDlgItemMessageW(dlg, IDC_NOISE_LEVEL, CB_RESETCONTENT, 0, 0);
+    for (unsigned level = 0; level < kNoiseLevels; ++level)
+        SendDlgItemMessageW(dlg, IDC_NOISE_LEVEL, CB_ADDSTRING, 0,
+                            reinterpret_cast<LPARAM>(g_strings[kFirstLevelText + int(level)]));
+    SendDlgItemMessageW(dlg, IDC_NOISE_LEVEL, CB_SETCURSEL, *LevelOf(dlg), 0);
+    return TRUE;
+}
+
+static bool StoreLevel(HWND dlg)
+{
+    const LRESULT selected = SendDlgItemMessageW(dlg, IDC_NOISE_LEVEL, CB_GETCURSEL, 0, 0);
+    if (selected == CB_ERR)
+        return true;
+    *LevelOf(dlg) = unsigned(selected);
+    g_settings.denoiseStrength = int(selected);
+    return WriteSettings(SettingGroup::NoisePrompt);
+}
+
+static INT_PTR OnButton(HWND dlg, int id)
+{
+    if (id != IDOK && id != IDCANCEL)
+        return FALSE;
+    g_answer = id == IDOK ? kPromptConfirmed : kPromptCancelled;
+    const bool stored = id != IDOK || StoreLevel(dlg);
+    DestroyWindow(dlg);
+    if (!stored)
+        TellSettingsUnsaved();
+    return TRUE;
+}
+
+static INT_PTR CALLBACK NoisePromptProc(HWND dlg, UINT message, WPARAM wParam, LPARAM lParam)
+{
+    switch (message)
+    {
+    case WM_INITDIALOG: return OnInit(dlg, lParam);
+    case WM_COMMAND: return OnButton(dlg, LOWORD(wParam));
+    case WM_DESTROY: DockedDestroyed(dlg); return TRUE;
+    default: return FALSE;
+    }
+}
+
+// Cancel counts from the press on, as the user means it, unless OK is what follows.
+static void WaitForAnswer(HWND dlg)
+{
+    MSG message;
+    while (IsWindow(dlg))
+    {
+        if (GetMessageW(&message, nullptr, 0, 0) <= 0)
+        {
+            PostQuitMessage(int(message.wParam)); // the program's own loop has to see it too
+            return;
+        }
+        if (message.message == WM_LBUTTONDOWN && message.hwnd == GetDlgItem(dlg, IDCANCEL))
+            g_answer = kPromptCancelled;
+        TranslateMessage(&message);
+        DispatchMessageW(&message);
+    }
+}
+
+int RunNoiseLevelPrompt(unsigned* noiseLevel)
+{
+    const HWND dlg =
+        OpenDocked(IDD_NOISE_PROMPT, NoisePromptProc, reinterpret_cast<LPARAM>(noiseLevel));
+    if (!dlg)
+        return kPromptCancelled;
+    g_answer = kPromptConfirmed;
+    RedrawView();
+    SetFocus(GetDlgItem(dlg, IDC_NOISE_LEVEL));
+    WaitForAnswer(dlg);
+    if (IsWindow(g_hwndMain))
+        RedrawView();
+    return g_answer;
+}

@@ -1,0 +1,38 @@
+#include "tools/PowerFusionDlg.h"
+
+#include "app/AppState.h"
+#include "app/CommandsWnd.h"
+#include "text/Strings.h"
+#include "tools/FusionDlgIds.h"
+#include "tools/FusionToolWnd.h"
+#include "tools/PowerFusionModel.h"
+
+// The text is that of the menu, where dots say that a dialog follows.
+static std::wstring WithoutDots(const wchar_t* text)
+{
+    const std::wstring whole = text;
+    return whole.substr(0, whole.find_last_not_of(L".\x2026 ") + 1);
+}
+
+bool ShowPowerFusionDialog(int title)
+{
+    ReadSettings(SettingGroup::PowerTool);
+    const auto model =
+        std::make_shared<PowerFusionModel>(OpenPowerFusion(g_settings, g_sourceCount));
+    FusionToolKind kind = {};
+    kind.dialogId = IDD_POWER_FUSION;
+    kind.slider = {IDC_FUSION_SLIDER, IDC_FUSION_VALUE, kPowerRange};
+    kind.title = WithoutDots(g_strings[title]);
+    kind.texts = {{IDC_FUSION_LABEL, 105}, {IDOK, 45}, {IDCANCEL, 46}};
+    kind.value = [=] { return model->power; };
+    kind.move = [=](SliderMove move, int thumb) { MovePower(model.get(), move, thumb); };
+    kind.task = [=](const CBxRect<int>& region) { return PowerTask(*model, region); };
+    kind.store = [=]
+    {
+        StorePower(*model, &g_settings);
+        return WriteSettings(SettingGroup::PowerTool);
+    };
+    kind.opened = [] { SetStatusText(g_strings[81]); };
+    kind.peeksAtKeys = true;
+    return ShowFusionTool(kind, nullptr);
+}

@@ -1,0 +1,209 @@
+#include "tools/ToneMapModel.h"
+
+#include <algorithm>
+#include <cmath>
+
+static bool SameChoice(const ToneMapChoice& a, const ToneMapChoice& b)
+{
+    return std::equal(a.slider, a.slider + kToneMapSliders, b.slider) && a.useColors == b.useColors;
+}
+
+static bool IsBehind(const ToneMapModel& model)
+{
+    return IsPreviewShown(model) && !(SameRect(model.renderedRect, model.previewRect) &&
+                                      SameChoice(model.rendered, model.choice));
+}
+
+static void MoveRectTo(ToneMapModel* model, CBxPoint<double> centre)
+{
+    model->centre = {std::clamp(centre.x, 0.0, double(model->picture.cx)),
+                     std::clamp(centre.y, 0.0, double(model->picture.cy))};
+    model->previewRect = PreviewRectAround(model->centre, model->picture);
+}
+
+void StartToneMapModel(ToneMapModel* model, const SBxPicBuf& picture,
+                       const int sliders[kToneMapSliders], bool useColors)
+{
+    *model = ToneMapModel();
+    model->picture = {picture.width, picture.height};
+    model->hasColors = picture.components == 3;
+    std::transform(sliders, sliders + kToneMapSliders, model->choice.slider,
+                   [](int value)
+                   { return std::clamp(value, kToneMapRange.low, kToneMapRange.high); });
+    model->choice.useColors = useColors;
+}
+
+bool ToneMapSliderMoved(ToneMapModel* model, int slider, SliderMove move, int thumb)
+{
+    if (model->state != ToneMapState::Editing)
+        return false;
+    int* value = &model->choice.slider[slider];
+    *value = MovedSlider(kToneMapRange, *value, move, thumb);
+    if (move == SliderMove::Drag)
+        return false;
+    return move == SliderMove::Drop ? IsPreviewShown(*model) : IsBehind(*model);
+}
+
+bool ToneMapColorsToggled(ToneMapModel* model, bool useColors)
+{
+    model->choice.useColors = useColors;
+    return IsBehind(*model);
+}
+
+bool ToneMapPreviewToggled(ToneMapModel* model, bool on, CBxPoint<double> viewCentre)
+{
+    model->previewOn = on;
+    model->dragging = false;
+    model->viewCentre = viewCentre;
+    MoveRectTo(model, viewCentre);
+    return on;
+}
+
+bool ToneMapViewMoved(ToneMapModel* model, CBxPoint<double> viewCentre)
+{
+    const bool moved = viewCentre.x != model->viewCentre.x || viewCentre.y != model->viewCentre.y;
+    model->viewCentre = viewCentre;
+    if (!moved || !model->previewOn)
+        return false;
+    model->dragging = false;
+    MoveRectTo(model, viewCentre);
+    return IsBehind(*model);
+}
+
+static void ClipSide(int* start, int* end, double centre, int size)
+{
+    const int middle = int(std::floor(std::clamp(centre, 0.0, double(size))));
+    *start = middle - kPreviewReach < 1 ? 0 : middle - kPreviewReach;
+    *end = std::min(middle + kPreviewReach, size);
+}
+
+CBxRect<int> PreviewRectAround(CBxPoint<double> centre, CBxSize<int> picture)
+{
+    CBxRect<int> rect;
+    ClipSide(&rect.left, &rect.right, centre.x, picture.cx);
+    ClipSide(&rect.top, &rect.bottom, centre.y, picture.cy);
+    return rect;
+}
+
+bool IsPreviewShown(const ToneMapModel& model)
+{
+    return model.previewOn && model.state == ToneMapState::Editing;
+}
+
+static bool Contains(const CBxRect<int>& rect, CBxPoint<double> at)
+{
+    return at.x >= rect.left && at.x < rect.right && at.y >= rect.top && at.y < rect.bottom;
+}
+
+bool GrabPreviewRect(ToneMapModel* model, CBxPoint<double> at, const CBxRect<int>& visible)
+{
+    const CBxRect<int>& rect = model->previewRect;
+    const bool edgeInView = rect.left > visible.left || rect.right < visible.right ||
+                            rect.top > visible.top || rect.bottom < visible.bottom;
+    model->dragging = IsPreviewShown(*model) && edgeInView && Contains(rect, at);
+    model->grabOffset = {model->centre.x - at.x, model->centre.y - at.y};
+    return model->dragging;
+}
+
+bool DragPreviewRect(ToneMapModel* model, CBxPoint<double> at)
+{
+    if (!model->dragging)
+        return false;
+    const CBxRect<int> before = model->previewRect;
+    MoveRectTo(model, {at.x + model->grabOffset.x, at.y + model->grabOffset.y});
+    return !SameRect(before, model->previewRect);
+}
+
+bool DropPreviewRect(ToneMapModel* model)
+{
+    const bool wasDragging = model->dragging;
+    model->dragging = false;
+    return wasDragging && IsBehind(*model);
+}
+
+static void RestoreRendered(SBxPicBuf* preview, ToneMapModel* model, const SBxPicBuf& source)
+{
+    if (!IsEmptyRect(model->renderedRect))
+        CBxPicBufAPI::Copy(preview, source, model->renderedRect);
+    ForgetToneMapPreview(model);
+}
+
+void ForgetToneMapPreview(ToneMapModel* model)
+{
+    model->renderedRect = {};
+}
+
+static int FilterRect(SBxPicBuf* preview, const ToneMapModel& model, const SBxPicBuf& source)
+{
+    const CBxRect<int>& rect = model.previewRect;
+    const CBxSize<int> size = {rect.right - rect.left, rect.bottom - rect.top};
+    SBxPicBuf crop;
+    CBxPicBufAPI::Init(&crop);
+    CBxPicBufAPI::ReinitHeap(&crop, size.cx, size.cy, source.components, source.bitsPerComponent);
+    if (!crop.data)
+        return kToneMapOutOfMemory;
+    CBxPicBufAPI::CopyRect(&crop, source, {0, 0}, {rect.left, rect.top}, size);
+    const int* slider = model.choice.slider;
+    const ToneMapParams p = ToneMapParamsOf(slider[0], slider[1], slider[2], slider[3]);
+    const int outcome =
+        ToneMapPicture(&crop, crop, kToneMapLevels, p.p1, p.p2, p.p3, p.p4, model.choice.useColors);
+    if (outcome == kToneMapDone)
+        CBxPicBufAPI::CopyRect(preview, crop, {rect.left, rect.top}, {0, 0}, size);
+    CBxPicBufAPI::DoneHeap(&crop);
+    return outcome;
+}
+
+bool RenderToneMapPreview(SBxPicBuf* preview, ToneMapModel* model, const SBxPicBuf& source)
+{
+    RestoreRendered(preview, model, source);
+    if (!IsPreviewShown(*model) || IsEmptyRect(model->previewRect))
+        return false;
+    if (FilterRect(preview, *model, source) != kToneMapDone)
+        return true;
+    model->rendered = model->choice;
+    model->renderedRect = model->previewRect;
+    return false;
+}
+
+ToneMapStep ToneMapOk(const ToneMapModel& model)
+{
+    switch (model.state)
+    {
+    case ToneMapState::Editing: return ToneMapStep::StartRun;
+    case ToneMapState::Finished: return ToneMapStep::Close;
+    default: return ToneMapStep::Nothing;
+    }
+}
+
+ToneMapStep ToneMapCancel(const ToneMapModel& model)
+{
+    switch (model.state)
+    {
+    case ToneMapState::Editing: return ToneMapStep::GiveUp;
+    case ToneMapState::Finished: return ToneMapStep::Close;
+    default: return ToneMapStep::Nothing;
+    }
+}
+
+ToneMapStep ToneMapStop(const ToneMapModel& model)
+{
+    return model.state == ToneMapState::Running ? ToneMapStep::Stop : ToneMapStep::Nothing;
+}
+
+int ToneMapProgressEnd(const ToneMapModel& model)
+{
+    constexpr int kStepsPerPlane = 3 * kToneMapLevels, kRest = 2;
+    return (model.hasColors && model.choice.useColors ? 3 : 1) * kStepsPerPlane + kRest;
+}
+
+void ToneMapRunStarted(ToneMapModel* model)
+{
+    model->state = ToneMapState::Running;
+    model->dragging = false;
+    ForgetToneMapPreview(model);
+}
+
+void ToneMapRunEnded(ToneMapModel* model, bool done)
+{
+    model->state = done ? ToneMapState::Finished : ToneMapState::Editing;
+}
