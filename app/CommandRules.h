@@ -1,5 +1,7 @@
 #pragma once
 
+#include "text/Strings.h"
+
 // Which commands there are and when they may be used. One table that toolbar, menu, tooltips and
 // keyboard obey; no windows here.
 
@@ -15,9 +17,9 @@ struct FrameCommand
 {
     int id;
     CommandGroup group;
-    int menuString;      // text in the command menu, 0 = not there
+    TextId menuText;     // text in the command menu, 0 = not there
     const wchar_t* keys; // shown behind the menu text, with the tab
-    int tooltipString;   // 0 = no tooltip
+    TextId tooltipText;  // 0 = no tooltip
 };
 
 extern const FrameCommand kCommands[];

@@ -26,8 +26,9 @@ static void CloseFinishedTool()
 
 bool MayLoseResult()
 {
-    const bool may = !g_resultUnsaved || MessageBoxW(g_hwndMain, g_strings[21], g_strings[3],
-                                                     MB_YESNO | MB_ICONASTERISK) == IDYES;
+    const bool may =
+        !g_resultUnsaved || MessageBoxW(g_hwndMain, Text(kTextUnsavedQuestion), Text(kTextWarning),
+                                        MB_YESNO | MB_ICONASTERISK) == IDYES;
     if (may)
         CloseFinishedTool();
     return may;
@@ -80,7 +81,7 @@ bool OpenPictureFile(const wchar_t* path)
 static void OnOpen()
 {
     std::wstring path;
-    if (MayLoseResult() && AskForPicture(g_hwndMain, g_strings[49], &path))
+    if (MayLoseResult() && AskForPicture(g_hwndMain, Text(kTextSelectSource), &path))
         OpenPictureFile(path.c_str());
 }
 
@@ -99,7 +100,7 @@ static void OnClose()
 {
     if (!MayLoseResult())
         return;
-    SetStatusText(g_strings[76]);
+    SetStatusText(Text(kTextNothing));
     ForgetSource();
     ForgetViewPicture(&g_view);
     ShowCommandStates();
@@ -119,7 +120,7 @@ static std::wstring NoticesHint()
     const std::wstring folder = ProgramFolder() + L"\\Notices";
     const DWORD attributes = GetFileAttributesW(folder.c_str());
     return attributes == INVALID_FILE_ATTRIBUTES ? L""
-                                                 : VcFormatText(L"\n\n%s", g_strings[kTextNotices]);
+                                                 : VcFormatText(L"\n\n%s", Text(kTextNotices));
 }
 
 static void OnAbout()
@@ -136,8 +137,8 @@ static void OnAbout()
         L"libwebp, Imath (BSD)\n"
         L"LibRaw (CDDL 1.0)\n"
         L"zlib (zlib License)%s",
-        g_strings[kTextPurpose], g_strings[kTextLibraries], NoticesHint().c_str());
-    MessageBoxW(g_hwndMain, text.c_str(), g_strings[42], MB_ICONASTERISK);
+        Text(kTextPurpose), Text(kTextLibraries), NoticesHint().c_str());
+    MessageBoxW(g_hwndMain, text.c_str(), Text(kTextAbout), MB_ICONASTERISK);
 }
 
 static void OnOptions()

@@ -66,7 +66,7 @@ PickedFiles AskForSeries(HWND owner)
 {
     wchar_t names[kSeriesChars] = L"";
     const std::wstring filter = DialogFilter({L"*.bmp;*.jpg;*.gif;*.tif;*.png"});
-    OPENFILENAMEW dialog = FileDialog(owner, g_strings[49], filter, names, kSeriesChars);
+    OPENFILENAMEW dialog = FileDialog(owner, Text(kTextSelectSource), filter, names, kSeriesChars);
     dialog.Flags |= OFN_ALLOWMULTISELECT;
     PickedFiles picked;
     if (!GetOpenFileNameW(&dialog))
@@ -85,7 +85,7 @@ PickedFiles AskForSeries(HWND owner)
 bool LoadSilently(const wchar_t* path, SBxPicBuf* picture, SBxPicBuf* alpha)
 {
     std::wstring chosen = path;
-    if (chosen.empty() && !AskForPicture(GetActiveWindow(), g_strings[78], &chosen))
+    if (chosen.empty() && !AskForPicture(GetActiveWindow(), Text(kTextLoadItem), &chosen))
         return false;
     return !LoadPicturePair(Utf8(chosen).c_str(), picture, alpha);
 }
@@ -99,7 +99,7 @@ bool LoadForDocument(const wchar_t* path, SBxPicBuf* picture, SBxPicBuf* alpha)
         return true;
     CBxPicBufAPI::DoneHeap(picture);
     CBxPicBufAPI::DoneHeap(alpha);
-    MessageBoxW(g_hwndMain, g_strings[41], L"", MB_OK);
+    MessageBoxW(g_hwndMain, Text(kTextFormatNotSupported), L"", MB_OK);
     return false;
 }
 
@@ -113,7 +113,7 @@ static void ShowQuality(HWND row, int quality)
 
 static UINT_PTR OnQualityInit(HWND row)
 {
-    SetDlgItemTextW(row, IDC_QUALITY_LABEL, g_strings[48]);
+    SetDlgItemTextW(row, IDC_QUALITY_LABEL, Text(kTextJpegQuality));
     SendDlgItemMessageW(row, IDC_QUALITY_SLIDER, TBM_SETRANGE, TRUE,
                         MAKELPARAM(kLowestQuality, kHighestQuality));
     SendDlgItemMessageW(row, IDC_QUALITY_SLIDER, TBM_SETPAGESIZE, 0, 0);
@@ -259,7 +259,7 @@ static bool AskForTarget(HWND owner, int bitsPerComponent, const wchar_t* source
         patterns.push_back(type.pattern);
     const std::wstring filter = DialogFilter(patterns);
 
-    OPENFILENAMEW dialog = FileDialog(owner, g_strings[8], filter, name, kNameChars);
+    OPENFILENAMEW dialog = FileDialog(owner, Text(kTextSaveAs), filter, name, kNameChars);
     if (const int type = PreselectedSaveType(source, bitsPerComponent))
     {
         dialog.nFilterIndex = DWORD(type);
@@ -279,7 +279,7 @@ static bool AskForTarget(HWND owner, int bitsPerComponent, const wchar_t* source
 static const struct
 {
     SaveProblem problem;
-    int string;
+    TextId text;
 } kSaveProblems[] = {
     {SaveProblem::OutOfMemory, kTextSaveMemory},   {SaveProblem::UnknownFormat, kTextSaveFormat},
     {SaveProblem::DepthNotHeld, kTextSaveDepth},   {SaveProblem::CannotCreate, kTextSaveCreate},
@@ -302,17 +302,17 @@ static std::wstring SaveReason(const SaveReport& report)
     std::wstring reason;
     for (const auto& row : kSaveProblems)
         if (row.problem == report.problem)
-            reason = g_strings[row.string];
+            reason = Text(row.text);
     for (const auto& row : kFileErrors)
         if (row.number == report.systemError)
             reason += L"\n" + SystemErrorText(row.system);
     return reason;
 }
 
-static void TellFailure(HWND owner, int string, const wchar_t* path, const std::wstring& reason)
+static void TellFailure(HWND owner, TextId what, const wchar_t* path, const std::wstring& reason)
 {
-    const std::wstring text = VcFormatText(L"%s\n%s\n%s", g_strings[string], path, reason.c_str());
-    MessageBoxW(owner, text.c_str(), g_strings[40], MB_OK | MB_ICONERROR);
+    const std::wstring text = VcFormatText(L"%s\n%s\n%s", Text(what), path, reason.c_str());
+    MessageBoxW(owner, text.c_str(), Text(kTextError), MB_OK | MB_ICONERROR);
 }
 
 static SaveReport TrySave(const SBxPicBuf& picture, const SBxPicBuf& alpha,
@@ -342,7 +342,7 @@ static bool WritePicture(HWND owner, const SBxPicBuf& picture, const SBxPicBuf& 
     std::string path, from;
     if (SavePathFromWide(&path, target.path.c_str(), PathUse::Target))
     {
-        TellFailure(owner, 41, target.path.c_str(), L"");
+        TellFailure(owner, kTextFormatNotSupported, target.path.c_str(), L"");
         return false;
     }
     if (*source && SavePathFromWide(&from, source, PathUse::Source))
@@ -351,11 +351,11 @@ static bool WritePicture(HWND owner, const SBxPicBuf& picture, const SBxPicBuf& 
     if (!report.written && (report.problem == SaveProblem::SourceFormat ||
                             report.problem == SaveProblem::SourceUnreadable))
     {
-        TellFailure(owner, 33, source, L"");
+        TellFailure(owner, kTextCannotOpenFile, source, L"");
         report = TrySave(picture, alpha, path, "", target.format);
     }
     if (!report.written)
-        TellFailure(owner, 33, target.path.c_str(), SaveReason(report));
+        TellFailure(owner, kTextCannotOpenFile, target.path.c_str(), SaveReason(report));
     return report.written;
 }
 

@@ -103,7 +103,7 @@ static void DrawInvitationFrame(HDC dc, const InvitationLayout& layout)
 static void DrawInvitation(HDC dc, CBxSize<int> area, int background)
 {
     constexpr UINT kFormat = DT_CENTER | DT_WORDBREAK | DT_NOPREFIX;
-    const wchar_t* text = g_strings[kTextInvitation];
+    const wchar_t* text = Text(kTextInvitation);
     const HGDIOBJ font = SelectObject(dc, InvitationFont(InvitationFontHeight(area)));
     RECT room = {0, 0, InvitationTextWidth(area), 0};
     DrawTextW(dc, text, -1, &room, kFormat | DT_CALCRECT);
@@ -120,7 +120,7 @@ static void DrawInvitation(HDC dc, CBxSize<int> area, int background)
 void ShowNothing()
 {
     Render(ViewRebuild::Keep, nullptr, ViewShows::Nothing);
-    if (g_document.bitmap && *g_strings[kTextInvitation])
+    if (g_document.bitmap && *Text(kTextInvitation))
         DrawInvitation(g_document.memoryDc, SizeOfArea(g_view.area),
                        ViewBackground(g_view.colourScheme));
 }

@@ -38,7 +38,7 @@ static bool g_settingsUnsaved; // at the end of the run
 static void WarnAboutCrash(HWND frame)
 {
     if (g_settings.crashedLastTime != 0 && !g_otherInstance)
-        MessageBoxW(frame, g_strings[2], g_strings[3], MB_ICONASTERISK);
+        MessageBoxW(frame, Text(kTextCrashedLastTime), Text(kTextWarning), MB_ICONASTERISK);
 }
 
 static LRESULT OnCreate(HWND frame, WPARAM, LPARAM)
@@ -54,8 +54,8 @@ static LRESULT OnCreate(HWND frame, WPARAM, LPARAM)
     LoadLocalizedStrings(); // once more, now that the language is known
     WarnAboutCrash(frame);
 
-    g_hwndStatus = CreateWindowExW(0, STATUSCLASSNAMEW, g_strings[76], WS_CHILD | WS_VISIBLE, 0, 0,
-                                   0, 0, frame, nullptr, g_hInst, nullptr);
+    g_hwndStatus = CreateWindowExW(0, STATUSCLASSNAMEW, Text(kTextNothing), WS_CHILD | WS_VISIBLE,
+                                   0, 0, 0, 0, frame, nullptr, g_hInst, nullptr);
     g_hwndMain = frame;
     g_szCurrentFile[0] = 0;
     if (FAILED(CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED)))

@@ -5,18 +5,15 @@
 #include "text/Strings.h"
 #include "tools/Settings.h"
 
-constexpr int kRestartText = 47;
-constexpr int kReportText = 38;
-
 static const struct
 {
     int control; // 0: the caption
-    int string;
+    TextId text;
 } kOptionsTexts[] = {
-    {0, 44},
-    {IDC_OPTIONS_LABEL, 43},
-    {IDOK, 45},
-    {IDCANCEL, 46},
+    {0, kTextOptions},
+    {IDC_OPTIONS_LABEL, kTextSelectLanguage},
+    {IDOK, kTextOk},
+    {IDCANCEL, kTextCancel},
 };
 
 static void CentreOverParent(HWND dlg)
@@ -38,7 +35,7 @@ static INT_PTR OnInitOptions(HWND dlg)
         SendMessageW(combo, CB_ADDSTRING, 0, LPARAM(language.name.c_str()));
     SendMessageW(combo, CB_SETCURSEL, WPARAM(g_languages.current), 0);
     for (const auto& text : kOptionsTexts)
-        SetWindowTextW(text.control ? GetDlgItem(dlg, text.control) : dlg, g_strings[text.string]);
+        SetWindowTextW(text.control ? GetDlgItem(dlg, text.control) : dlg, Text(text.text));
     return TRUE;
 }
 
@@ -84,8 +81,8 @@ void ShowOptionsDialog(HWND owner)
         return;
     }
     // The note is for who reads the new language; all else stays as it is until the restart.
-    ReloadString(LocalizationFile(), g_languages.current, kRestartText);
-    ReloadString(LocalizationFile(), g_languages.current, kReportText);
+    ReloadString(LocalizationFile(), g_languages.current, kTextRestartNeeded);
+    ReloadString(LocalizationFile(), g_languages.current, kTextReport);
     if (g_languages.current != previous)
-        MessageBoxW(owner, g_strings[kRestartText], g_strings[kReportText], MB_ICONASTERISK);
+        MessageBoxW(owner, Text(kTextRestartNeeded), Text(kTextReport), MB_ICONASTERISK);
 }

@@ -8,11 +8,11 @@
 #include "base/Format_win.h"
 #include "text/Strings.h"
 
-void ShowSourceStatus(int string)
+void ShowSourceStatus(TextId hint)
 {
     const std::wstring text =
-        VcFormatText(L"%s %i %s %i. %s", g_strings[22], int(g_sourceIndex) + 1, g_strings[23],
-                     int(g_sourceCount), g_strings[string]);
+        VcFormatText(L"%s %i %s %i. %s", Text(kTextShowing), int(g_sourceIndex) + 1, Text(kTextOf),
+                     int(g_sourceCount), Text(hint));
     SetStatusText(text.c_str());
 }
 
@@ -39,9 +39,11 @@ static void PageBy(int step)
         return;
     // No box: the keys come through a hook. The next press goes on to the next source.
     if (ShowSourceAt(int((g_sourceIndex + g_sourceCount + step) % g_sourceCount)))
-        ShowSourceStatus(55);
+        ShowSourceStatus(kTextUseArrowsOrF5);
     else
-        SetStatusText(VcFormatText(L"%s %s", g_strings[33], g_sourceFiles[g_sourceIndex]).c_str());
+        SetStatusText(
+            VcFormatText(L"%s %s", Text(kTextCannotOpenFile), g_sourceFiles[g_sourceIndex])
+                .c_str());
 }
 
 void ShowPreviousSource()
@@ -61,7 +63,7 @@ void SwitchView()
     g_showSources = !g_showSources;
     RedrawView();
     if (g_showSources)
-        ShowSourceStatus(31);
+        ShowSourceStatus(kTextUseArrows);
     else
-        SetStatusText(g_strings[56]);
+        SetStatusText(Text(kTextPressF5));
 }

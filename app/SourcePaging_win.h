@@ -1,5 +1,7 @@
 #pragma once
 
+#include "text/Strings.h"
+
 // Looking through the sources of a multi-image job.
 
 void ShowPreviousSource();
@@ -7,4 +9,4 @@ void ShowNextSource();
 void SwitchView(); // between sources and result
 
 // "Showing 2 of 5. Use arrows to change it." with the last sentence by its number.
-void ShowSourceStatus(int string);
+void ShowSourceStatus(TextId hint);

@@ -284,19 +284,18 @@ static int ButtonOf(const FrameCommand& command)
 
 static void LabelMenu(HMENU root)
 {
-    const int titles[] = {4, 5, 6};
+    const TextId titles[] = {kTextFileMenu, kTextVexaMenu, kTextHelpMenu};
     for (int i = 0; i < 3; ++i)
         ModifyMenuW(root, UINT(i), MF_BYPOSITION | MF_STRING | MF_POPUP,
-                    reinterpret_cast<UINT_PTR>(GetSubMenu(root, i)), g_strings[titles[i]]);
+                    reinterpret_cast<UINT_PTR>(GetSubMenu(root, i)), Text(titles[i]));
     for (int i = 0; i < kCommandCount; ++i)
     {
         const FrameCommand& command = kCommands[i];
-        if (command.menuString == 0)
+        if (command.menuText == 0)
             continue;
         const int button = ButtonOf(command);
         const bool enabled = button == 0 || ButtonEnabled(button);
-        const std::wstring text =
-            VcFormatText(L"%s%s", g_strings[command.menuString], command.keys);
+        const std::wstring text = VcFormatText(L"%s%s", Text(command.menuText), command.keys);
         ModifyMenuW(root, UINT(command.id),
                     MF_BYCOMMAND | MF_STRING | (enabled ? 0u : MF_GRAYED | MF_DISABLED),
                     UINT_PTR(command.id), text.c_str());
@@ -323,6 +322,6 @@ void GiveTooltip(NMHDR* request)
 {
     NMTTDISPINFOW* info = reinterpret_cast<NMTTDISPINFOW*>(request);
     const FrameCommand* command = FindCommand(int(request->idFrom));
-    if (command && command->tooltipString)
-        info->lpszText = g_strings[command->tooltipString];
+    if (command && command->tooltipText)
+        info->lpszText = const_cast<wchar_t*>(Text(command->tooltipText)); // only read
 }

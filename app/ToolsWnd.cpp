@@ -23,7 +23,7 @@
 
 static void Warn(const wchar_t* text)
 {
-    MessageBoxW(g_hwndMain, text, g_strings[3], MB_OK | MB_ICONASTERISK);
+    MessageBoxW(g_hwndMain, text, Text(kTextWarning), MB_OK | MB_ICONASTERISK);
 }
 
 // Tells what is wrong with the first source that does not load or does not fit to the first one.
@@ -32,9 +32,9 @@ static bool SeriesFits(const FusionSources& series, const std::vector<std::wstri
     for (size_t i = 0; i < paths.size(); ++i)
     {
         if (series.problems[i] == SourceProblem::Unreadable)
-            Warn(VcFormatText(L"%s %s", g_strings[33], paths[i].c_str()).c_str());
+            Warn(VcFormatText(L"%s %s", Text(kTextCannotOpenFile), paths[i].c_str()).c_str());
         else if (series.problems[i] == SourceProblem::Different)
-            Warn(g_strings[54]);
+            Warn(Text(kTextSameResolution));
         else
             continue;
         return false;
@@ -91,7 +91,7 @@ static void OpenSeries(const std::vector<std::wstring>& paths, SBxPicBuf* first,
     ZoomTo100(&g_view, g_sourcePicture);
     SetZoomBoxText(ZoomText(g_view.state.scale).c_str());
     ShowSource(g_sourcePicture);
-    ShowSourceStatus(31);
+    ShowSourceStatus(kTextUseArrows);
     ShowExposureFusionDialog(std::move(series));
 }
 
@@ -110,9 +110,9 @@ void StartMultiImage()
         return;
     const PickedFiles picked = AskForSeries(g_hwndMain);
     if (picked.tooMany)
-        Warn(g_strings[15]);
+        Warn(Text(kTextCannotOpenSelected));
     if (picked.onlyOne)
-        Warn(g_strings[77]);
+        Warn(Text(kTextSelectSeveral));
     if (picked.tooMany || picked.onlyOne)
         KeepModeWithoutSeries();
     if (picked.paths.empty())
@@ -138,7 +138,7 @@ static bool MayStartTool()
     const int bits = g_sourcePicture.bitsPerComponent;
     if (HasPicture(g_sourcePicture) && (bits == 8 || bits == 16))
         return true;
-    MessageBoxW(g_hwndMain, g_strings[41], L"", MB_OK);
+    MessageBoxW(g_hwndMain, Text(kTextFormatNotSupported), L"", MB_OK);
     return false;
 }
 

@@ -28,7 +28,7 @@ static void Opened()
 {
     g_keyboardHook = SetWindowsHookExW(WH_KEYBOARD, OnHookedKey, nullptr, GetCurrentThreadId());
     if (!g_multiImageMode)
-        SetStatusText(g_strings[81]);
+        SetStatusText(Text(kTextCompareHint));
 }
 
 static void Ended()
@@ -50,8 +50,11 @@ bool ShowExposureFusionDialog(std::unique_ptr<FusionSources> sources)
     FusionToolKind kind = {};
     kind.dialogId = IDD_EXPOSURE_FUSION;
     kind.slider = {IDC_FUSION_SLIDER, IDC_FUSION_VALUE, kTargetGreyRange};
-    kind.title = g_strings[g_multiImageMode ? 63 : 64];
-    kind.texts = {{IDC_FUSION_LABEL, 61}, {IDC_FUSION_DEFAULT, 53}, {IDOK, 45}, {IDCANCEL, 46}};
+    kind.title = Text(g_multiImageMode ? kTextMultiImage : kTextSingleImage);
+    kind.texts = {{IDC_FUSION_LABEL, kTextExposure},
+                  {IDC_FUSION_DEFAULT, kTextSetDefault},
+                  {IDOK, kTextOk},
+                  {IDCANCEL, kTextCancel}};
     kind.value = [=] { return model->exposure; };
     kind.move = [=](SliderMove move, int thumb) { MoveExposure(model.get(), move, thumb); };
     kind.setDefaults = [=] { SetFusionDefaults(model.get()); };

@@ -89,11 +89,11 @@ static void TellUnusable(FusionTool* tool)
             continue;
         tool->told[i] = true;
         if (++files <= kMostFilesTold)
-            text += VcFormatText(L"%s %s\n", g_strings[33],
+            text += VcFormatText(L"%s %s\n", Text(kTextCannotOpenFile),
                                  WideFromUtf8(tool->sources->paths[i].c_str()).c_str());
     }
     if (files > 0)
-        MessageBoxW(g_hwndMain, text.c_str(), g_strings[3], MB_OK | MB_ICONASTERISK);
+        MessageBoxW(g_hwndMain, text.c_str(), Text(kTextWarning), MB_OK | MB_ICONASTERISK);
 }
 
 static FusionOutcome ComputePreview(HWND dlg, FusionTool* tool, const FusionTask& task)
@@ -164,7 +164,7 @@ static INT_PTR OnInit(HWND dlg, std::unique_ptr<FusionTool>* opening)
     SetWindowLongPtrW(dlg, DWLP_USER, reinterpret_cast<LONG_PTR>(tool));
     SetDlgItemTextW(dlg, IDC_FUSION_TITLE, tool->kind.title.c_str());
     for (const auto& [control, text] : tool->kind.texts)
-        SetDlgItemTextW(dlg, control, g_strings[text]);
+        SetDlgItemTextW(dlg, control, Text(text));
     SetUpSlider(dlg, tool->kind.slider, tool->kind.value());
     if (tool->kind.opened)
         tool->kind.opened();
@@ -203,7 +203,7 @@ static void MakeResult(HWND dlg, FusionTool* tool)
         GiveUpTool(dlg);
         return;
     }
-    SetStatusText(g_strings[g_multiImageMode ? 56 : 81]);
+    SetStatusText(Text(g_multiImageMode ? kTextPressF5 : kTextCompareHint));
     DestroyWindow(dlg);
     SetFocus(g_hwndMain);
     SendMessageW(g_hwndMain, WM_APP_TOOL_DONE, 0, 0);

@@ -17,7 +17,7 @@ struct FusionToolKind
     int dialogId;
     SliderControl slider;
     std::wstring title;
-    std::vector<std::pair<int, int>> texts; // control, number of its text
+    std::vector<std::pair<int, TextId>> texts; // of controls
 
     std::function<int()> value; // of the slider
     std::function<void(SliderMove, int thumb)> move;

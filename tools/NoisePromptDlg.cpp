@@ -8,12 +8,18 @@
 #include "tools/Settings.h"
 #include "tools/ToolDialogWnd.h"
 
-static constexpr int kFirstLevelText = 84; // "None"; the others follow
+// By strength.
+static constexpr TextId kLevelTexts[] = {kTextNoiseNone, kTextNoiseLow, kTextNoiseMedium,
+                                         kTextNoiseHigh};
 
 static int g_answer; // of the prompt that is open
 
 static const ControlText kTexts[] = {
-    {0, 82}, {IDC_SERIES_TITLE, 82}, {IDC_NOISE_LABEL, 83}, {IDOK, 45}, {IDCANCEL, 46},
+    {0, kTextNoiseQuestion},
+    {IDC_SERIES_TITLE, kTextNoiseQuestion},
+    {IDC_NOISE_LABEL, kTextNoiseReduction},
+    {IDOK, kTextOk},
+    {IDCANCEL, kTextCancel},
 };
 
 static unsigned* LevelOf(HWND dlg)
@@ -30,7 +36,7 @@ static INT_PTR OnInit(HWND dlg, LPARAM lParam)
     SendDlgItemMessageW(dlg, IDC_NOISE_LEVEL, CB_RESETCONTENT, 0, 0);
     for (unsigned level = 0; level < kNoiseLevels; ++level)
         SendDlgItemMessageW(dlg, IDC_NOISE_LEVEL, CB_ADDSTRING, 0,
-                            reinterpret_cast<LPARAM>(g_strings[kFirstLevelText + int(level)]));
+                            reinterpret_cast<LPARAM>(Text(kLevelTexts[level])));
     SendDlgItemMessageW(dlg, IDC_NOISE_LEVEL, CB_SETCURSEL, *LevelOf(dlg), 0);
     return TRUE;
 }

@@ -14,7 +14,7 @@ static std::wstring WithoutDots(const wchar_t* text)
     return whole.substr(0, whole.find_last_not_of(L".\x2026 ") + 1);
 }
 
-bool ShowPowerFusionDialog(int title)
+bool ShowPowerFusionDialog(TextId title)
 {
     ReadSettings(SettingGroup::PowerTool);
     const auto model =
@@ -22,8 +22,8 @@ bool ShowPowerFusionDialog(int title)
     FusionToolKind kind = {};
     kind.dialogId = IDD_POWER_FUSION;
     kind.slider = {IDC_FUSION_SLIDER, IDC_FUSION_VALUE, kPowerRange};
-    kind.title = WithoutDots(g_strings[title]);
-    kind.texts = {{IDC_FUSION_LABEL, 105}, {IDOK, 45}, {IDCANCEL, 46}};
+    kind.title = WithoutDots(Text(title));
+    kind.texts = {{IDC_FUSION_LABEL, kTextPower}, {IDOK, kTextOk}, {IDCANCEL, kTextCancel}};
     kind.value = [=] { return model->power; };
     kind.move = [=](SliderMove move, int thumb) { MovePower(model.get(), move, thumb); };
     kind.task = [=](const CBxRect<int>& region) { return PowerTask(*model, region); };
@@ -32,7 +32,7 @@ bool ShowPowerFusionDialog(int title)
         StorePower(*model, &g_settings);
         return WriteSettings(SettingGroup::PowerTool);
     };
-    kind.opened = [] { SetStatusText(g_strings[81]); };
+    kind.opened = [] { SetStatusText(Text(kTextCompareHint)); };
     kind.peeksAtKeys = true;
     return ShowFusionTool(kind, nullptr);
 }

@@ -15,8 +15,10 @@
 // A report in a posted message: wParam holds the percentage, or nothing when the text stays.
 static constexpr WPARAM kKeepText = 1000;
 
-static const ControlText kTexts[] = {
-    {0, 1}, {IDC_SERIES_TITLE, 1}, {IDC_PROGRESS_TEXT, 7}, {IDCANCEL, 68}};
+static const ControlText kTexts[] = {{0, kTextPreparing},
+                                     {IDC_SERIES_TITLE, kTextPreparing},
+                                     {IDC_PROGRESS_TEXT, kTextProgressFivePercent},
+                                     {IDCANCEL, kTextAbort}};
 
 static INT_PTR OnInit(HWND dlg, LPARAM kind)
 {
@@ -34,7 +36,7 @@ static INT_PTR OnReport(HWND dlg, WPARAM percent, LPARAM position)
 {
     if (percent != kKeepText && !g_cancelRequested)
         SetDlgItemTextW(dlg, IDC_PROGRESS_TEXT,
-                        VcFormatText(L"%s%i%%", g_strings[14], int(percent)).c_str());
+                        VcFormatText(L"%s%i%%", Text(kTextProgress), int(percent)).c_str());
     SendDlgItemMessageW(dlg, IDC_PROGRESS_BAR, PBM_SETPOS, WPARAM(position), 0);
     UpdateWindow(dlg);
     return TRUE;
@@ -47,7 +49,7 @@ static INT_PTR OnButton(HWND dlg, int id)
     else if (id == IDCANCEL)
     {
         g_cancelRequested = true;
-        SetDlgItemTextW(dlg, IDC_PROGRESS_TEXT, g_strings[57]);
+        SetDlgItemTextW(dlg, IDC_PROGRESS_TEXT, Text(kTextCancelling));
     }
     return TRUE;
 }

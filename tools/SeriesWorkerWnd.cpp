@@ -98,8 +98,9 @@ static void TellFailure()
     if (g_cancelRequested || g_stopRequested)
         return;
     if (g_job.folderFailed)
-        MessageBoxW(g_hwndMain, VcFormatText(L"%s %s", g_strings[33], g_job.folder.c_str()).c_str(),
-                    g_strings[3], MB_OK | MB_ICONASTERISK);
+        MessageBoxW(g_hwndMain,
+                    VcFormatText(L"%s %s", Text(kTextCannotOpenFile), g_job.folder.c_str()).c_str(),
+                    Text(kTextWarning), MB_OK | MB_ICONASTERISK);
     else
         WarnOfShortMemory();
 }
@@ -127,7 +128,7 @@ void EndSeries(bool ready)
     g_stopRequested = false;
 }
 
-int SeriesTitle()
+TextId SeriesTitle()
 {
-    return g_job.run.kind == SeriesKind::DaylightDown ? 100 : 99;
+    return g_job.run.kind == SeriesKind::DaylightDown ? kTextDaylightDownItem : kTextDaylightUpItem;
 }

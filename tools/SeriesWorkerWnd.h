@@ -1,6 +1,7 @@
 #pragma once
 
 #include "series/SeriesRun.h"
+#include "text/Strings.h"
 
 // Making a series in the background, with the progress panel in the docker. The worker reads the
 // source picture, writes files and posts messages; everything else happens on the window thread.
@@ -17,4 +18,4 @@ bool SeriesWasAborted();
 void EndSeries(bool ready);
 
 // Number of the text that names the series made last, for the Power dialog.
-int SeriesTitle();
+TextId SeriesTitle();

@@ -31,8 +31,7 @@ void TellSettingsUnsaved()
 {
     const HWND owner = IsWindow(g_hwndMain) ? g_hwndMain : nullptr; // gone at the end of the run
     const ProfileFailure& failure = LastProfileFailure();
-    const std::wstring text =
-        VcFormatText(L"%s\n%s\n%s", g_strings[kTextSettings], failure.path.c_str(),
-                     SystemErrorText(failure.error).c_str());
-    MessageBoxW(owner, text.c_str(), g_strings[3], MB_OK | MB_ICONASTERISK);
+    const std::wstring text = VcFormatText(L"%s\n%s\n%s", Text(kTextSettings), failure.path.c_str(),
+                                           SystemErrorText(failure.error).c_str());
+    MessageBoxW(owner, text.c_str(), Text(kTextWarning), MB_OK | MB_ICONASTERISK);
 }

@@ -16,7 +16,10 @@
 #include <algorithm>
 #include <memory>
 
-static const ControlText kTexts[] = {{0, 102}, {IDC_TOOL_FRAME, 102}, {IDOK, 45}, {IDCANCEL, 46}};
+static const ControlText kTexts[] = {{0, kTextLevelsOfDetail},
+                                     {IDC_TOOL_FRAME, kTextLevelsOfDetail},
+                                     {IDOK, kTextOk},
+                                     {IDCANCEL, kTextCancel}};
 
 static SliderControl LevelControl(int level)
 {
@@ -158,6 +161,6 @@ void OpenSmartContrastDialog()
         ReleaseSmartContrast(model.get());
         return;
     }
-    SetStatusText(g_strings[kCompareHint]);
+    SetStatusText(Text(kTextCompareHint));
     ShowRecomposed(model.release()); // the dialog's from here on
 }

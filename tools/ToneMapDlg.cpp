@@ -19,18 +19,16 @@
 #include <memory>
 
 static const ControlText kToneTexts[] = {
-    {IDC_TONE_LABEL + 0, 109},
-    {IDC_TONE_LABEL + 1, 110},
-    {IDC_TONE_LABEL + 2, 111},
-    {IDC_TONE_LABEL + 3, 112},
-    {IDC_TONE_COLORS, 113},
-    {IDC_TONE_PREVIEW, 108},
-    {IDC_TONE_STOP, 68},
-    {IDOK, 45},
-    {IDCANCEL, 46},
+    {IDC_TONE_LABEL + 0, kTextContrast},
+    {IDC_TONE_LABEL + 1, kTextNoiseAmplitude},
+    {IDC_TONE_LABEL + 2, kTextDetails},
+    {IDC_TONE_LABEL + 3, kTextEqualization},
+    {IDC_TONE_COLORS, kTextUseColors},
+    {IDC_TONE_PREVIEW, kTextPreview},
+    {IDC_TONE_STOP, kTextAbort},
+    {IDOK, kTextOk},
+    {IDCANCEL, kTextCancel},
 };
-
-constexpr int kDragHint = 80;
 
 static SliderControl ToneControl(int slider)
 {
@@ -46,7 +44,7 @@ static ToneMapModel* ModelOf(HWND dlg)
 // corner of the frame around the controls.
 static std::wstring ToneTitle()
 {
-    const std::wstring title = g_strings[98];
+    const std::wstring title = Text(kTextToneMappingItem);
     return L" " + title.substr(0, title.find_last_not_of(L'.') + 1);
 }
 
@@ -155,7 +153,7 @@ static void OnPreviewBox(HWND dlg)
 {
     const bool on =
         ToneMapPreviewToggled(ModelOf(dlg), IsChecked(dlg, IDC_TONE_PREVIEW), ViewCentre());
-    SetStatusText(g_strings[on ? kDragHint : kNoHint]);
+    SetStatusText(Text(on ? kTextDragHint : kTextNothing));
     ShowToneMapPreview(ModelOf(dlg));
 }
 
@@ -179,7 +177,7 @@ static void StartRun(HWND dlg)
     ToneMapRunStarted(model);
     ShowState(dlg);
     ShowRectangle(*model);
-    SetStatusText(g_strings[kNoHint]);
+    SetStatusText(Text(kTextNothing));
     SendMessageW(g_hwndMain, WM_APP_START_WORKER, 0, 0);
     SendMessageW(g_hwndMain, WM_APP_PREVIEW_READY, 0, 0); // the source again
 }
@@ -226,7 +224,7 @@ static INT_PTR OnFinished(HWND dlg)
 {
     ToneMapRunEnded(ModelOf(dlg), true);
     ShowState(dlg);
-    SetStatusText(g_strings[kCompareHint]);
+    SetStatusText(Text(kTextCompareHint));
     SendMessageW(g_hwndMain, WM_APP_TOOL_DONE, 0, 0);
     return TRUE;
 }

@@ -14,8 +14,7 @@
 void ShowTexts(HWND dialog, const ControlText* rows, int count)
 {
     for (const ControlText* row = rows; row != rows + count; ++row)
-        SetWindowTextW(row->control ? GetDlgItem(dialog, row->control) : dialog,
-                       g_strings[row->string]);
+        SetWindowTextW(row->control ? GetDlgItem(dialog, row->control) : dialog, Text(row->text));
 }
 
 HWND OpenDocked(int dialogId, DLGPROC procedure, LPARAM parameter)
@@ -62,7 +61,7 @@ void ToolDialogDestroyed(HWND dialog)
 void GiveUpTool(HWND dialog)
 {
     CopyPicture(&g_previewPicture, g_sourcePicture);
-    SetStatusText(g_strings[kNoHint]);
+    SetStatusText(Text(kTextNothing));
     DestroyWindow(dialog);
     SendMessageW(g_hwndMain, WM_APP_TOOL_CANCELLED, 0, 0);
 }
@@ -96,7 +95,7 @@ ToolProgress::~ToolProgress()
 // by the system's image of it.
 void ToolProgress::Show(int done, int count) const
 {
-    SetStatusText(VcFormatText(L"%s%i%%", g_strings[14], 100 * done / count).c_str());
+    SetStatusText(VcFormatText(L"%s%i%%", Text(kTextProgress), 100 * done / count).c_str());
     UpdateWindow(g_hwndStatus);
     MSG message;
     PeekMessageW(&message, nullptr, 0, 0, PM_NOREMOVE);
@@ -105,7 +104,7 @@ void ToolProgress::Show(int done, int count) const
 void WarnOfShortMemory()
 {
     const std::wstring text = SystemErrorText(ERROR_NOT_ENOUGH_MEMORY);
-    MessageBoxW(g_hwndMain, text.c_str(), g_strings[3], MB_OK | MB_ICONASTERISK);
+    MessageBoxW(g_hwndMain, text.c_str(), Text(kTextWarning), MB_OK | MB_ICONASTERISK);
 }
 
 void RefuseTool()

@@ -1,19 +1,18 @@
 #pragma once
 
 #include "base/Win.h"
+#include "text/Strings.h"
 #include "tools/SliderRules.h"
 
 #include <string>
 
 // What the tools' dialogs have in common. Window thread only.
 
-// What the status bar says: what the right button does over a preview, and nothing.
-constexpr int kCompareHint = 81, kNoHint = 76;
-
 // A control and the number of its text; control 0 is the dialog's own title.
 struct ControlText
 {
-    int control, string;
+    int control;
+    TextId text;
 };
 void ShowTexts(HWND dialog, const ControlText* rows, int count);
 template <int N>

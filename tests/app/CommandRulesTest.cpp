@@ -58,7 +58,7 @@ TEST(CommandTable, KnowsEveryCommandOnce)
     EXPECT_EQ(ids.size(), 22u);
     EXPECT_EQ(FindCommand(ID_TOOLBAR_SPACER), nullptr);
     ASSERT_NE(FindCommand(ID_SMART_CONTRAST), nullptr);
-    EXPECT_EQ(FindCommand(ID_SMART_CONTRAST)->tooltipString, 101);
+    EXPECT_EQ(FindCommand(ID_SMART_CONTRAST)->tooltipText, kTextSmartContrastItem);
     EXPECT_FALSE(IsCommandEnabled(CommandStates(), 4242)) << "not a command";
 }
 

@@ -68,7 +68,7 @@ TEST_F(FrameFiles, ToolsAskForAPictureThatHasNoName)
     RunModal([&] { EXPECT_TRUE(LoadSilently(L"", &picture, &alpha)); },
              {[&](HWND dialog)
               {
-                  EXPECT_EQ(WindowText(dialog), g_strings[78]);
+                  EXPECT_EQ(WindowText(dialog), Text(kTextLoadItem));
                   ChooseFile(dialog, WideOf(folder.path.u8string()), L"picked.png");
               }});
     EXPECT_EQ(picture.width, 12);
@@ -88,7 +88,7 @@ TEST_F(FrameFiles, RefusesWithOneMessageAndChangesNothing)
     for (const char* name : {"bits4.bmp", "float.tif", "broken.jpg", "empty.tif", "missing.png"})
     {
         SCOPED_TRACE(name);
-        RunModal([&] { Drop({Wide(name)}); }, {Box(41, 0)});
+        RunModal([&] { Drop({Wide(name)}); }, {Box(kTextFormatNotSupported, kNoText)});
         EXPECT_EQ(Snapshot(), before);
     }
 }
@@ -101,9 +101,9 @@ TEST_F(FrameFiles, DropTakesTheFirstFileAndAsksAboutAResult)
     EXPECT_EQ(g_sourcePicture.width, 30);
     MakeResult(77);
     const std::wstring before = Snapshot();
-    RunModal([&] { Drop({Wide("second.png")}); }, {Box(21, 3, IDNO)});
+    RunModal([&] { Drop({Wide("second.png")}); }, {Box(kTextUnsavedQuestion, kTextWarning, IDNO)});
     EXPECT_EQ(Snapshot(), before);
-    RunModal([&] { Drop({Wide("second.png")}); }, {Box(21, 3, IDYES)});
+    RunModal([&] { Drop({Wide("second.png")}); }, {Box(kTextUnsavedQuestion, kTextWarning, IDYES)});
     EXPECT_EQ(g_sourcePicture.width, 31);
     EXPECT_FALSE(g_resultUnsaved);
     EXPECT_EQ(g_resultPicture.data, nullptr) << "the old photograph's result";
@@ -138,9 +138,9 @@ TEST_F(FrameFiles, CloseForgetsEverything)
 {
     OpenPicture("photo.png", 60, 40);
     MakeResult(60);
-    RunModal([] { Command(ID_FILE_CLOSE); }, {Box(21, 3, IDNO)});
+    RunModal([] { Command(ID_FILE_CLOSE); }, {Box(kTextUnsavedQuestion, kTextWarning, IDNO)});
     EXPECT_EQ(ViewCentre(), Bytes({60, 60, 60}));
-    RunModal([] { Command(ID_FILE_CLOSE); }, {Box(21, 3, IDYES)});
+    RunModal([] { Command(ID_FILE_CLOSE); }, {Box(kTextUnsavedQuestion, kTextWarning, IDYES)});
     EXPECT_EQ(Enabled(), "110000000");
     EXPECT_EQ(Title(), L"Plenoviz");
     EXPECT_STREQ(g_szCurrentFile, L"");

@@ -181,12 +181,12 @@ Bytes ViewCentre()
     return ViewPixel(size.cx / 2, size.cy / 2);
 }
 
-std::function<void(HWND)> Box(int text, int caption, int button)
+std::function<void(HWND)> Box(TextId text, TextId caption, int button)
 {
     return [=](HWND box)
     {
-        EXPECT_EQ(MessageBoxText(box), g_strings[text]);
-        EXPECT_EQ(WindowText(box), caption ? g_strings[caption] : L"");
+        EXPECT_EQ(MessageBoxText(box), Text(text));
+        EXPECT_EQ(WindowText(box), caption ? Text(caption) : L"");
         PressButton(box, button);
     };
 }

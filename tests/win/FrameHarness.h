@@ -66,7 +66,7 @@ Bytes ViewPixel(int x, int y);
 Bytes ViewCentre();
 
 // A step for RunModal that expects a message box and presses one of its buttons.
-std::function<void(HWND)> Box(int text, int caption, int button = IDOK);
+std::function<void(HWND)> Box(TextId text, TextId caption, int button = IDOK);
 
 // Plays the user in a file dialog: goes to the folder, types the name, presses OK.
 void ChooseFile(HWND dialog, const std::wstring& inFolder, const std::wstring& name);

@@ -64,13 +64,13 @@ TEST_F(FrameSave, ProposesNameAndTypeAndRemembersTheQuality)
     RunModal([] { Command(ID_FILE_SAVEAS); },
              {[&](HWND dialog)
               {
-                  EXPECT_EQ(WindowText(dialog), g_strings[8]);
+                  EXPECT_EQ(WindowText(dialog), Text(kTextSaveAs));
                   EXPECT_EQ(FileNameBox(dialog).substr(0, 10), L"photo-vexa");
                   EXPECT_EQ(SendDlgItemMessageW(dialog, cmb1, CB_GETCOUNT, 0, 0), 4);
                   const HWND row = QualityRow(dialog);
                   ASSERT_TRUE(row);
                   const HWND slider = GetDlgItem(row, IDC_QUALITY_SLIDER);
-                  EXPECT_EQ(WindowText(GetDlgItem(row, IDC_QUALITY_LABEL)), g_strings[48]);
+                  EXPECT_EQ(WindowText(GetDlgItem(row, IDC_QUALITY_LABEL)), Text(kTextJpegQuality));
                   EXPECT_EQ(OnScreen(GetDlgItem(row, IDC_QUALITY_LABEL)).left,
                             OnScreen(GetDlgItem(dialog, stc2)).left);
                   const RECT box = OnScreen(GetDlgItem(dialog, cmb1));
@@ -151,10 +151,10 @@ TEST_F(FrameSave, AFailureKeepsFileMarkAndTitle)
            {[](HWND box) { PressButton(box, IDYES); },
             [&](HWND box)
             {
-                EXPECT_EQ(WindowText(box), g_strings[40]);
-                EXPECT_NE(MessageBoxText(box).find(g_strings[33]), std::wstring::npos);
+                EXPECT_EQ(WindowText(box), Text(kTextError));
+                EXPECT_NE(MessageBoxText(box).find(Text(kTextCannotOpenFile)), std::wstring::npos);
                 EXPECT_NE(MessageBoxText(box).find(Wide("locked.png")), std::wstring::npos);
-                EXPECT_NE(MessageBoxText(box).find(g_strings[kTextSaveWrite]), std::wstring::npos);
+                EXPECT_NE(MessageBoxText(box).find(Text(kTextSaveWrite)), std::wstring::npos);
                 PressButton(box, IDOK);
             }});
     CloseHandle(held);

@@ -19,10 +19,10 @@ TEST_F(FrameSeries, WrongPicksAreToldOnce)
     picture("grey.png", 60, 1);
     folder.Write("broken.png", {1, 2, 3});
     const std::pair<const wchar_t*, std::wstring> rows[] = {
-        {L"a.png", g_strings[77]},
-        {L"\"a.png\" \"broken.png\"", g_strings[33] + (L" " + Wide("broken.png"))},
-        {L"\"a.png\" \"wide.png\"", g_strings[54]},
-        {L"\"grey.png\" \"a.png\"", g_strings[54]}};
+        {L"a.png", Text(kTextSelectSeveral)},
+        {L"\"a.png\" \"broken.png\"", Text(kTextCannotOpenFile) + (L" " + Wide("broken.png"))},
+        {L"\"a.png\" \"wide.png\"", Text(kTextSameResolution)},
+        {L"\"grey.png\" \"a.png\"", Text(kTextSameResolution)}};
     OpenPicture("before.png", 100, 70);
     const std::wstring title = Title();
     const Bytes shown = ViewCentre();
@@ -36,7 +36,7 @@ TEST_F(FrameSeries, WrongPicksAreToldOnce)
                   [&, text = text](HWND box)
                   {
                       EXPECT_EQ(MessageBoxText(box), text);
-                      EXPECT_EQ(WindowText(box), g_strings[3]);
+                      EXPECT_EQ(WindowText(box), Text(kTextWarning));
                       PressButton(box, IDOK);
                   }});
         for (const int id : {ID_SWITCH_VIEW, ID_SOURCE_NEXT}) // there is nothing to page through
@@ -79,7 +79,7 @@ TEST_F(FrameSeries, IsPagedThroughAndComparedWithItsResult)
         Command(row.command);
         EXPECT_EQ(ViewCentre(), Flat(row.level));
         EXPECT_EQ(StatusText(),
-                  std::wstring(L"Showing ") + row.number + L" of 3. " + g_strings[55]);
+                  std::wstring(L"Showing ") + row.number + L" of 3. " + Text(kTextUseArrowsOrF5));
     }
     EXPECT_EQ(g_szCurrentFile, Wide("s0.png")) << "name and metadata stay the first one's";
 
@@ -88,10 +88,10 @@ TEST_F(FrameSeries, IsPagedThroughAndComparedWithItsResult)
     EXPECT_EQ(ViewCentre(), Flat(200)) << "pages sources only";
     Command(ID_SWITCH_VIEW);
     EXPECT_EQ(ViewCentre(), Flat(120));
-    EXPECT_EQ(StatusText(), std::wstring(L"Showing 3 of 3. ") + g_strings[31]);
+    EXPECT_EQ(StatusText(), std::wstring(L"Showing 3 of 3. ") + Text(kTextUseArrows));
     Command(ID_SWITCH_VIEW);
     EXPECT_EQ(ViewCentre(), Flat(200));
-    EXPECT_EQ(StatusText(), g_strings[56]);
+    EXPECT_EQ(StatusText(), Text(kTextPressF5));
     g_resultUnsaved = false;
 
     OpenPicture("single.png", 64, 48);
@@ -110,7 +110,7 @@ TEST_F(FrameSeries, ToolsKeepTheResultOnNo)
     for (const int id : {ID_SMART_CONTRAST, ID_SINGLE_LIGHT, ID_DAYLIGHT_UP, ID_DAYLIGHT_DOWN,
                          ID_TONE_MAPPING, ID_MULTI_IMAGE, ID_FILE_OPEN})
     {
-        RunModal([id = id] { Command(id); }, {Box(21, 3, IDNO)});
+        RunModal([id = id] { Command(id); }, {Box(kTextUnsavedQuestion, kTextWarning, IDNO)});
         EXPECT_TRUE(g_resultUnsaved) << id;
         EXPECT_EQ(ViewCentre(), Flat(99)) << id;
         EXPECT_EQ(g_hwndActiveTool, nullptr) << id;

@@ -36,7 +36,7 @@ TEST_F(Frame, WarnsOnceAfterACrashAndBlamesNoneOnASecondInstance)
     EXPECT_FALSE(IsWindow(g_hwndMain));
     EXPECT_EQ(CrashMarker(), 0);
     WriteNumber(UserSettingsFile(), L"General", L"Crashed Last Time", 1);
-    RunModal([this] { StartFrame(); }, {Box(2, 3)});
+    RunModal([this] { StartFrame(); }, {Box(kTextCrashedLastTime, kTextWarning)});
     CloseFrame();
     RunModal([this] { StartFrame(); }, {});
     CloseFrame();
@@ -53,10 +53,10 @@ TEST_F(Frame, AsksBeforeItClosesOverAnUnsavedResult)
     MakeResult(90);
     const auto close = [] { SendMessageW(g_hwndMain, WM_CLOSE, 0, 0); };
     const auto exit = [] { Command(IDM_EXIT); };
-    RunModal(close, {Box(21, 3, IDNO)});
-    RunModal(exit, {Box(21, 3, IDNO)});
+    RunModal(close, {Box(kTextUnsavedQuestion, kTextWarning, IDNO)});
+    RunModal(exit, {Box(kTextUnsavedQuestion, kTextWarning, IDNO)});
     RunModal([] { EXPECT_FALSE(SendMessageW(g_hwndMain, WM_QUERYENDSESSION, 0, 0)); },
-             {Box(21, 3, IDNO)});
+             {Box(kTextUnsavedQuestion, kTextWarning, IDNO)});
     EXPECT_TRUE(IsWindow(g_hwndMain));
     EXPECT_TRUE(g_resultUnsaved);
     EXPECT_EQ(ViewCentre(), Bytes({90, 90, 90}));
@@ -64,7 +64,7 @@ TEST_F(Frame, AsksBeforeItClosesOverAnUnsavedResult)
     EXPECT_EQ(CrashMarker(), 1) << "another program refused";
     SendMessageW(g_hwndMain, WM_ENDSESSION, TRUE, 0);
     EXPECT_EQ(CrashMarker(), 0);
-    RunModal(exit, {Box(21, 3, IDYES)});
+    RunModal(exit, {Box(kTextUnsavedQuestion, kTextWarning, IDYES)});
     Pump();
     EXPECT_FALSE(IsWindow(g_hwndMain));
     EXPECT_EQ(CrashMarker(), 0);
@@ -150,13 +150,15 @@ TEST_F(Frame, NamesTheMenuAndTheButtons)
                 EXPECT_STREQ(text, row.text);
             }
         });
-    for (const auto& [id, string] : {std::pair(ID_FILE_OPEN, 79), std::pair(ID_SMART_CONTRAST, 101),
-                                     std::pair(ID_ZOOM_COMBO, 29), std::pair(IDM_ABOUT, 0)})
+    for (const auto& [id, string] :
+         {std::pair(ID_FILE_OPEN, kTextLoadTip),
+          std::pair(ID_SMART_CONTRAST, kTextSmartContrastItem),
+          std::pair(ID_ZOOM_COMBO, kTextZoomBoxTip), std::pair(IDM_ABOUT, kNoText)})
     {
         NMTTDISPINFOW info = {};
         info.hdr = {g_hwndToolbar, UINT_PTR(id), UINT(TTN_GETDISPINFOW)};
         SendMessageW(g_hwndMain, WM_NOTIFY, 0, reinterpret_cast<LPARAM>(&info));
-        EXPECT_EQ(info.lpszText, string ? g_strings[string] : nullptr) << id;
+        EXPECT_EQ(info.lpszText, string ? Text(string) : nullptr) << id;
     }
     RunModal([] { Command(IDM_ABOUT); }, {[](HWND box)
                                           {

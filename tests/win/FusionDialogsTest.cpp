@@ -193,7 +193,7 @@ TEST_F(FusionDialogs, NameAFileThatCannotBeReadOnce)
              {[this](HWND box)
               {
                   const std::wstring text = MessageBoxText(box);
-                  EXPECT_EQ(text.find(g_strings[33]), 0u);
+                  EXPECT_EQ(text.find(Text(kTextCannotOpenFile)), 0u);
                   EXPECT_NE(text.find(L"missing.tif"), std::wstring::npos);
                   PressButton(box, IDOK);
               }});

@@ -96,7 +96,7 @@ TEST_F(Tools, SmartContrastShowsEachMoveAndKeepsItsNumbers)
     ExpectSamePicture(g_resultPicture, expected.pic);
 
     // It asks for the result, and starts from what was stored.
-    RunModal([] { Command(ID_SMART_CONTRAST); }, {Box(21, 3, IDYES)});
+    RunModal([] { Command(ID_SMART_CONTRAST); }, {Box(kTextUnsavedQuestion, kTextWarning, IDYES)});
     ASSERT_TRUE(g_hwndActiveTool);
     EXPECT_EQ(WindowText(Control(IDC_LEVEL_VALUE + 1)), L"22");
     ExpectSamePicture(g_previewPicture, expected.pic);
@@ -167,7 +167,7 @@ TEST_F(Tools, ToneMappingPreviewsARectangleThatTheMouseMoves)
 
     Check(IDC_TONE_PREVIEW, true);
     ASSERT_NE(g_view.previewRect, nullptr);
-    EXPECT_EQ(StatusText(), g_strings[80]);
+    EXPECT_EQ(StatusText(), Text(kTextDragHint));
     EXPECT_NE(HashOf(g_previewPicture), HashOf(g_sourcePicture));
     const CBxRect<int> first = *g_view.previewRect;
     EXPECT_EQ(first.right - first.left, 512);
@@ -223,7 +223,7 @@ TEST_F(Tools, ToneMappingMakesTheResultAndWaitsToBeClosed)
     EXPECT_FALSE(IsWindowEnabled(Control(IDC_TONE_SLIDER)));
 
     // Another command closes it, or its own button.
-    RunModal([] { Command(ID_TONE_MAPPING); }, {Box(21, 3, IDYES)});
+    RunModal([] { Command(ID_TONE_MAPPING); }, {Box(kTextUnsavedQuestion, kTextWarning, IDYES)});
     ASSERT_TRUE(g_hwndActiveTool);
     EXPECT_TRUE(IsWindowVisible(Control(IDCANCEL)));
     EXPECT_EQ(Enabled(), kToolOpen);

@@ -119,7 +119,7 @@ TEST_F(OptionsDialog, StoresNoLanguageFromAnEmptyList)
     EXPECT_EQ(StoredLanguage(), -1);
     Start();
     EXPECT_EQ(g_languages.current, -1);
-    EXPECT_STREQ(g_strings[4], L"File");
+    EXPECT_STREQ(Text(kTextFileMenu), L"File");
 
     // The settings are loaded again before the dialog opens, even when it is cancelled.
     SaveSettingsOnExit();

@@ -87,8 +87,8 @@ TEST_F(RealProfileFiles, StayAsTheyWereWhenTheyCannotBeWritten)
 TEST_F(RealProfileFiles, GiveTextsWithAllTheirBlanksAndLetters)
 {
     LoadLocalizedStrings();
-    EXPECT_STREQ(g_strings[14], L"Progress: ");
-    EXPECT_STREQ(g_strings[102], L" Levels of details");
+    EXPECT_STREQ(Text(kTextProgress), L"Progress: ");
+    EXPECT_STREQ(Text(kTextLevelsOfDetail), L" Levels of details");
     EXPECT_STREQ(g_strings[17], L"");
 
     WriteLocalization(L"[General]\r\nLanguages No=2\r\nLanguage Current=1\r\n"
@@ -98,11 +98,11 @@ TEST_F(RealProfileFiles, GiveTextsWithAllTheirBlanksAndLetters)
                       std::wstring(1100, L'm') + L"\r\n");
     LoadSettings();
     LoadLocalizedStrings();
-    EXPECT_STREQ(g_strings[3], L"Zażółć gęślą");
-    EXPECT_STREQ(g_strings[14], L"進捗: ");
-    EXPECT_STREQ(g_strings[5], L"");
-    EXPECT_EQ(std::wstring(g_strings[6]), std::wstring(1023, L'm'));
-    EXPECT_STREQ(g_strings[4], L"File");
+    EXPECT_STREQ(Text(kTextWarning), L"Zażółć gęślą");
+    EXPECT_STREQ(Text(kTextProgress), L"進捗: ");
+    EXPECT_STREQ(Text(kTextVexaMenu), L"");
+    EXPECT_EQ(std::wstring(Text(kTextHelpMenu)), std::wstring(1023, L'm'));
+    EXPECT_STREQ(Text(kTextFileMenu), L"File");
     ASSERT_EQ(g_languages.languages.size(), 2u);
     EXPECT_EQ(g_languages.languages[1].name, L"日本語");
     EXPECT_EQ(g_languages.languages[1].acronym, L"ja");

@@ -87,11 +87,11 @@ static void CALLBACK MeasurePrompt(HWND, UINT, UINT_PTR timer, DWORD)
 }
 
 // The titles of a fusion dialog are several.
-static void MeasureTool(int command, int texts, std::initializer_list<int> titles = {})
+static void MeasureTool(int command, int texts, std::initializer_list<TextId> titles = {})
 {
     Command(command);
-    for (const int title : titles)
-        ExpectRoom(GetDlgItem(g_hwndActiveTool, IDC_FUSION_TITLE), g_strings[title], L"Button");
+    for (const TextId title : titles)
+        ExpectRoom(GetDlgItem(g_hwndActiveTool, IDC_FUSION_TITLE), Text(title), L"Button");
     Measure(g_hwndActiveTool, texts);
 }
 
@@ -99,7 +99,7 @@ static void MeasureSaveRow()
 {
     const HWND row =
         CreateDialogW(g_hInst, MAKEINTRESOURCEW(IDD_JPEG_QUALITY), g_hwndMain, nullptr);
-    ExpectRoom(GetDlgItem(row, IDC_QUALITY_LABEL), g_strings[48], L"");
+    ExpectRoom(GetDlgItem(row, IDC_QUALITY_LABEL), Text(kTextJpegQuality), L"");
     DestroyWindow(row);
 }
 
@@ -110,12 +110,12 @@ static void MeasureDialogs()
     for (int i = 0; i < 3; ++i)
         std::wcscpy(g_sourceFiles[i], g_szCurrentFile);
     g_sourceCount = 3;
-    MeasureTool(ID_OPEN_EXPOSURE_FUSION, 5, {63, 64});
-    MeasureTool(ID_OPEN_POWER_FUSION, 4, {99, 100});
+    MeasureTool(ID_OPEN_EXPOSURE_FUSION, 5, {kTextMultiImage, kTextSingleImage});
+    MeasureTool(ID_OPEN_POWER_FUSION, 4, {kTextDaylightUpItem, kTextDaylightDownItem});
 
     const HWND panel = OpenProgressPanel(SeriesKind::Single);
-    for (const int text : {7, 57})
-        ExpectRoom(GetDlgItem(panel, IDC_PROGRESS_TEXT), g_strings[text], L"");
+    for (const TextId text : {kTextProgressFivePercent, kTextCancelling})
+        ExpectRoom(GetDlgItem(panel, IDC_PROGRESS_TEXT), Text(text), L"");
     Measure(panel, 3);
     CloseProgressPanel(panel);
 
@@ -133,12 +133,12 @@ class TextRoom : public FrameTest
 // What stands in the status bar, also behind the number of a source.
 static void MeasureStatusBar()
 {
-    for (const int text : {55, 56, 80, 81})
-        ExpectRoom(g_hwndStatus, g_strings[text], L"");
-    for (const int text : {31, 55})
+    for (const TextId text : {kTextUseArrowsOrF5, kTextPressF5, kTextDragHint, kTextCompareHint})
+        ExpectRoom(g_hwndStatus, Text(text), L"");
+    for (const TextId text : {kTextUseArrows, kTextUseArrowsOrF5})
         ExpectRoom(
             g_hwndStatus,
-            VcFormatText(L"%s %i %s %i. %s", g_strings[22], 10, g_strings[23], 10, g_strings[text]),
+            VcFormatText(L"%s %i %s %i. %s", Text(kTextShowing), 10, Text(kTextOf), 10, Text(text)),
             L"");
 }
 
