@@ -15,9 +15,9 @@
 // Texts that people and other programs write: settings, localisation, the zoom box, file names and
 // the command line. The first byte chooses, the rest is UTF-8 or anything.
 
-using Text = std::wstring;
+using WideText = std::wstring;
 
-static Text Lower(Text text)
+static WideText Lower(WideText text)
 {
     for (wchar_t& letter : text)
         if (letter >= L'A' && letter <= L'Z')
@@ -26,13 +26,13 @@ static Text Lower(Text text)
 }
 
 // "[section]" and "key=value" lines, as in the files.
-static ProfileStore StoreOf(std::map<Text, Text>* values, const Text& file)
+static ProfileStore StoreOf(std::map<WideText, WideText>* values, const WideText& file)
 {
-    Text section;
+    WideText section;
     for (size_t start = 0; start < file.size();)
     {
         const size_t end = std::min(file.find(L'\n', start), file.size());
-        const Text line = file.substr(start, end - start);
+        const WideText line = file.substr(start, end - start);
         const size_t equals = line.find(L'=');
         if (!line.empty() && line[0] == L'[')
             section = Lower(line.substr(1, line.find(L']') - 1));
@@ -41,14 +41,14 @@ static ProfileStore StoreOf(std::map<Text, Text>* values, const Text& file)
         start = end + 1;
     }
     ProfileStore store;
-    store.read = [values](const Text& in, const Text& key, Text* value)
+    store.read = [values](const WideText& in, const WideText& key, WideText* value)
     {
         const auto found = values->find(Lower(in) + L'/' + Lower(key));
         if (found != values->end())
             *value = found->second;
         return found != values->end();
     };
-    store.write = [values](const Text& in, const std::vector<ProfileValue>& written)
+    store.write = [values](const WideText& in, const std::vector<ProfileValue>& written)
     {
         for (const ProfileValue& value : written)
             (*values)[Lower(in) + L'/' + Lower(value.key)] = value.value;
@@ -57,9 +57,9 @@ static ProfileStore StoreOf(std::map<Text, Text>* values, const Text& file)
     return store;
 }
 
-static void TrySettings(const Text& file)
+static void TrySettings(const WideText& file)
 {
-    std::map<Text, Text> values;
+    std::map<WideText, WideText> values;
     const ProfileStore store = StoreOf(&values, file);
     const SettingGroup groups[] = {SettingGroup::PowerTool, SettingGroup::FusionTool,
                                    SettingGroup::LevelsOfDetail, SettingGroup::NoisePrompt,
@@ -90,9 +90,9 @@ static void TrySettings(const Text& file)
     SaveSettingsOnExit(store, &settings);
 }
 
-static void TryLocalisation(const Text& file)
+static void TryLocalisation(const WideText& file)
 {
-    std::map<Text, Text> values;
+    std::map<WideText, WideText> values;
     const ProfileStore store = StoreOf(&values, file);
     LanguageList languages;
     LoadLanguageChoice(store, &languages);
@@ -103,7 +103,7 @@ static void TryLocalisation(const Text& file)
     ChooseLanguage(store, &languages, languages.count - 1);
 }
 
-static void TryZoom(const Text& text)
+static void TryZoom(const WideText& text)
 {
     double scale = -1.0, again = -1.0;
     if (!ParseZoomText(&scale, text))
@@ -112,14 +112,14 @@ static void TryZoom(const Text& text)
     Promise(ParseZoomText(&again, ZoomText(scale)) && std::abs(scale - again) <= 0.00051);
 }
 
-static void TryFileNames(const Text& name)
+static void TryFileNames(const WideText& name)
 {
     for (const int bits : {8, 16})
     {
         const size_t types = SaveTypesFor(bits).size();
         const int preselected = PreselectedSaveType(name, bits);
         Promise(preselected >= 0 && preselected <= int(types));
-        Promise(ProposedSaveName(name).find(L'\\') == Text::npos);
+        Promise(ProposedSaveName(name).find(L'\\') == WideText::npos);
         for (int type = 1; type <= int(types); ++type)
             Promise(SaveTargetOf(name, type, bits).path.find(name) == 0);
     }
@@ -158,7 +158,8 @@ int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
     if (size == 0)
         return 0;
     const std::string bytes(data + 1, data + size);
-    const Text text(data + 1, data + size); // a letter per byte: the rules look at no other ones
+    const WideText text(data + 1,
+                        data + size); // a letter per byte: the rules look at no other ones
     switch (data[0])
     {
     case 's': TrySettings(text); break;
