@@ -6,6 +6,7 @@
 #include "base/ShortMemory.h"
 #include "contrast/LevelsOfDetail.h"
 #include "fusion/FusionAccumulator.h"
+#include "picture/Picture.h"
 #include "series/DaylightSeries.h"
 #include "series/ExposureSeries.h"
 #include "tonemap/ToneMap.h"
@@ -64,14 +65,13 @@ static std::string Daylight(SBxPicBuf* result, const SBxPicBuf& photo,
     const std::string problem = StartFusion(&fusion, photo, 128);
     if (!problem.empty())
         return problem;
-    ScratchPicture variant;
-    CBxPicBufAPI::ReinitHeap(&variant.pic, photo);
+    Picture variant = Picture::Like(photo);
     const std::vector<int> order = DaylightOrder(mode, DaylightKeys(photo, mode));
-    bool failed = !variant.pic.data;
+    bool failed = variant.Empty();
     for (int i = 0; i < options.power && !failed && !progress.stopped(); ++i)
     {
-        MakeDaylightVariant(&variant.pic, photo, mode, order[size_t(i)]);
-        failed = VcAccumulateImage(&fusion.accumulator, variant.pic, StopRequested);
+        MakeDaylightVariant(variant.Record(), photo, mode, order[size_t(i)]);
+        failed = VcAccumulateImage(&fusion.accumulator, variant, StopRequested);
         progress.show(double(i + 1) / (options.power + 1));
     }
     return failed ? kNoMemory : FinishFusion(fusion, result, photo);

@@ -8,6 +8,7 @@
 #include "base/ShortMemory.h"
 #include "fusion/FusionFilter.h"
 #include "fusion/FusionKernels.h"
+#include "picture/Picture.h"
 
 #include <algorithm>
 
@@ -300,10 +301,10 @@ bool SmartContrastPicture(SBxPicBuf* out, const SBxPicBuf& in, const int lod[kDe
     float gains[kDetailLevels];
     std::transform(lod, lod + kDetailLevels, gains, LevelGain);
     const DetailPadding padding = DetailPaddingOf(in.width, in.height);
-    ScratchPicture padded;
-    CBxPicBufAPI::ReinitHeap(&padded.pic, padding.width, padding.height, 1, in.bitsPerComponent);
-    return !padded.pic.data ||
-           FailsOrLacksMemory(
-               [&]
-               { return SmartContrastComponents(out, in, &padded.pic, padding, gains, control); });
+    Picture padded(padding.width, padding.height, 1, in.bitsPerComponent);
+    return padded.Empty() || FailsOrLacksMemory(
+                                 [&] {
+                                     return SmartContrastComponents(out, in, padded.Record(),
+                                                                    padding, gains, control);
+                                 });
 }

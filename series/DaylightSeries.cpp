@@ -3,6 +3,7 @@
 #include "base/ParallelRows.h"
 #include "base/ShortMemory.h"
 #include "fusion/RangeStretch.h"
+#include "picture/Picture.h"
 
 #include <algorithm>
 #include <cmath>
@@ -190,15 +191,14 @@ std::vector<int> DaylightOrder(DaylightMode mode, const std::vector<unsigned>& k
 static bool MakeVariants(std::vector<unsigned>* keys, const SBxPicBuf& source, DaylightMode mode,
                          const SeriesSink& sink, const SeriesControl& control)
 {
-    ScratchPicture working;
-    CBxPicBufAPI::ReinitHeap(&working.pic, source);
-    if (!working.pic.data)
+    Picture working = Picture::Like(source);
+    if (working.Empty())
         return true;
     const std::vector<unsigned> all = DaylightKeys(source, mode);
     for (int number = 0; number < kDaylightVariants; ++number)
     {
-        MakeDaylightVariant(&working.pic, source, mode, number);
-        if (sink(number, working.pic, DaylightFileName(number).c_str()))
+        MakeDaylightVariant(working.Record(), source, mode, number);
+        if (sink(number, working, DaylightFileName(number).c_str()))
             return true;
         if (control.progress)
             control.progress({DaylightPercent(number), number + 1, !control.CancelRequested()});

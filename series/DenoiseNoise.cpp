@@ -3,6 +3,7 @@
 // over the picture, and a low quantile of theirs is taken: noise is everywhere, texture is not.
 
 #include "base/ShortMemory.h"
+#include "picture/Picture.h"
 #include "series/Denoise.h"
 
 #include <algorithm>
@@ -97,17 +98,16 @@ bool EstimateNoise(double noise[2], const SBxPicBuf& picture)
     const int width = std::min(kPatch, picture.width), height = std::min(kPatch, picture.height);
     const int stepX = std::max(kPatch, picture.width / kPatchesPerSide);
     const int stepY = std::max(kPatch, picture.height / kPatchesPerSide);
-    ScratchPicture scratch;
-    SBxPicBuf& grey = scratch.pic;
+    Picture grey;
     for (int y = 0; y + height <= picture.height; y += stepY)
         for (int x = 0; x + width <= picture.width; x += stepX)
         {
-            CBxPicBufAPI::ReinitHeap(&grey, width, height, picture.components,
+            CBxPicBufAPI::ReinitHeap(grey.Record(), width, height, picture.components,
                                      picture.bitsPerComponent);
-            if (!grey.data)
+            if (grey.Empty())
                 return true;
-            CBxPicBufAPI::CopyRect(&grey, picture, {0, 0}, {x, y}, {width, height});
-            if (!CBxPicBufAPI::ConvertBpcComp(&grey, 8, 1))
+            CBxPicBufAPI::CopyRect(grey.Record(), picture, {0, 0}, {x, y}, {width, height});
+            if (!CBxPicBufAPI::ConvertBpcComp(grey.Record(), 8, 1))
                 return true;
             const Patch patch = PatchOf(grey);
             double here;

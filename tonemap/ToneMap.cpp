@@ -2,6 +2,7 @@
 
 #include "base/ShortMemory.h"
 #include "picture/ParallelCopy.h"
+#include "picture/Picture.h"
 #include "tonemap/Pyramid.h"
 
 #include <algorithm>
@@ -76,9 +77,8 @@ static bool StopsInPair(const SBxPicBuf& a, const SBxPicBuf& b, const RunControl
 static int FilterComponent(const SBxPicBuf& padded, int component, const PlaneFilter& filter)
 {
     const RunControl& control = *filter.control;
-    ScratchPicture floats;
-    CBxPicBufAPI::ReinitHeap(&floats.pic, padded.width, padded.height, 1, 32);
-    if (!floats.pic.data)
+    Picture floats(padded.width, padded.height, 1, 32);
+    if (floats.Empty())
         return kToneMapOutOfMemory;
     const bool narrow = padded.bitsPerComponent == 8;
     const auto there = [=](const SBxPicBuf& picture, const SBxPicBuf& plane)
@@ -91,10 +91,10 @@ static int FilterComponent(const SBxPicBuf& padded, int component, const PlaneFi
         return narrow ? FloatToComponent<uint8_t>(picture, plane, component)
                       : FloatToComponent<uint16_t>(picture, plane, component);
     };
-    if (StopsInPair(padded, floats.pic, control, there) ||
-        ToneMapPlane(&floats.pic, floats.pic, filter.levels, filter.p1, filter.p2, filter.p3,
+    if (StopsInPair(padded, floats, control, there) ||
+        ToneMapPlane(floats.Record(), floats, filter.levels, filter.p1, filter.p2, filter.p3,
                      filter.p4, control, filter.method) ||
-        StopsInPair(padded, floats.pic, control, back))
+        StopsInPair(padded, floats, control, back))
         return FailureOf(control);
     return kToneMapDone;
 }
@@ -118,15 +118,15 @@ static int FilterColours(const SBxPicBuf& padded, const PlaneFilter& filter, int
 static int FilterPicture(SBxPicBuf* out, const SBxPicBuf& in, const PlaneFilter& filter,
                          bool useColors)
 {
-    ScratchPicture padded;
-    if (PadForPyramid(&padded.pic, in, filter.levels, *filter.control))
+    Picture padded;
+    if (PadForPyramid(padded.Record(), in, filter.levels, *filter.control))
         return FailureOf(*filter.control);
-    const int result = in.components == 1 ? FilterComponent(padded.pic, 0, filter)
-                                          : FilterColours(padded.pic, filter, useColors ? 3 : 1);
+    const int result = in.components == 1 ? FilterComponent(padded, 0, filter)
+                                          : FilterColours(padded, filter, useColors ? 3 : 1);
     if (result != kToneMapDone)
         return result;
     // As a whole or not at all: nobody asks from here on.
-    VcCopyPixels(out, padded.pic, {in.width, in.height});
+    VcCopyPixels(out, padded, {in.width, in.height});
     return kToneMapDone;
 }
 

@@ -1,4 +1,4 @@
-#include "picture/PicBuf.h"
+#include "picture/Picture.h"
 
 #include "tests/support/TestPictures.h"
 
@@ -31,6 +31,26 @@ TEST(PictureRecord, HasPackedRowsAndRefusesWhatItCannotDescribe)
     CBxPicBufAPI::DoneHeap(&odd.pic);
     CBxPicBufAPI::DoneHeap(&odd.pic);
     EXPECT_EQ(odd.pic.data, nullptr);
+}
+
+TEST(PictureOwner, HandsItsBlockOnAndFreesItOnce)
+{
+    Picture first(4, 3, 1, 8);
+    uint8_t* const block = first->data;
+    ASSERT_NE(block, nullptr);
+    Picture second = std::move(first);
+    EXPECT_TRUE(first.Empty()) << "or both would free it";
+    EXPECT_EQ(second->data, block);
+    Picture& same = second;
+    second = std::move(same);
+    EXPECT_EQ(second->data, block);
+    Picture third(200, 100, 3, 16); // its block goes, which the leak checker sees
+    third = std::move(second);
+    EXPECT_EQ(third->width, 4);
+    const Picture back = Picture::Owning(third.Release());
+    EXPECT_TRUE(third.Empty());
+    EXPECT_EQ(back->data, block);
+    EXPECT_TRUE(Picture(70000, 70000, 3, 8).Empty());
 }
 
 TEST(PictureCopies, TouchNothingOutsideTheirRectangle)

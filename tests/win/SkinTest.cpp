@@ -51,10 +51,10 @@ protected:
 };
 
 // What a control shows, as its message for pictures paints it; or what its background is.
-class Picture
+class Shot
 {
 public:
-    Picture(HWND hwnd, UINT message = WM_PRINTCLIENT)
+    Shot(HWND hwnd, UINT message = WM_PRINTCLIENT)
     {
         BITMAPINFO info = {};
         info.bmiHeader = {sizeof info.bmiHeader, kSide, -kSide, 1, 32, BI_RGB, 0, 0, 0, 0, 0};
@@ -64,7 +64,7 @@ public:
         before = SelectObject(dc, bitmap);
         SendMessageW(hwnd, message, reinterpret_cast<WPARAM>(dc), PRF_CLIENT);
     }
-    ~Picture()
+    ~Shot()
     {
         SelectObject(dc, before);
         DeleteObject(bitmap);
@@ -86,8 +86,8 @@ TEST_F(Skin, AnswersForTheSystemsColours)
     EXPECT_EQ(SkinColor(13), GetSysColor(13));
     EXPECT_EQ(SkinBrush(13), GetSysColorBrush(13));
     EXPECT_EQ(SkinBrush(-1), nullptr);
-    EXPECT_EQ(Picture(g_hwndDocker, WM_ERASEBKGND).At(0, kSide - 1), RGB(70, 70, 70));
-    EXPECT_EQ(Picture(dialog, WM_ERASEBKGND).At(5, 5), RGB(70, 70, 70));
+    EXPECT_EQ(Shot(g_hwndDocker, WM_ERASEBKGND).At(0, kSide - 1), RGB(70, 70, 70));
+    EXPECT_EQ(Shot(dialog, WM_ERASEBKGND).At(5, 5), RGB(70, 70, 70));
     RedrawView();
     EXPECT_EQ(ViewPixel(500, 100), Bytes({48, 48, 48}));
     RemoveSkin();
@@ -99,7 +99,7 @@ TEST_F(Skin, AnswersForTheSystemsColours)
 // The context of the erasing is the one that the view is painted on next.
 TEST_F(Skin, ErasesWithoutClosingTheViewToPaint)
 {
-    const Picture erased(g_hwndMain, WM_ERASEBKGND);
+    const Shot erased(g_hwndMain, WM_ERASEBKGND);
     EXPECT_EQ(erased.At(kSide / 2, 1), RGB(70, 70, 70));
     EXPECT_TRUE(erased.IsOpen(kSide / 2, kSide - 10));
 }
@@ -118,25 +118,25 @@ TEST_F(Skin, ColoursLists)
     EXPECT_EQ(GetBkColor(dc), RGB(65, 65, 65));
     DeleteDC(dc);
     const HWND extended = Make(WC_COMBOBOXEXW, CBS_DROPDOWN);
-    EXPECT_EQ(Picture(extended, WM_ERASEBKGND).At(5, 5), RGB(65, 65, 65));
+    EXPECT_EQ(Shot(extended, WM_ERASEBKGND).At(5, 5), RGB(65, 65, 65));
 }
 
 TEST_F(Skin, ShowsTheStateOfACheckBox)
 {
     const HWND box = Make(L"BUTTON", BS_AUTOCHECKBOX);
-    const COLORREF cleared = Picture(box).At(4, 6);
+    const COLORREF cleared = Shot(box).At(4, 6);
     EnableWindow(box, FALSE);
-    const COLORREF disabled = Picture(box).At(4, 6);
+    const COLORREF disabled = Shot(box).At(4, 6);
     SendMessageW(box, BM_SETCHECK, BST_CHECKED, 0);
-    const COLORREF disabledChecked = Picture(box).At(4, 6);
+    const COLORREF disabledChecked = Shot(box).At(4, 6);
     EnableWindow(box, TRUE);
-    const COLORREF checked = Picture(box).At(4, 6);
+    const COLORREF checked = Shot(box).At(4, 6);
     // As res/icons/dark_on.css and dark_off.css colour the drawings.
     EXPECT_EQ(cleared, RGB(0x36, 0x36, 0x36));
     EXPECT_EQ(disabled, RGB(0x42, 0x42, 0x42));
     EXPECT_EQ(checked, RGB(0x3f, 0x93, 0xdd));
     EXPECT_EQ(disabledChecked, RGB(0x5c, 0x5c, 0x5c));
-    EXPECT_EQ(Picture(box).At(kSide - 2, 2), RGB(70, 70, 70));
+    EXPECT_EQ(Shot(box).At(kSide - 2, 2), RGB(70, 70, 70));
 }
 
 static bool IsOn(HWND button)
@@ -172,11 +172,11 @@ TEST_F(Skin, KeepsTheDefaultButton)
     const HWND ok = Make(L"BUTTON", BS_DEFPUSHBUTTON);
     EXPECT_EQ(GetWindowLongPtrW(ok, GWL_STYLE) & 0x1F, 0x1B);
     EXPECT_TRUE(SendMessageW(ok, WM_GETDLGCODE, 0, 0) & DLGC_DEFPUSHBUTTON);
-    const COLORREF marked = Picture(ok).At(10, 0);
+    const COLORREF marked = Shot(ok).At(10, 0);
     SendMessageW(ok, BM_SETSTYLE, BS_PUSHBUTTON, TRUE);
     EXPECT_EQ(GetWindowLongPtrW(ok, GWL_STYLE) & 0x1F, 0x1B);
     EXPECT_FALSE(SendMessageW(ok, WM_GETDLGCODE, 0, 0) & DLGC_DEFPUSHBUTTON);
-    EXPECT_NE(Picture(ok).At(10, 0), marked);
+    EXPECT_NE(Shot(ok).At(10, 0), marked);
 }
 
 TEST_F(Skin, LeavesDialogsThatAskForIt)
@@ -186,7 +186,7 @@ TEST_F(Skin, LeavesDialogsThatAskForIt)
         const HWND plain = MakeDialog(style);
         const HWND button = Make(L"BUTTON", BS_PUSHBUTTON, plain);
         EXPECT_EQ(GetWindowLongPtrW(button, GWL_STYLE) & 0x1F, 0);
-        EXPECT_EQ(Picture(plain, WM_ERASEBKGND).At(5, 5), GetSysColor(COLOR_BTNFACE));
+        EXPECT_EQ(Shot(plain, WM_ERASEBKGND).At(5, 5), GetSysColor(COLOR_BTNFACE));
         DestroyWindow(plain);
     }
 }
@@ -200,7 +200,7 @@ TEST_F(Skin, PutsProceduresBack)
         const LONG_PTR procedure = GetWindowLongPtrW(control, GWLP_WNDPROC);
         SetWindowTextW(control, L"text");
         EnableWindow(control, FALSE);
-        const COLORREF shown = Picture(control).At(kSide / 2, 10);
+        const COLORREF shown = Shot(control).At(kSide / 2, 10);
         EXPECT_LT(GetRValue(shown), 120) << name;
         RedrawWindow(control, nullptr, nullptr, RDW_INVALIDATE | RDW_FRAME | RDW_UPDATENOW);
         EXPECT_EQ(GetWindowLongPtrW(control, GWLP_WNDPROC), procedure) << name;
@@ -225,13 +225,13 @@ TEST_F(Skin, LeavesNothingBehind)
     for (int i = 0; i < 51; ++i)
     {
         InstallSkin();
-        ASSERT_EQ(Picture(box).At(4, 6), RGB(0x36, 0x36, 0x36)) << i;
-        ASSERT_EQ(Picture(ok).At(8, 4), RGB(74, 74, 74)) << i;
+        ASSERT_EQ(Shot(box).At(4, 6), RGB(0x36, 0x36, 0x36)) << i;
+        ASSERT_EQ(Shot(ok).At(8, 4), RGB(74, 74, 74)) << i;
         RemoveSkin();
         if (i == 0)
             before = FreeGdiObjects();
     }
     EXPECT_EQ(FreeGdiObjects(), before);
     InstallSkin();
-    EXPECT_EQ(Picture(dialog, WM_ERASEBKGND).At(5, 5), RGB(70, 70, 70));
+    EXPECT_EQ(Shot(dialog, WM_ERASEBKGND).At(5, 5), RGB(70, 70, 70));
 }
