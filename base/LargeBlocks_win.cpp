@@ -1,6 +1,6 @@
 #include "base/LargeBlocks.h"
 
-#include <windows.h>
+#include "base/Win.h"
 
 void* SystemAllocBlock(size_t bytes, bool zeroed)
 {

@@ -4,9 +4,11 @@
 #include "bench/BenchPictures.h"
 #include "bench/BenchRun.h"
 #include "contrast/LevelsOfDetail.h"
+#include "contrast/LevelsOfDetailPadding.h"
 #include "fusion/FusionKernels.h"
 #include "series/DaylightSeries.h"
 #include "series/Denoise.h"
+#include "series/DenoiseNoise.h"
 #include "series/ExposureSeries.h"
 
 #include <cmath>

@@ -2,6 +2,7 @@
 #include "cli/Progress.h"
 #include "cli/ResultFile.h"
 
+#include "files/ImageFileText.h"
 #include "fusion/FusionAccumulator.h"
 
 #include <chrono>

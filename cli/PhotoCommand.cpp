@@ -4,6 +4,7 @@
 #include "cli/ResultFile.h"
 
 #include "files/ImageCodec.h"
+#include "files/ImageFileText.h"
 
 #include <chrono>
 #include <filesystem>

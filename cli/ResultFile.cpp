@@ -2,6 +2,7 @@
 
 #include "base/SystemFiles.h"
 #include "files/ImageCodec.h"
+#include "files/ImageFileText.h"
 
 struct EndingRow
 {

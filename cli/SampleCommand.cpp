@@ -4,6 +4,7 @@
 #include "base/SystemFiles.h"
 #include "files/ExifBlock.h"
 #include "files/ImageFile.h"
+#include "files/ImageFileText.h"
 #include "sample/Scene.h"
 
 #include <filesystem>

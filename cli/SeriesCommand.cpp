@@ -2,6 +2,7 @@
 #include "cli/Progress.h"
 #include "cli/ResultFile.h"
 
+#include "files/ImageFileText.h"
 #include "series/DaylightSeries.h"
 #include "series/ExposureSeries.h"
 

@@ -6,6 +6,7 @@
 
 #include "base/ParallelRows.h"
 #include "base/ShortMemory.h"
+#include "contrast/LevelsOfDetailPadding.h"
 #include "fusion/FusionFilter.h"
 #include "fusion/FusionKernels.h"
 #include "picture/Picture.h"

@@ -24,20 +24,6 @@ float LevelGain(int lod); // a tenth of the clamped number: 10 leaves the level 
 // Halvings of the shorter side while it has at least 11 samples, at most kDetailLevels.
 int CountDetailLevels(int width, int height);
 
-// Where a picture lies in its padded copy.
-struct DetailPadding
-{
-    int levels;
-    int width, height; // of the padded picture: multiples of 2^levels
-    int x, y;          // the picture's top left pixel
-};
-DetailPadding DetailPaddingOf(int width, int height);
-
-// Fill the padding around the width * height pixels at (x, y): every row is extended with its
-// first and last pixel, then the first and the last row are repeated.
-void ReplicateBorder8(SBxPicBuf* padded, int x, int y, int width, int height);
-void ReplicateBorder16(SBxPicBuf* padded, int x, int y, int width, int height);
-
 // A picture taken apart. The Laplacian planes and the coarsest Gaussian of each component are what
 // counts; the finer Gaussians are only ever on the way up or down, so one set of them serves all
 // components, and every recomposition overwrites it.
@@ -78,13 +64,6 @@ void ReleaseLevelsOfDetail(LevelsOfDetail* record);
 [[nodiscard]] bool RecomposeComponent(SBxPicBuf* padded, LevelsOfDetail* record, bool autoStretch,
                                       const float gains[kDetailLevels], int component,
                                       const RunControl& control = {});
-
-// Write a packed float plane into a component of an 8- or 16-bit picture of its size: rounded to
-// nearest and clamped, after spreading its range if asked to. The third writes a rectangle only,
-// and spreads nothing.
-void ToInteger8(SBxPicBuf* picture, int component, const float* plane, bool autoStretch);
-void ToInteger16(SBxPicBuf* picture, int component, const float* plane, bool autoStretch);
-void ToIntegerRect(SBxPicBuf* picture, int component, const float* plane, const CBxRect<int>& rect);
 
 // The whole job for one picture, component by component, so that a third of the planes is enough
 // for colour. `out` has the geometry of `in` and may be `in`. Advances kSmartContrastSteps times a

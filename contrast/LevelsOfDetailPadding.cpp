@@ -1,8 +1,9 @@
 // The way into and out of the pyramid: room around the picture, and floats to samples.
 
-#include "contrast/LevelsOfDetail.h"
+#include "contrast/LevelsOfDetailPadding.h"
 
 #include "base/ParallelRows.h"
+#include "contrast/LevelsOfDetail.h"
 
 #include <algorithm>
 #include <cstring>

@@ -1,6 +1,13 @@
+#include "files/FileReplace.h"
+
 #include "files/FileReplaceSystem.h"
 
 #include <cerrno>
+
+bool BeginReplacing(ReplacingFile* file, const char* target)
+{
+    return OpenSibling(file, target);
+}
 
 void CancelReplacing(ReplacingFile* file)
 {

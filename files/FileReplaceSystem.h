@@ -2,7 +2,10 @@
 
 #include "files/FileReplace.h"
 
-// What the ending of a replacement asks of the system. Errors are errno values, 0 for none.
+// What a replacement asks of the system. Errors are errno values, 0 for none.
+
+// BeginReplacing, which depends on the system from its first step to its last.
+bool OpenSibling(ReplacingFile* file, const char* target);
 
 // Full disks and broken network drives may show only when the contents really leave the memory.
 int SyncToDisk(FILE* stream);

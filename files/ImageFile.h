@@ -52,8 +52,6 @@ struct LoadReport
     LoadProblem problem = LoadProblem::None;
 };
 
-const char* LoadProblemText(LoadProblem problem); // end of a one-line message, no full stop
-
 // Reads a file (path in UTF-8) into the pair. Both records must be initialised; what they own is
 // released. A photograph that the camera marked as lying on its side comes out upright. True on
 // failure, then both are empty and `report`, if given, says why. Geometry is checked before memory
@@ -87,8 +85,6 @@ struct SaveReport
     bool alphaDropped = false;   // the format has no alpha
     bool profileDropped = false; // the encoder takes no such profile
 };
-
-std::string SaveReportText(const SaveReport& report); // end of a one-line message, no full stop
 
 // What a file gets beyond picture and source.
 struct SaveExtras

@@ -1,4 +1,4 @@
-#include "files/ImageFile.h"
+#include "files/ImageFileText.h"
 
 #include <system_error>
 

@@ -3,6 +3,7 @@
 #include "base/ParallelRows.h"
 #include "fusion/FusionFilter.h"
 #include "fusion/FusionKernels.h"
+#include "fusion/FusionPyramid.h"
 #include "picture/FloatPlane.h"
 
 #include <algorithm>

@@ -69,23 +69,9 @@ using FusionStop = bool (*)();
 [[nodiscard]] bool VcAccumulateImage(VcFusionAccumulator* acc, const SBxPicBuf& picture,
                                      FusionStop stop = nullptr);
 
-// The two routes of VcAccumulateImage: one plane into one channel, and three planes with common
-// weights. `channelPlanes` is the channel's entry (or the three entries) of acc->planes.
-[[nodiscard]] bool VcAccumulatePlane(float* const (*channelPlanes)[kFusionPlanes],
-                                     const SBxPicBuf& plane, const VcFusionAccumulator& acc,
-                                     FusionStop stop = nullptr);
-[[nodiscard]] bool VcAccumulatePlanes3(float* const (*channelPlanes)[kFusionPlanes],
-                                       const SBxPicBuf planes[3], const VcFusionAccumulator& acc,
-                                       FusionStop stop = nullptr);
-
 // Adds other's sums to acc's. Both must have been set up alike; nothing checks it. Always false.
 bool VcMergeAccumulator(VcFusionAccumulator* acc, const VcFusionAccumulator& other);
 
 // Writes the blend of everything added so far. Fails when depth or size differ (the component
 // count is not looked at: the caller's picture has at least `channels`) or memory is short.
 [[nodiscard]] bool VcComposeResult(SBxPicBuf* picture, const VcFusionAccumulator& acc);
-[[nodiscard]] bool VcComposePlane(SBxPicBuf* plane, const VcFusionAccumulator& acc,
-                                  unsigned channel);
-
-// The same for three channels at once, into a picture of three components.
-[[nodiscard]] bool VcComposePlanes3(SBxPicBuf* picture, const VcFusionAccumulator& acc);

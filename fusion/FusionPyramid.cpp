@@ -5,11 +5,13 @@
 // adding. Putting together keeps the level it comes from and the one it makes; the finest goes
 // straight into the picture.
 
+#include "fusion/FusionPyramid.h"
+
 #include "base/ParallelRows.h"
 #include "base/ShortMemory.h"
-#include "fusion/FusionAccumulator.h"
 #include "fusion/FusionKernels.h"
 #include "fusion/FusionLevels.h"
+#include "fusion/FusionTopLevel.h"
 #include "fusion/FusionWeights.h"
 
 #include <algorithm>

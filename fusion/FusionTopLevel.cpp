@@ -3,6 +3,8 @@
 // powers. A grey pixel of a colour picture therefore has no say beyond the last 1e-5, and such
 // places end up as the plain mean of all exposures.
 
+#include "fusion/FusionTopLevel.h"
+
 #include "fusion/FusionWeights.h"
 
 #include <algorithm>

@@ -10,11 +10,6 @@
 void VcWeighBand(FusionBandJob job, FusionSamples samples, unsigned channels,
                  unsigned bitsPerComponent, int firstRow, int endRow);
 
-// The same for the coarsest level, whose values are the Gaussian samples themselves, in floats (the
-// job's coarse planes are not looked at). Its formulas differ from the bands' on purpose. Serial:
-// the level is tiny.
-void VcWeighTop(const FusionBandJob& job, unsigned channels, unsigned bitsPerComponent);
-
 // Squared spread of the well-exposedness. 7200 at 8 bits does not follow the formula of the other
 // depths (which would give 5775); both are wanted as they are.
 float VcExposureSpread(unsigned bitsPerComponent);

@@ -2,6 +2,7 @@
 
 #include "base/ParallelRows.h"
 #include "fusion/FusionKernels.h"
+#include "fusion/FusionTopLevel.h"
 #include "fusion/FusionWeights.h"
 
 #include <algorithm>

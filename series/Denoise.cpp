@@ -5,6 +5,7 @@
 
 #include "series/Denoise.h"
 
+#include "series/DenoiseNoise.h"
 #include "series/DenoisePyramid.h"
 
 #include <algorithm>

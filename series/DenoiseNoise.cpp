@@ -2,12 +2,14 @@
 // edges along the axes, so that what is left is noise and texture. It is applied to patches spread
 // over the picture, and a low quantile of theirs is taken: noise is everywhere, texture is not.
 
+#include "series/DenoiseNoise.h"
+
 #include "base/ShortMemory.h"
 #include "picture/Picture.h"
-#include "series/Denoise.h"
 
 #include <algorithm>
 #include <cmath>
+#include <vector>
 
 constexpr int kPatch = 32;
 constexpr int kPatchesPerSide = 48;

@@ -1,4 +1,4 @@
-#include "tonemap/Pyramid.h"
+#include "tonemap/PyramidPadding.h"
 
 #include <algorithm>
 #include <cmath>

@@ -4,6 +4,7 @@
 #include "picture/ParallelCopy.h"
 #include "picture/Picture.h"
 #include "tonemap/Pyramid.h"
+#include "tonemap/PyramidPadding.h"
 
 #include <algorithm>
 

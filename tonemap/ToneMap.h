@@ -1,7 +1,6 @@
 #pragma once
 
-#include "base/RunControl.h"
-#include "picture/PicBuf.h"
+#include "tonemap/ToneMapPlane.h"
 
 // Tone mapping by a local Laplacian filter (Paris, Hasinoff and Kautz, 2011): lifts or damps detail
 // and compresses or expands edges without halos. Works on luminance, and on both chroma planes on
@@ -19,14 +18,6 @@ struct ToneMapParams
 };
 ToneMapParams ToneMapParamsOf(int contrast, int noiseAmplitude, int details, int equalization);
 
-// How the coefficients are found. Both give the same picture; the phases follow the definition
-// step by step and take minutes for a photograph.
-enum class ToneMapMethod
-{
-    Direct,
-    Phases,
-};
-
 enum ToneMapResult
 {
     kToneMapDone = 0,
@@ -40,9 +31,3 @@ enum ToneMapResult
 int ToneMapPicture(SBxPicBuf* out, const SBxPicBuf& in, int levels, double p1, double p2, double p3,
                    double p4, bool useColors, const RunControl& control = {},
                    ToneMapMethod method = ToneMapMethod::Direct);
-
-// The filter on one plane: one component of 32-bit floats on the 0..255 scale, both sides multiples
-// of 2^levels. True when it was cancelled or memory was short; out is worthless then.
-[[nodiscard]] bool ToneMapPlane(SBxPicBuf* out, const SBxPicBuf& in, int levels, double p1,
-                                double p2, double p3, double p4, const RunControl& control = {},
-                                ToneMapMethod method = ToneMapMethod::Direct);

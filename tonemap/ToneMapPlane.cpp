@@ -1,8 +1,9 @@
 // The local Laplacian filter on one plane.
 
+#include "tonemap/ToneMapPlane.h"
+
 #include "tonemap/Pyramid.h"
 #include "tonemap/RemapRegions.h"
-#include "tonemap/ToneMap.h"
 
 #include <cstring>
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "contrast/LevelsOfDetail.h"
+#include "contrast/LevelsOfDetailPadding.h"
 #include "tools/SliderRules.h"
 #include "view/ImageView.h"
 

@@ -1,6 +1,7 @@
 #include "contrast/LevelsOfDetail.h"
 
 #include "base/ParallelRows.h"
+#include "contrast/LevelsOfDetailPadding.h"
 #include "tests/support/Reference.h"
 #include "tests/support/TestPictures.h"
 #include "tests/support/Variants.h"

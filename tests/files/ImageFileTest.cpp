@@ -1,5 +1,6 @@
 #include "files/ImageFile.h"
 
+#include "files/ImageFileText.h"
 #include "tests/support/TestFiles.h"
 
 #include <FreeImage.h>

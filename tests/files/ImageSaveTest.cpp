@@ -1,6 +1,7 @@
 #include "base/SystemFiles.h"
 #include "files/FileReplace.h"
 #include "files/ImageFile.h"
+#include "files/ImageFileText.h"
 
 #include "tests/support/TestFiles.h"
 

@@ -1,5 +1,6 @@
 #include "series/Denoise.h"
 
+#include "series/DenoiseNoise.h"
 #include "series/ExposureSeries.h"
 #include "tests/support/TestPictures.h"
 #include "tests/support/Variants.h"

@@ -1,6 +1,7 @@
 #include "tonemap/Pyramid.h"
 
 #include "tests/support/TestPictures.h"
+#include "tonemap/PyramidPadding.h"
 
 #include <gtest/gtest.h>
 

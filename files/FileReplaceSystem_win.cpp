@@ -1,6 +1,6 @@
-#include "base/SystemFiles.h"
 #include "files/FileReplaceSystem.h"
 
+#include "base/SystemFiles.h"
 #include "base/Win.h"
 
 #include <atomic>
@@ -95,7 +95,7 @@ static FILE* CreateSibling(ReplacingFile* file)
     return nullptr;
 }
 
-bool BeginReplacing(ReplacingFile* file, const char* target)
+bool OpenSibling(ReplacingFile* file, const char* target)
 {
     *file = ReplacingFile();
     std::wstring path = WideFromSavePath(target);

@@ -94,7 +94,7 @@ static int CreateSibling(ReplacingFile* file)
     }
 }
 
-bool BeginReplacing(ReplacingFile* file, const char* target)
+bool OpenSibling(ReplacingFile* file, const char* target)
 {
     *file = ReplacingFile();
     file->target = target;

@@ -1,0 +1,10 @@
+#pragma once
+
+#include "files/ImageFile.h"
+
+#include <string>
+
+// What became of a file, as the end of a one-line message: no full stop.
+
+const char* LoadProblemText(LoadProblem problem);
+std::string SaveReportText(const SaveReport& report);
