@@ -223,6 +223,19 @@ static const HandlerRow kHandlers[] = {
     {ID_TONE_MAPPING, StartToneMapping},
 };
 
+static const HandlerRow* FindHandler(int id)
+{
+    for (const HandlerRow& row : kHandlers)
+        if (row.id == id)
+            return &row;
+    return nullptr;
+}
+
+bool HasHandler(int id)
+{
+    return id == ID_ZOOM_COMBO || FindHandler(id);
+}
+
 LRESULT RunCommand(HWND, int id, int notification)
 {
     if (id == ID_ZOOM_COMBO)
@@ -233,8 +246,7 @@ LRESULT RunCommand(HWND, int id, int notification)
     }
     if (!IsCommandEnabled(g_commandStates, id))
         return 0;
-    for (const HandlerRow& row : kHandlers)
-        if (row.id == id)
-            row.run();
+    if (const HandlerRow* row = FindHandler(id))
+        row->run();
     return 0;
 }

@@ -1,5 +1,6 @@
 #include "series/SeriesRun.h"
 
+#include "series/DaylightSeries.h"
 #include "tests/support/TestFiles.h"
 
 #include <gtest/gtest.h>
@@ -26,8 +27,8 @@ TEST(SeriesRun, PutsDaylightIntoTheOrderOfFusion)
     {
         SeriesRun run = RunOf(kind, photo, folder);
         MakeSeriesFiles(&run);
-        ASSERT_EQ(run.files.size(), 39u);
-        EXPECT_EQ(folder.FileCount(), 39);
+        ASSERT_EQ(int(run.files.size()), kDaylightVariants);
+        EXPECT_EQ(folder.FileCount(), kDaylightVariants);
         EXPECT_EQ(run.files[size_t(place)], name);
         EXPECT_EQ(LoadedPair(folder.File(name)).picture.At(0, 0), level);
     }

@@ -1,11 +1,17 @@
 // How the frame starts and ends: controls, settings, crash marker, questions.
 
+#include "app/CommandRules.h"
+#include "app/CommandsWnd.h"
 #include "tests/win/FrameHarness.h"
 #include "text/ProfileStore.h"
 #include "tools/Messages.h"
 #include "tools/Settings.h"
+#include "view/ImageViewZoom.h"
 
 #include <commctrl.h>
+
+#include <map>
+#include <set>
 
 class Frame : public FrameTest
 {
@@ -21,9 +27,8 @@ TEST_F(Frame, StartsWithNothingOpen)
     EXPECT_EQ(Title(), L"Plenoviz");
     EXPECT_EQ(StatusText(), L"");
     EXPECT_EQ(ZoomBoxText(), L"100.0 %");
-    EXPECT_EQ(SendMessageW(g_hwndZoomCombo, CB_GETCOUNT, 0, 0), 8);
+    EXPECT_EQ(SendMessageW(g_hwndZoomCombo, CB_GETCOUNT, 0, 0), kZoomPresetCount);
     EXPECT_EQ(Enabled(), "110000000");
-    EXPECT_EQ(SendMessageW(g_hwndToolbar, TB_BUTTONCOUNT, 0, 0), 18);
     EXPECT_TRUE(IsWindowVisible(g_hwndDocker));
     EXPECT_EQ(GetFocus(), g_hwndMain);
     EXPECT_EQ(CrashMarker(), 1) << "until a clean end";
@@ -127,39 +132,92 @@ TEST_F(Frame, GreysTheMenuAsTheToolbar)
     EXPECT_EQ(grey(), nothingOpen);
 }
 
-TEST_F(Frame, NamesTheMenuAndTheButtons)
+// Texts of the menu's items by what they choose.
+static std::map<int, std::wstring> ItemsOf(HMENU menu)
+{
+    std::map<int, std::wstring> items;
+    for (int i = 0; i < GetMenuItemCount(menu); ++i)
+    {
+        wchar_t text[128] = L"";
+        GetMenuStringW(menu, UINT(i), text, 128, MF_BYPOSITION);
+        if (const HMENU sub = GetSubMenu(menu, i))
+            items.merge(ItemsOf(sub));
+        else if (const UINT id = GetMenuItemID(menu, i)) // no separator
+            items[int(id)] = text;
+    }
+    return items;
+}
+
+static std::set<int> Buttons()
+{
+    std::set<int> ids;
+    TBBUTTON button = {};
+    for (int i = 0; SendMessageW(g_hwndToolbar, TB_GETBUTTON, WPARAM(i), LPARAM(&button)); ++i)
+        if (button.idCommand != 0 && button.idCommand != ID_TOOLBAR_SPACER)
+            ids.insert(button.idCommand);
+    return ids;
+}
+
+static std::set<int> Keys()
+{
+    ACCEL keys[64];
+    const HACCEL table = LoadAcceleratorsW(g_hInst, MAKEINTRESOURCEW(IDR_ACCELERATORS));
+    const int count = CopyAcceleratorTableW(table, keys, 64);
+    std::set<int> ids;
+    for (int i = 0; i < count; ++i)
+        ids.insert(keys[i].cmd);
+    return ids;
+}
+
+static const wchar_t* TooltipOf(int id)
+{
+    NMTTDISPINFOW info = {};
+    info.hdr = {g_hwndToolbar, UINT_PTR(id), UINT(TTN_GETDISPINFOW)};
+    SendMessageW(g_hwndMain, WM_NOTIFY, 0, reinterpret_cast<LPARAM>(&info));
+    return info.lpszText;
+}
+
+TEST_F(Frame, OffersEveryCommandOfTheTableAndNoOther)
+{
+    std::map<int, std::wstring> items;
+    RunMenu([&](HMENU root) { items = ItemsOf(root); });
+    const std::set<int> buttons = Buttons(), keys = Keys();
+    std::set<int> all = buttons;
+    all.insert(keys.begin(), keys.end());
+    for (const auto& [id, text] : items)
+        all.insert(id);
+    for (const int id : all)
+        EXPECT_TRUE(FindCommand(id)) << id;
+    for (int i = 0; i < kCommandCount; ++i)
+    {
+        const FrameCommand& command = kCommands[i];
+        SCOPED_TRACE(command.id);
+        EXPECT_TRUE(all.count(command.id)) << "nobody can choose it";
+        EXPECT_TRUE(HasHandler(command.id));
+        const std::wstring item =
+            command.menuText ? std::wstring(Text(command.menuText)) + command.keys : L"";
+        EXPECT_EQ(items[command.id], item);
+        EXPECT_TRUE(!command.tooltipText || buttons.count(command.id));
+        EXPECT_EQ(TooltipOf(command.id), command.tooltipText ? Text(command.tooltipText) : nullptr);
+    }
+    EXPECT_FALSE(HasHandler(ID_TOOLBAR_SPACER));
+    EXPECT_EQ(items[ID_FILE_OPEN], L"Load Image...\tCtrl+O");
+    EXPECT_STREQ(TooltipOf(ID_FILE_OPEN), L"Load Image... Ctrl+O");
+}
+
+TEST_F(Frame, NamesTheMenusAndItself)
 {
     RunMenu(
         [](HMENU root)
         {
-            const struct
-            {
-                UINT item, by;
-                const wchar_t* text;
-            } rows[] = {{0, MF_BYPOSITION, L"File"},
-                        {1, MF_BYPOSITION, L"Create Vexa"},
-                        {2, MF_BYPOSITION, L"Help"},
-                        {ID_FILE_OPEN, MF_BYCOMMAND, L"Load Image...\tCtrl+O"},
-                        {ID_FILE_SAVEAS, MF_BYCOMMAND, L"Save As...\tCtrl+S"},
-                        {ID_SINGLE_LIGHT, MF_BYCOMMAND, L"Single Image Vexa Light..."},
-                        {IDM_ABOUT, MF_BYCOMMAND, L"About..."}};
-            for (const auto& row : rows)
+            const wchar_t* titles[] = {L"File", L"Create Vexa", L"Help"};
+            for (UINT i = 0; i < 3; ++i)
             {
                 wchar_t text[128] = L"";
-                GetMenuStringW(root, row.item, text, 128, row.by);
-                EXPECT_STREQ(text, row.text);
+                GetMenuStringW(root, i, text, 128, MF_BYPOSITION);
+                EXPECT_STREQ(text, titles[i]);
             }
         });
-    for (const auto& [id, string] :
-         {std::pair(ID_FILE_OPEN, kTextLoadTip),
-          std::pair(ID_SMART_CONTRAST, kTextSmartContrastItem),
-          std::pair(ID_ZOOM_COMBO, kTextZoomBoxTip), std::pair(IDM_ABOUT, kNoText)})
-    {
-        NMTTDISPINFOW info = {};
-        info.hdr = {g_hwndToolbar, UINT_PTR(id), UINT(TTN_GETDISPINFOW)};
-        SendMessageW(g_hwndMain, WM_NOTIFY, 0, reinterpret_cast<LPARAM>(&info));
-        EXPECT_EQ(info.lpszText, string ? Text(string) : nullptr) << id;
-    }
     RunModal([] { Command(IDM_ABOUT); }, {[](HWND box)
                                           {
                                               EXPECT_EQ(MessageBoxText(box).substr(0, 22),

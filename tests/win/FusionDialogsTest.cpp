@@ -1,6 +1,8 @@
 // The fusion dialogs and the series that lead to them, in the real frame.
 
 #include "pipeline/FusionJob.h"
+#include "series/DaylightSeries.h"
+#include "series/ExposureSeries.h"
 #include "tests/win/FrameHarness.h"
 #include "tests/win/ProfileFiles.h"
 #include "tools/FusionDlgIds.h"
@@ -317,14 +319,14 @@ TEST_F(FusionDialogs, NoisePromptDecidesWhetherTheSeriesIsMade)
     Command(ID_SINGLE_LIGHT);
     EXPECT_NE(FileBytes(SettingsFilePath()).find("Denoise Strength=0"), std::string::npos);
     PumpUntil([] { return g_hwndActiveTool != nullptr; });
-    EXPECT_EQ(g_sourceCount, 11);
+    EXPECT_EQ(g_sourceCount, kExposures);
     EXPECT_EQ(g_sourceIndex, 0);
     Press(IDCANCEL);
     ExpectClosed(false);
 
     Command(ID_DAYLIGHT_DOWN); // with its first preview before the worker ends
     PumpUntil([] { return g_hwndActiveTool != nullptr; });
-    EXPECT_EQ(g_sourceCount, 39);
+    EXPECT_EQ(g_sourceCount, kDaylightVariants);
     EXPECT_FALSE(SamePixels(g_previewPicture, g_sourcePicture));
     Press(IDCANCEL);
     ExpectClosed(false);
