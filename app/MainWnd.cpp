@@ -10,8 +10,7 @@
 #include "app/ToolMessagesWnd.h"
 #include "app/ToolbarWnd.h"
 #include "base/Format_win.h"
-#include "skin/SkinBrushes_win.h"
-#include "skin/SkinColors.h"
+#include "skin/SkinColors_win.h"
 #include "text/ProfileStore.h"
 #include "text/Strings.h"
 #include "tools/Messages.h"
@@ -60,7 +59,8 @@ static LRESULT OnCreate(HWND frame, WPARAM, LPARAM)
     g_szCurrentFile[0] = 0;
     if (FAILED(CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED)))
         return -1;
-    if (CreateDisplayDocument(&g_document, frame, &g_sourcePicture, &g_resultPicture,
+    const uint8_t background = GetRValue(SkinColor(COLOR_APPWORKSPACE));
+    if (CreateDisplayDocument(&g_document, frame, background, &g_sourcePicture, &g_resultPicture,
                               &g_alphaPicture))
         return -1;
     g_view.owner = frame;
