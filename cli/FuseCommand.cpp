@@ -52,7 +52,7 @@ struct FuseJob
     const CliOptions& options;
     const CliStreams& streams;
     Progress progress;
-    int format;
+    FormatId format;
     VcFusionAccumulator accumulator;
     SBxPicBuf geometry; // of the first source; no data
     SBxPicBuf alpha;    // of the first source
