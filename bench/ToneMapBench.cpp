@@ -49,14 +49,13 @@ static void BenchPyrUp(benchmark::State& state)
 static void RemapPlane(benchmark::State& state)
 {
     const ToneMapMethod method = ToneMapMethod(state.range(0));
-    const ToneMapParams p = ToneMapParamsOf(10, 10, 10, 10);
+    const ToneMapParams p = ToneMapParamsOf({10, 10, 10, 10, 0});
     const int side = BenchSide(512), levels = SmallBench() ? 3 : kToneMapLevels;
     const BenchPicture plane = BenchPlane(side, side);
     BenchPicture out(side, side, 1, 32), direct(side, side, 1, 32);
-    bool failed = ToneMapPlane(&direct.pic, plane.pic, levels, p.p1, p.p2, p.p3, p.p4);
+    bool failed = ToneMapPlane(&direct.pic, plane.pic, levels, p);
     for (auto _ : state)
-        failed =
-            failed || ToneMapPlane(&out.pic, plane.pic, levels, p.p1, p.p2, p.p3, p.p4, {}, method);
+        failed = failed || ToneMapPlane(&out.pic, plane.pic, levels, p, {}, method);
     for (int y = 0; y < side; ++y)
         for (int x = 0; x < side; ++x)
             failed = failed || std::fabs(double(PicRow<float>(out.pic, y)[x] -
@@ -74,16 +73,14 @@ static void ToneMapPhotograph(benchmark::State& state)
         return SkipOnThisProcessor(state);
     const int width = BenchSide(4000), height = BenchSide(3000);
     const bool chroma = state.range(1) != 0;
-    const ToneMapParams p = ToneMapParamsOf(10, 10, 10, 10);
+    const ToneMapParams p = ToneMapParamsOf({10, 10, 10, 10, chroma});
     const BenchPicture source = BenchScene(width, height, 3, 8, 0);
     BenchPicture out(width, height, 3, 8), expected(width, height, 3, 8);
     int result = kToneMapDone;
     for (auto _ : state)
-        result |=
-            ToneMapPicture(&out.pic, source.pic, kToneMapLevels, p.p1, p.p2, p.p3, p.p4, chroma);
+        result |= ToneMapPicture(&out.pic, source.pic, kToneMapLevels, p);
     ForceRemapVariant(1);
-    result |=
-        ToneMapPicture(&expected.pic, source.pic, kToneMapLevels, p.p1, p.p2, p.p3, p.p4, chroma);
+    result |= ToneMapPicture(&expected.pic, source.pic, kToneMapLevels, p);
     ForceRemapVariant(0);
     CheckResult(state, result == kToneMapDone && LargestDifference(out.pic, expected.pic) == 0 &&
                            LargestDifference(out.pic, source.pic) >= 10);
@@ -101,12 +98,11 @@ static double SecondsSince(Clock::time_point start)
 // zero when it was done before.
 static double StopAfter(double wait, SBxPicBuf* out, const SBxPicBuf& source, bool chroma)
 {
-    const ToneMapParams p = ToneMapParamsOf(10, 10, 10, 10);
+    const ToneMapParams p = ToneMapParamsOf({10, 10, 10, 10, chroma});
     const auto start = Clock::now();
     RunControl control;
     control.cancelled = [&] { return SecondsSince(start) >= wait; };
-    const int result =
-        ToneMapPicture(out, source, kToneMapLevels, p.p1, p.p2, p.p3, p.p4, chroma, control);
+    const int result = ToneMapPicture(out, source, kToneMapLevels, p, control);
     return result == kToneMapCancelled ? SecondsSince(start) - wait : -1.0;
 }
 

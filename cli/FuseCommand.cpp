@@ -100,7 +100,8 @@ static int StartJob(FuseJob* job, Source* first)
     job->geometry.data = nullptr;
     job->alpha = first->alpha;
     CBxPicBufAPI::Init(&first->alpha);
-    if (VcInitAccumulator(&job->accumulator, picture, unsigned(job->options.exposure)))
+    if (VcInitAccumulator(&job->accumulator, picture,
+                          unsigned(job->options.numbers.fusionTool.exposure)))
         return FailJob(job, path, "not enough memory to fuse pictures of this size");
     return kExitDone;
 }

@@ -40,7 +40,7 @@ static std::string Single(SBxPicBuf* result, const SBxPicBuf& photo, const Photo
                           const CliOptions& options)
 {
     SeriesFusion fusion;
-    const std::string problem = StartFusion(&fusion, photo, options.exposure);
+    const std::string problem = StartFusion(&fusion, photo, options.numbers.fusionTool.exposure);
     if (!problem.empty())
         return problem;
     SeriesControl control;
@@ -52,7 +52,8 @@ static std::string Single(SBxPicBuf* result, const SBxPicBuf& photo, const Photo
         progress.show(double(number + 1) / (kExposures + 1));
         return failed;
     };
-    if (MakeExposureSeries(photo, unsigned(options.noise), fuse, control) < kExposures)
+    if (MakeExposureSeries(photo, unsigned(options.numbers.denoiseStrength), fuse, control) <
+        kExposures)
         return kNoMemory;
     return FinishFusion(fusion, result, photo);
 }
@@ -68,11 +69,11 @@ static std::string Daylight(SBxPicBuf* result, const SBxPicBuf& photo,
     Picture variant = Picture::Like(photo);
     const std::vector<int> order = DaylightOrder(mode, DaylightKeys(photo, mode));
     bool failed = variant.Empty();
-    for (int i = 0; i < options.power && !failed && !progress.stopped(); ++i)
+    for (int i = 0; i < options.numbers.powerTool.power && !failed && !progress.stopped(); ++i)
     {
         MakeDaylightVariant(variant.Record(), photo, mode, order[size_t(i)]);
         failed = VcAccumulateImage(&fusion.accumulator, variant, StopRequested);
-        progress.show(double(i + 1) / (options.power + 1));
+        progress.show(double(i + 1) / (options.numbers.powerTool.power + 1));
     }
     return failed ? kNoMemory : FinishFusion(fusion, result, photo);
 }
@@ -83,12 +84,10 @@ static std::string ToneMap(SBxPicBuf* result, const SBxPicBuf& photo, const Phot
     CBxPicBufAPI::ReinitHeap(result, photo);
     if (!result->data)
         return kNoMemory;
-    const bool useColors = !options.luminanceOnly && photo.components == 3;
-    const RunControl control = ControlOf(progress, useColors ? 45 : 15);
-    const ToneMapParams p = ToneMapParamsOf(options.contrast, options.noiseAmplitude,
-                                            options.details, options.equalization);
-    const int outcome =
-        ToneMapPicture(result, photo, kToneMapLevels, p.p1, p.p2, p.p3, p.p4, useColors, control);
+    const ToneMapParams params = ToneMapParamsOf(options.numbers.toneMap);
+    const bool chroma = params.useColors && photo.components == 3;
+    const RunControl control = ControlOf(progress, chroma ? 45 : 15);
+    const int outcome = ToneMapPicture(result, photo, kToneMapLevels, params, control);
     return outcome == kToneMapDone ? "" : kNoMemory;
 }
 
@@ -97,7 +96,9 @@ static std::string SmartContrast(SBxPicBuf* result, const SBxPicBuf& photo,
 {
     CBxPicBufAPI::ReinitHeap(result, photo);
     const RunControl control = ControlOf(progress, kSmartContrastSteps * photo.components);
-    const bool failed = !result->data || SmartContrastPicture(result, photo, options.lod, control);
+    const bool failed =
+        !result->data ||
+        SmartContrastPicture(result, photo, options.numbers.levelsOfDetail, control);
     return failed ? kNoMemory : "";
 }
 

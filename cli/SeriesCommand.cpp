@@ -50,7 +50,8 @@ static std::vector<std::string> WriteSeries(SeriesJob* job, const std::string& k
     { return WriteOne(job, picture, name, count); };
     if (single)
     {
-        const int made = MakeExposureSeries(photo, unsigned(job->options.noise), write, control);
+        const int made = MakeExposureSeries(photo, unsigned(job->options.numbers.denoiseStrength),
+                                            write, control);
         return made == count ? job->written : std::vector<std::string>();
     }
     const DaylightMode mode = kind == "daylight-up" ? DaylightMode::Up : DaylightMode::Down;

@@ -13,14 +13,9 @@
 
 #include <algorithm>
 
-int ClampLevelOfDetail(int lod)
-{
-    return std::clamp(lod, 0, 30);
-}
-
 float LevelGain(int lod)
 {
-    return float(ClampLevelOfDetail(lod)) / 10.0f;
+    return float(lod) / 10.0f;
 }
 
 int CountDetailLevels(int width, int height)

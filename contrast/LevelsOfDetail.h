@@ -16,10 +16,8 @@
 
 constexpr int kDetailLevels = 8; // the most levels, and the number of sliders
 
-// What a level's number 0..30 means. Numbers from outside (a settings file, a command line) are
-// clamped here, for the slider and the gain alike.
-int ClampLevelOfDetail(int lod);
-float LevelGain(int lod); // a tenth of the clamped number: 10 leaves the level as it is
+// What a level's number means: a tenth of it, so that 10 leaves the level as it is.
+float LevelGain(int lod);
 
 // Halvings of the shorter side while it has at least 11 samples, at most kDetailLevels.
 int CountDetailLevels(int width, int height);

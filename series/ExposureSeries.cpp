@@ -31,11 +31,6 @@ int ExposurePercent(int number)
     return number < kBrightened ? 25 * number - 20 : 82 + 2 * (number - kBrightened);
 }
 
-unsigned ClampNoiseLevel(int level)
-{
-    return unsigned(std::clamp(level, 0, int(kNoiseLevels) - 1));
-}
-
 int DenoiseRadius(int number, unsigned noiseLevel)
 {
     if (number < 2 || number >= kBrightened || 3 * noiseLevel <= 1)

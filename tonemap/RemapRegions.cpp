@@ -21,14 +21,14 @@ void LimitRemapThreads(int threads)
 #endif
 }
 
-RemapConstants RemapConstantsOf(double p1, double p2, double p3, double p4)
+RemapConstants RemapConstantsOf(const ToneMapParams& params)
 {
     RemapConstants constants;
-    constants.sigma = float(double(float(p1 * 255.0)) + 0.0001);
-    constants.noise = float(double(float(p2 * 5.0)) * 2.55);
+    constants.sigma = float(double(float(params.contrast * 255.0)) + 0.0001);
+    constants.noise = float(double(float(params.noiseAmplitude * 5.0)) * 2.55);
     constants.curveStep = constants.sigma / 1000.0f;
-    constants.beta = float(p4 * 2.0);
-    constants.alpha = p3;
+    constants.beta = float(params.equalization * 2.0);
+    constants.alpha = params.details;
     return constants;
 }
 
@@ -70,11 +70,8 @@ RemapGrid RemapGridOf(int level)
 }
 
 void RemapRegions(float* workJ, int J, const float* Gl, int l, int W, int H, int size, int step,
-                  int dx, int dy, double p1, double noiseAmplitude, double edgeGain,
-                  const float* curve)
+                  int dx, int dy, const RemapConstants& constants, const float* curve)
 {
-    const RemapConstants constants =
-        RemapConstantsOf(p1, noiseAmplitude / 5.0, 0.0, edgeGain / 2.0);
     const int shift = l - J, half = size / 2;
     const int levelWidth = W >> l, fineWidth = W >> J, fineHeight = H >> J;
     const int perRow = (levelWidth - dx) / step, rows = ((H >> l) - dy) / step;

@@ -8,6 +8,7 @@
 #include "tools/ExposureFusionModel.h"
 #include "tools/FusionDlgIds.h"
 #include "tools/FusionToolWnd.h"
+#include "tools/Settings.h"
 
 static HHOOK g_keyboardHook; // while the dialog is open
 
@@ -49,13 +50,14 @@ bool ShowExposureFusionDialog(std::unique_ptr<FusionSources> sources)
         std::make_shared<ExposureFusionModel>(OpenExposureFusion(g_settings, g_sourceCount));
     FusionToolKind kind = {};
     kind.dialogId = IDD_EXPOSURE_FUSION;
-    kind.slider = {IDC_FUSION_SLIDER, IDC_FUSION_VALUE, kTargetGreyRange};
+    kind.slider = {IDC_FUSION_SLIDER, IDC_FUSION_VALUE,
+                   SliderRowOf(Tool::ExposureFusion).stored.range};
     kind.title = Text(g_multiImageMode ? kTextMultiImage : kTextSingleImage);
-    kind.texts = {{IDC_FUSION_LABEL, kTextExposure},
+    kind.texts = {{IDC_FUSION_LABEL, SliderRowOf(Tool::ExposureFusion).text},
                   {IDC_FUSION_DEFAULT, kTextSetDefault},
                   {IDOK, kTextOk},
                   {IDCANCEL, kTextCancel}};
-    kind.value = [=] { return model->exposure; };
+    kind.value = [=] { return model->numbers.fusionTool.exposure; };
     kind.move = [=](SliderMove move, int thumb) { MoveExposure(model.get(), move, thumb); };
     kind.setDefaults = [=] { SetFusionDefaults(model.get()); };
     kind.task = [=](const CBxRect<int>& region) { return ExposureTask(*model, region); };

@@ -2,22 +2,21 @@
 
 #include "app/AppWindows_win.h"
 #include "app/FrameView_win.h"
-#include "series/ExposureSeries.h"
 #include "text/Strings.h"
 #include "tools/SeriesDlgIds.h"
 #include "tools/Settings.h"
 #include "tools/ToolDialogWnd.h"
 
-// By strength.
-static constexpr TextId kLevelTexts[] = {kTextNoiseNone, kTextNoiseLow, kTextNoiseMedium,
-                                         kTextNoiseHigh};
+static const ParameterRow& NoiseRow()
+{
+    return ParametersOf(Tool::NoisePrompt)[0];
+}
 
 static int g_answer; // of the prompt that is open
 
 static const ControlText kTexts[] = {
     {0, kTextNoiseQuestion},
     {IDC_SERIES_TITLE, kTextNoiseQuestion},
-    {IDC_NOISE_LABEL, kTextNoiseReduction},
     {IDOK, kTextOk},
     {IDCANCEL, kTextCancel},
 };
@@ -31,12 +30,13 @@ static INT_PTR OnInit(HWND dlg, LPARAM lParam)
 {
     SetWindowLongPtrW(dlg, DWLP_USER, lParam);
     ReadSettings(SettingGroup::NoisePrompt);
-    *LevelOf(dlg) = ClampNoiseLevel(g_settings.denoiseStrength);
+    *LevelOf(dlg) = unsigned(g_settings.denoiseStrength);
     ShowTexts(dlg, kTexts);
+    SetDlgItemTextW(dlg, IDC_NOISE_LABEL, Text(NoiseRow().text));
     SendDlgItemMessageW(dlg, IDC_NOISE_LEVEL, CB_RESETCONTENT, 0, 0);
-    for (unsigned level = 0; level < kNoiseLevels; ++level)
+    for (int level = 0; level <= NoiseRow().stored.range.high; ++level)
         SendDlgItemMessageW(dlg, IDC_NOISE_LEVEL, CB_ADDSTRING, 0,
-                            reinterpret_cast<LPARAM>(Text(kLevelTexts[level])));
+                            reinterpret_cast<LPARAM>(Text(NoiseRow().choices[level].text)));
     SendDlgItemMessageW(dlg, IDC_NOISE_LEVEL, CB_SETCURSEL, *LevelOf(dlg), 0);
     return TRUE;
 }

@@ -6,6 +6,7 @@
 #include "tools/FusionDlgIds.h"
 #include "tools/FusionToolWnd.h"
 #include "tools/PowerFusionModel.h"
+#include "tools/Settings.h"
 
 // The text is that of the menu, where dots say that a dialog follows.
 static std::wstring WithoutDots(const wchar_t* text)
@@ -21,10 +22,13 @@ bool ShowPowerFusionDialog(TextId title)
         std::make_shared<PowerFusionModel>(OpenPowerFusion(g_settings, g_sourceCount));
     FusionToolKind kind = {};
     kind.dialogId = IDD_POWER_FUSION;
-    kind.slider = {IDC_FUSION_SLIDER, IDC_FUSION_VALUE, kPowerRange};
+    kind.slider = {IDC_FUSION_SLIDER, IDC_FUSION_VALUE,
+                   SliderRowOf(Tool::PowerFusion).stored.range};
     kind.title = WithoutDots(Text(title));
-    kind.texts = {{IDC_FUSION_LABEL, kTextPower}, {IDOK, kTextOk}, {IDCANCEL, kTextCancel}};
-    kind.value = [=] { return model->power; };
+    kind.texts = {{IDC_FUSION_LABEL, SliderRowOf(Tool::PowerFusion).text},
+                  {IDOK, kTextOk},
+                  {IDCANCEL, kTextCancel}};
+    kind.value = [=] { return model->numbers.powerTool.power; };
     kind.move = [=](SliderMove move, int thumb) { MovePower(model.get(), move, thumb); };
     kind.task = [=](const CBxRect<int>& region) { return PowerTask(*model, region); };
     kind.store = [=]

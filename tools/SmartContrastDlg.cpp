@@ -7,13 +7,13 @@
 #include "text/Strings.h"
 #include "tools/Messages.h"
 #include "tools/MultiscaleDlgIds.h"
+#include "tools/ParameterControlsWnd.h"
 #include "tools/Settings.h"
 #include "tools/SmartContrastModel.h"
 #include "tools/ToolDialogWnd.h"
 
 #include <commctrl.h>
 
-#include <algorithm>
 #include <memory>
 
 static const ControlText kTexts[] = {{0, kTextLevelsOfDetail},
@@ -21,10 +21,9 @@ static const ControlText kTexts[] = {{0, kTextLevelsOfDetail},
                                      {IDOK, kTextOk},
                                      {IDCANCEL, kTextCancel}};
 
-static SliderControl LevelControl(int level)
-{
-    return {IDC_LEVEL_SLIDER + level, IDC_LEVEL_VALUE + level, kLevelOfDetailRange};
-}
+// Its labels are sizes in pixels, its sliders the only controls with numbers.
+static const ParameterControls kControls = {Tool::SmartContrast, 0, IDC_LEVEL_SLIDER,
+                                            IDC_LEVEL_VALUE, 0};
 
 static SmartContrastModel* ModelOf(HWND dlg)
 {
@@ -62,9 +61,7 @@ static INT_PTR OnViewMoved(HWND dlg)
 static INT_PTR OnInit(HWND dlg, LPARAM lParam)
 {
     SetWindowLongPtrW(dlg, DWLP_USER, lParam);
-    const SmartContrastModel* model = ModelOf(dlg);
-    for (int level = 0; level < kDetailLevels; ++level)
-        SetUpSlider(dlg, LevelControl(level), model->lod[level]);
+    SetUpControls(dlg, kControls, ModelOf(dlg)->numbers);
     ShowTexts(dlg, kTexts);
     return FALSE; // the frame keeps the focus until the user takes it
 }
@@ -73,12 +70,12 @@ static INT_PTR OnSlider(HWND dlg, WPARAM wParam, LPARAM lParam)
 {
     SmartContrastModel* model = ModelOf(dlg);
     const HWND slider = reinterpret_cast<HWND>(lParam);
-    const int level = GetDlgCtrlID(slider) - IDC_LEVEL_SLIDER;
-    if (!model || level < 0 || level >= kDetailLevels)
+    const ParameterRow* level = SliderOf(kControls, GetDlgCtrlID(slider));
+    if (!model || !level)
         return FALSE;
     const bool recompose =
-        SmartContrastSliderMoved(model, level, MoveOfScroll(wParam), ThumbOfScroll(wParam));
-    ShowSlider(dlg, LevelControl(level), model->lod[level]);
+        SmartContrastSliderMoved(model, *level, MoveOfScroll(wParam), ThumbOfScroll(wParam));
+    ShowNumber(dlg, kControls, *level, model->numbers);
     if (recompose && !NewerSliderInputWaits(slider))
         ShowRecomposed(model);
     return TRUE;
@@ -92,7 +89,7 @@ static INT_PTR OnOk(HWND dlg)
         // Refused only when there is no preview to show either.
         (void)CompleteSmartContrast(&g_previewPicture, model);
     }
-    std::copy_n(model->lod, kDetailLevels, g_settings.levelsOfDetail);
+    CopyNumbers(&g_settings, Tool::SmartContrast, model->numbers);
     const bool stored = WriteSettings(SettingGroup::LevelsOfDetail);
     CBxPicBufAPI::Copy(&g_resultPicture, g_previewPicture);
     DestroyWindow(dlg);
@@ -143,8 +140,7 @@ static bool Prepare(SmartContrastModel* model)
     const ToolWaitCursor wait;
     g_resultUnsaved = false;
     ReadSettings(SettingGroup::LevelsOfDetail);
-    return PrepareToolPictures() &&
-           !OpenSmartContrast(model, g_sourcePicture, g_settings.levelsOfDetail);
+    return PrepareToolPictures() && !OpenSmartContrast(model, g_sourcePicture, g_settings);
 }
 
 void OpenSmartContrastDialog()

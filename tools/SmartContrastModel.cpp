@@ -20,10 +20,10 @@ static bool TakeApart(SmartContrastModel* model, const SBxPicBuf& picture)
 }
 
 bool OpenSmartContrast(SmartContrastModel* model, const SBxPicBuf& picture,
-                       const int lod[kDetailLevels])
+                       const ToolNumbers& stored)
 {
     ReleaseSmartContrast(model);
-    std::transform(lod, lod + kDetailLevels, model->lod, ClampLevelOfDetail);
+    model->numbers = OpenedNumbers(Tool::SmartContrast, stored);
     model->size = {picture.width, picture.height};
     model->padding = DetailPaddingOf(picture.width, picture.height);
     if (!TakeApart(model, picture))
@@ -41,12 +41,13 @@ void ReleaseSmartContrast(SmartContrastModel* model)
 static bool HasItsNumbers(const SmartContrastModel& model)
 {
     return !IsEmptyRect(model.madePart) &&
-           std::equal(model.lod, model.lod + kDetailLevels, model.made);
+           SameNumbers(Tool::SmartContrast, model.numbers, model.made);
 }
 
-bool SmartContrastSliderMoved(SmartContrastModel* model, int level, SliderMove move, int thumb)
+bool SmartContrastSliderMoved(SmartContrastModel* model, const ParameterRow& level, SliderMove move,
+                              int thumb)
 {
-    model->lod[level] = MovedSlider(kLevelOfDetailRange, model->lod[level], move, thumb);
+    MoveNumber(&model->numbers, level, move, thumb);
     if (move == SliderMove::Drag)
         return false;
     return move == SliderMove::Drop || !HasItsNumbers(*model);
@@ -71,14 +72,15 @@ static bool RecomposePart(SBxPicBuf* out, SmartContrastModel* model, const CBxRe
         out->components != padded.components || out->bitsPerComponent != padded.bitsPerComponent)
         return true;
     float gains[kDetailLevels];
-    std::transform(model->lod, model->lod + kDetailLevels, gains, LevelGain);
+    const int* lod = model->numbers.levelsOfDetail;
+    std::transform(lod, lod + kDetailLevels, gains, LevelGain);
     const int x = model->padding.x, y = model->padding.y;
     if (RecomposeRegion(&model->padded, &model->record, gains,
                         {part.left + x, part.top + y, part.right + x, part.bottom + y}))
         return true;
     CBxPicBufAPI::CopyRect(out, padded, {part.left, part.top}, {part.left + x, part.top + y},
                            {part.right - part.left, part.bottom - part.top});
-    std::copy_n(model->lod, kDetailLevels, model->made);
+    model->made = model->numbers;
     model->madePart = part;
     return false;
 }

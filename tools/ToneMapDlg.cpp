@@ -7,6 +7,7 @@
 #include "text/Strings.h"
 #include "tools/Messages.h"
 #include "tools/MultiscaleDlgIds.h"
+#include "tools/ParameterControlsWnd.h"
 #include "tools/Settings.h"
 #include "tools/ToneMapModel.h"
 #include "tools/ToneMapWorker_win.h"
@@ -15,25 +16,17 @@
 #include <commctrl.h>
 #include <windowsx.h>
 
-#include <algorithm>
 #include <memory>
 
 static const ControlText kToneTexts[] = {
-    {IDC_TONE_LABEL + 0, kTextContrast},
-    {IDC_TONE_LABEL + 1, kTextNoiseAmplitude},
-    {IDC_TONE_LABEL + 2, kTextDetails},
-    {IDC_TONE_LABEL + 3, kTextEqualization},
-    {IDC_TONE_COLORS, kTextUseColors},
     {IDC_TONE_PREVIEW, kTextPreview},
     {IDC_TONE_STOP, kTextAbort},
     {IDOK, kTextOk},
     {IDCANCEL, kTextCancel},
 };
 
-static SliderControl ToneControl(int slider)
-{
-    return {IDC_TONE_SLIDER + slider, IDC_TONE_VALUE + slider, kToneMapRange};
-}
+static const ParameterControls kControls = {Tool::ToneMap, IDC_TONE_LABEL, IDC_TONE_SLIDER,
+                                            IDC_TONE_VALUE, IDC_TONE_BOX};
 
 static ToneMapModel* ModelOf(HWND dlg)
 {
@@ -90,10 +83,7 @@ static void ShowState(HWND dlg)
     const ToneMapModel& model = *ModelOf(dlg);
     const bool editing = model.state == ToneMapState::Editing;
     const bool running = model.state == ToneMapState::Running;
-    for (int i = 0; i < kToneMapSliders; ++i)
-        for (int id : {IDC_TONE_LABEL + i, IDC_TONE_SLIDER + i, IDC_TONE_VALUE + i})
-            EnableWindow(GetDlgItem(dlg, id), editing);
-    EnableWindow(GetDlgItem(dlg, IDC_TONE_COLORS), editing);
+    EnableControls(dlg, kControls, editing);
     EnableWindow(GetDlgItem(dlg, IDC_TONE_PREVIEW), editing);
     EnableWindow(GetDlgItem(dlg, IDOK), !running);
     EnableWindow(GetDlgItem(dlg, IDCANCEL), editing);
@@ -114,9 +104,7 @@ static INT_PTR OnInit(HWND dlg, LPARAM lParam)
     SetWindowTextW(dlg, ToneTitle().c_str());
     SetDlgItemTextW(dlg, IDC_TOOL_FRAME, ToneTitle().c_str());
     ShowTexts(dlg, kToneTexts);
-    for (int i = 0; i < kToneMapSliders; ++i)
-        SetUpSlider(dlg, ToneControl(i), model.choice.slider[i]);
-    CheckDlgButton(dlg, IDC_TONE_COLORS, model.choice.useColors ? BST_CHECKED : BST_UNCHECKED);
+    SetUpControls(dlg, kControls, model.numbers);
     if (!model.hasColors)
         ShowWindow(GetDlgItem(dlg, IDC_TONE_COLORS), SW_HIDE);
     ShowState(dlg);
@@ -127,12 +115,12 @@ static INT_PTR OnSlider(HWND dlg, WPARAM wParam, LPARAM lParam)
 {
     ToneMapModel* model = ModelOf(dlg);
     const HWND control = reinterpret_cast<HWND>(lParam);
-    const int slider = GetDlgCtrlID(control) - IDC_TONE_SLIDER;
-    if (slider < 0 || slider >= kToneMapSliders)
+    const ParameterRow* slider = SliderOf(kControls, GetDlgCtrlID(control));
+    if (!slider)
         return FALSE;
     const bool render =
-        ToneMapSliderMoved(model, slider, MoveOfScroll(wParam), ThumbOfScroll(wParam));
-    ShowSlider(dlg, ToneControl(slider), model->choice.slider[slider]);
+        ToneMapSliderMoved(model, *slider, MoveOfScroll(wParam), ThumbOfScroll(wParam));
+    ShowNumber(dlg, kControls, *slider, model->numbers);
     if (render && !NewerSliderInputWaits(control))
         ShowToneMapPreview(model);
     return TRUE;
@@ -143,10 +131,14 @@ static bool IsChecked(HWND dlg, int id)
     return IsDlgButtonChecked(dlg, id) == BST_CHECKED;
 }
 
-static void OnColors(HWND dlg)
+static INT_PTR OnBox(HWND dlg, int id)
 {
-    if (ToneMapColorsToggled(ModelOf(dlg), IsChecked(dlg, IDC_TONE_COLORS)))
+    const ParameterRow* box = BoxOf(kControls, id);
+    if (!box)
+        return FALSE;
+    if (ToneMapBoxToggled(ModelOf(dlg), *box, IsChecked(dlg, id)))
         ShowToneMapPreview(ModelOf(dlg));
+    return TRUE;
 }
 
 static void OnPreviewBox(HWND dlg)
@@ -157,12 +149,11 @@ static void OnPreviewBox(HWND dlg)
     ShowToneMapPreview(ModelOf(dlg));
 }
 
-static void StoreChoice(const ToneMapChoice& choice)
+static void StoreNumbers(const ToolNumbers& numbers)
 {
     // Written either way: only this thread ever changes them.
     const bool locked = LockToneMapSettings();
-    std::copy_n(choice.slider, kToneMapSliders, g_settings.uiPowerT);
-    g_settings.uiUseColors = choice.useColors;
+    CopyNumbers(&g_settings, Tool::ToneMap, numbers);
     if (locked)
         UnlockToneMapSettings();
 }
@@ -170,7 +161,7 @@ static void StoreChoice(const ToneMapChoice& choice)
 static void StartRun(HWND dlg)
 {
     ToneMapModel* model = ModelOf(dlg);
-    StoreChoice(model->choice);
+    StoreNumbers(model->numbers);
     const int end = ToneMapProgressEnd(*model);
     SendDlgItemMessageW(dlg, IDC_TONE_PROGRESS, PBM_SETRANGE, 0, MAKELPARAM(0, end));
     SendDlgItemMessageW(dlg, IDC_TONE_PROGRESS, PBM_SETPOS, 0, 0);
@@ -207,9 +198,8 @@ static INT_PTR OnCommand(HWND dlg, int id)
     case IDOK: TakeStep(dlg, ToneMapOk(*ModelOf(dlg))); return TRUE;
     case IDCANCEL: TakeStep(dlg, ToneMapCancel(*ModelOf(dlg))); return TRUE;
     case IDC_TONE_STOP: TakeStep(dlg, ToneMapStop(*ModelOf(dlg))); return TRUE;
-    case IDC_TONE_COLORS: OnColors(dlg); return TRUE;
     case IDC_TONE_PREVIEW: OnPreviewBox(dlg); return TRUE;
-    default: return FALSE;
+    default: return OnBox(dlg, id);
     }
 }
 
@@ -319,8 +309,7 @@ void OpenToneMapDialog()
         return;
     }
     auto model = std::make_unique<ToneMapModel>();
-    StartToneMapModel(model.get(), g_sourcePicture, g_settings.uiPowerT,
-                      g_settings.uiUseColors != 0);
+    StartToneMapModel(model.get(), g_sourcePicture, g_settings);
     if (!OpenToolDialog(IDD_TONE_MAPPING, ToneMapProc, reinterpret_cast<LPARAM>(model.get())))
         return;
     model.release(); // the dialog's from here on

@@ -35,16 +35,13 @@ void UnlockToneMapSettings()
     ReleaseMutex(SettingsMutex());
 }
 
-static ToneMapChoice ChoiceInSettings()
+static ToneMapNumbers NumbersInSettings()
 {
-    ToneMapChoice choice;
     const bool locked = Lock(INFINITE);
-    for (int i = 0; i < kToneMapSliders; ++i)
-        choice.slider[i] = g_settings.uiPowerT[i];
-    choice.useColors = g_settings.uiUseColors != 0;
+    const ToneMapNumbers numbers = g_settings.toneMap;
     if (locked)
         UnlockToneMapSettings();
-    return choice;
+    return numbers;
 }
 
 static bool WantsToStop()
@@ -54,15 +51,12 @@ static bool WantsToStop()
 
 static DWORD WINAPI RunToneMap(void*)
 {
-    const ToneMapChoice choice = ChoiceInSettings();
-    const ToneMapParams p =
-        ToneMapParamsOf(choice.slider[0], choice.slider[1], choice.slider[2], choice.slider[3]);
+    const ToneMapParams params = ToneMapParamsOf(NumbersInSettings());
     RunControl control;
     control.progress = [](int steps)
     { PostMessageW(g_run.dialog, WM_TONE_ADVANCED, WPARAM(steps), 0); };
     control.cancelled = WantsToStop;
-    const int outcome = ToneMapPicture(g_run.output, *g_run.input, kToneMapLevels, p.p1, p.p2, p.p3,
-                                       p.p4, choice.useColors, control);
+    const int outcome = ToneMapPicture(g_run.output, *g_run.input, kToneMapLevels, params, control);
     if (WantsToStop() || outcome != kToneMapDone)
         PostMessageW(g_run.dialog, WM_TONE_CANCELLED, outcome == kToneMapOutOfMemory, 0);
     else

@@ -192,13 +192,9 @@ static Outcome WriteSeriesFiles()
 static Outcome ToneMapColours()
 {
     TestPicture result = TestPicture::Like(g_small->pic);
-    const ToneMapParams p = ToneMapParamsOf(10, 10, 10, 10);
-    const int outcome = Try(
-        [&]
-        {
-            return ToneMapPicture(&result.pic, g_small->pic, kToneMapLevels, p.p1, p.p2, p.p3, p.p4,
-                                  true);
-        });
+    const ToneMapParams p = ToneMapParamsOf({10, 10, 10, 10, 1});
+    const int outcome =
+        Try([&] { return ToneMapPicture(&result.pic, g_small->pic, kToneMapLevels, p); });
     return Of(outcome != kToneMapDone, result);
 }
 

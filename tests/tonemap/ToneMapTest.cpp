@@ -13,13 +13,13 @@ namespace
 {
 
 // Sliders at 10, where they start.
-const ToneMapParams kDefaults = ToneMapParamsOf(10, 10, 10, 10);
+const ToneMapParams kDefaults = ToneMapParamsOf({10, 10, 10, 10, 1});
 
-int Map(SBxPicBuf* out, const SBxPicBuf& in, const ToneMapParams& p, bool useColors,
+int Map(SBxPicBuf* out, const SBxPicBuf& in, ToneMapParams params, bool useColors,
         ToneMapMethod method = ToneMapMethod::Direct, const RunControl& control = {})
 {
-    return ToneMapPicture(out, in, kToneMapLevels, p.p1, p.p2, p.p3, p.p4, useColors, control,
-                          method);
+    params.useColors = useColors;
+    return ToneMapPicture(out, in, kToneMapLevels, params, control, method);
 }
 
 TestPicture Mapped(const TestPicture& in, const ToneMapParams& p, bool useColors,
@@ -39,8 +39,7 @@ TestPicture FloatPlaneOf(const TestPicture& scene)
 TestPicture MappedPlane(const TestPicture& plane, const ToneMapParams& p, ToneMapMethod method)
 {
     TestPicture out = TestPicture::Like(plane.pic);
-    EXPECT_FALSE(
-        ToneMapPlane(&out.pic, plane.pic, kToneMapLevels, p.p1, p.p2, p.p3, p.p4, {}, method));
+    EXPECT_FALSE(ToneMapPlane(&out.pic, plane.pic, kToneMapLevels, p, {}, method));
     return out;
 }
 
@@ -48,24 +47,22 @@ TestPicture MappedPlane(const TestPicture& plane, const ToneMapParams& p, ToneMa
 
 TEST(ToneMapParams, GiveTheConstantsOfTheSliders)
 {
-    EXPECT_NEAR(kDefaults.p1, 0.22, 1e-7);
-    EXPECT_NEAR(kDefaults.p2, 0.22, 1e-7);
-    EXPECT_EQ(kDefaults.p3, 0.5);
-    EXPECT_NEAR(kDefaults.p4, 0.8, 1e-7);
-    const RemapConstants k =
-        RemapConstantsOf(kDefaults.p1, kDefaults.p2, kDefaults.p3, kDefaults.p4);
+    EXPECT_NEAR(kDefaults.contrast, 0.22, 1e-7);
+    EXPECT_NEAR(kDefaults.noiseAmplitude, 0.22, 1e-7);
+    EXPECT_EQ(kDefaults.details, 0.5);
+    EXPECT_NEAR(kDefaults.equalization, 0.8, 1e-7);
+    const RemapConstants k = RemapConstantsOf(kDefaults);
     EXPECT_NEAR(k.sigma, 56.1001f, 1e-5);
     EXPECT_NEAR(k.noise, 2.805f, 1e-5);
     EXPECT_NEAR(k.curveStep, 0.0561001f, 1e-7);
     EXPECT_NEAR(k.beta, 1.6f, 1e-6);
-    EXPECT_EQ(ToneMapParamsOf(1, 1, 50, 50).p3, 0.0);
-    EXPECT_EQ(ToneMapParamsOf(1, 1, 50, 50).p4, 0.0);
+    EXPECT_EQ(ToneMapParamsOf({1, 1, 50, 50, 1}).details, 0.0);
+    EXPECT_EQ(ToneMapParamsOf({1, 1, 50, 50, 1}).equalization, 0.0);
 }
 
 TEST(Remapping, KeepsNoiseLiftsDetailAndScalesEdges)
 {
-    const RemapConstants k =
-        RemapConstantsOf(kDefaults.p1, kDefaults.p2, kDefaults.p3, kDefaults.p4);
+    const RemapConstants k = RemapConstantsOf(kDefaults);
     std::vector<float> curve(kRemapCurveEntries);
     FillRemapCurve(curve.data(), k.alpha);
     const float cases[][2] = {{100, 100},      {101, 101},      {102, 102},      {104, 108.664f},
@@ -99,8 +96,8 @@ TEST(RemapGrid, HasNeighbourhoodsThatDoNotTouch)
 // The direct sums against the definition, on planes with and without partial steps.
 TEST(ToneMapping, GivesWhatThePhasesGive)
 {
-    const ToneMapParams settings[] = {kDefaults, ToneMapParamsOf(35, 1, 45, 30),
-                                      ToneMapParamsOf(3, 30, 1, 1)};
+    const ToneMapParams settings[] = {kDefaults, ToneMapParamsOf({35, 1, 45, 30, 1}),
+                                      ToneMapParamsOf({3, 30, 1, 1, 1})};
     const CBxSize<int> sizes[] = {{64, 64}, {96, 64}, {128, 160}, {320, 96}};
     for (const ToneMapParams& p : settings)
         for (const auto& size : sizes)
@@ -108,14 +105,16 @@ TEST(ToneMapping, GivesWhatThePhasesGive)
             const TestPicture plane = FloatPlaneOf(ScenePicture(size.cx, size.cy, 1, 8, 1));
             const TestPicture direct = MappedPlane(plane, p, ToneMapMethod::Direct);
             const TestPicture phases = MappedPlane(plane, p, ToneMapMethod::Phases);
-            SCOPED_TRACE(::testing::Message() << size.cx << "x" << size.cy << ", p1 " << p.p1);
+            SCOPED_TRACE(::testing::Message()
+                         << size.cx << "x" << size.cy << ", contrast " << p.contrast);
             ExpectSamePicture(direct.pic, phases.pic, 1e-3);
         }
 }
 
 TEST(ToneMapping, LeavesFlatPicturesFlat)
 {
-    for (const auto& p : {kDefaults, ToneMapParamsOf(1, 1, 50, 50), ToneMapParamsOf(50, 50, 1, 1)})
+    for (const auto& p :
+         {kDefaults, ToneMapParamsOf({1, 1, 50, 50, 1}), ToneMapParamsOf({50, 50, 1, 1, 1})})
     {
         const TestPicture flat = FlatPicture(40, 31, 8, {30, 140, 250});
         ExpectSamePicture(Mapped(flat, p, true).pic, flat.pic, 1);
@@ -184,7 +183,7 @@ TEST(ToneMapping, GivesTheSameBitsOnEveryBuild)
             if (!ForceRemapVariant(variant))
                 continue;
             LimitRemapThreads(threads);
-            EXPECT_EQ(HashOf(Mapped(scene, ToneMapParamsOf(20, 4, 33, 8), true).pic),
+            EXPECT_EQ(HashOf(Mapped(scene, ToneMapParamsOf({20, 4, 33, 8, 1}), true).pic),
                       17465508449943024907u)
                 << variant << ", " << threads << " threads";
         }

@@ -12,13 +12,20 @@ namespace
 using Lods = int[kDetailLevels];
 constexpr Lods kUnchanged = {10, 10, 10, 10, 10, 10, 10, 10};
 
+ToolNumbers NumbersOf(const Lods& lod)
+{
+    ToolNumbers numbers = DefaultNumbers();
+    std::copy(lod, lod + kDetailLevels, numbers.levelsOfDetail);
+    return numbers;
+}
+
 struct OpenModel
 {
     SmartContrastModel model;
 
     explicit OpenModel(const TestPicture& picture, const Lods& lod = kUnchanged)
     {
-        EXPECT_FALSE(OpenSmartContrast(&model, picture.pic, lod));
+        EXPECT_FALSE(OpenSmartContrast(&model, picture.pic, NumbersOf(lod)));
     }
     ~OpenModel() { ReleaseSmartContrast(&model); }
 };
@@ -74,9 +81,10 @@ TEST(SmartContrastModel, RecomposesWhenTheThumbIsLetGoAndWhenANumberIsNew)
     int number = 0;
     for (const auto& step : steps)
     {
-        const bool recompose = SmartContrastSliderMoved(model, 2, step.move, step.thumb);
+        const bool recompose = SmartContrastSliderMoved(model, ParametersOf(Tool::SmartContrast)[2],
+                                                        step.move, step.thumb);
         EXPECT_EQ(recompose, step.recompose) << "step " << number;
-        EXPECT_EQ(model->lod[2], step.number) << "step " << number++;
+        EXPECT_EQ(model->numbers.levelsOfDetail[2], step.number) << "step " << number++;
     }
 }
 
@@ -93,7 +101,7 @@ TEST(SmartContrastModel, GivesTheSamePictureAsTheWholeJobAsOftenAsASliderMoves)
                                   {10, 10, 10, 10, 10, 10, 10, 10}};
             for (const Lods& lod : tries)
             {
-                std::copy(lod, lod + kDetailLevels, open.model.lod);
+                open.model.numbers = NumbersOf(lod);
                 TestPicture whole(61, 47, components, bits);
                 ASSERT_FALSE(SmartContrastPicture(&whole.pic, photo.pic, lod, {}));
                 ExpectSamePicture(Recomposed(&open.model, photo).pic, whole.pic);
@@ -150,5 +158,5 @@ TEST(SmartContrastModel, TakesStoredNumbersFromOutsideOfTheRangeAsItsEnds)
     const TestPicture photo = ScenePicture(20, 20, 1, 8, 0);
     OpenModel open(photo, {99, -4, 30, 0, 10, 31, -1, 5});
     const Lods expected = {30, 0, 30, 0, 10, 30, 0, 5};
-    EXPECT_TRUE(std::equal(expected, expected + kDetailLevels, open.model.lod));
+    EXPECT_TRUE(std::equal(expected, expected + kDetailLevels, open.model.numbers.levelsOfDetail));
 }

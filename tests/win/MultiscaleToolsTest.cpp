@@ -154,6 +154,43 @@ TEST_F(Tools, SmartContrastSeesToWhatComesIntoView)
     ExpectSamePicture(g_resultPicture, expected.pic);
 }
 
+TEST_F(Tools, ShowEveryNumberOfTheirRows)
+{
+    const struct
+    {
+        int command;
+        Tool tool;
+        int label, slider, value, box;
+    } dialogs[] = {
+        {ID_TONE_MAPPING, Tool::ToneMap, IDC_TONE_LABEL, IDC_TONE_SLIDER, IDC_TONE_VALUE,
+         IDC_TONE_BOX},
+        {ID_SMART_CONTRAST, Tool::SmartContrast, 0, IDC_LEVEL_SLIDER, IDC_LEVEL_VALUE, 0}};
+    OpenPicture("photo.png", 60, 50);
+    for (const auto& dialog : dialogs)
+    {
+        Command(dialog.command);
+        ASSERT_TRUE(g_hwndActiveTool);
+        const ParameterRows rows = ParametersOf(dialog.tool);
+        for (int i = 0; i < rows.count; ++i)
+        {
+            SCOPED_TRACE(i);
+            const bool isBox = rows[i].kind == ParameterKind::CheckBox;
+            const HWND slider = Control(dialog.slider + i);
+            if (rows[i].text != kNoText)
+                EXPECT_EQ(WindowText(Control((isBox ? dialog.box : dialog.label) + i)),
+                          Text(rows[i].text));
+            if (isBox)
+                continue;
+            EXPECT_EQ(SendMessageW(slider, TBM_GETRANGEMIN, 0, 0), rows[i].stored.range.low);
+            EXPECT_EQ(SendMessageW(slider, TBM_GETRANGEMAX, 0, 0), rows[i].stored.range.high);
+            EXPECT_EQ(SendMessageW(slider, TBM_GETPOS, 0, 0), rows[i].stored.standard);
+            EXPECT_EQ(WindowText(Control(dialog.value + i)),
+                      std::to_wstring(rows[i].stored.standard));
+        }
+        Press(IDCANCEL);
+    }
+}
+
 TEST_F(Tools, ToneMappingPreviewsARectangleThatTheMouseMoves)
 {
     OpenPicture("photo.png", 900, 700);
@@ -216,7 +253,7 @@ TEST_F(Tools, ToneMappingMakesTheResultAndWaitsToBeClosed)
     ASSERT_TRUE(WaitUntil([] { return !g_toolBusy; }));
     EXPECT_TRUE(g_resultUnsaved);
     EXPECT_EQ(g_settings.uiUseColors, 0);
-    EXPECT_EQ(g_settings.uiPowerT[2], 11);
+    EXPECT_EQ(g_settings.toneMap.details, 11);
     EXPECT_EQ(Enabled(), kAllOn);
     ASSERT_TRUE(g_hwndActiveTool) << "stays open";
     EXPECT_FALSE(IsWindowVisible(Control(IDCANCEL)));
