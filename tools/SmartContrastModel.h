@@ -2,6 +2,7 @@
 
 #include "contrast/LevelsOfDetail.h"
 #include "contrast/LevelsOfDetailPadding.h"
+#include "picture/Picture.h"
 #include "tools/Parameters.h"
 #include "view/ImageView.h"
 
@@ -12,7 +13,7 @@ struct SmartContrastModel
 {
     CBxSize<int> size = {0, 0}; // of the picture
     DetailPadding padding = {}; // where it lies in the padded one
-    SBxPicBuf padded = {};      // what the record is put together into
+    Picture padded;             // what the record is put together into
     LevelsOfDetail record;      // the picture taken apart
     ToolNumbers numbers = {};   // what the sliders show
     ToolNumbers made = {};      // of what was put together last

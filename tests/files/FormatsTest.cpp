@@ -106,7 +106,7 @@ TEST(Formats, HoldThePicturesThatTheyPromiseAndNoOthers)
             const TestPicture picture = ScenePicture(20, 14, kind.components, kind.bits, 0),
                               plane = ScenePicture(20, 14, 1, kind.bits, 1);
             const bool held = row.holds & kind.kind;
-            EXPECT_EQ(FormatHoldsPicture(row.id, picture.pic, kind.alpha), held);
+            EXPECT_EQ(FormatHoldsPicture(row.id, picture, kind.alpha), held);
             if (!row.written)
             {
                 EXPECT_FALSE(held);
@@ -120,11 +120,11 @@ TEST(Formats, HoldThePicturesThatTheyPromiseAndNoOthers)
                 continue;
             const LoadedPair pair(file);
             ASSERT_FALSE(pair.failed);
-            EXPECT_EQ(pair.picture.pic.components, kind.components);
-            EXPECT_EQ(pair.picture.pic.bitsPerComponent, kind.bits);
-            EXPECT_EQ(pair.alpha.pic.data != nullptr, kind.alpha);
+            EXPECT_EQ(pair.picture->components, kind.components);
+            EXPECT_EQ(pair.picture->bitsPerComponent, kind.bits);
+            EXPECT_EQ(pair.alpha->data != nullptr, kind.alpha);
             const bool lossy = row.id == kFormatJpeg || row.id == kFormatWebp;
-            ExpectSamePicture(pair.picture.pic, picture.pic, lossy ? 90 : 0);
+            ExpectSamePicture(pair.picture, picture, lossy ? 90 : 0);
         }
 }
 
