@@ -60,7 +60,8 @@ static LRESULT OnCreate(HWND frame, WPARAM, LPARAM)
     g_szCurrentFile[0] = 0;
     if (FAILED(CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED)))
         return -1;
-    if (CreateDisplayDocument(&g_document, frame, &g_sourcePicture, &g_resultPicture,
+    const uint8_t background = GetRValue(SkinColor(COLOR_APPWORKSPACE));
+    if (CreateDisplayDocument(&g_document, frame, background, &g_sourcePicture, &g_resultPicture,
                               &g_alphaPicture))
         return -1;
     g_view.owner = frame;

@@ -4,7 +4,7 @@
 #include "app/AppWindows_win.h"
 #include "app/CommandIds.h"
 #include "base/Format_win.h"
-#include "picture/ResourceImage_win.h"
+#include "skin/ResourceImage_win.h"
 #include "text/Strings.h"
 #include "tools/Messages.h"
 #include "view/ImageViewZoom.h"

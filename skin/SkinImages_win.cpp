@@ -1,6 +1,6 @@
 #include "skin/SkinImages_win.h"
 
-#include "picture/ResourceImage_win.h"
+#include "skin/ResourceImage_win.h"
 
 #include <map>
 #include <string>

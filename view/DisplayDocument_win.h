@@ -22,10 +22,11 @@ struct DisplayDocument
     ULONG_PTR gdiplusToken;
 };
 
-// Fills in all fields and starts GDI+. True on failure: there is no bitmap to render into. The
-// document wants to be released in either case.
-[[nodiscard]] bool CreateDisplayDocument(DisplayDocument* document, HWND owner, SBxPicBuf* source,
-                                         SBxPicBuf* result, SBxPicBuf* alpha);
+// Fills in all fields and starts GDI+. The background is the grey that is seen until the view
+// renders for the first time. True on failure: there is no bitmap to render into. The document
+// wants to be released in either case.
+[[nodiscard]] bool CreateDisplayDocument(DisplayDocument* document, HWND owner, uint8_t background,
+                                         SBxPicBuf* source, SBxPicBuf* result, SBxPicBuf* alpha);
 
 // Frees the pictures and the bitmap and shuts GDI+ down. Releasing again does nothing.
 void ReleaseDisplayDocument(DisplayDocument* document);

@@ -2,8 +2,6 @@
 
 #include "base/Win.h"
 
-#include <commctrl.h>
-
 // Images of the user interface. GDI+ must have been started. Whoever gets a bitmap deletes it.
 
 // A resource of type PNG of that module, as a bitmap of 32 bits with alpha; on a screen of fewer
@@ -22,6 +20,3 @@ HBITMAP FlattenBitmap(HBITMAP bitmap, bool* flattened);
 // The greyed variant of a 32-bit bitmap, as toolbars show it for disabled buttons: a new bitmap, or
 // null. Pixels of the button face's colour keep it.
 HBITMAP MakeDisabledImage(HBITMAP bitmap);
-
-// Adds the greyed variant, without that exception, to an image list. The new index, or -1.
-int AddDisabledImage(HIMAGELIST images, HBITMAP bitmap);

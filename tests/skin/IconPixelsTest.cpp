@@ -1,4 +1,4 @@
-#include "picture/IconPixels.h"
+#include "skin/IconPixels.h"
 
 #include <gtest/gtest.h>
 
@@ -8,7 +8,9 @@ namespace
 {
 using Bytes = std::vector<uint8_t>;
 
-Bytes Disabled(const Bytes& source, int width, int height, const IconKeyColour* key = nullptr)
+constexpr IconKeyColour kElsewhere = {1, 2, 3}; // of no pixel
+
+Bytes Disabled(const Bytes& source, int width, int height, const IconKeyColour& key = kElsewhere)
 {
     Bytes result(source.size());
     DisableIcon(result.data(), source.data(), width, height, key);
@@ -30,8 +32,8 @@ TEST(DisabledIcon, IsALowContrastGreyWithHalfTheAlphaBelowOneHundred)
 TEST(DisabledIcon, KeepsTheKeyColourAndNothingLikeIt)
 {
     const IconKeyColour key = {10, 20, 30};
-    EXPECT_EQ(Disabled({10, 20, 30, 80}, 1, 1, &key), (Bytes{10, 20, 30, 40}));
-    EXPECT_EQ(Disabled({30, 20, 10, 255}, 1, 1, &key), (Bytes{58, 58, 58, 255}));
+    EXPECT_EQ(Disabled({10, 20, 30, 80}, 1, 1, key), (Bytes{10, 20, 30, 40}));
+    EXPECT_EQ(Disabled({30, 20, 10, 255}, 1, 1, key), (Bytes{58, 58, 58, 255}));
 }
 
 TEST(FlattenedIcon, ShowsGreyWhereItIsSeenThrough)

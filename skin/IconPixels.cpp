@@ -1,11 +1,11 @@
-#include "picture/IconPixels.h"
+#include "skin/IconPixels.h"
 
 #include <cstring>
 
 void FlattenIcon(uint8_t* dst, int dstStride, const uint8_t* src, int width, int height)
 {
-    constexpr int kOpaque = 127;
-    constexpr int kSeenThrough = 192;
+    constexpr int kOpaque = 127;      // alpha from here on
+    constexpr int kSeenThrough = 192; // the grey of a light window, whatever lies behind
     for (int y = 0; y < height; ++y)
     {
         uint8_t* out = dst + int64_t(y) * dstStride;
@@ -19,24 +19,26 @@ void FlattenIcon(uint8_t* dst, int dstStride, const uint8_t* src, int width, int
     }
 }
 
-// A flat grey between 50 and 159. The fraction goes before the subtraction.
+// A flat grey between 50 and 159. Green counts for most, as it does for the eye. The fraction goes
+// before the subtraction.
 static uint8_t DisabledGrey(const uint8_t* bgr)
 {
     const double light = bgr[2] * 0.3 + bgr[1] * 0.5 + bgr[0] * 0.2;
     return uint8_t(uint8_t(light * 0.43 + 120) - 70);
 }
 
-static void DisablePixel(uint8_t* out, const uint8_t* in, const IconKeyColour* key)
+// What is faint already becomes fainter; the rest keeps its shape.
+static void DisablePixel(uint8_t* out, const uint8_t* in, const IconKeyColour& key)
 {
     constexpr int kFaint = 100;
-    if (key && in[0] == key->red && in[1] == key->green && in[2] == key->blue)
+    if (in[0] == key.red && in[1] == key.green && in[2] == key.blue)
         std::memcpy(out, in, 3);
     else
         std::memset(out, DisabledGrey(in), 3);
     out[3] = in[3] < kFaint ? uint8_t(in[3] / 2) : in[3];
 }
 
-void DisableIcon(uint8_t* dst, const uint8_t* src, int width, int height, const IconKeyColour* key)
+void DisableIcon(uint8_t* dst, const uint8_t* src, int width, int height, const IconKeyColour& key)
 {
     for (int y = 0; y < height; ++y)
     {

@@ -1,6 +1,9 @@
-#include "picture/ResourceImage_win.h"
+// PNG images are decoded by GDI+, through its flat functions, each of which says whether it has
+// failed. What it cannot decode the system may still load as a plain bitmap.
 
-#include "picture/IconPixels.h"
+#include "skin/ResourceImage_win.h"
+
+#include "skin/IconPixels.h"
 #include "skin/SkinColors.h"
 
 #include <cstring>
@@ -12,8 +15,10 @@
 
 namespace Flat = Gdiplus::DllExports;
 
+// Behind the image, where a bitmap cannot keep its alpha.
 static constexpr Gdiplus::ARGB kOpaqueBlack = 0xFF000000;
 
+// Ends the GDI+ image, whether or not a bitmap comes of it.
 static HBITMAP TakeBitmap(Gdiplus::GpBitmap* image)
 {
     HBITMAP bitmap = nullptr;
@@ -157,7 +162,8 @@ HBITMAP FlattenBitmap(HBITMAP bitmap, bool* flattened)
     return flat;
 }
 
-static HBITMAP DisabledCopy(HBITMAP bitmap, const IconKeyColour* key)
+// Bottom row first, as DisableIcon wants its source.
+HBITMAP MakeDisabledImage(HBITMAP bitmap)
 {
     BITMAP shape = {};
     if (!bitmap || !GetObjectW(bitmap, sizeof shape, &shape))
@@ -166,24 +172,10 @@ static HBITMAP DisabledCopy(HBITMAP bitmap, const IconKeyColour* key)
     void* data = nullptr;
     const HBITMAP disabled =
         pixels.empty() ? nullptr : CreateTopDown(shape.bmWidth, shape.bmHeight, 32, &data);
-    if (disabled)
-        DisableIcon(static_cast<uint8_t*>(data), pixels.data(), shape.bmWidth, shape.bmHeight, key);
-    return disabled;
-}
-
-HBITMAP MakeDisabledImage(HBITMAP bitmap)
-{
+    if (!disabled)
+        return nullptr;
     const COLORREF face = SkinColor(COLOR_BTNFACE);
     const IconKeyColour key = {GetRValue(face), GetGValue(face), GetBValue(face)};
-    return DisabledCopy(bitmap, &key);
-}
-
-int AddDisabledImage(HIMAGELIST images, HBITMAP bitmap)
-{
-    const HBITMAP disabled = DisabledCopy(bitmap, nullptr);
-    if (!disabled)
-        return -1;
-    const int index = ImageList_Add(images, disabled, nullptr); // copies the pixels
-    DeleteObject(disabled);
-    return index;
+    DisableIcon(static_cast<uint8_t*>(data), pixels.data(), shape.bmWidth, shape.bmHeight, key);
+    return disabled;
 }

@@ -14,7 +14,7 @@ struct IconKeyColour
 void FlattenIcon(uint8_t* dst, int dstStride, const uint8_t* src, int width, int height);
 
 // The greyed variant of an image. The source runs bottom-up, as device-independent bitmaps do, the
-// destination top-down. With a key colour, pixels of that colour keep theirs; the comparison takes
-// their blue byte with the key's red one and the other way round, which tells apart nothing while
-// button faces are grey. Pass null for none.
-void DisableIcon(uint8_t* dst, const uint8_t* src, int width, int height, const IconKeyColour* key);
+// destination top-down. Pixels of the key colour keep theirs; the comparison takes their blue byte
+// with the key's red one and the other way round, which tells apart nothing while button faces are
+// grey.
+void DisableIcon(uint8_t* dst, const uint8_t* src, int width, int height, const IconKeyColour& key);
