@@ -2,8 +2,7 @@
 
 #include "app/AppWindows_win.h"
 #include "app/DockerLayout.h"
-#include "skin/SkinBrushes_win.h"
-#include "skin/SkinColors.h"
+#include "skin/SkinColors_win.h"
 
 #include <algorithm>
 #include <stdexcept>

@@ -4,7 +4,7 @@
 #include "app/AppWindows_win.h"
 #include "app/Invitation.h"
 #include "app/ToolbarWnd.h"
-#include "skin/SkinColors.h"
+#include "skin/SkinColors_win.h"
 #include "text/Strings.h"
 #include "tools/Messages.h"
 

@@ -4,7 +4,7 @@
 #include "skin/ResourceImage_win.h"
 
 #include "skin/IconPixels.h"
-#include "skin/SkinColors.h"
+#include "skin/SkinColors_win.h"
 
 #include <cstring>
 #include <vector>

@@ -2,8 +2,7 @@
 
 #include "app/AppWindows_win.h"
 #include "app/FrameView_win.h"
-#include "skin/SkinBrushes_win.h"
-#include "skin/SkinColors.h"
+#include "skin/SkinColors_win.h"
 #include "skin/SkinHooks_win.h"
 #include "tests/win/FrameHarness.h"
 #include "tools/MultiscaleDlgIds.h"

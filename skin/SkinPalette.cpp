@@ -1,11 +1,17 @@
-#include "skin/SkinTable.h"
+// The dark scheme as a list of system colours that it replaces. Greys only:
+// photographs are judged beside these controls, and a tinted surround would
+// shift how their colours are seen. From dark to light: tracks and shadows,
+// fields for typing, the face of dialogs, menus above it, edges; text is
+// lighter than all of them.
 
-SkinTable EmptySkinTable()
+#include "skin/SkinPalette.h"
+
+SkinPalette EmptySkinPalette()
 {
-    SkinTable table;
-    for (uint32_t& colour : table.colour)
+    SkinPalette palette;
+    for (uint32_t& colour : palette.colour)
         colour = kNoSkinColour;
-    return table;
+    return palette;
 }
 
 static const struct
@@ -29,22 +35,23 @@ static const struct
     {19, SkinGrey(155)}, // inactive caption text
     {20, SkinGrey(100)}, // button highlight
     {21, SkinGrey(50)},  // dark shadow
-    {22, SkinGrey(0)},   // light edge: black on purpose
+    {22, SkinGrey(0)},   // 3-D light: black on purpose, so that bevels drawn by
+                         // the system do not glare
     {27, SkinGrey(60)},  // gradient of the active caption
     {28, SkinGrey(95)},  // gradient of the inactive caption
 };
 
-SkinTable DarkSkinTable()
+SkinPalette DarkSkinPalette()
 {
-    SkinTable table = EmptySkinTable();
+    SkinPalette palette = EmptySkinPalette();
     for (const auto& row : kDarkColours)
-        table.colour[row.index] = row.colour;
-    return table;
+        palette.colour[row.index] = row.colour;
+    return palette;
 }
 
-uint32_t SkinTableColour(const SkinTable& table, int index)
+uint32_t SkinPaletteColour(const SkinPalette& palette, int index)
 {
     if (index >= kSkinColours)
         return 0;
-    return index < 0 ? kNoSkinColour : table.colour[index];
+    return index < 0 ? kNoSkinColour : palette.colour[index];
 }
