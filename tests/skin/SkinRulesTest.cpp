@@ -66,6 +66,7 @@ TEST(SkinRules, PaintEveryControlInAWayOfItsOwn)
         EXPECT_EQ(task == SkinTask::None, IsOneOf(kLeftToColours, kind)) << int(kind);
         const bool first = painters.emplace(task, kind).second;
         EXPECT_TRUE(first || task == SkinTask::None) << int(kind) << " as another";
+        EXPECT_NE(task, SkinTask::PassOn) << int(kind);
         EXPECT_EQ(PlainTask(kind, kPrintClient), task) << "a picture of it: " << int(kind);
     }
     SkinWindow window = Plain(SkinClass::Edit);
@@ -208,6 +209,39 @@ TEST(SkinRules, SayNoAtOnceToAllOtherMessages)
         EXPECT_EQ(SkinMayTake(message), taken) << message;
     }
     EXPECT_FALSE(SkinMayTake(0x200)) << "a mouse on its way";
+}
+
+// Two classes hold another control, and each other class stands alone.
+TEST(SkinClasses, TellTheSystemsControlsApart)
+{
+    std::map<SkinClass, int> found;
+    for (const wchar_t* name : {L"#32768",
+                                L"#32770",
+                                L"Button",
+                                L"ComboBox",
+                                L"ComboBoxEx32",
+                                L"ComboLBox",
+                                L"Edit",
+                                L"ListBox",
+                                L"msctls_progress32",
+                                L"msctls_statusbar32",
+                                L"msctls_trackbar32",
+                                L"msctls_updown32",
+                                L"ScrollBar",
+                                L"SHELLDLL_DefView",
+                                L"Static",
+                                L"SysHeader32",
+                                L"SysListView32",
+                                L"SysTabControl32",
+                                L"SysTreeView32",
+                                L"ToolbarWindow32",
+                                L"tooltips_class32"})
+        ++found[SkinClassOf(name)];
+    for (const SkinClass kind : AllKinds())
+        EXPECT_EQ(found[kind], kind == SkinClass::Other    ? 0
+                               : kind == SkinClass::Holder ? 2
+                                                           : 1)
+            << int(kind);
 }
 
 TEST(SkinClasses, GoByNamesInAnyLetters)
