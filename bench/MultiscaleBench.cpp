@@ -27,27 +27,27 @@ static int Height()
 
 constexpr float kUnchanged[kDetailLevels] = {1, 1, 1, 1, 1, 1, 1, 1};
 
-static BenchPicture PaddedScene(const DetailPadding& padding)
+static Picture PaddedScene(const DetailPadding& padding)
 {
-    const BenchPicture scene = BenchScene(Width(), Height(), 3, 8, 0);
-    BenchPicture padded(padding.width, padding.height, 3, 8);
-    CBxPicBufAPI::CopyRect(&padded.pic, scene.pic, {padding.x, padding.y}, {0, 0},
+    const Picture scene = BenchScene(Width(), Height(), 3, 8, 0);
+    Picture padded(padding.width, padding.height, 3, 8);
+    CBxPicBufAPI::CopyRect(padded.Record(), scene, {padding.x, padding.y}, {0, 0},
                            {Width(), Height()});
-    ReplicateBorder8(&padded.pic, padding.x, padding.y, Width(), Height());
+    ReplicateBorder8(padded.Record(), padding.x, padding.y, Width(), Height());
     return padded;
 }
 
 static void DecomposeColour(benchmark::State& state)
 {
     const DetailPadding padding = DetailPaddingOf(Width(), Height());
-    const BenchPicture padded = PaddedScene(padding);
+    const Picture padded = PaddedScene(padding);
     LevelsOfDetail record;
     for (auto _ : state)
-        if (Decompose(&record, padded.pic, padding.levels))
+        if (Decompose(&record, padded, padding.levels))
             state.SkipWithError("out of memory");
-    BenchPicture again(padding.width, padding.height, 3, 8);
-    CheckResult(state, !Recompose(&again.pic, &record, kUnchanged) &&
-                           LargestDifference(again.pic, padded.pic) == 0);
+    Picture again(padding.width, padding.height, 3, 8);
+    CheckResult(state, !Recompose(again.Record(), &record, kUnchanged) &&
+                           LargestDifference(again, padded) == 0);
     ReportPixels(state, Width(), Height());
 }
 
@@ -55,15 +55,15 @@ static void DecomposeColour(benchmark::State& state)
 static void RecomposeColour(benchmark::State& state)
 {
     const DetailPadding padding = DetailPaddingOf(Width(), Height());
-    const BenchPicture padded = PaddedScene(padding);
-    BenchPicture again(padding.width, padding.height, 3, 8);
+    const Picture padded = PaddedScene(padding);
+    Picture again(padding.width, padding.height, 3, 8);
     LevelsOfDetail record;
-    if (Decompose(&record, padded.pic, padding.levels))
+    if (Decompose(&record, padded, padding.levels))
         return state.SkipWithError("out of memory");
     for (auto _ : state)
-        if (Recompose(&again.pic, &record, kUnchanged))
+        if (Recompose(again.Record(), &record, kUnchanged))
             state.SkipWithError("refused");
-    CheckResult(state, LargestDifference(again.pic, padded.pic) == 0);
+    CheckResult(state, LargestDifference(again, padded) == 0);
     ReportPixels(state, Width(), Height());
 }
 
@@ -71,31 +71,31 @@ static void RecomposeColour(benchmark::State& state)
 static void RecomposeRegionColour(benchmark::State& state)
 {
     const DetailPadding padding = DetailPaddingOf(Width(), Height());
-    const BenchPicture padded = PaddedScene(padding);
-    BenchPicture again(padding.width, padding.height, 3, 8);
+    const Picture padded = PaddedScene(padding);
+    Picture again(padding.width, padding.height, 3, 8);
     LevelsOfDetail record;
-    if (Decompose(&record, padded.pic, padding.levels) ||
-        Recompose(&again.pic, &record, kUnchanged))
+    if (Decompose(&record, padded, padding.levels) ||
+        Recompose(again.Record(), &record, kUnchanged))
         return state.SkipWithError("out of memory");
     const CBxRect<int> region = {BenchSide(1700), BenchSide(1500), BenchSide(3300),
                                  BenchSide(2500)};
-    CBxPicBufAPI::SetConst(&again.pic, region, 0);
+    CBxPicBufAPI::SetConst(again.Record(), region, 0);
     for (auto _ : state)
-        if (RecomposeRegion(&again.pic, &record, kUnchanged, region))
+        if (RecomposeRegion(again.Record(), &record, kUnchanged, region))
             state.SkipWithError("refused");
-    CheckResult(state, LargestDifference(again.pic, padded.pic) == 0);
+    CheckResult(state, LargestDifference(again, padded) == 0);
     ReportPixels(state, region.right - region.left, region.bottom - region.top);
 }
 
 static void SmartContrastWhole(benchmark::State& state)
 {
-    const BenchPicture scene = BenchScene(Width(), Height(), 3, int(state.range(0)), 0);
-    BenchPicture out(Width(), Height(), 3, int(state.range(0)));
+    const Picture scene = BenchScene(Width(), Height(), 3, int(state.range(0)), 0);
+    Picture out(Width(), Height(), 3, int(state.range(0)));
     const int lod[kDetailLevels] = {10, 10, 10, 10, 10, 10, 10, 10};
     for (auto _ : state)
-        if (SmartContrastPicture(&out.pic, scene.pic, lod, {}))
+        if (SmartContrastPicture(out.Record(), scene, lod, {}))
             state.SkipWithError("out of memory");
-    CheckResult(state, LargestDifference(out.pic, scene.pic) == 0);
+    CheckResult(state, LargestDifference(out, scene) == 0);
     ReportPixels(state, Width(), Height());
 }
 
@@ -127,7 +127,7 @@ static bool AreExposuresOf(const std::vector<int>& photo, const std::vector<std:
 
 static void MakeExposures(benchmark::State& state)
 {
-    const BenchPicture scene = BenchScene(Width(), Height(), 3, 8, -1);
+    const Picture scene = BenchScene(Width(), Height(), 3, 8, -1);
     const unsigned noiseLevel = unsigned(state.range(0));
     std::vector<std::vector<int>> made(kExposures);
     const SeriesSink sink = [&](int number, const SBxPicBuf& picture, const char*)
@@ -136,16 +136,16 @@ static void MakeExposures(benchmark::State& state)
         return false;
     };
     for (auto _ : state)
-        if (MakeExposureSeries(scene.pic, noiseLevel, sink, {}) != kExposures)
+        if (MakeExposureSeries(scene, noiseLevel, sink, {}) != kExposures)
             state.SkipWithError("incomplete");
-    CheckResult(state, AreExposuresOf(SomeSamples(scene.pic), made));
+    CheckResult(state, AreExposuresOf(SomeSamples(scene), made));
     ReportPixels(state, Width(), Height());
 }
 
 static void MakeDaylight(benchmark::State& state)
 {
     const int bits = int(state.range(0));
-    const BenchPicture scene = BenchScene(Width(), Height(), 3, bits, -1);
+    const Picture scene = BenchScene(Width(), Height(), 3, bits, -1);
     std::vector<std::vector<int>> made(kDaylightVariants);
     const SeriesSink sink = [&](int number, const SBxPicBuf& picture, const char*)
     {
@@ -153,12 +153,12 @@ static void MakeDaylight(benchmark::State& state)
         return false;
     };
     for (auto _ : state)
-        if (MakeDaylightSeries(scene.pic, DaylightMode::Up, sink, {}).size() != kDaylightVariants)
+        if (MakeDaylightSeries(scene, DaylightMode::Up, sink, {}).size() != kDaylightVariants)
             state.SkipWithError("incomplete");
     bool right = true;
     for (int number = 0; number < kDaylightVariants; ++number)
     {
-        std::vector<int> meant = SomeSamples(scene.pic);
+        std::vector<int> meant = SomeSamples(scene);
         const std::vector<uint16_t> table = DaylightTable(DaylightMode::Up, number, bits);
         for (int& sample : meant)
             sample = table[size_t(sample)];
@@ -172,16 +172,16 @@ static void MakeDaylight(benchmark::State& state)
 static void OrderDaylight(benchmark::State& state)
 {
     const int bits = int(state.range(0));
-    const BenchPicture scene = BenchScene(Width(), Height(), 3, bits, -1);
+    const Picture scene = BenchScene(Width(), Height(), 3, bits, -1);
     std::vector<unsigned> keys;
     for (auto _ : state)
-        keys = DaylightKeys(scene.pic, DaylightMode::Down);
-    BenchPicture variant(Width(), Height(), 3, bits);
+        keys = DaylightKeys(scene, DaylightMode::Down);
+    Picture variant(Width(), Height(), 3, bits);
     bool right = keys.size() == kDaylightVariants;
     for (int number = 0; right && number < kDaylightVariants; number += 13)
     {
-        MakeDaylightVariant(&variant.pic, scene.pic, DaylightMode::Down, number);
-        right = std::fabs(keys[size_t(number)] - 3 * MeanOf(variant.pic)) <= 1.0;
+        MakeDaylightVariant(variant.Record(), scene, DaylightMode::Down, number);
+        right = std::fabs(keys[size_t(number)] - 3 * MeanOf(variant)) <= 1.0;
     }
     CheckResult(state, right);
     ReportPixels(state, Width(), Height());
@@ -194,18 +194,18 @@ static void DenoiseLevel(benchmark::State& state)
     if (!kernels)
         return SkipOnThisProcessor(state);
     VcForceFusionKernels(kernels);
-    const BenchPicture scene = BenchScene(Width(), Height(), 3, 8, -1);
-    BenchPicture out(Width(), Height(), 3, 8);
+    const Picture scene = BenchScene(Width(), Height(), 3, 8, -1);
+    Picture out(Width(), Height(), 3, 8);
     const int radius = DenoiseRadius(2, unsigned(state.range(1)));
     double before[2], after[2];
     for (auto _ : state)
     {
         double cache[3] = {-1, -1, -1};
-        if (DenoiseTiled(&out.pic, scene.pic, radius, radius, 1.0, cache, 0, {}))
+        if (DenoiseTiled(out.Record(), scene, radius, radius, 1.0, cache, 0, {}))
             state.SkipWithError("out of memory");
     }
-    EstimateNoise(before, scene.pic);
-    EstimateNoise(after, out.pic);
+    EstimateNoise(before, scene);
+    EstimateNoise(after, out);
     if (before[0] < 1.0 || after[0] > 0.7 * before[0])
         state.SkipWithError("the noise is still there");
     state.SetLabel(kernels->name);

@@ -4,6 +4,7 @@
 
 #include "files/ImageFileText.h"
 #include "fusion/FusionAccumulator.h"
+#include "picture/Picture.h"
 
 #include <chrono>
 #include <future>
@@ -17,27 +18,18 @@
 
 struct Source
 {
-    SBxPicBuf picture, alpha;
+    Picture picture, alpha;
     LoadReport report;
     bool failed;
 };
 
-static void FreeSource(Source* source)
-{
-    CBxPicBufAPI::DoneHeap(&source->picture);
-    CBxPicBufAPI::DoneHeap(&source->alpha);
-    delete source;
-}
-
-using SourcePtr = std::unique_ptr<Source, void (*)(Source*)>;
+using SourcePtr = std::unique_ptr<Source>;
 
 static SourcePtr LoadSource(const std::string& path)
 {
-    SourcePtr source(new Source, FreeSource);
-    CBxPicBufAPI::Init(&source->picture);
-    CBxPicBufAPI::Init(&source->alpha);
-    source->failed =
-        LoadPicturePair(path.c_str(), &source->picture, &source->alpha, &source->report);
+    auto source = std::make_unique<Source>();
+    source->failed = LoadPicturePair(path.c_str(), source->picture.Record(), source->alpha.Record(),
+                                     &source->report);
     return source;
 }
 
@@ -55,8 +47,7 @@ struct FuseJob
     int format;
     VcFusionAccumulator accumulator;
     SBxPicBuf geometry; // of the first source; no data
-    SBxPicBuf alpha;    // of the first source
-    SBxPicBuf result;
+    Picture alpha;      // of the first source
     double waited, added, composed,
         written; // seconds; reading that nobody waits for does not count
 };
@@ -72,8 +63,6 @@ static void FreeJob(FuseJob* job)
 {
     EndProgress(&job->progress);
     VcFreeAccumulator(&job->accumulator);
-    CBxPicBufAPI::DoneHeap(&job->alpha);
-    CBxPicBufAPI::DoneHeap(&job->result);
 }
 
 static int FailJob(FuseJob* job, const std::string& file, const std::string& reason)
@@ -98,8 +87,7 @@ static int StartJob(FuseJob* job, Source* first)
 
     job->geometry = picture;
     job->geometry.data = nullptr;
-    job->alpha = first->alpha;
-    CBxPicBufAPI::Init(&first->alpha);
+    job->alpha = std::move(first->alpha);
     if (VcInitAccumulator(&job->accumulator, picture, unsigned(job->options.exposure)))
         return FailJob(job, path, "not enough memory to fuse pictures of this size");
     return kExitDone;
@@ -116,7 +104,7 @@ static int AddSource(FuseJob* job, Source* source, size_t index)
         if (failed)
             return failed;
     }
-    CBxPicBufAPI::DoneHeap(&source->alpha);
+    source->alpha.Free();
 
     const SBxPicBuf& first = job->geometry;
     const SBxPicBuf& picture = source->picture;
@@ -174,8 +162,8 @@ static int FinishJob(FuseJob* job)
 {
     ShowProgress(&job->progress, "Writing " + job->options.output);
     Clock::time_point start = Clock::now();
-    CBxPicBufAPI::ReinitHeap(&job->result, job->geometry);
-    if (!job->result.data || VcComposeResult(&job->result, job->accumulator))
+    Picture result = Picture::Like(job->geometry);
+    if (result.Empty() || VcComposeResult(result.Record(), job->accumulator))
         return FailJob(job, job->options.output, "not enough memory for the result");
     VcFreeAccumulator(&job->accumulator);
     job->composed = SecondsSince(start);
@@ -184,7 +172,7 @@ static int FinishJob(FuseJob* job)
 
     std::string note;
     start = Clock::now();
-    const std::string problem = SaveResult(job->result, job->alpha, job->options.output,
+    const std::string problem = SaveResult(result, job->alpha, job->options.output,
                                            job->options.inputs[0], job->format, &note);
     if (!problem.empty())
         return FailJob(job, job->options.output, problem);
@@ -197,18 +185,9 @@ static int FinishJob(FuseJob* job)
 
 int RunFuse(const CliOptions& options, const CliStreams& streams)
 {
-    FuseJob job = {options,
-                   streams,
-                   StartProgress(options, streams),
-                   kFormatFromName,
-                   {},
-                   {},
-                   {},
-                   {},
-                   0.0,
-                   0.0,
-                   0.0,
-                   0.0};
+    FuseJob job = {
+        options, streams, StartProgress(options, streams), kFormatFromName, {}, {}, {}, 0.0, 0.0,
+        0.0,     0.0};
     const std::string problem = FormatOfResult(options.output, &job.format);
     if (!problem.empty())
         return Fail(streams, options.output, problem);

@@ -5,6 +5,7 @@
 
 #include "files/ImageCodec.h"
 #include "files/ImageFileText.h"
+#include "picture/Picture.h"
 
 #include <chrono>
 #include <filesystem>
@@ -25,24 +26,8 @@ static double SecondsSince(Clock::time_point start)
 struct Photo
 {
     std::string input, output;
-    SBxPicBuf picture, alpha, result;
-    double readSeconds, workSeconds, writeSeconds;
-
-    Photo()
-    {
-        CBxPicBufAPI::Init(&picture);
-        CBxPicBufAPI::Init(&alpha);
-        CBxPicBufAPI::Init(&result);
-        readSeconds = workSeconds = writeSeconds = 0.0;
-    }
-    ~Photo()
-    {
-        CBxPicBufAPI::DoneHeap(&picture);
-        CBxPicBufAPI::DoneHeap(&alpha);
-        CBxPicBufAPI::DoneHeap(&result);
-    }
-    Photo(const Photo&) = delete;
-    Photo& operator=(const Photo&) = delete;
+    Picture picture, alpha, result;
+    double readSeconds = 0.0, workSeconds = 0.0, writeSeconds = 0.0;
 };
 
 RunControl ControlOf(const PhotoProgress& progress, int steps)
@@ -107,7 +92,8 @@ static std::string MakePhoto(Photo* photo, Progress* progress, const PhotoWork& 
 {
     LoadReport report;
     const auto start = Clock::now();
-    if (LoadPicturePair(photo->input.c_str(), &photo->picture, &photo->alpha, &report))
+    if (LoadPicturePair(photo->input.c_str(), photo->picture.Record(), photo->alpha.Record(),
+                        &report))
         return LoadProblemText(report.problem);
     photo->readSeconds = SecondsSince(start);
 
@@ -123,7 +109,7 @@ static std::string MakePhoto(Photo* photo, Progress* progress, const PhotoWork& 
     shown.show = [&](double share)
     { ShowProgress(progress, ProgressText(photo->input, share, workStart)); };
     shown.stopped = StopRequested;
-    problem = work(&photo->result, photo->picture, shown);
+    problem = work(photo->result.Record(), photo->picture, shown);
     photo->workSeconds = SecondsSince(workStart);
     return StopRequested() ? "stopped" : problem;
 }
@@ -133,7 +119,7 @@ static std::string WritePhoto(Photo* photo, std::string* note)
     int format;
     FormatOfResult(photo->output, &format);
     const auto start = Clock::now();
-    CBxPicBufAPI::DoneHeap(&photo->picture);
+    photo->picture.Free();
     const std::string problem =
         SaveResult(photo->result, photo->alpha, photo->output, photo->input, format, note);
     photo->writeSeconds = SecondsSince(start);
@@ -143,7 +129,7 @@ static std::string WritePhoto(Photo* photo, std::string* note)
 static void Report(const Photo& photo, const std::string& note, const CliOptions& options,
                    const CliStreams& streams)
 {
-    streams.out << photo.output << ": " << photo.result.width << " x " << photo.result.height
+    streams.out << photo.output << ": " << photo.result->width << " x " << photo.result->height
                 << note;
     if (options.times)
         streams.out << std::fixed << std::setprecision(2) << ", read in " << photo.readSeconds

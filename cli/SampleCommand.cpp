@@ -5,6 +5,7 @@
 #include "files/ExifBlock.h"
 #include "files/ImageFile.h"
 #include "files/ImageFileText.h"
+#include "picture/Picture.h"
 #include "sample/Scene.h"
 
 #include <filesystem>
@@ -73,18 +74,15 @@ static std::vector<uint8_t> ExifOf(const Frame& frame)
 
 static std::string SaveFrame(const SampleRadiance& scene, const Frame& frame)
 {
-    SBxPicBuf picture, noAlpha;
-    CBxPicBufAPI::Init(&picture);
-    CBxPicBufAPI::Init(&noAlpha);
     std::string path;
     if (SavePathFromUtf8(&path, frame.part.u8string().c_str(), PathUse::Target))
         return "this name is too long or has letters that the system cannot express";
-    if (ExposeSample(&picture, scene, frame.stops))
+    Picture picture;
+    if (ExposeSample(picture.Record(), scene, frame.stops))
         return "not enough memory for the picture";
     SaveReport report;
     const SaveExtras extras = {ExifOf(frame)};
-    SavePicturePair(picture, noAlpha, path.c_str(), "", kFormatJpeg, &report, &extras);
-    CBxPicBufAPI::DoneHeap(&picture);
+    SavePicturePair(picture, Picture(), path.c_str(), "", kFormatJpeg, &report, &extras);
     return report.written ? "" : SaveReportText(report);
 }
 

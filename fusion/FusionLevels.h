@@ -19,7 +19,7 @@ FusionSamples SamplesOfLevel(const VcFusionAccumulator& acc, unsigned level);
 struct SourceLevels
 {
     int count = 0;                          // planes
-    SBxPicBuf finest[3] = {};               // level 0, a component each; not freed with the record
+    SBxPicBuf finest[3] = {};               // level 0, a component each; somebody else frees it
     FloatPlane gauss[3][kFusionLevelSlots]; // the others, in floats
 };
 

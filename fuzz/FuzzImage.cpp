@@ -2,6 +2,7 @@
 
 #include "base/SystemFiles.h"
 #include "files/ImageFile.h"
+#include "picture/Picture.h"
 
 #include <sys/mman.h>
 #include <unistd.h>
@@ -49,25 +50,18 @@ static void CheckPair(const SBxPicBuf& picture, const SBxPicBuf& alpha, bool fai
 
 static void Load(const std::string& path)
 {
-    SBxPicBuf picture, alpha;
-    CBxPicBufAPI::Init(&picture);
-    CBxPicBufAPI::Init(&alpha);
+    Picture picture, alpha;
     LoadReport report;
-    const bool failed = LoadPicturePair(path.c_str(), &picture, &alpha, &report);
+    const bool failed = LoadPicturePair(path.c_str(), picture.Record(), alpha.Record(), &report);
     Promise(failed == (report.problem != LoadProblem::None));
     CheckPair(picture, alpha, failed);
-    CBxPicBufAPI::DoneHeap(&picture);
-    CBxPicBufAPI::DoneHeap(&alpha);
 }
 
 static void SaveWithSource(const std::string& source, int format)
 {
     static const std::string target = "/dev/shm/plenoviz-fuzz-" + std::to_string(getpid());
-    SBxPicBuf picture, alpha;
-    CBxPicBufAPI::Init(&picture);
-    CBxPicBufAPI::Init(&alpha);
-    CBxPicBufAPI::ReinitHeap(&picture, 9, 7, 3, 8);
-    CBxPicBufAPI::SetConst(&picture, 77);
+    Picture picture(9, 7, 3, 8), alpha;
+    CBxPicBufAPI::SetConst(picture.Record(), 77);
     SaveReport report;
     bool thrown = false;
     try
@@ -82,9 +76,8 @@ static void SaveWithSource(const std::string& source, int format)
     Promise(thrown == (report.problem == SaveProblem::SourceFormat ||
                        report.problem == SaveProblem::SourceUnreadable));
     if (report.written)
-        Promise(!LoadPicturePair(target.c_str(), &picture, &alpha) && picture.width == 9);
-    CBxPicBufAPI::DoneHeap(&picture);
-    CBxPicBufAPI::DoneHeap(&alpha);
+        Promise(!LoadPicturePair(target.c_str(), picture.Record(), alpha.Record()) &&
+                picture->width == 9);
     unlink(target.c_str());
 }
 

@@ -72,7 +72,7 @@ static void AddSources(FusionShare* share, FusionSources* sources, const FusionT
             return;
         if (const SourceRegionPtr source = LoadFusionSource(sources, i, task.region))
         {
-            share->failed = VcAccumulateImage(&share->sums->acc, source->picture);
+            share->failed = VcAccumulateImage(&share->sums->acc, *source);
             share->filled = true;
         }
         else

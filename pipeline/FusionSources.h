@@ -1,5 +1,6 @@
 #pragma once
 
+#include "picture/Picture.h"
 #include "pipeline/PreparedSource.h"
 
 #include <cstdint>
@@ -16,16 +17,7 @@
 // A file that has changed since (size or time) is read again; one that has gone is gone.
 
 // Pixels of one source. Shared with whoever is fusing them, so that they may be dropped meanwhile.
-struct SourceRegion
-{
-    SBxPicBuf picture = {};
-
-    SourceRegion() = default;
-    SourceRegion(const SourceRegion&) = delete;
-    SourceRegion& operator=(const SourceRegion&) = delete;
-    ~SourceRegion() { CBxPicBufAPI::DoneHeap(&picture); }
-};
-using SourceRegionPtr = std::shared_ptr<const SourceRegion>;
+using SourceRegionPtr = std::shared_ptr<const Picture>;
 
 // What tells one state of a file from another.
 struct FileState

@@ -2,6 +2,7 @@
 
 #include "base/ShortMemory.h"
 #include "fusion/RangeStretch.h"
+#include "picture/Picture.h"
 #include "series/Denoise.h"
 
 #include <algorithm>
@@ -52,33 +53,24 @@ void MakeExposure(SBxPicBuf* dst, const SBxPicBuf& source, int number)
         VcStretchRange16(dst, source, range.lo, range.hi);
 }
 
-namespace
-{
 struct SeriesPictures
 {
-    SBxPicBuf working = {}, scratch = {};
-
-    ~SeriesPictures()
-    {
-        CBxPicBufAPI::DoneHeap(&working);
-        CBxPicBufAPI::DoneHeap(&scratch);
-    }
+    Picture working, scratch;
 };
-} // namespace
 
 // The filter reads a copy. Whether it was stopped is of no interest: the picture is handed on as
 // far as it got, and the series finds the stop by itself. True when memory is short.
 static bool DenoiseExposure(SeriesPictures* pictures, int radius, double cache[3],
                             const SeriesControl& control)
 {
-    SBxPicBuf* scratch = &pictures->scratch;
-    CBxPicBufAPI::ReinitHeap(scratch, pictures->working);
-    if (!scratch->data)
+    Picture& scratch = pictures->scratch;
+    CBxPicBufAPI::ReinitHeap(scratch.Record(), pictures->working);
+    if (scratch.Empty())
         return true;
-    CBxPicBufAPI::Copy(scratch, pictures->working);
+    CBxPicBufAPI::Copy(scratch.Record(), pictures->working);
     RunControl stop;
     stop.cancelled = [&control] { return control.Ending(); };
-    return DenoiseTiled(&pictures->working, *scratch, radius, radius, 1.0, cache,
+    return DenoiseTiled(pictures->working.Record(), scratch, radius, radius, 1.0, cache,
                         control.denoiseThreads, stop) &&
            !control.Ending();
 }
@@ -97,14 +89,13 @@ static void ReportExposure(int number, const SeriesControl& control)
 static bool MakeExposures(int* made, const SBxPicBuf& source, unsigned noiseLevel,
                           const SeriesSink& sink, const SeriesControl& control)
 {
-    SeriesPictures pictures;
-    CBxPicBufAPI::ReinitHeap(&pictures.working, source);
-    if (!pictures.working.data)
+    SeriesPictures pictures = {Picture::Like(source), {}};
+    if (pictures.working.Empty())
         return true;
     double noise[3] = {-1.0, -1.0, -1.0}; // estimated by the first denoising, for all three
     for (int k = 0; k < kExposures; *made = ++k)
     {
-        MakeExposure(&pictures.working, source, k);
+        MakeExposure(pictures.working.Record(), source, k);
         const int radius = DenoiseRadius(k, noiseLevel);
         if (radius > 0 && DenoiseExposure(&pictures, radius, noise, control))
             return true;

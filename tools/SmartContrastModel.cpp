@@ -7,15 +7,15 @@
 static bool TakeApart(SmartContrastModel* model, const SBxPicBuf& picture)
 {
     const DetailPadding& at = model->padding;
-    CBxPicBufAPI::ReinitHeap(&model->padded, at.width, at.height, picture.components,
+    CBxPicBufAPI::ReinitHeap(model->padded.Record(), at.width, at.height, picture.components,
                              picture.bitsPerComponent);
-    if (!model->padded.data)
+    if (model->padded.Empty())
         return true;
-    CBxPicBufAPI::CopyRect(&model->padded, picture, {at.x, at.y}, {0, 0}, model->size);
+    CBxPicBufAPI::CopyRect(model->padded.Record(), picture, {at.x, at.y}, {0, 0}, model->size);
     if (picture.bitsPerComponent == 8)
-        ReplicateBorder8(&model->padded, at.x, at.y, model->size.cx, model->size.cy);
+        ReplicateBorder8(model->padded.Record(), at.x, at.y, model->size.cx, model->size.cy);
     else
-        ReplicateBorder16(&model->padded, at.x, at.y, model->size.cx, model->size.cy);
+        ReplicateBorder16(model->padded.Record(), at.x, at.y, model->size.cx, model->size.cy);
     return Decompose(&model->record, model->padded, at.levels);
 }
 
@@ -34,7 +34,6 @@ bool OpenSmartContrast(SmartContrastModel* model, const SBxPicBuf& picture,
 
 void ReleaseSmartContrast(SmartContrastModel* model)
 {
-    CBxPicBufAPI::DoneHeap(&model->padded);
     *model = SmartContrastModel();
 }
 
@@ -73,7 +72,7 @@ static bool RecomposePart(SBxPicBuf* out, SmartContrastModel* model, const CBxRe
     float gains[kDetailLevels];
     std::transform(model->lod, model->lod + kDetailLevels, gains, LevelGain);
     const int x = model->padding.x, y = model->padding.y;
-    if (RecomposeRegion(&model->padded, &model->record, gains,
+    if (RecomposeRegion(model->padded.Record(), &model->record, gains,
                         {part.left + x, part.top + y, part.right + x, part.bottom + y}))
         return true;
     CBxPicBufAPI::CopyRect(out, padded, {part.left, part.top}, {part.left + x, part.top + y},

@@ -2,6 +2,7 @@
 
 #include "contrast/LevelsOfDetail.h"
 #include "contrast/LevelsOfDetailPadding.h"
+#include "picture/Picture.h"
 #include "tools/SliderRules.h"
 #include "view/ImageView.h"
 
@@ -14,7 +15,7 @@ struct SmartContrastModel
 {
     CBxSize<int> size = {0, 0};   // of the picture
     DetailPadding padding = {};   // where it lies in the padded one
-    SBxPicBuf padded = {};        // what the record is put together into
+    Picture padded;               // what the record is put together into
     LevelsOfDetail record;        // the picture taken apart
     int lod[kDetailLevels] = {};  // what the sliders show
     int made[kDetailLevels] = {}; // of what was put together last

@@ -1,5 +1,7 @@
 #include "tools/ToneMapModel.h"
 
+#include "picture/Picture.h"
+
 #include <algorithm>
 #include <cmath>
 
@@ -137,19 +139,16 @@ static int FilterRect(SBxPicBuf* preview, const ToneMapModel& model, const SBxPi
 {
     const CBxRect<int>& rect = model.previewRect;
     const CBxSize<int> size = {rect.right - rect.left, rect.bottom - rect.top};
-    SBxPicBuf crop;
-    CBxPicBufAPI::Init(&crop);
-    CBxPicBufAPI::ReinitHeap(&crop, size.cx, size.cy, source.components, source.bitsPerComponent);
-    if (!crop.data)
+    Picture crop(size.cx, size.cy, source.components, source.bitsPerComponent);
+    if (crop.Empty())
         return kToneMapOutOfMemory;
-    CBxPicBufAPI::CopyRect(&crop, source, {0, 0}, {rect.left, rect.top}, size);
+    CBxPicBufAPI::CopyRect(crop.Record(), source, {0, 0}, {rect.left, rect.top}, size);
     const int* slider = model.choice.slider;
     const ToneMapParams p = ToneMapParamsOf(slider[0], slider[1], slider[2], slider[3]);
-    const int outcome =
-        ToneMapPicture(&crop, crop, kToneMapLevels, p.p1, p.p2, p.p3, p.p4, model.choice.useColors);
+    const int outcome = ToneMapPicture(crop.Record(), crop, kToneMapLevels, p.p1, p.p2, p.p3, p.p4,
+                                       model.choice.useColors);
     if (outcome == kToneMapDone)
         CBxPicBufAPI::CopyRect(preview, crop, {rect.left, rect.top}, {0, 0}, size);
-    CBxPicBufAPI::DoneHeap(&crop);
     return outcome;
 }
 

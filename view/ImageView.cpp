@@ -129,11 +129,11 @@ static TransformFn TransformOf(ViewFilter filter)
 // What lies outside of the picture is opaque: the background shows there, not the checkerboard.
 static bool RenderAlpha(ImageView* view, const CBxPicMap& map)
 {
-    if (SizeLike(&view->alphaScreen, SizeOfArea(view->area), 1))
+    if (SizeLike(view->alphaScreen.Record(), SizeOfArea(view->area), 1))
         return true;
-    FillRows(&view->alphaScreen, 255);
-    TransformOf(view->filter)(&view->alphaScreen, view->alphaCache, map);
-    BlendOverChecker(&view->rendered, view->alphaScreen);
+    FillRows(view->alphaScreen.Record(), 255);
+    TransformOf(view->filter)(view->alphaScreen.Record(), view->alphaCache, map);
+    BlendOverChecker(view->rendered.Record(), view->alphaScreen);
     return false;
 }
 
@@ -141,8 +141,8 @@ static SBxPicBuf* CacheOf(ImageView* view, ViewShows which)
 {
     switch (which)
     {
-    case ViewShows::Source: return &view->sourceCache;
-    case ViewShows::Result: return &view->resultCache;
+    case ViewShows::Source: return view->sourceCache.Record();
+    case ViewShows::Result: return view->resultCache.Record();
     default: return nullptr;
     }
 }
@@ -155,14 +155,14 @@ static bool HasPixels(const SBxPicBuf* picture)
 // The checkerboard is blended before the copy, so that what CopyOnly brings back has it too.
 static bool RenderPicture(ImageView* view, const SBxPicBuf* cache, bool withAlpha)
 {
-    if (IsEmptyRect(view->area) || SizeLike(&view->rendered, SizeOfArea(view->area), 3))
+    if (IsEmptyRect(view->area) || SizeLike(view->rendered.Record(), SizeOfArea(view->area), 3))
         return true;
-    FillRows(&view->rendered, ViewBackground(view->colourScheme));
+    FillRows(view->rendered.Record(), ViewBackground(view->colourScheme));
     bool failed = false;
     if (HasPixels(cache))
     {
         const CBxPicMap map = MapOfDisplay(*view);
-        TransformOf(view->filter)(&view->rendered, *cache, map);
+        TransformOf(view->filter)(view->rendered.Record(), *cache, map);
         failed = withAlpha && RenderAlpha(view, map);
     }
     CopyToDisplay(*view);
@@ -192,8 +192,8 @@ bool VcRenderView(ImageView* view, ViewRebuild rebuild, const SBxPicBuf* picture
         failed = RebuildViewCache(cache, picture, 3);
     bool withAlpha = cache && HasPixels(alpha);
     // A caller may show the alpha plane for the first time while keeping the picture.
-    if (withAlpha && (rebuild == ViewRebuild::Rebuild || !view->alphaCache.data))
-        withAlpha = !RebuildViewCache(&view->alphaCache, alpha, 1);
+    if (withAlpha && (rebuild == ViewRebuild::Rebuild || view->alphaCache.Empty()))
+        withAlpha = !RebuildViewCache(view->alphaCache.Record(), alpha, 1);
     if (!draw)
         return failed;
     if (RenderPicture(view, cache, withAlpha))
@@ -237,9 +237,9 @@ void DrawViewOverlays(ImageView* view)
 
 void ForgetViewPicture(ImageView* view)
 {
-    for (SBxPicBuf* buffer : {&view->sourceCache, &view->resultCache, &view->alphaCache,
-                              &view->alphaScreen, &view->rendered})
-        CBxPicBufAPI::DoneHeap(buffer);
+    for (Picture* picture : {&view->sourceCache, &view->resultCache, &view->alphaCache,
+                             &view->alphaScreen, &view->rendered})
+        picture->Free();
     view->points.clear();
     view->screenPoints.clear();
     view->previewRect = nullptr;

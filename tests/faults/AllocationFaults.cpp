@@ -95,7 +95,7 @@ struct Outcome
 
 static Outcome Of(bool failed, const TestPicture& result)
 {
-    return {failed, failed ? 0 : HashOf(result.pic)};
+    return {failed, failed ? 0 : HashOf(result)};
 }
 
 static Outcome FusePictures(const SBxPicBuf& picture)
@@ -110,7 +110,7 @@ static Outcome FusePictures(const SBxPicBuf& picture)
                         VcInitAccumulator(&more, picture, 100) || VcAccumulateImage(&more, picture);
             if (!stop)
                 VcMergeAccumulator(&sums, more);
-            stop = stop || VcComposeResult(&result.pic, sums);
+            stop = stop || VcComposeResult(result.Record(), sums);
             VcFreeAccumulator(&sums);
             VcFreeAccumulator(&more);
             return stop;
@@ -125,14 +125,14 @@ static Outcome FuseFiles(bool whole)
     for (int i = 0; i < 3; ++i) // without one of them the result is another
         for (const char* name : {"source.png", "dark.png", "light.png"})
             paths.push_back(g_folder->File(name));
-    OpenFusionSources(&sources, paths, g_colour->pic, 1 << 24);
-    TestPicture result = TestPicture::Like(g_colour->pic);
-    const FusionTask task = {{0, 0, g_colour->pic.width, g_colour->pic.height}, 9, 100};
+    OpenFusionSources(&sources, paths, *g_colour, 1 << 24);
+    TestPicture result = TestPicture::Like(*g_colour);
+    const FusionTask task = {{0, 0, (*g_colour)->width, (*g_colour)->height}, 9, 100};
     const FusionOutcome outcome = Try(
         [&]
         {
-            return whole ? FuseWhole(&result.pic, &sources, task)
-                         : FuseRegion(&result.pic, &sources, task, nullptr);
+            return whole ? FuseWhole(result.Record(), &sources, task)
+                         : FuseRegion(result.Record(), &sources, task, nullptr);
         });
     // Those that are left out are named to the user; a lack of memory is not the fault of a file.
     const bool blamed = std::any_of(sources.problems.begin(), sources.problems.end(),
@@ -153,7 +153,7 @@ static Outcome MakeSeries()
     SeriesControl control;
     control.denoiseThreads = 1;
     const bool failed =
-        Try([&] { return MakeExposureSeries(g_small->pic, 3, sink, control) < kExposures; });
+        Try([&] { return MakeExposureSeries(*g_small, 3, sink, control) < kExposures; });
     return {failed, failed ? 0 : hash};
 }
 
@@ -168,7 +168,7 @@ static Outcome MakeVariants()
     const bool failed = Try(
         [&]
         {
-            return MakeDaylightSeries(g_small->pic, DaylightMode::Down, sink, {}).size() <
+            return MakeDaylightSeries(*g_small, DaylightMode::Down, sink, {}).size() <
                    size_t(kDaylightVariants);
         });
     return {failed, failed ? 0 : hash};
@@ -178,7 +178,7 @@ static Outcome WriteSeriesFiles()
 {
     const TempFolder folder;
     SeriesRun run;
-    run.source = g_small->pic;
+    run.source = *g_small;
     run.noiseLevel = 3;
     run.folder = folder.File("");
     run.control.denoiseThreads = 1;
@@ -191,12 +191,12 @@ static Outcome WriteSeriesFiles()
 
 static Outcome ToneMapColours()
 {
-    TestPicture result = TestPicture::Like(g_small->pic);
+    TestPicture result = TestPicture::Like(*g_small);
     const ToneMapParams p = ToneMapParamsOf(10, 10, 10, 10);
     const int outcome = Try(
         [&]
         {
-            return ToneMapPicture(&result.pic, g_small->pic, kToneMapLevels, p.p1, p.p2, p.p3, p.p4,
+            return ToneMapPicture(result.Record(), *g_small, kToneMapLevels, p.p1, p.p2, p.p3, p.p4,
                                   true);
         });
     return Of(outcome != kToneMapDone, result);
@@ -205,9 +205,9 @@ static Outcome ToneMapColours()
 static Outcome ContrastColours()
 {
     const int lod[kDetailLevels] = {20, 15, 10, 5, 10, 10, 10, 10};
-    TestPicture result = TestPicture::Like(g_colour->pic);
+    TestPicture result = TestPicture::Like(*g_colour);
     const bool failed =
-        Try([&] { return SmartContrastPicture(&result.pic, g_colour->pic, lod, {}); });
+        Try([&] { return SmartContrastPicture(result.Record(), *g_colour, lod, {}); });
     return Of(failed, result);
 }
 
@@ -216,7 +216,7 @@ static Outcome LoadFile(const char* name)
     TestPicture picture, alpha;
     const std::string path = g_folder->File(name);
     const bool failed =
-        Try([&] { return LoadPicturePair(path.c_str(), &picture.pic, &alpha.pic); });
+        Try([&] { return LoadPicturePair(path.c_str(), picture.Record(), alpha.Record()); });
     return Of(failed, picture);
 }
 
@@ -238,10 +238,9 @@ static Outcome SaveFile(int format)
     try
     {
         Try(
-            [&]
-            {
-                return SavePicturePair(g_colour->pic, none.pic, target.c_str(), source.c_str(),
-                                       format, &report);
+            [&] {
+                return SavePicturePair(*g_colour, none, target.c_str(), source.c_str(), format,
+                                       &report);
             });
     }
     catch (const UnsupportedImageFormat&) // both are failures that were told
@@ -271,9 +270,9 @@ struct Scenario
 };
 
 static const Scenario kScenarios[] = {
-    {"fuse colour", [] { return FusePictures(g_colour->pic); }},
-    {"fuse grey", [] { return FusePictures(g_grey->pic); }},
-    {"fuse large", [] { return FusePictures(g_large->pic); }}, // blocks that are kept
+    {"fuse colour", [] { return FusePictures(*g_colour); }},
+    {"fuse grey", [] { return FusePictures(*g_grey); }},
+    {"fuse large", [] { return FusePictures(*g_large); }}, // blocks that are kept
     {"fuse files", [] { return FuseFiles(true); }},
     {"fuse files on threads", [] { return FuseFiles(false); }},
     {"exposure series", MakeSeries},
@@ -318,7 +317,7 @@ static bool RunPoint(const Scenario& scenario, const Outcome& good, long from, l
 {
     const char* mode = to == from + 1 ? "" : to == from + 2 ? " and the next" : " and all after it";
     const int files = g_folder->FileCount();
-    const uint64_t before = HashOf(g_colour->pic) ^ HashOf(g_grey->pic);
+    const uint64_t before = HashOf(*g_colour) ^ HashOf(*g_grey);
     ResetTargets();
     g_calls = 0;
     g_failFrom = from;
@@ -339,7 +338,7 @@ static bool RunPoint(const Scenario& scenario, const Outcome& good, long from, l
         Complain(scenario.name, from, mode, outcome.failed ? "half a result" : "another result");
     if (!reached && outcome.failed)
         Complain(scenario.name, from, mode, "failed without a fault");
-    if ((HashOf(g_colour->pic) ^ HashOf(g_grey->pic)) != before)
+    if ((HashOf(*g_colour) ^ HashOf(*g_grey)) != before)
         Complain(scenario.name, from, mode, "the source has changed");
     if (g_folder->FileCount() != files)
         Complain(scenario.name, from, mode, "files were left behind");

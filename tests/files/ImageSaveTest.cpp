@@ -40,10 +40,10 @@ TEST(SavedFiles, OpenAgainAsTheSamePair)
             Save(picture, file, kFormatFromName, "", row.alpha ? &alpha : nullptr);
         ASSERT_TRUE(report.written) << SaveReportText(report);
         const LoadedPair pair(file);
-        ExpectSamePicture(pair.picture.pic, picture.pic);
-        ASSERT_EQ(pair.alpha.pic.data != nullptr, row.alpha);
+        ExpectSamePicture(pair.picture, picture);
+        ASSERT_EQ(pair.alpha->data != nullptr, row.alpha);
         if (row.alpha)
-            ExpectSamePicture(pair.alpha.pic, alpha.pic);
+            ExpectSamePicture(pair.alpha, alpha);
     }
     EXPECT_EQ(folder.FileCount(), int(std::size(cases))); // and nothing beside them
 }

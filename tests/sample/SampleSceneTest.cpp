@@ -34,7 +34,7 @@ const SampleRadiance& Scene()
 TestPicture Exposed(int stops)
 {
     TestPicture picture;
-    EXPECT_FALSE(ExposeSample(&picture.pic, Scene(), stops));
+    EXPECT_FALSE(ExposeSample(picture.Record(), Scene(), stops));
     return picture;
 }
 
@@ -63,8 +63,8 @@ TEST(SampleScene, HasTheSameBytesInEveryBuildOnAnyNumberOfThreads)
     for (const int threads : {1, 3})
     {
         TestPicture picture;
-        ASSERT_FALSE(ExposeSample(&picture.pic, RenderSampleScene(60, 40, threads), 1));
-        EXPECT_EQ(HashOf(picture.pic), 6395286976733639248u) << threads;
+        ASSERT_FALSE(ExposeSample(picture.Record(), RenderSampleScene(60, 40, threads), 1));
+        EXPECT_EQ(HashOf(picture), 6395286976733639248u) << threads;
     }
 }
 

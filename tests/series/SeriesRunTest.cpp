@@ -12,7 +12,7 @@ static SeriesRun RunOf(SeriesKind kind, const TestPicture& photo, const TempFold
 {
     SeriesRun run;
     run.kind = kind;
-    run.source = photo.pic;
+    run.source = photo;
     run.folder = folder.path.u8string() + "/";
     return run;
 }
@@ -44,7 +44,7 @@ TEST(SeriesRun, NamesFilesThatCouldNotBeWritten)
     ASSERT_EQ(run.files.size(), 11u);
     EXPECT_EQ(run.files[3], "file_003.tif");
     EXPECT_TRUE(LoadedPair(folder.File("file_003.tif")).failed);
-    ExpectSamePicture(LoadedPair(folder.File("file_005.tif")).picture.pic, photo.pic);
+    ExpectSamePicture(LoadedPair(folder.File("file_005.tif")).picture, photo);
 }
 
 TEST(SeriesRun, HasABarThatEndsWithItsLastReport)

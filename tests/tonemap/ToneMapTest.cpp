@@ -25,22 +25,22 @@ int Map(SBxPicBuf* out, const SBxPicBuf& in, const ToneMapParams& p, bool useCol
 TestPicture Mapped(const TestPicture& in, const ToneMapParams& p, bool useColors,
                    ToneMapMethod method = ToneMapMethod::Direct)
 {
-    TestPicture out = TestPicture::Like(in.pic);
-    EXPECT_EQ(Map(&out.pic, in.pic, p, useColors, method), kToneMapDone);
+    TestPicture out = TestPicture::Like(in);
+    EXPECT_EQ(Map(out.Record(), in, p, useColors, method), kToneMapDone);
     return out;
 }
 
 TestPicture FloatPlaneOf(const TestPicture& scene)
 {
-    return PictureOf(scene.pic.width, scene.pic.height, 1, 32,
+    return PictureOf(scene->width, scene->height, 1, 32,
                      [&](int x, int y, int) { return scene.At(x, y); });
 }
 
 TestPicture MappedPlane(const TestPicture& plane, const ToneMapParams& p, ToneMapMethod method)
 {
-    TestPicture out = TestPicture::Like(plane.pic);
+    TestPicture out = TestPicture::Like(plane);
     EXPECT_FALSE(
-        ToneMapPlane(&out.pic, plane.pic, kToneMapLevels, p.p1, p.p2, p.p3, p.p4, {}, method));
+        ToneMapPlane(out.Record(), plane, kToneMapLevels, p.p1, p.p2, p.p3, p.p4, {}, method));
     return out;
 }
 
@@ -109,7 +109,7 @@ TEST(ToneMapping, GivesWhatThePhasesGive)
             const TestPicture direct = MappedPlane(plane, p, ToneMapMethod::Direct);
             const TestPicture phases = MappedPlane(plane, p, ToneMapMethod::Phases);
             SCOPED_TRACE(::testing::Message() << size.cx << "x" << size.cy << ", p1 " << p.p1);
-            ExpectSamePicture(direct.pic, phases.pic, 1e-3);
+            ExpectSamePicture(direct, phases, 1e-3);
         }
 }
 
@@ -118,9 +118,9 @@ TEST(ToneMapping, LeavesFlatPicturesFlat)
     for (const auto& p : {kDefaults, ToneMapParamsOf(1, 1, 50, 50), ToneMapParamsOf(50, 50, 1, 1)})
     {
         const TestPicture flat = FlatPicture(40, 31, 8, {30, 140, 250});
-        ExpectSamePicture(Mapped(flat, p, true).pic, flat.pic, 1);
+        ExpectSamePicture(Mapped(flat, p, true), flat, 1);
         const TestPicture pixel = FlatPicture(1, 1, 16, {40000});
-        ExpectSamePicture(Mapped(pixel, p, true).pic, pixel.pic, 1);
+        ExpectSamePicture(Mapped(pixel, p, true), pixel, 1);
     }
 }
 
@@ -133,9 +133,9 @@ TEST(ToneMapping, OfLuminanceAloneKeepsTheChromaPlanes)
                                                    1000 * c; // far from both ends of the range
                                         });
     TestPicture before(80, 60, 3, 16), after(80, 60, 3, 16);
-    CBxPicBufAPI::ConvertRGBtoYUV(&before.pic, scene.pic);
+    CBxPicBufAPI::ConvertRGBtoYUV(before.Record(), scene);
     const TestPicture mapped = Mapped(scene, kDefaults, false);
-    CBxPicBufAPI::ConvertRGBtoYUV(&after.pic, mapped.pic);
+    CBxPicBufAPI::ConvertRGBtoYUV(after.Record(), mapped);
     double lumaChange = 0.0;
     for (int y = 0; y < 60; ++y)
         for (int x = 0; x < 80; ++x)
@@ -157,18 +157,18 @@ TEST(ToneMapping, StopsAtEveryLookAtTheFlagAndWritesNothing)
         int looks = 0, allowed = 1 << 30;
         RunControl control;
         control.cancelled = [&] { return looks >= allowed || ++looks == allowed; };
-        TestPicture out = TestPicture::Like(scene.pic);
-        ASSERT_EQ(Map(&out.pic, scene.pic, kDefaults, true, method, control), kToneMapDone);
+        TestPicture out = TestPicture::Like(scene);
+        ASSERT_EQ(Map(out.Record(), scene, kDefaults, true, method, control), kToneMapDone);
         const int all = looks;
         EXPECT_GT(all, 30);
         for (allowed = 1; allowed <= all; allowed += allowed < 12 ? 1 : (all - 12) / 8)
         {
             looks = 0;
             TestPicture untouched = FlatPicture(90, 70, 8, {1, 2, 3});
-            ASSERT_EQ(Map(&untouched.pic, scene.pic, kDefaults, true, method, control),
+            ASSERT_EQ(Map(untouched.Record(), scene, kDefaults, true, method, control),
                       kToneMapCancelled)
                 << allowed << " of " << all;
-            ExpectSamePicture(untouched.pic, flat.pic);
+            ExpectSamePicture(untouched, flat);
         }
     }
     LimitRemapThreads(0);
@@ -184,7 +184,7 @@ TEST(ToneMapping, GivesTheSameBitsOnEveryBuild)
             if (!ForceRemapVariant(variant))
                 continue;
             LimitRemapThreads(threads);
-            EXPECT_EQ(HashOf(Mapped(scene, ToneMapParamsOf(20, 4, 33, 8), true).pic),
+            EXPECT_EQ(HashOf(Mapped(scene, ToneMapParamsOf(20, 4, 33, 8), true)),
                       17465508449943024907u)
                 << variant << ", " << threads << " threads";
         }

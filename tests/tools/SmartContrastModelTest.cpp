@@ -18,16 +18,15 @@ struct OpenModel
 
     explicit OpenModel(const TestPicture& picture, const Lods& lod = kUnchanged)
     {
-        EXPECT_FALSE(OpenSmartContrast(&model, picture.pic, lod));
+        EXPECT_FALSE(OpenSmartContrast(&model, picture, lod));
     }
     ~OpenModel() { ReleaseSmartContrast(&model); }
 };
 
 TestPicture Recomposed(SmartContrastModel* model, const TestPicture& like)
 {
-    TestPicture out(like.pic.width, like.pic.height, like.pic.components,
-                    like.pic.bitsPerComponent);
-    EXPECT_FALSE(RecomposeSmartContrast(&out.pic, model, {0, 0, out.pic.width, out.pic.height}));
+    TestPicture out(like->width, like->height, like->components, like->bitsPerComponent);
+    EXPECT_FALSE(RecomposeSmartContrast(out.Record(), model, {0, 0, out->width, out->height}));
     return out;
 }
 
@@ -95,11 +94,11 @@ TEST(SmartContrastModel, GivesTheSamePictureAsTheWholeJobAsOftenAsASliderMoves)
             {
                 std::copy(lod, lod + kDetailLevels, open.model.lod);
                 TestPicture whole(61, 47, components, bits);
-                ASSERT_FALSE(SmartContrastPicture(&whole.pic, photo.pic, lod, {}));
-                ExpectSamePicture(Recomposed(&open.model, photo).pic, whole.pic);
+                ASSERT_FALSE(SmartContrastPicture(whole.Record(), photo, lod, {}));
+                ExpectSamePicture(Recomposed(&open.model, photo), whole);
                 EXPECT_TRUE(HasSmartContrast(open.model, {0, 0, 61, 47}));
             }
-            ExpectSamePicture(Recomposed(&open.model, photo).pic, photo.pic, 1); // floats round
+            ExpectSamePicture(Recomposed(&open.model, photo), photo, 1); // floats round
         }
 }
 
@@ -110,7 +109,7 @@ TEST(SmartContrastModel, PutsTogetherWhatIsVisibleAndTheRestInTheEnd)
     const Lods lod = {25, 3, 14, 8, 22, 10, 10, 10};
     OpenModel open(photo, lod);
     TestPicture whole(301, 203, 3, 8), shown = FlatPicture(301, 203, 8, {7, 7, 7});
-    ASSERT_FALSE(SmartContrastPicture(&whole.pic, photo.pic, lod, {}));
+    ASSERT_FALSE(SmartContrastPicture(whole.Record(), photo, lod, {}));
     ImageView view;
     view.area = {0, 30, 80, 90}; // shows 80 x 60 pixels
     const CBxPoint<double> centres[] = {{0, 100},     {150.5, 100}, {290, 100}, {290, 0},
@@ -125,8 +124,8 @@ TEST(SmartContrastModel, PutsTogetherWhatIsVisibleAndTheRestInTheEnd)
         EXPECT_LE(visible.top, std::max(y - 32, 0.0));
         EXPECT_GE(visible.bottom, std::min(y + 32, 203.0));
         EXPECT_FALSE(HasSmartContrast(open.model, visible));
-        CBxPicBufAPI::SetConst(&shown.pic, 7);
-        ASSERT_FALSE(RecomposeSmartContrast(&shown.pic, &open.model, visible));
+        CBxPicBufAPI::SetConst(shown.Record(), 7);
+        ASSERT_FALSE(RecomposeSmartContrast(shown.Record(), &open.model, visible));
         const CBxRect<int> near = {std::max(visible.left - 4, 0), std::max(visible.top - 4, 0),
                                    std::min(visible.right + 4, 301),
                                    std::min(visible.bottom + 4, 203)};
@@ -141,8 +140,8 @@ TEST(SmartContrastModel, PutsTogetherWhatIsVisibleAndTheRestInTheEnd)
                     << column << ", " << row;
             }
     }
-    ASSERT_FALSE(CompleteSmartContrast(&shown.pic, &open.model));
-    ExpectSamePicture(shown.pic, whole.pic);
+    ASSERT_FALSE(CompleteSmartContrast(shown.Record(), &open.model));
+    ExpectSamePicture(shown, whole);
 }
 
 TEST(SmartContrastModel, TakesStoredNumbersFromOutsideOfTheRangeAsItsEnds)

@@ -19,21 +19,21 @@ struct Tool
         : source(ScenePicture(width, height, components, bits, 0)),
           preview(ScenePicture(width, height, components, bits, 0))
     {
-        StartToneMapModel(&model, source.pic, kTens, true);
+        StartToneMapModel(&model, source, kTens, true);
     }
 
-    void Render() { EXPECT_FALSE(RenderToneMapPreview(&preview.pic, &model, source.pic)); }
+    void Render() { EXPECT_FALSE(RenderToneMapPreview(preview.Record(), &model, source)); }
 
     // Samples of the preview that are not the source's, inside and outside of a rectangle.
     void CountChanges(const CBxRect<int>& rect, int* inside, int* outside) const
     {
         *inside = *outside = 0;
-        for (int y = 0; y < source.pic.height; ++y)
-            for (int x = 0; x < source.pic.width; ++x)
+        for (int y = 0; y < source->height; ++y)
+            for (int x = 0; x < source->width; ++x)
             {
                 const bool within =
                     x >= rect.left && x < rect.right && y >= rect.top && y < rect.bottom;
-                for (int c = 0; c < source.pic.components; ++c)
+                for (int c = 0; c < source->components; ++c)
                     *(within ? inside : outside) += source.At(x, y, c) != preview.At(x, y, c);
             }
     }
@@ -110,12 +110,12 @@ TEST(ToneMapModel, FiltersTheRectangleAndLeavesTheRestOfThePictureAlone)
 
         // The same as the filter makes of the cut-out alone.
         TestPicture crop(456, 40, 3, bits), shown(456, 40, 3, bits);
-        CBxPicBufAPI::CopyRect(&crop.pic, tool.source.pic, {0, 0}, {244, 0}, {456, 40});
-        CBxPicBufAPI::CopyRect(&shown.pic, tool.preview.pic, {0, 0}, {244, 0}, {456, 40});
-        ASSERT_EQ(ToneMapPicture(&crop.pic, crop.pic, 5, double(11 / 50.0f), double(11 / 50.0f),
+        CBxPicBufAPI::CopyRect(crop.Record(), tool.source, {0, 0}, {244, 0}, {456, 40});
+        CBxPicBufAPI::CopyRect(shown.Record(), tool.preview, {0, 0}, {244, 0}, {456, 40});
+        ASSERT_EQ(ToneMapPicture(crop.Record(), crop, 5, double(11 / 50.0f), double(11 / 50.0f),
                                  0.5, double(40 / 50.0f), true),
                   kToneMapDone);
-        ExpectSamePicture(shown.pic, crop.pic);
+        ExpectSamePicture(shown, crop);
 
         EXPECT_TRUE(ToneMapViewMoved(&tool.model, {100, 20}));
         EXPECT_FALSE(ToneMapViewMoved(&tool.model, {100, 20})) << "the view stands still";
@@ -126,7 +126,7 @@ TEST(ToneMapModel, FiltersTheRectangleAndLeavesTheRestOfThePictureAlone)
 
         EXPECT_FALSE(ToneMapPreviewToggled(&tool.model, false, {100, 20}));
         tool.Render();
-        ExpectSamePicture(tool.preview.pic, tool.source.pic);
+        ExpectSamePicture(tool.preview, tool.source);
     }
 }
 
@@ -209,7 +209,7 @@ TEST(ToneMapModel, KnowsHowLongARunIs)
         int steps = 0;
         RunControl control;
         control.progress = [&](int n) { steps += n; };
-        ToneMapPicture(&tool.preview.pic, tool.source.pic, kToneMapLevels, 0.2, 0.2, 0.5, 0.8,
+        ToneMapPicture(tool.preview.Record(), tool.source, kToneMapLevels, 0.2, 0.2, 0.5, 0.8,
                        useColors != 0, control);
         EXPECT_EQ(steps, end - 2);
     }

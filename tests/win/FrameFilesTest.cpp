@@ -46,7 +46,7 @@ TEST_F(FrameFiles, OpensEveryKind)
         EXPECT_EQ(Enabled(), "111111111");
         EXPECT_TRUE(g_showSources);
         EXPECT_EQ(g_alphaPicture.data != nullptr, row.alpha);
-        ExpectSamePicture(g_sourcePicture, picture.pic);
+        ExpectSamePicture(g_sourcePicture, picture);
         const Bytes corner = ViewPixel(0, 0), centre = ViewCentre();
         EXPECT_EQ(corner, Bytes({190, 190, 190})) << "background";
         if (row.alpha)
@@ -64,15 +64,14 @@ TEST_F(FrameFiles, OpensEveryKind)
 TEST_F(FrameFiles, ToolsAskForAPictureThatHasNoName)
 {
     Save(ScenePicture(12, 9, 3, 8, 0), folder.File("picked.png"));
-    SBxPicBuf picture = {}, alpha = {};
-    RunModal([&] { EXPECT_TRUE(LoadSilently(L"", &picture, &alpha)); },
+    Picture picture, alpha;
+    RunModal([&] { EXPECT_TRUE(LoadSilently(L"", picture.Record(), alpha.Record())); },
              {[&](HWND dialog)
               {
                   EXPECT_EQ(WindowText(dialog), Text(kTextLoadItem));
                   ChooseFile(dialog, WideOf(folder.path.u8string()), L"picked.png");
               }});
-    EXPECT_EQ(picture.width, 12);
-    CBxPicBufAPI::DoneHeap(&picture);
+    EXPECT_EQ(picture->width, 12);
 }
 
 TEST_F(FrameFiles, RefusesWithOneMessageAndChangesNothing)

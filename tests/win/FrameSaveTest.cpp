@@ -136,7 +136,7 @@ TEST_F(FrameSave, AsksBeforeItOverwrites)
     }
     SaveAs(L"there", 2, {yes});
     EXPECT_FALSE(g_resultUnsaved);
-    EXPECT_EQ(LoadedPair(folder.File("there.png")).picture.pic.width, 64);
+    EXPECT_EQ(LoadedPair(folder.File("there.png")).picture->width, 64);
 }
 
 TEST_F(FrameSave, AFailureKeepsFileMarkAndTitle)
@@ -171,5 +171,5 @@ TEST_F(FrameSave, AFailureKeepsFileMarkAndTitle)
                 PressButton(box, IDOK);
             }});
     EXPECT_FALSE(g_resultUnsaved);
-    EXPECT_EQ(LoadedPair(folder.File("rescued.png")).picture.pic.width, 64);
+    EXPECT_EQ(LoadedPair(folder.File("rescued.png")).picture->width, 64);
 }

@@ -90,7 +90,7 @@ protected:
             paths.push_back(folder.File("source" + std::to_string(i) + ".tif"));
         OpenFusionSources(&series, paths, g_sourcePicture, int64_t(1) << 30);
         TestPicture result(kWidth, kHeight, 3, 8);
-        EXPECT_EQ(FuseWhole(&result.pic, &series, {{}, sources, mid}), FusionOutcome::Done);
+        EXPECT_EQ(FuseWhole(result.Record(), &series, {{}, sources, mid}), FusionOutcome::Done);
         return result;
     }
 
@@ -110,26 +110,26 @@ TEST_F(FusionDialogs, AnUnchangedPreviewIsNotComputedAgain)
     const int width = 1600; // more than is in view
     OpenSeries(4, ID_OPEN_POWER_FUSION, width);
     const TestPicture marked = FlatPicture(width, kHeight, 8, {1, 2, 3});
-    CBxPicBufAPI::Copy(&g_previewPicture, marked.pic);
+    CBxPicBufAPI::Copy(&g_previewPicture, marked);
     SendMessageW(g_hwndActiveTool, WM_LBUTTONUP, 0, 0); // a click on the dialog
     Scroll(TB_THUMBPOSITION, 15);
     Scroll(TB_THUMBPOSITION, 16); // there are only four sources
-    ExpectSamePicture(g_previewPicture, marked.pic);
+    ExpectSamePicture(g_previewPicture, marked);
 
     Mouse(WM_LBUTTONDOWN, 300, 300);
     Mouse(WM_MOUSEMOVE, 310, 300, MK_LBUTTON);
     Pump();
-    ExpectSamePicture(g_previewPicture, marked.pic); // not while the picture is moving
+    ExpectSamePicture(g_previewPicture, marked); // not while the picture is moving
     Mouse(WM_LBUTTONUP, 310, 300);
     Pump();
-    EXPECT_FALSE(SamePixels(g_previewPicture, marked.pic));
-    CBxPicBufAPI::Copy(&g_previewPicture, marked.pic);
+    EXPECT_FALSE(SamePixels(g_previewPicture, marked));
+    CBxPicBufAPI::Copy(&g_previewPicture, marked);
     Scroll(TB_THUMBPOSITION, 3);
-    EXPECT_FALSE(SamePixels(g_previewPicture, marked.pic));
-    CBxPicBufAPI::Copy(&g_previewPicture, marked.pic);
+    EXPECT_FALSE(SamePixels(g_previewPicture, marked));
+    CBxPicBufAPI::Copy(&g_previewPicture, marked);
     Command(ID_ZOOM_IN);
     Pump();
-    EXPECT_FALSE(SamePixels(g_previewPicture, marked.pic));
+    EXPECT_FALSE(SamePixels(g_previewPicture, marked));
 }
 
 TEST_F(FusionDialogs, CancelBringsTheSourceBackAndWritesNothing)
@@ -152,14 +152,14 @@ TEST_F(FusionDialogs, ExposureIsTheGreyOfAllSources)
     WritePrivateProfileStringW(L"General", L"Exposure", L"200", SettingsFilePath().c_str());
     OpenSeries(6, ID_OPEN_EXPOSURE_FUSION);
     EXPECT_EQ(SliderText(), L"160");
-    ExpectSamePicture(g_previewPicture, Fused(6, 160).pic, 1);
+    ExpectSamePicture(g_previewPicture, Fused(6, 160), 1);
     Press(IDC_FUSION_DEFAULT);
     EXPECT_EQ(SliderText(), L"100");
     Scroll(TB_THUMBTRACK, 128);
     SendMessageW(g_hwndActiveTool, WM_CLOSE, 0, 0); // any close but Cancel counts as OK
     Pump();
     ExpectClosed(true);
-    ExpectSamePicture(g_resultPicture, Fused(6, 128).pic);
+    ExpectSamePicture(g_resultPicture, Fused(6, 128));
     const std::string settings = FileBytes(SettingsFilePath());
     EXPECT_NE(settings.find("Exposure=128"), std::string::npos) << settings;
     EXPECT_NE(settings.find("Sharp Strength=5\r\nSat Strength=5\r\nExp Strength=5"),

@@ -92,14 +92,14 @@ TEST_F(Tools, SmartContrastShowsEachMoveAndKeepsItsNumbers)
     EXPECT_FALSE(g_workerBusy || g_toolBusy || g_showSources);
     const int lod[kDetailLevels] = {10, 22, 10, 4, 10, 10, 10, 10};
     TestPicture expected = TestPicture::Like(g_sourcePicture);
-    ASSERT_FALSE(SmartContrastPicture(&expected.pic, g_sourcePicture, lod, {}));
-    ExpectSamePicture(g_resultPicture, expected.pic);
+    ASSERT_FALSE(SmartContrastPicture(expected.Record(), g_sourcePicture, lod, {}));
+    ExpectSamePicture(g_resultPicture, expected);
 
     // It asks for the result, and starts from what was stored.
     RunModal([] { Command(ID_SMART_CONTRAST); }, {Box(kTextUnsavedQuestion, kTextWarning, IDYES)});
     ASSERT_TRUE(g_hwndActiveTool);
     EXPECT_EQ(WindowText(Control(IDC_LEVEL_VALUE + 1)), L"22");
-    ExpectSamePicture(g_previewPicture, expected.pic);
+    ExpectSamePicture(g_previewPicture, expected);
     Press(IDCANCEL);
     ExpectGivenUp();
     EXPECT_EQ(ReadNumber(UserSettingsFile(), L"General", L"LOD_3", -1), 4);
@@ -116,24 +116,23 @@ TEST_F(Tools, SmartContrastSeesToWhatComesIntoView)
     {
         Scroll(IDC_LEVEL_SLIDER + 1, TB_THUMBPOSITION, number);
         const int lod[kDetailLevels] = {10, number, 10, 10, 10, 10, 10, 10};
-        ASSERT_FALSE(SmartContrastPicture(&expected.pic, g_sourcePicture, lod, {}));
+        ASSERT_FALSE(SmartContrastPicture(expected.Record(), g_sourcePicture, lod, {}));
     };
     const auto viewIsRight = [&]
     {
         const CBxRect<int> part = SmartContrastVisible(g_view, {2200, 1200});
-        TestPicture shown = TestPicture::Like(g_sourcePicture),
-                    right = TestPicture::Like(shown.pic);
+        TestPicture shown = TestPicture::Like(g_sourcePicture), right = TestPicture::Like(shown);
         for (const auto& [to, from] :
-             {std::pair{&shown, &g_view.resultCache}, {&right, &expected.pic}})
+             {std::pair{&shown, g_view.resultCache.Record()}, {&right, expected.Record()}})
         {
-            CBxPicBufAPI::SetConst(&to->pic, 0);
-            CBxPicBufAPI::Copy(&to->pic, *from, part);
+            CBxPicBufAPI::SetConst(to->Record(), 0);
+            CBxPicBufAPI::Copy(to->Record(), *from, part);
         }
-        return HashOf(shown.pic) == HashOf(right.pic);
+        return HashOf(shown) == HashOf(right);
     };
     moveTo(25);
     EXPECT_TRUE(viewIsRight());
-    EXPECT_NE(HashOf(g_previewPicture), HashOf(expected.pic)) << "nobody sees all of it";
+    EXPECT_NE(HashOf(g_previewPicture), HashOf(expected)) << "nobody sees all of it";
     Mouse(WM_RBUTTONDOWN, 500, 300);
     for (int notch = 0; notch < 3; ++notch)
         Wheel(-120, 500, 300); // over the original
@@ -151,7 +150,7 @@ TEST_F(Tools, SmartContrastSeesToWhatComesIntoView)
     }
     Mouse(WM_LBUTTONUP, 0, 300);
     Press(IDOK);
-    ExpectSamePicture(g_resultPicture, expected.pic);
+    ExpectSamePicture(g_resultPicture, expected);
 }
 
 TEST_F(Tools, ToneMappingPreviewsARectangleThatTheMouseMoves)
