@@ -192,7 +192,7 @@ TEST_F(FusionDialogs, NameAFileThatCannotBeReadOnce)
     std::wcscpy(g_sourceFiles[1], Wide("missing.tif").c_str());
     g_sourceCount = 3;
     RunModal([] { Command(ID_OPEN_EXPOSURE_FUSION); },
-             {[this](HWND box)
+             {[](HWND box)
               {
                   const std::wstring text = MessageBoxText(box);
                   EXPECT_EQ(text.find(Text(kTextCannotOpenFile)), 0u);
