@@ -190,7 +190,7 @@ TEST_F(FusionDialogs, NameAFileThatCannotBeReadOnce)
     const std::wstring photo = Wide("photo.png"), missing = Wide("missing.tif");
     GiveSeries({photo, missing, photo});
     RunModal([] { Command(ID_OPEN_EXPOSURE_FUSION); },
-             {[this](HWND box)
+             {[](HWND box)
               {
                   const std::wstring text = MessageBoxText(box);
                   EXPECT_EQ(text.find(Text(kTextCannotOpenFile)), 0u);
