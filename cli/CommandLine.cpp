@@ -74,6 +74,14 @@ static std::string StoreValue(CliOptions* options, const OptionRow& row, const s
     return "";
 }
 
+static void SetFlag(CliOptions* options, const OptionRow& row)
+{
+    if (row.parameter)
+        StoreParameter(&options->numbers, *row.parameter, "");
+    else
+        options->*row.flag = true;
+}
+
 static ParsedLine Wrong(const CommandRow* command, const std::string& complaint)
 {
     ParsedLine line;
@@ -128,10 +136,7 @@ static ParsedLine ParseCommand(const CommandRow& command, const std::vector<std:
         {
             if (equals != argument.npos)
                 return Wrong(&command, std::string(row->name) + " takes no value");
-            if (row->parameter)
-                StoreParameter(&line.options.numbers, *row->parameter, "");
-            else
-                line.options.*row->flag = true;
+            SetFlag(&line.options, *row);
             continue;
         }
         if (equals == argument.npos && i + 1 == arguments.size())
