@@ -6,6 +6,7 @@
 #include "tonemap/Pyramid.h"
 #include "tonemap/RemapRegions.h"
 #include "tonemap/ToneMap.h"
+#include "tools/Parameters.h"
 
 #include <algorithm>
 #include <chrono>
@@ -44,12 +45,20 @@ static void BenchPyrUp(benchmark::State& state)
     ReportPixels(state, width, height);
 }
 
+// The tool's defaults.
+static ToneMapParams Params(bool chroma)
+{
+    ToneMapParams params = ToneMapParamsOf(DefaultNumbers().toneMap);
+    params.useColors = chroma;
+    return params;
+}
+
 // A plane of 512 x 512 by both methods, checked against each other. What the phases take
 // hardly depends on the size, but on the number of levels.
 static void RemapPlane(benchmark::State& state)
 {
     const ToneMapMethod method = ToneMapMethod(state.range(0));
-    const ToneMapParams p = ToneMapParamsOf({10, 10, 10, 10, 0});
+    const ToneMapParams p = Params(false);
     const int side = BenchSide(512), levels = SmallBench() ? 3 : kToneMapLevels;
     const Picture plane = BenchPlane(side, side);
     Picture out(side, side, 1, 32), direct(side, side, 1, 32);
@@ -74,7 +83,7 @@ static void ToneMapPhotograph(benchmark::State& state)
         return SkipOnThisProcessor(state);
     const int width = BenchSide(4000), height = BenchSide(3000);
     const bool chroma = state.range(1) != 0;
-    const ToneMapParams p = ToneMapParamsOf({10, 10, 10, 10, chroma});
+    const ToneMapParams p = Params(chroma);
     const Picture source = BenchScene(width, height, 3, 8, 0);
     Picture out(width, height, 3, 8), expected(width, height, 3, 8);
     int result = kToneMapDone;
@@ -99,7 +108,7 @@ static double SecondsSince(Clock::time_point start)
 // zero when it was done before.
 static double StopAfter(double wait, SBxPicBuf* out, const SBxPicBuf& source, bool chroma)
 {
-    const ToneMapParams p = ToneMapParamsOf({10, 10, 10, 10, chroma});
+    const ToneMapParams p = Params(chroma);
     const auto start = Clock::now();
     RunControl control;
     control.cancelled = [&] { return SecondsSince(start) >= wait; };

@@ -16,4 +16,15 @@ struct ToneMapParams
     double equalization; // half the gain of edges
     bool useColors;
 };
-ToneMapParams ToneMapParamsOf(const ToneMapNumbers& numbers);
+
+inline ToneMapParams ToneMapParamsOf(const ToneMapNumbers& numbers)
+{
+    // Quotients in single precision, then double: the settings mean these very numbers.
+    ToneMapParams params;
+    params.contrast = double(float(numbers.contrast + 1) / 50.0f);
+    params.noiseAmplitude = double(float(numbers.noiseAmplitude + 1) / 50.0f);
+    params.details = double(float(50 - numbers.details) / 80.0f);
+    params.equalization = double(float(50 - numbers.equalization) / 50.0f);
+    params.useColors = numbers.useColors != 0;
+    return params;
+}

@@ -9,6 +9,7 @@
 #include "tests/support/TestFiles.h"
 #include "tonemap/RemapRegions.h"
 #include "tonemap/ToneMap.h"
+#include "tools/Parameters.h"
 
 #include <algorithm>
 #include <atomic>
@@ -192,7 +193,7 @@ static Outcome WriteSeriesFiles()
 static Outcome ToneMapColours()
 {
     TestPicture result = TestPicture::Like(*g_small);
-    const ToneMapParams p = ToneMapParamsOf({10, 10, 10, 10, 1});
+    const ToneMapParams p = ToneMapParamsOf(DefaultNumbers().toneMap);
     const int outcome =
         Try([&] { return ToneMapPicture(result.Record(), *g_small, kToneMapLevels, p); });
     return Of(outcome != kToneMapDone, result);

@@ -3,6 +3,7 @@
 #include "tests/support/TestPictures.h"
 #include "tonemap/Pyramid.h"
 #include "tonemap/RemapRegions.h"
+#include "tools/Parameters.h"
 
 #include <gtest/gtest.h>
 
@@ -12,8 +13,18 @@
 namespace
 {
 
-// Sliders at 10, where they start.
-const ToneMapParams kDefaults = ToneMapParamsOf({10, 10, 10, 10, 1});
+// Other numbers are where they start.
+ToneMapParams Sliders(int contrast, int noiseAmplitude, int details, int equalization)
+{
+    ToneMapNumbers numbers = DefaultNumbers().toneMap;
+    numbers.contrast = contrast;
+    numbers.noiseAmplitude = noiseAmplitude;
+    numbers.details = details;
+    numbers.equalization = equalization;
+    return ToneMapParamsOf(numbers);
+}
+
+const ToneMapParams kDefaults = Sliders(10, 10, 10, 10);
 
 int Map(SBxPicBuf* out, const SBxPicBuf& in, ToneMapParams params, bool useColors,
         ToneMapMethod method = ToneMapMethod::Direct, const RunControl& control = {})
@@ -56,8 +67,8 @@ TEST(ToneMapParams, GiveTheConstantsOfTheSliders)
     EXPECT_NEAR(k.noise, 2.805f, 1e-5);
     EXPECT_NEAR(k.curveStep, 0.0561001f, 1e-7);
     EXPECT_NEAR(k.beta, 1.6f, 1e-6);
-    EXPECT_EQ(ToneMapParamsOf({1, 1, 50, 50, 1}).details, 0.0);
-    EXPECT_EQ(ToneMapParamsOf({1, 1, 50, 50, 1}).equalization, 0.0);
+    EXPECT_EQ(Sliders(1, 1, 50, 50).details, 0.0);
+    EXPECT_EQ(Sliders(1, 1, 50, 50).equalization, 0.0);
 }
 
 TEST(Remapping, KeepsNoiseLiftsDetailAndScalesEdges)
@@ -96,8 +107,7 @@ TEST(RemapGrid, HasNeighbourhoodsThatDoNotTouch)
 // The direct sums against the definition, on planes with and without partial steps.
 TEST(ToneMapping, GivesWhatThePhasesGive)
 {
-    const ToneMapParams settings[] = {kDefaults, ToneMapParamsOf({35, 1, 45, 30, 1}),
-                                      ToneMapParamsOf({3, 30, 1, 1, 1})};
+    const ToneMapParams settings[] = {kDefaults, Sliders(35, 1, 45, 30), Sliders(3, 30, 1, 1)};
     const CBxSize<int> sizes[] = {{64, 64}, {96, 64}, {128, 160}, {320, 96}};
     for (const ToneMapParams& p : settings)
         for (const auto& size : sizes)
@@ -113,8 +123,7 @@ TEST(ToneMapping, GivesWhatThePhasesGive)
 
 TEST(ToneMapping, LeavesFlatPicturesFlat)
 {
-    for (const auto& p :
-         {kDefaults, ToneMapParamsOf({1, 1, 50, 50, 1}), ToneMapParamsOf({50, 50, 1, 1, 1})})
+    for (const auto& p : {kDefaults, Sliders(1, 1, 50, 50), Sliders(50, 50, 1, 1)})
     {
         const TestPicture flat = FlatPicture(40, 31, 8, {30, 140, 250});
         ExpectSamePicture(Mapped(flat, p, true), flat, 1);
@@ -183,8 +192,7 @@ TEST(ToneMapping, GivesTheSameBitsOnEveryBuild)
             if (!ForceRemapVariant(variant))
                 continue;
             LimitRemapThreads(threads);
-            EXPECT_EQ(HashOf(Mapped(scene, ToneMapParamsOf({20, 4, 33, 8, 1}), true)),
-                      17465508449943024907u)
+            EXPECT_EQ(HashOf(Mapped(scene, Sliders(20, 4, 33, 8), true)), 17465508449943024907u)
                 << variant << ", " << threads << " threads";
         }
     ForceRemapVariant(0);

@@ -114,10 +114,11 @@ TEST(ToneMapModel, FiltersTheRectangleAndLeavesTheRestOfThePictureAlone)
         TestPicture crop(456, 40, 3, bits), shown(456, 40, 3, bits);
         CBxPicBufAPI::CopyRect(crop.Record(), tool.source, {0, 0}, {244, 0}, {456, 40});
         CBxPicBufAPI::CopyRect(shown.Record(), tool.preview, {0, 0}, {244, 0}, {456, 40});
-        ASSERT_EQ(
-            ToneMapPicture(crop.Record(), crop, 5,
-                           {double(11 / 50.0f), double(11 / 50.0f), 0.5, double(40 / 50.0f), true}),
-            kToneMapDone);
+        ToneMapParams tens = ToneMapParamsOf(DefaultNumbers().toneMap);
+        tens.contrast = tens.noiseAmplitude = double(11 / 50.0f);
+        tens.details = 0.5;
+        tens.equalization = double(40 / 50.0f);
+        ASSERT_EQ(ToneMapPicture(crop.Record(), crop, 5, tens), kToneMapDone);
         ExpectSamePicture(shown, crop);
 
         EXPECT_TRUE(ToneMapViewMoved(&tool.model, {100, 20}));
@@ -213,7 +214,7 @@ TEST(ToneMapModel, KnowsHowLongARunIs)
         RunControl control;
         control.progress = [&](int n) { steps += n; };
         ToneMapPicture(tool.preview.Record(), tool.source, kToneMapLevels,
-                       {0.2, 0.2, 0.5, 0.8, useColors != 0}, control);
+                       ToneMapParamsOf(tool.model.numbers.toneMap), control);
         EXPECT_EQ(steps, end - 2);
     }
 }
