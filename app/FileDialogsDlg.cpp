@@ -82,23 +82,24 @@ PickedFiles AskForSeries(HWND owner)
     return picked;
 }
 
-bool LoadSilently(const wchar_t* path, SBxPicBuf* picture, SBxPicBuf* alpha)
+bool LoadSilently(const wchar_t* path, Picture* picture, Picture* alpha)
 {
     std::wstring chosen = path;
     if (chosen.empty() && !AskForPicture(GetActiveWindow(), Text(kTextLoadItem), &chosen))
         return false;
-    return !LoadPicturePair(Utf8(chosen).c_str(), picture, alpha);
+    return !LoadPicturePair(Utf8(chosen).c_str(), picture->Record(), alpha->Record());
 }
 
-bool LoadForDocument(const wchar_t* path, SBxPicBuf* picture, SBxPicBuf* alpha)
+bool LoadForDocument(const wchar_t* path, Picture* picture, Picture* alpha)
 {
     const bool loaded = LoadSilently(path, picture, alpha);
-    const bool fits = loaded && (picture->components == 1 || picture->components == 3) &&
-                      (picture->bitsPerComponent == 8 || picture->bitsPerComponent == 16);
+    const SBxPicBuf& found = *picture;
+    const bool fits = loaded && (found.components == 1 || found.components == 3) &&
+                      (found.bitsPerComponent == 8 || found.bitsPerComponent == 16);
     if (fits)
         return true;
-    CBxPicBufAPI::DoneHeap(picture);
-    CBxPicBufAPI::DoneHeap(alpha);
+    picture->Free();
+    alpha->Free();
     MessageBoxW(g_hwndMain, Text(kTextFormatNotSupported), L"", MB_OK);
     return false;
 }

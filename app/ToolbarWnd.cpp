@@ -1,8 +1,8 @@
 #include "app/ToolbarWnd.h"
 
-#include "app/AppState.h"
 #include "app/AppWindows_win.h"
 #include "app/CommandIds.h"
+#include "app/Frame_win.h"
 #include "base/Format_win.h"
 #include "skin/ResourceImage_win.h"
 #include "text/Strings.h"
@@ -245,8 +245,8 @@ void ShowCommandStates()
     for (const ButtonRow& row : kButtons)
         if (row.image)
             SendMessageW(g_hwndToolbar, TB_ENABLEBUTTON, WPARAM(row.command),
-                         IsCommandEnabled(g_commandStates, row.command));
-    EnableWindow(g_hwndZoomCombo, g_commandStates.zoomBox);
+                         IsCommandEnabled(FrameCommands(), row.command));
+    EnableWindow(g_hwndZoomCombo, FrameCommands().zoomBox);
 }
 
 void SetZoomBoxText(const wchar_t* text)

@@ -14,7 +14,7 @@ void LayoutToolbar();
 // Height of the toolbar's client area; 0 before there is one.
 int ToolbarClientHeight();
 
-// Brings buttons and zoom box to what g_commandStates says.
+// Brings buttons and zoom box to what FrameCommands says.
 void ShowCommandStates();
 
 void SetZoomBoxText(const wchar_t* text);

@@ -105,7 +105,3 @@ void ReadSettings(SettingGroup group);
 [[nodiscard]] bool WriteSettings(SettingGroup group);
 void LoadSettings();
 bool SaveSettingsOnExit();
-
-// Tells the user which file was not written last, and why. The last step of whatever it ends, since
-// messages are handled meanwhile. Windows only.
-void TellSettingsUnsaved();

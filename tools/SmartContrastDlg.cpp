@@ -1,13 +1,9 @@
 #include "tools/SmartContrastDlg.h"
 
-#include "app/AppState.h"
-#include "app/AppWindows_win.h"
-#include "app/CommandsWnd.h"
-#include "app/FrameView_win.h"
 #include "text/Strings.h"
 #include "tools/Messages.h"
 #include "tools/MultiscaleDlgIds.h"
-#include "tools/Settings.h"
+#include "tools/Settings_win.h"
 #include "tools/SmartContrastModel.h"
 #include "tools/ToolDialogWnd.h"
 
@@ -26,43 +22,56 @@ static SliderControl LevelControl(int level)
     return {IDC_LEVEL_SLIDER + level, IDC_LEVEL_VALUE + level, kLevelOfDetailRange};
 }
 
-static SmartContrastModel* ModelOf(HWND dlg)
+// An open dialog.
+struct SmartContrastTool
 {
-    return DialogData<SmartContrastModel>(dlg);
+    const ToolHost* host;
+    SmartContrastModel model;
+
+    explicit SmartContrastTool(const ToolHost& frame) : host(&frame) {}
+    SmartContrastTool(const SmartContrastTool&) = delete;
+    SmartContrastTool& operator=(const SmartContrastTool&) = delete;
+    ~SmartContrastTool() { ReleaseSmartContrast(&model); }
+};
+
+static SmartContrastTool* ToolOf(HWND dlg)
+{
+    return DialogData<SmartContrastTool>(dlg);
 }
 
-static CBxRect<int> VisiblePart(const SmartContrastModel& model)
+static CBxRect<int> VisiblePart(const SmartContrastTool& tool)
 {
-    UpdateViewArea();
-    return SmartContrastVisible(g_view, model.size);
+    tool.host->updateViewArea();
+    return SmartContrastVisible(*tool.host->view, tool.model.size);
 }
 
-static void Show(SmartContrastModel* model, const CBxRect<int>& visible)
+static void Show(SmartContrastTool* tool, const CBxRect<int>& visible)
 {
-    if (!RecomposeSmartContrast(&g_previewPicture, model, visible))
-        SendMessageW(g_hwndMain, WM_APP_PREVIEW_READY, 0, 0);
+    SBxPicBuf* preview = tool->host->document->preview.Record();
+    if (!RecomposeSmartContrast(preview, &tool->model, visible))
+        SendMessageW(tool->host->frame, WM_APP_PREVIEW_READY, 0, 0);
 }
 
-static void ShowRecomposed(SmartContrastModel* model)
+static void ShowRecomposed(SmartContrastTool* tool)
 {
-    const ToolWaitCursor wait;
-    Show(model, VisiblePart(*model));
+    const ToolWaitCursor wait(*tool->host);
+    Show(tool, VisiblePart(*tool));
 }
 
 // While the picture is being dragged, the hand stays as it is.
 static INT_PTR OnViewMoved(HWND dlg)
 {
-    SmartContrastModel* model = ModelOf(dlg);
-    const CBxRect<int> visible = VisiblePart(*model);
-    if (!HasSmartContrast(*model, visible))
-        Show(model, visible);
+    SmartContrastTool* tool = ToolOf(dlg);
+    const CBxRect<int> visible = VisiblePart(*tool);
+    if (!HasSmartContrast(tool->model, visible))
+        Show(tool, visible);
     return TRUE;
 }
 
 static INT_PTR OnInit(HWND dlg, LPARAM lParam)
 {
     SetWindowLongPtrW(dlg, DWLP_USER, lParam);
-    const SmartContrastModel* model = ModelOf(dlg);
+    const SmartContrastModel* model = &ToolOf(dlg)->model;
     for (int level = 0; level < kDetailLevels; ++level)
         SetUpSlider(dlg, LevelControl(level), model->lod[level]);
     ShowTexts(dlg, kTexts);
@@ -71,34 +80,36 @@ static INT_PTR OnInit(HWND dlg, LPARAM lParam)
 
 static INT_PTR OnSlider(HWND dlg, WPARAM wParam, LPARAM lParam)
 {
-    SmartContrastModel* model = ModelOf(dlg);
+    SmartContrastTool* tool = ToolOf(dlg);
     const HWND slider = reinterpret_cast<HWND>(lParam);
     const int level = GetDlgCtrlID(slider) - IDC_LEVEL_SLIDER;
-    if (!model || level < 0 || level >= kDetailLevels)
+    if (!tool || level < 0 || level >= kDetailLevels)
         return FALSE;
+    SmartContrastModel* model = &tool->model;
     const bool recompose =
         SmartContrastSliderMoved(model, level, MoveOfScroll(wParam), ThumbOfScroll(wParam));
     ShowSlider(dlg, LevelControl(level), model->lod[level]);
     if (recompose && !NewerSliderInputWaits(slider))
-        ShowRecomposed(model);
+        ShowRecomposed(tool);
     return TRUE;
 }
 
 static INT_PTR OnOk(HWND dlg)
 {
-    SmartContrastModel* model = ModelOf(dlg);
+    const ToolHost& host = *ToolOf(dlg)->host;
+    SmartContrastModel* model = &ToolOf(dlg)->model;
     {
-        const ToolWaitCursor wait;
+        const ToolWaitCursor wait(host);
         // Refused only when there is no preview to show either.
-        (void)CompleteSmartContrast(&g_previewPicture, model);
+        (void)CompleteSmartContrast(host.document->preview.Record(), model);
     }
     std::copy_n(model->lod, kDetailLevels, g_settings.levelsOfDetail);
     const bool stored = WriteSettings(SettingGroup::LevelsOfDetail);
-    CBxPicBufAPI::Copy(&g_resultPicture, g_previewPicture);
+    GiveResult(host.document, std::move(host.document->preview));
     DestroyWindow(dlg);
-    SendMessageW(g_hwndMain, WM_APP_TOOL_DONE, 0, 0);
+    SendMessageW(host.frame, WM_APP_TOOL_DONE, 0, 0);
     if (!stored)
-        TellSettingsUnsaved();
+        TellSettingsUnsaved(host.frame);
     return TRUE;
 }
 
@@ -107,60 +118,60 @@ static INT_PTR OnCommand(HWND dlg, int id)
     switch (id)
     {
     case IDOK: return OnOk(dlg);
-    case IDCANCEL: GiveUpTool(dlg); return TRUE;
+    case IDCANCEL: GiveUpTool(*ToolOf(dlg)->host, dlg); return TRUE;
     default: return FALSE;
     }
 }
 
 static INT_PTR OnDestroy(HWND dlg)
 {
-    ToolDialogDestroyed(dlg);
-    const std::unique_ptr<SmartContrastModel> model(ModelOf(dlg));
+    const std::unique_ptr<SmartContrastTool> tool(ToolOf(dlg));
     SetWindowLongPtrW(dlg, DWLP_USER, 0);
-    if (model)
-        ReleaseSmartContrast(model.get());
+    ToolDialogDestroyed(*tool->host, dlg);
     return TRUE;
 }
 
 static INT_PTR CALLBACK SmartContrastProc(HWND dlg, UINT message, WPARAM wParam, LPARAM lParam)
 {
+    if (message == WM_INITDIALOG)
+        return OnInit(dlg, lParam);
+    if (!ToolOf(dlg))
+        return FALSE; // not yet, or no more
     switch (message)
     {
-    case WM_INITDIALOG: return OnInit(dlg, lParam);
     case WM_HSCROLL: return OnSlider(dlg, wParam, lParam);
     case WM_COMMAND: return OnCommand(dlg, LOWORD(wParam));
     case WM_APP_VIEW_MOVING:
-    case WM_APP_VIEW_MOVED: return ModelOf(dlg) ? OnViewMoved(dlg) : FALSE;
-    case WM_MOUSEWHEEL: SendMessageW(g_hwndMain, message, wParam, lParam); return TRUE;
+    case WM_APP_VIEW_MOVED: return OnViewMoved(dlg);
+    case WM_MOUSEWHEEL:
+        SendMessageW(ToolOf(dlg)->host->frame, message, wParam, lParam);
+        return TRUE;
     case WM_DESTROY: return OnDestroy(dlg);
     default: return FALSE;
     }
 }
 
 // Taken apart before there is a dialog, so that a failure has nothing to close.
-static bool Prepare(SmartContrastModel* model)
+static bool Prepare(SmartContrastTool* tool)
 {
-    const ToolWaitCursor wait;
-    g_resultUnsaved = false;
+    const ToolWaitCursor wait(*tool->host);
+    Document* document = tool->host->document;
     ReadSettings(SettingGroup::LevelsOfDetail);
-    return PrepareToolPictures() &&
-           !OpenSmartContrast(model, g_sourcePicture, g_settings.levelsOfDetail);
+    return PrepareToolPictures(document) &&
+           !OpenSmartContrast(&tool->model, document->source, g_settings.levelsOfDetail);
 }
 
-void OpenSmartContrastDialog()
+void OpenSmartContrastDialog(const ToolHost& host)
 {
-    auto model = std::make_unique<SmartContrastModel>();
-    if (!Prepare(model.get()))
+    auto tool = std::make_unique<SmartContrastTool>(host);
+    if (!Prepare(tool.get()))
     {
-        RefuseTool();
+        RefuseTool(host);
         return;
     }
-    if (!OpenToolDialog(IDD_SMART_CONTRAST, SmartContrastProc,
-                        reinterpret_cast<LPARAM>(model.get())))
-    {
-        ReleaseSmartContrast(model.get());
+    if (!OpenToolDialog(host, IDD_SMART_CONTRAST, SmartContrastProc,
+                        reinterpret_cast<LPARAM>(tool.get())))
         return;
-    }
-    SetStatusText(Text(kTextCompareHint));
-    ShowRecomposed(model.release()); // the dialog's from here on
+    host.setStatusText(Text(kTextCompareHint));
+    ShowRecomposed(tool.release()); // the dialog's from here on
 }

@@ -53,18 +53,12 @@ static void StartGdiplus(DisplayDocument* document)
         document->gdiplusToken = 0;
 }
 
-bool CreateDisplayDocument(DisplayDocument* document, HWND owner, uint8_t background,
-                           SBxPicBuf* source, SBxPicBuf* result, SBxPicBuf* alpha)
+bool CreateDisplayDocument(DisplayDocument* document, HWND owner, uint8_t background)
 {
     *document = {};
     document->owner = owner;
     document->maxWidth = kDisplayWidth;
     document->maxHeight = kDisplayHeight;
-    document->source = source;
-    document->result = result;
-    document->alpha = alpha;
-    for (SBxPicBuf* picture : {source, result, alpha})
-        CBxPicBufAPI::Init(picture);
     CreateDisplayBitmap(document, background);
     StartGdiplus(document);
     return !document->bitmap;
@@ -72,9 +66,6 @@ bool CreateDisplayDocument(DisplayDocument* document, HWND owner, uint8_t backgr
 
 void ReleaseDisplayDocument(DisplayDocument* document)
 {
-    for (SBxPicBuf* picture : {document->source, document->result, document->alpha})
-        if (picture)
-            CBxPicBufAPI::DoneHeap(picture);
     if (document->memoryDc)
     {
         if (document->previousBitmap)

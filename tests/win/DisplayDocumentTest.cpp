@@ -8,17 +8,13 @@
 
 namespace
 {
-// A document with the pictures that it looks after. GDI+ runs while it exists.
+// GDI+ runs while it exists.
 struct OpenDocument
 {
-    SBxPicBuf source, result, alpha;
     DisplayDocument document;
     bool failed;
 
-    OpenDocument()
-    {
-        failed = CreateDisplayDocument(&document, nullptr, 35, &source, &result, &alpha);
-    }
+    OpenDocument() { failed = CreateDisplayDocument(&document, nullptr, 35); }
     OpenDocument(const OpenDocument&) = delete;
     OpenDocument& operator=(const OpenDocument&) = delete;
     ~OpenDocument() { ReleaseDisplayDocument(&document); }
@@ -77,13 +73,11 @@ TEST(DisplayDocument, HasATopDownBitmapAndIsReleasedOnce)
     EXPECT_EQ(clip.right, 3000);
     EXPECT_EQ(clip.bottom, 2000);
 
-    CBxPicBufAPI::ReinitHeap(&open.alpha, 10, 10, 1, 8);
     const HBITMAP bitmap = open.document.bitmap;
     const HDC dc = open.document.memoryDc;
     for (int time = 0; time < 2; ++time)
     {
         ReleaseDisplayDocument(&open.document);
-        EXPECT_EQ(open.alpha.data, nullptr);
         EXPECT_EQ(GetObjectType(bitmap), 0u);
         EXPECT_EQ(GetObjectType(dc), 0u);
         EXPECT_EQ(open.document.display.data, nullptr);

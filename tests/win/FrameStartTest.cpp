@@ -63,7 +63,7 @@ TEST_F(Frame, AsksBeforeItClosesOverAnUnsavedResult)
     RunModal([] { EXPECT_FALSE(SendMessageW(g_hwndMain, WM_QUERYENDSESSION, 0, 0)); },
              {Box(kTextUnsavedQuestion, kTextWarning, IDNO)});
     EXPECT_TRUE(IsWindow(g_hwndMain));
-    EXPECT_TRUE(g_resultUnsaved);
+    EXPECT_TRUE(FrameDocument().unsaved);
     EXPECT_EQ(ViewCentre(), Bytes({90, 90, 90}));
     SendMessageW(g_hwndMain, WM_ENDSESSION, FALSE, 0);
     EXPECT_EQ(CrashMarker(), 1) << "another program refused";
@@ -81,16 +81,16 @@ TEST_F(Frame, ClosesWhenTheWorkerHasStopped)
     for (const UINT endMessage : {WM_APP_TOOL_DONE, WM_APP_TOOL_CANCELLED})
     {
         OpenPicture("photo.png", 64, 48);
-        ASSERT_TRUE(PrepareToolPictures());
-        g_toolBusy = g_workerBusy = true;
-        g_cancelRequested = g_stopRequested = false;
+        ASSERT_TRUE(PrepareToolPictures(&FrameDocument()));
+        bool stopped = false;
+        BeginJob(&FrameDocument(), [&stopped] { stopped = true; });
         SendMessageW(g_hwndMain, WM_CLOSE, 0, 0);
         EXPECT_TRUE(IsWindow(g_hwndMain));
-        EXPECT_TRUE(g_cancelRequested && g_stopRequested);
+        EXPECT_TRUE(stopped);
         SendMessageW(g_hwndMain, endMessage, 0, 0);
         Pump();
         EXPECT_FALSE(IsWindow(g_hwndMain)) << endMessage;
-        g_resultUnsaved = false;
+        FrameDocument().unsaved = false;
         StartFrame();
     }
 }
@@ -124,10 +124,10 @@ TEST_F(Frame, GreysTheMenuAsTheToolbar)
     EXPECT_EQ(grey(), nothingOpen);
     OpenPicture("photo.png", 64, 48);
     EXPECT_EQ(grey(), std::set<int>());
-    g_multiImageMode = true;
+    FrameDocument().series.chosenByUser = true;
     SendMessageW(g_hwndMain, WM_APP_TOOL_DONE, 0, 0);
     EXPECT_EQ(grey(), std::set<int>(tools.begin(), tools.end()));
-    g_resultUnsaved = false;
+    FrameDocument().unsaved = false;
     Command(ID_FILE_CLOSE);
     EXPECT_EQ(grey(), nothingOpen);
 }
