@@ -75,7 +75,7 @@ TEST(Docker, IsAPixelWiderThanItsWidestWindowAndEndsAPixelBeforeTheFrame)
         {{}, 998, 1}, {{{200, 100}}, 798, 201}, {{{200, 100}, {260, 50}, {7, 9}}, 738, 261}};
     for (const auto& c : cases)
     {
-        const DockerLayout layout = LayOutDocked(c.windows, 1000, false);
+        const DockerLayout layout = LayOutDocked(c.windows, 1000);
         EXPECT_EQ(layout.left, c.left);
         EXPECT_EQ(layout.width, c.width);
         ASSERT_EQ(layout.origins.size(), c.windows.size());
