@@ -8,8 +8,6 @@
 
 Settings g_settings = {};
 
-const wchar_t kGeneralSection[] = L"General";
-
 static const SettingRange kAnyNumber = {OutOfRange::Keep, 0, 0};
 static const SettingRange kToneSlider = {OutOfRange::Clamp, 1, 50};
 static const SettingRange kFromTwenty = {OutOfRange::UseDefault, 20, INT_MAX};
