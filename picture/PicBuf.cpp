@@ -2,6 +2,7 @@
 
 #include "base/LargeBlocks.h"
 #include "picture/PicColor.h"
+#include "picture/PicConvert.h"
 #include "picture/PicTransform.h"
 
 #include <algorithm>
@@ -169,6 +170,11 @@ void CBxPicBufAPI::SetConst(SBxPicBuf* buffer, const CBxRect<int>& rect, unsigne
                                            int64_t(rect.left) * buffer->components,
                                        count, T(value));
                    });
+}
+
+bool CBxPicBufAPI::ConvertBpcComp(SBxPicBuf* buffer, unsigned bitsPerComponent, unsigned components)
+{
+    return ConvertPicture(buffer, bitsPerComponent, components);
 }
 
 bool CBxPicBufAPI::ConvertRGBtoYUV(SBxPicBuf* dst, const SBxPicBuf& src)

@@ -1,4 +1,4 @@
-#include "picture/PicBuf.h"
+#include "picture/PicConvert.h"
 
 #include "picture/Picture.h"
 
@@ -68,7 +68,7 @@ static void ConvertTo(SBxPicBuf* dst, const SBxPicBuf& src)
     }
 }
 
-bool CBxPicBufAPI::ConvertBpcComp(SBxPicBuf* buffer, unsigned bitsPerComponent, unsigned components)
+bool ConvertPicture(SBxPicBuf* buffer, unsigned bitsPerComponent, unsigned components)
 {
     if (!buffer->data)
         return false;
@@ -90,7 +90,7 @@ bool CBxPicBufAPI::ConvertBpcComp(SBxPicBuf* buffer, unsigned bitsPerComponent, 
         ConvertTo<uint16_t>(converted.Record(), *buffer);
     else
         ConvertTo<float>(converted.Record(), *buffer);
-    DoneHeap(buffer);
+    CBxPicBufAPI::DoneHeap(buffer);
     *buffer = converted.Release();
     return true;
 }

@@ -83,7 +83,7 @@ static std::vector<std::wstring> EverythingBut(const std::wstring& path,
         GetPrivateProfileSectionW(name.c_str(), lines.data(), kSectionChars, path.c_str());
         for (const std::wstring& line : Pieces(lines.data()))
             if (!changed || !IsLineOf(line, values))
-                all.push_back(name + L'\n' + line);
+                all.emplace_back(name).append(L"\n").append(line);
     }
     return all;
 }

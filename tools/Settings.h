@@ -41,9 +41,6 @@ extern const int kSettingCount;
 
 extern Settings g_settings;
 
-// Section of the settings file, and of the localization file's own keys.
-extern const wchar_t kGeneralSection[];
-
 void ReadSettings(const ProfileStore& store, SettingGroup group, Settings* settings);
 
 // False when nothing could be written. Writing the Power tool also updates `power`: to the

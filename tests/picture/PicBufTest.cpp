@@ -38,8 +38,9 @@ TEST(PictureOwner, HandsItsBlockOnAndFreesItOnce)
     Picture first(4, 3, 1, 8);
     uint8_t* const block = first->data;
     ASSERT_NE(block, nullptr);
+    const Picture& emptied = first;
     Picture second = std::move(first);
-    EXPECT_TRUE(first.Empty()) << "or both would free it";
+    EXPECT_TRUE(emptied.Empty()) << "or both would free it";
     EXPECT_EQ(second->data, block);
     Picture& same = second;
     second = std::move(same);
