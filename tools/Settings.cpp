@@ -7,8 +7,6 @@
 
 Settings g_settings = {};
 
-const wchar_t kGeneralSection[] = L"General";
-
 using Group = SettingGroup;
 
 const SettingRow kSettings[] = {

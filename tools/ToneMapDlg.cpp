@@ -37,19 +37,6 @@ static ToneMapTool* ToolOf(HWND dlg)
     return DialogData<ToneMapTool>(dlg);
 }
 
-// An open dialog.
-struct ToneMapTool
-{
-    const ToolHost* host;
-    ToneMapModel model;
-    std::shared_ptr<ToneMapRun> run; // while there is one
-};
-
-static ToneMapTool* ToolOf(HWND dlg)
-{
-    return DialogData<ToneMapTool>(dlg);
-}
-
 static ToneMapModel* ModelOf(HWND dlg)
 {
     return &ToolOf(dlg)->model;

@@ -125,12 +125,13 @@ TEST_F(Tools, SmartContrastSeesToWhatComesIntoView)
         const CBxRect<int> part = SmartContrastVisible(g_view, {2200, 1200});
         TestPicture shown = TestPicture::Like(FrameDocument().source),
                     right = TestPicture::Like(shown);
-        for (const auto& [to, from] :
-             {std::pair{&shown, &g_view.resultCache}, {&right, expected.Record()}})
+        const auto take = [&](TestPicture* to, const SBxPicBuf& from)
         {
             CBxPicBufAPI::SetConst(to->Record(), 0);
-            CBxPicBufAPI::Copy(to->Record(), *from, part);
-        }
+            CBxPicBufAPI::Copy(to->Record(), from, part);
+        };
+        take(&shown, g_view.resultCache);
+        take(&right, expected);
         return HashOf(shown) == HashOf(right);
     };
     moveTo(25);
