@@ -104,7 +104,8 @@ static void TransformView(benchmark::State& state)
 // Arguments: format, bits. Saved files are read back.
 static void SaveAndLoad(benchmark::State& state, bool timeSave)
 {
-    const int format = int(state.range(0)), bits = int(state.range(1));
+    const auto format = FormatId(state.range(0));
+    const int bits = int(state.range(1));
     const BenchFolder folder;
     const std::string path = folder.path + "picture";
     const Picture source = BenchScene(Width(), Height(), 3, bits, 0);

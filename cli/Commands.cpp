@@ -1,5 +1,6 @@
 #include "cli/CommandLine.h"
 
+#include "cli/ResultFile.h"
 #include "files/ImageFile.h"
 
 #include "base/ParallelRows.h"
@@ -18,9 +19,11 @@ static const OptionRow kCommonOptions[] = {
      "print this help"},
 };
 
+static const std::string kOutputHelp = "file to write: " + ResultEndings();
+
 static const OptionRow kFuseOptions[] = {
     {"--output", 'o', "OUT", nullptr, nullptr, &CliOptions::output, 0, 0, 0, true,
-     "file to write: .jpg .jpeg .png .tif .tiff or .bmp"},
+     kOutputHelp.c_str()},
     {"--exposure", 0, "N", nullptr, &CliOptions::exposure, nullptr, 48, 160, 100, false,
      "grey to aim at, more = brighter"},
 };

@@ -44,7 +44,7 @@ struct FuseJob
     const CliOptions& options;
     const CliStreams& streams;
     Progress progress;
-    int format;
+    FormatId format;
     VcFusionAccumulator accumulator;
     SBxPicBuf geometry; // of the first source; no data
     Picture alpha;      // of the first source

@@ -47,7 +47,7 @@ RunControl ControlOf(const PhotoProgress& progress, int steps)
 static std::string ResultPath(const std::string& input, const std::string& folder)
 {
     const fs::path path = fs::u8path(input);
-    int format;
+    FormatId format;
     const std::string extension = path.extension().u8string();
     const bool writable = FormatOfResult(input, &format).empty();
     return (fs::u8path(folder) / fs::u8path(path.stem().u8string() + "-vexa" +
@@ -97,7 +97,7 @@ static std::string MakePhoto(Photo* photo, Progress* progress, const PhotoWork& 
         return LoadProblemText(report.problem);
     photo->readSeconds = SecondsSince(start);
 
-    int format;
+    FormatId format;
     std::string problem = FormatOfResult(photo->output, &format);
     if (problem.empty())
         problem = FormatFits(format, photo->picture);
@@ -116,7 +116,7 @@ static std::string MakePhoto(Photo* photo, Progress* progress, const PhotoWork& 
 
 static std::string WritePhoto(Photo* photo, std::string* note)
 {
-    int format;
+    FormatId format;
     FormatOfResult(photo->output, &format);
     const auto start = Clock::now();
     photo->picture.Free();
@@ -145,7 +145,7 @@ int RunOnPhotos(const char* command, const CliOptions& options, const CliStreams
     const std::string complaint = PlanOutputs(options, &outputs);
     if (!complaint.empty())
         return FailUsage(streams, command, complaint);
-    int format;
+    FormatId format;
     if (!options.output.empty() && !FormatOfResult(options.output, &format).empty())
         return Fail(streams, options.output, FormatOfResult(options.output, &format));
     std::error_code error;

@@ -9,6 +9,7 @@
 
 #include <numeric>
 #include <string>
+#include <vector>
 
 // A picture file of any kind: loaded as the program loads it, and then taken as the source of
 // colour profile and metadata of another picture. The file is one in memory.
@@ -57,7 +58,7 @@ static void Load(const std::string& path)
     CheckPair(picture, alpha, failed);
 }
 
-static void SaveWithSource(const std::string& source, int format)
+static void SaveWithSource(const std::string& source, FormatId format)
 {
     static const std::string target = "/dev/shm/plenoviz-fuzz-" + std::to_string(getpid());
     Picture picture(9, 7, 3, 8), alpha;
@@ -94,8 +95,8 @@ int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
         Load(raw);
         unlink(raw.c_str());
     }
-    const int formats[] = {kFormatJpeg, kFormatPng, kFormatTiff, kFormatBmp};
-    SaveWithSource(path, formats[size % 4]);
+    const std::vector<const FormatRow*> formats = SaveFormats();
+    SaveWithSource(path, formats[size % formats.size()]->id);
     close(file);
     return 0;
 }

@@ -230,7 +230,7 @@ static Outcome OverFile(const std::string& path, bool failed)
     return {failed, failed && now == kOldFile ? 0 : uint64_t(std::hash<std::string>()(now))};
 }
 
-static Outcome SaveFile(int format)
+static Outcome SaveFile(FormatId format)
 {
     const std::string target = g_folder->File("target"), source = g_folder->File("source.jpg");
     const TestPicture none;

@@ -316,7 +316,7 @@ TEST(FileContents, DecideAgainstTheName)
 
 TEST(FileNames, TellTheFormatByTheirExtension)
 {
-    const std::pair<const char*, int> cases[] = {
+    const std::pair<const char*, FormatId> cases[] = {
         {"a.bmp", kFormatBmp},       {"dir.png/a.JPG", kFormatJpeg}, {"a.jpeg", kFormatJpeg},
         {"a.b.tiff", kFormatTiff},   {"a.Tif", kFormatTiff},         {"a.png", kFormatPng},
         {"a.gif", kFormatGif},       {"a.psd", kFormatFromName}, // its decoder is not safe

@@ -333,6 +333,35 @@ TEST(Captions, GoFromJpegToJpegAndNeitherIntoNorOutOfTiff)
     EXPECT_TRUE(TagsOf(folder.File("u.jpg"), FIMD_IPTC).empty());
 }
 
+TEST(Formats, CarryWhatTheyPromiseAndNothingElse)
+{
+    const TempFolder folder;
+    const std::string from = folder.File("s.jpg"), text = "a caption";
+    const Bytes profile = MakeProfile(3144, "RGB "), exif = MakeExifBlock(SomeExposure());
+    FIBITMAP* bitmap = FreeImage_Allocate(24, 16, 24);
+    FreeImage_CreateICCProfile(bitmap, const_cast<uint8_t*>(profile.data()), long(profile.size()));
+    SetTag(bitmap, FIMD_XMP, "XMLPacket", FIDT_ASCII, kXmp.data(), kXmp.size());
+    SetTag(bitmap, FIMD_IPTC, "Caption-Abstract", FIDT_ASCII, text.data(), text.size(), 0x278);
+    SetTag(bitmap, FIMD_EXIF_RAW, "ExifRaw", FIDT_BYTE, exif.data(), exif.size());
+    EXPECT_TRUE(FreeImage_Save(FIF_JPEG, bitmap, from.c_str(), 0));
+    FreeImage_Unload(bitmap);
+    const TestPicture picture = ScenePicture(24, 16, 3, 8, 0);
+    for (const FormatRow& row : kFormats)
+    {
+        if (!row.written)
+            continue;
+        SCOPED_TRACE(row.name);
+        const std::string file = folder.File("t" + EndingsIn(row.endings).front());
+        ASSERT_TRUE(Save(picture, file, row.id, from).written);
+        ASSERT_TRUE(Save(picture, folder.File("copy.tif"), kFormatFromName, file).written);
+        EXPECT_EQ(!ProfileOf(folder.File("copy.tif")).empty(),
+                  (row.carries & kCarriesProfile) != 0);
+        EXPECT_EQ(!TagsOf(file, FIMD_XMP).empty(), (row.carries & kCarriesXmp) != 0);
+        EXPECT_EQ(!TagsOf(file, FIMD_IPTC).empty(), (row.carries & kCarriesCaptions) != 0);
+        EXPECT_EQ(!TagsOf(file, FIMD_EXIF_RAW).empty(), (row.carries & kCarriesExif) != 0);
+    }
+}
+
 TEST(Profile, OfOtherColourChannelsStaysBehind)
 {
     const TempFolder folder;

@@ -98,18 +98,18 @@ TEST(SaveErrors, AreThrownForFormatsAndSourcesOnly)
     folder.Write("old.tif", {'o', 'l', 'd'});
     const int files = folder.FileCount();
 
-    const auto save = [&](const char* to, int format, const char* source)
+    const auto save = [&](const char* to, FormatId format, const char* source)
     { return Save(picture, folder.File(to), format, folder.File(source)); };
     const struct
     {
         const char* target;
-        int format;
+        FormatId format;
         const char* source;
     } unsupported[] = {{"out.xyz", kFormatFromName, "good.png"},
                        {"out.gif", kFormatFromName, "good.png"},
                        {"old.tif", kFormatGif, "good.png"},
-                       {"old.tif", FIF_RAW, "good.png"}, // read, but never written
-                       {"old.tif", 999, "good.png"},
+                       {"old.tif", kFormatRaw, "good.png"}, // read, but never written
+                       {"old.tif", FormatId(999), "good.png"},
                        {"old.tif", kFormatTiff, "garbage.xyz"},
                        {"old.tif", kFormatTiff, "none.xyz"},
                        {"old.tif", kFormatTiff, "grey.gif"}};

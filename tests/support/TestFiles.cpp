@@ -62,7 +62,7 @@ LoadedPair::LoadedPair(const std::string& path) : picture(3, 3, 3, 8), alpha(3, 
     problem = report.problem;
 }
 
-SaveReport Save(const TestPicture& picture, const std::string& target, int format,
+SaveReport Save(const TestPicture& picture, const std::string& target, FormatId format,
                 const std::string& source, const TestPicture* alpha, const SaveExtras* extras)
 {
     SaveReport report;
