@@ -66,7 +66,7 @@ TEST(SkinRules, PaintEveryControlInAWayOfItsOwn)
         EXPECT_EQ(task == SkinTask::None, IsOneOf(kLeftToColours, kind)) << int(kind);
         const bool first = painters.emplace(task, kind).second;
         EXPECT_TRUE(first || task == SkinTask::None) << int(kind) << " as another";
-        EXPECT_NE(task, SkinTask::PassOn) << int(kind);
+        EXPECT_TRUE(task != SkinTask::PassOn && task != SkinTask::KeepBackground) << int(kind);
         EXPECT_EQ(PlainTask(kind, kPrintClient), task) << "a picture of it: " << int(kind);
     }
     SkinWindow window = Plain(SkinClass::Edit);
@@ -176,7 +176,8 @@ TEST(SkinRules, StandBeforeEveryClassForSomeMessages)
         for (uint32_t message = 0x132; message <= 0x138; ++message)
             EXPECT_TRUE(SkinTakes(Plain(kind), message)) << int(kind) << ", " << message;
     }
-    EXPECT_TRUE(SkinTakes(Plain(SkinClass::Other), 0x14));
+    for (const uint32_t message : {8U, 10U, 12U, 20U, 71U, 224U, 233U, 243U})
+        EXPECT_EQ(PlainTask(SkinClass::Other, message), SkinTask::PassOn) << message;
 }
 
 TEST(SkinRules, KeepTheTypeOfConvertedButtonsOnly)

@@ -6,6 +6,7 @@
 
 #include <commctrl.h>
 
+#include <algorithm>
 #include <set>
 #include <string>
 
@@ -109,8 +110,15 @@ TEST_F(Skin, PaintsFieldsAndFrames)
     EXPECT_EQ(Shot(group).At(5, 19), SkinColor(kSkinHighlight));
 
     const HWND edit = Make(L"EDIT", 0);
+    SetWindowTextW(edit, L"HHHHHHHH");
     EnableWindow(edit, FALSE);
-    EXPECT_EQ(Shot(edit).At(5, 5), SkinColor(kSkinWindow));
+    const Shot disabled(edit);
+    COLORREF lightest = 0;
+    for (int y = 0; y < 20; ++y)
+        for (int x = 0; x < kSide; ++x)
+            lightest = std::max(lightest, disabled.At(x, y));
+    EXPECT_EQ(disabled.At(kSide - 5, 10), SkinColor(kSkinWindow));
+    EXPECT_EQ(lightest, SkinColor(kSkinGreyText)) << "not the system's grey";
 }
 
 // Controls that have messages for colours paint themselves.
@@ -204,9 +212,40 @@ TEST_F(Skin, FillsWhatHoldsAControlInTheFieldsColour)
                               nullptr, L"SHELLDLL_DefView"};
     RegisterClassW(&holder);
     EXPECT_EQ(Shot(Make(holder.lpszClassName, 0), WM_ERASEBKGND).At(5, 5), SkinColor(kSkinWindow));
-    const Shot untouched(Make(L"COMBOBOX", CBS_DROPDOWNLIST), WM_ERASEBKGND);
+    const Shot untouched(Make(L"BUTTON", BS_PUSHBUTTON), WM_ERASEBKGND);
     EXPECT_EQ(untouched.At(5, 5), RGB(0, 0, 0));
     UnregisterClassW(holder.lpszClassName, nullptr);
+}
+
+static COLORREF WindowPixel(HWND hwnd, int x, int y)
+{
+    const HDC dc = GetWindowDC(hwnd);
+    const COLORREF pixel = GetPixel(dc, x, y);
+    ReleaseDC(hwnd, dc);
+    return pixel;
+}
+
+TEST_F(Skin, PaintsEdgesAsOneLine)
+{
+    ShowWindow(dialog, SW_SHOWNA);
+    for (const wchar_t* name : {L"EDIT", L"LISTBOX", WC_LISTVIEWW, WC_TREEVIEWW})
+    {
+        const HWND field = Make(name, 0);
+        SetWindowLongPtrW(field, GWL_EXSTYLE, WS_EX_CLIENTEDGE);
+        SetWindowPos(field, nullptr, 0, 0, 0, 0,
+                     SWP_NOMOVE | SWP_NOSIZE | SWP_NOZORDER | SWP_FRAMECHANGED);
+        RedrawWindow(field, nullptr, nullptr, RDW_INVALIDATE | RDW_FRAME | RDW_UPDATENOW);
+        EXPECT_EQ(WindowPixel(field, 5, 0), SkinShade::kEdge) << name;
+        EXPECT_EQ(WindowPixel(field, 5, 1), SkinColor(kSkinWindow)) << name;
+        DestroyWindow(field);
+    }
+    RunMenu(
+        [](HMENU)
+        {
+            const HWND popup = FindWindowW(L"#32768", nullptr);
+            EXPECT_EQ(WindowPixel(popup, 0, 0), SkinShade::kMenuEdge);
+            EXPECT_EQ(WindowPixel(popup, 1, 1), SkinColor(kSkinMenu));
+        });
 }
 
 TEST_F(Skin, LightsUpWhatCanBePressed)
