@@ -68,9 +68,8 @@ static INT_PTR OnViewMoved(HWND dlg)
     return TRUE;
 }
 
-static INT_PTR OnInit(HWND dlg, LPARAM lParam)
+static INT_PTR OnInit(HWND dlg)
 {
-    SetWindowLongPtrW(dlg, DWLP_USER, lParam);
     const SmartContrastModel* model = &ToolOf(dlg)->model;
     for (int level = 0; level < kDetailLevels; ++level)
         SetUpSlider(dlg, LevelControl(level), model->lod[level]);
@@ -83,7 +82,7 @@ static INT_PTR OnSlider(HWND dlg, WPARAM wParam, LPARAM lParam)
     SmartContrastTool* tool = ToolOf(dlg);
     const HWND slider = reinterpret_cast<HWND>(lParam);
     const int level = GetDlgCtrlID(slider) - IDC_LEVEL_SLIDER;
-    if (!tool || level < 0 || level >= kDetailLevels)
+    if (level < 0 || level >= kDetailLevels)
         return FALSE;
     SmartContrastModel* model = &tool->model;
     const bool recompose =
@@ -125,27 +124,21 @@ static INT_PTR OnCommand(HWND dlg, int id)
 
 static INT_PTR OnDestroy(HWND dlg)
 {
-    const std::unique_ptr<SmartContrastTool> tool(ToolOf(dlg));
-    SetWindowLongPtrW(dlg, DWLP_USER, 0);
+    const auto tool = TakeDialogData<SmartContrastTool>(dlg);
     ToolDialogDestroyed(*tool->host, dlg);
     return TRUE;
 }
 
-static INT_PTR CALLBACK SmartContrastProc(HWND dlg, UINT message, WPARAM wParam, LPARAM lParam)
+static INT_PTR OnMessage(HWND dlg, UINT message, WPARAM wParam, LPARAM lParam)
 {
-    if (message == WM_INITDIALOG)
-        return OnInit(dlg, lParam);
-    if (!ToolOf(dlg))
-        return FALSE; // not yet, or no more
     switch (message)
     {
+    case WM_INITDIALOG: return OnInit(dlg);
     case WM_HSCROLL: return OnSlider(dlg, wParam, lParam);
     case WM_COMMAND: return OnCommand(dlg, LOWORD(wParam));
     case WM_APP_VIEW_MOVING:
     case WM_APP_VIEW_MOVED: return OnViewMoved(dlg);
-    case WM_MOUSEWHEEL:
-        SendMessageW(ToolOf(dlg)->host->frame, message, wParam, lParam);
-        return TRUE;
+    case WM_MOUSEWHEEL: return SendToFrame(*ToolOf(dlg)->host, message, wParam, lParam);
     case WM_DESTROY: return OnDestroy(dlg);
     default: return FALSE;
     }
@@ -169,7 +162,7 @@ void OpenSmartContrastDialog(const ToolHost& host)
         RefuseTool(host);
         return;
     }
-    if (!OpenToolDialog(host, IDD_SMART_CONTRAST, SmartContrastProc,
+    if (!OpenToolDialog(host, IDD_SMART_CONTRAST, DialogProc<SmartContrastTool, OnMessage>,
                         reinterpret_cast<LPARAM>(tool.get())))
         return;
     host.setStatusText(Text(kTextCompareHint));
