@@ -25,6 +25,10 @@ enum class PathUse
 [[nodiscard]] bool SavePathFromWide(std::string* savePath, const wchar_t* path, PathUse use);
 std::wstring WideFromUtf8(const char* text); // empty when the text is not UTF-8
 std::wstring WideFromSavePath(const char* savePath);
+
+// Puts a file in another one's place. Virus scanners and indexers hold new files open for a moment:
+// it waits for them up to half a second. False with the system's last error.
+[[nodiscard]] bool MoveFileOver(const std::wstring& from, const std::wstring& to);
 #endif
 
 // Opens a file for reading in binary mode; null with errno set on failure. Folders do not open.

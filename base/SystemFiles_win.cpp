@@ -77,6 +77,27 @@ bool SavePathFromUtf8(std::string* savePath, const char* path, PathUse use)
     return SavePathFromWide(savePath, WideFromUtf8(path).c_str(), use);
 }
 
+static bool IsHeldOpen(DWORD error)
+{
+    return error == ERROR_ACCESS_DENIED || error == ERROR_SHARING_VIOLATION ||
+           error == ERROR_LOCK_VIOLATION;
+}
+
+bool MoveFileOver(const std::wstring& from, const std::wstring& to)
+{
+    const int kAttempts = 10;
+    const DWORD kPauseMs = 50;
+    for (int attempt = 1;; ++attempt)
+    {
+        if (MoveFileExW(from.c_str(), to.c_str(),
+                        MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH))
+            return true;
+        if (!IsHeldOpen(GetLastError()) || attempt == kAttempts)
+            return false;
+        Sleep(kPauseMs);
+    }
+}
+
 static FILE* OpenWide(const std::wstring& path)
 {
     if (!path.empty())

@@ -1,6 +1,7 @@
 // Speed of the pyramid and of tone mapping. The remapping is shown by both methods on a small
 // plane, where the phases end in reasonable time, and whole pictures by the direct one.
 
+#include "base/Stopwatch.h"
 #include "bench/BenchPictures.h"
 #include "bench/BenchRun.h"
 #include "tonemap/Pyramid.h"
@@ -9,7 +10,6 @@
 #include "tools/Parameters.h"
 
 #include <algorithm>
-#include <chrono>
 #include <cmath>
 #include <numeric>
 #include <vector>
@@ -95,13 +95,6 @@ static void ToneMapPhotograph(benchmark::State& state)
     CheckResult(state, result == kToneMapDone && LargestDifference(out, expected) == 0 &&
                            LargestDifference(out, source) >= 10);
     ReportPixels(state, width, height);
-}
-
-using Clock = std::chrono::steady_clock;
-
-static double SecondsSince(Clock::time_point start)
-{
-    return std::chrono::duration<double>(Clock::now() - start).count();
 }
 
 // Seconds from the wish to stop, which comes after `wait` seconds, until the run has ended; below

@@ -1,3 +1,4 @@
+#include "base/Stopwatch.h"
 #include "cli/CommandLine.h"
 #include "cli/Progress.h"
 #include "cli/ResultFile.h"
@@ -6,7 +7,6 @@
 #include "fusion/FusionAccumulator.h"
 #include "picture/Picture.h"
 
-#include <chrono>
 #include <future>
 #include <iomanip>
 #include <memory>
@@ -51,13 +51,6 @@ struct FuseJob
     double waited, added, composed,
         written; // seconds; reading that nobody waits for does not count
 };
-
-using Clock = std::chrono::steady_clock;
-
-static double SecondsSince(Clock::time_point start)
-{
-    return std::chrono::duration<double>(Clock::now() - start).count();
-}
 
 static void FreeJob(FuseJob* job)
 {

@@ -1,5 +1,6 @@
 #include "cli/PhotoCommand.h"
 
+#include "base/Stopwatch.h"
 #include "cli/Progress.h"
 #include "cli/ResultFile.h"
 
@@ -7,7 +8,6 @@
 #include "files/ImageFileText.h"
 #include "picture/Picture.h"
 
-#include <chrono>
 #include <filesystem>
 #include <iomanip>
 #include <memory>
@@ -16,13 +16,6 @@
 #include <sstream>
 
 namespace fs = std::filesystem;
-using Clock = std::chrono::steady_clock;
-
-static double SecondsSince(Clock::time_point start)
-{
-    return std::chrono::duration<double>(Clock::now() - start).count();
-}
-
 struct Photo
 {
     std::string input, output;

@@ -249,12 +249,6 @@ static INT_PTR OnDestroyed(HWND dlg, FusionTool* tool)
     return TRUE;
 }
 
-static INT_PTR SendOn(const FusionTool& tool, UINT message, WPARAM wParam, LPARAM lParam)
-{
-    SendMessageW(tool.host->frame, message, wParam, lParam);
-    return TRUE;
-}
-
 static INT_PTR CALLBACK FusionToolProc(HWND dlg, UINT message, WPARAM wParam, LPARAM lParam)
 {
     if (message == WM_INITDIALOG)
@@ -270,9 +264,9 @@ static INT_PTR CALLBACK FusionToolProc(HWND dlg, UINT message, WPARAM wParam, LP
     case WM_TIMER: return OnTimer(dlg, tool, wParam);
     case WM_COMMAND: return OnButton(dlg, tool, LOWORD(wParam));
     case WM_CLOSE: return OnButton(dlg, tool, IDOK);
-    case WM_MOUSEWHEEL: return SendOn(*tool, message, wParam, lParam);
+    case WM_MOUSEWHEEL: return SendToFrame(*tool->host, message, wParam, lParam);
     case ID_SOURCE_PREV:
-    case ID_SOURCE_NEXT: return SendOn(*tool, WM_COMMAND, message, 0);
+    case ID_SOURCE_NEXT: return SendToFrame(*tool->host, WM_COMMAND, message, 0);
     case WM_DESTROY: return OnDestroyed(dlg, tool);
     default: return FALSE;
     }

@@ -35,9 +35,8 @@ static unsigned* LevelOf(HWND dlg)
     return PromptOf(dlg)->level;
 }
 
-static INT_PTR OnInit(HWND dlg, LPARAM lParam)
+static INT_PTR OnInit(HWND dlg)
 {
-    SetWindowLongPtrW(dlg, DWLP_USER, lParam);
     ReadSettings(SettingGroup::NoisePrompt);
     *LevelOf(dlg) = unsigned(g_settings.denoiseStrength);
     ShowTexts(dlg, kTexts);
@@ -73,11 +72,11 @@ static INT_PTR OnButton(HWND dlg, int id)
     return TRUE;
 }
 
-static INT_PTR CALLBACK NoisePromptProc(HWND dlg, UINT message, WPARAM wParam, LPARAM lParam)
+static INT_PTR OnMessage(HWND dlg, UINT message, WPARAM wParam, LPARAM)
 {
     switch (message)
     {
-    case WM_INITDIALOG: return OnInit(dlg, lParam);
+    case WM_INITDIALOG: return OnInit(dlg);
     case WM_COMMAND: return OnButton(dlg, LOWORD(wParam));
     case WM_DESTROY: DockedDestroyed(*PromptOf(dlg)->host, dlg); return TRUE;
     default: return FALSE;
@@ -105,8 +104,8 @@ static void WaitForAnswer(HWND dlg, NoisePrompt* prompt)
 int RunNoiseLevelPrompt(const ToolHost& host, unsigned* noiseLevel)
 {
     NoisePrompt prompt = {&host, noiseLevel};
-    const HWND dlg =
-        OpenDocked(host, IDD_NOISE_PROMPT, NoisePromptProc, reinterpret_cast<LPARAM>(&prompt));
+    const HWND dlg = OpenDocked(host, IDD_NOISE_PROMPT, DialogProc<NoisePrompt, OnMessage>,
+                                reinterpret_cast<LPARAM>(&prompt));
     if (!dlg)
         return kPromptCancelled;
     host.redrawView();

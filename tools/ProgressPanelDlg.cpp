@@ -30,9 +30,8 @@ static ProgressPanel* PanelOf(HWND dlg)
     return DialogData<ProgressPanel>(dlg);
 }
 
-static INT_PTR OnInit(HWND dlg, LPARAM lParam)
+static INT_PTR OnInit(HWND dlg)
 {
-    SetWindowLongPtrW(dlg, DWLP_USER, lParam);
     const SeriesBar bar = SeriesBarOf(PanelOf(dlg)->kind);
     ShowTexts(dlg, kTexts);
     SendDlgItemMessageW(dlg, IDC_PROGRESS_BAR, PBM_SETRANGE, 0, MAKELPARAM(0, bar.length));
@@ -67,26 +66,20 @@ static INT_PTR OnButton(HWND dlg, int id)
 
 static INT_PTR OnDestroyed(HWND dlg)
 {
-    const std::unique_ptr<ProgressPanel> panel(PanelOf(dlg));
-    SetWindowLongPtrW(dlg, DWLP_USER, 0);
+    const auto panel = TakeDialogData<ProgressPanel>(dlg);
     DockedDestroyed(*panel->host, dlg);
     panel->host->enableToolCommands(true);
     return TRUE;
 }
 
-static INT_PTR CALLBACK PanelProc(HWND dlg, UINT message, WPARAM wParam, LPARAM lParam)
+static INT_PTR OnMessage(HWND dlg, UINT message, WPARAM wParam, LPARAM lParam)
 {
-    if (message == WM_INITDIALOG)
-        return OnInit(dlg, lParam);
-    if (!PanelOf(dlg))
-        return FALSE; // not yet, or no more
     switch (message)
     {
+    case WM_INITDIALOG: return OnInit(dlg);
     case WM_APP_SERIES_PROGRESS: return OnReport(dlg, wParam, lParam);
     case WM_COMMAND: return OnButton(dlg, LOWORD(wParam));
-    case WM_MOUSEWHEEL:
-        SendMessageW(PanelOf(dlg)->host->frame, message, wParam, lParam);
-        return TRUE;
+    case WM_MOUSEWHEEL: return SendToFrame(*PanelOf(dlg)->host, message, wParam, lParam);
     case WM_DESTROY: return OnDestroyed(dlg);
     default: return FALSE;
     }
@@ -95,8 +88,8 @@ static INT_PTR CALLBACK PanelProc(HWND dlg, UINT message, WPARAM wParam, LPARAM 
 HWND OpenProgressPanel(const ToolHost& host, SeriesKind kind, std::atomic<bool>* aborted)
 {
     auto data = std::make_unique<ProgressPanel>(ProgressPanel{&host, kind, aborted});
-    const HWND panel =
-        OpenDocked(host, IDD_PROGRESS_PANEL, PanelProc, reinterpret_cast<LPARAM>(data.get()));
+    const HWND panel = OpenDocked(host, IDD_PROGRESS_PANEL, DialogProc<ProgressPanel, OnMessage>,
+                                  reinterpret_cast<LPARAM>(data.get()));
     if (!panel)
         return nullptr;
     (void)data.release(); // the dialog's from here on

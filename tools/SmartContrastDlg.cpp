@@ -67,9 +67,8 @@ static INT_PTR OnViewMoved(HWND dlg)
     return TRUE;
 }
 
-static INT_PTR OnInit(HWND dlg, LPARAM lParam)
+static INT_PTR OnInit(HWND dlg)
 {
-    SetWindowLongPtrW(dlg, DWLP_USER, lParam);
     SetUpControls(dlg, kControls, ToolOf(dlg)->model.numbers);
     ShowTexts(dlg, kTexts);
     return FALSE; // the frame keeps the focus until the user takes it
@@ -80,7 +79,7 @@ static INT_PTR OnSlider(HWND dlg, WPARAM wParam, LPARAM lParam)
     SmartContrastTool* tool = ToolOf(dlg);
     const HWND slider = reinterpret_cast<HWND>(lParam);
     const ParameterRow* level = SliderOf(kControls, GetDlgCtrlID(slider));
-    if (!tool || !level)
+    if (!level)
         return FALSE;
     SmartContrastModel* model = &tool->model;
     const bool recompose =
@@ -122,27 +121,21 @@ static INT_PTR OnCommand(HWND dlg, int id)
 
 static INT_PTR OnDestroy(HWND dlg)
 {
-    const std::unique_ptr<SmartContrastTool> tool(ToolOf(dlg));
-    SetWindowLongPtrW(dlg, DWLP_USER, 0);
+    const auto tool = TakeDialogData<SmartContrastTool>(dlg);
     ToolDialogDestroyed(*tool->host, dlg);
     return TRUE;
 }
 
-static INT_PTR CALLBACK SmartContrastProc(HWND dlg, UINT message, WPARAM wParam, LPARAM lParam)
+static INT_PTR OnMessage(HWND dlg, UINT message, WPARAM wParam, LPARAM lParam)
 {
-    if (message == WM_INITDIALOG)
-        return OnInit(dlg, lParam);
-    if (!ToolOf(dlg))
-        return FALSE; // not yet, or no more
     switch (message)
     {
+    case WM_INITDIALOG: return OnInit(dlg);
     case WM_HSCROLL: return OnSlider(dlg, wParam, lParam);
     case WM_COMMAND: return OnCommand(dlg, LOWORD(wParam));
     case WM_APP_VIEW_MOVING:
     case WM_APP_VIEW_MOVED: return OnViewMoved(dlg);
-    case WM_MOUSEWHEEL:
-        SendMessageW(ToolOf(dlg)->host->frame, message, wParam, lParam);
-        return TRUE;
+    case WM_MOUSEWHEEL: return SendToFrame(*ToolOf(dlg)->host, message, wParam, lParam);
     case WM_DESTROY: return OnDestroy(dlg);
     default: return FALSE;
     }
@@ -166,7 +159,7 @@ void OpenSmartContrastDialog(const ToolHost& host)
         RefuseTool(host);
         return;
     }
-    if (!OpenToolDialog(host, IDD_SMART_CONTRAST, SmartContrastProc,
+    if (!OpenToolDialog(host, IDD_SMART_CONTRAST, DialogProc<SmartContrastTool, OnMessage>,
                         reinterpret_cast<LPARAM>(tool.get())))
         return;
     host.setStatusText(Text(kTextCompareHint));

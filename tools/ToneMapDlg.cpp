@@ -112,9 +112,8 @@ static void ShowState(HWND dlg)
     RedrawWindow(dlg, nullptr, nullptr, RDW_ALLCHILDREN | RDW_UPDATENOW);
 }
 
-static INT_PTR OnInit(HWND dlg, LPARAM lParam)
+static INT_PTR OnInit(HWND dlg)
 {
-    SetWindowLongPtrW(dlg, DWLP_USER, lParam);
     const ToneMapModel& model = *ModelOf(dlg);
     SetWindowTextW(dlg, ToneTitle().c_str());
     SetDlgItemTextW(dlg, IDC_TOOL_FRAME, ToneTitle().c_str());
@@ -324,21 +323,17 @@ static INT_PTR OnDrop(HWND dlg)
 
 static INT_PTR OnDestroy(HWND dlg)
 {
-    const std::unique_ptr<ToneMapTool> tool(ToolOf(dlg));
-    SetWindowLongPtrW(dlg, DWLP_USER, 0);
+    const auto tool = TakeDialogData<ToneMapTool>(dlg);
     tool->host->view->previewRect = nullptr;
     ToolDialogDestroyed(*tool->host, dlg);
     return TRUE;
 }
 
-static INT_PTR CALLBACK ToneMapProc(HWND dlg, UINT message, WPARAM wParam, LPARAM lParam)
+static INT_PTR OnMessage(HWND dlg, UINT message, WPARAM wParam, LPARAM lParam)
 {
-    if (message == WM_INITDIALOG)
-        return OnInit(dlg, lParam);
-    if (!ToolOf(dlg))
-        return FALSE; // not yet, or no more
     switch (message)
     {
+    case WM_INITDIALOG: return OnInit(dlg);
     case WM_HSCROLL: return OnSlider(dlg, wParam, lParam);
     case WM_COMMAND: return OnCommand(dlg, LOWORD(wParam));
     case WM_TONE_START: return OnStartRun(dlg);
@@ -349,7 +344,7 @@ static INT_PTR CALLBACK ToneMapProc(HWND dlg, UINT message, WPARAM wParam, LPARA
     case WM_APP_PREVIEW_GRAB: return OnGrab(dlg, lParam);
     case WM_MOUSEMOVE: return OnMouseMove(dlg, lParam);
     case WM_APP_PREVIEW_DROP: return OnDrop(dlg);
-    case WM_MOUSEWHEEL: SendMessageW(HostOf(dlg).frame, message, wParam, lParam); return TRUE;
+    case WM_MOUSEWHEEL: return SendToFrame(HostOf(dlg), message, wParam, lParam);
     case WM_DESTROY: return OnDestroy(dlg);
     default: return FALSE;
     }
@@ -365,7 +360,8 @@ void OpenToneMapDialog(const ToolHost& host)
     auto tool = std::make_unique<ToneMapTool>();
     tool->host = &host;
     StartToneMapModel(&tool->model, host.document->source, g_settings);
-    if (!OpenToolDialog(host, IDD_TONE_MAPPING, ToneMapProc, reinterpret_cast<LPARAM>(tool.get())))
+    if (!OpenToolDialog(host, IDD_TONE_MAPPING, DialogProc<ToneMapTool, OnMessage>,
+                        reinterpret_cast<LPARAM>(tool.get())))
         return;
     (void)tool.release(); // the dialog's from here on
     SendMessageW(host.frame, WM_APP_PREVIEW_READY, 0, 0);

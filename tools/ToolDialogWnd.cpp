@@ -30,6 +30,12 @@ void DockedDestroyed(const ToolHost& host, HWND dialog)
     SetFocus(host.frame);
 }
 
+INT_PTR SendToFrame(const ToolHost& host, UINT message, WPARAM wParam, LPARAM lParam)
+{
+    SendMessageW(host.frame, message, wParam, lParam);
+    return TRUE;
+}
+
 HWND OpenToolDialog(const ToolHost& host, int dialogId, DLGPROC procedure, LPARAM parameter)
 {
     const HWND dialog = OpenDocked(host, dialogId, procedure, parameter);

@@ -5,6 +5,7 @@
 #include "tools/SliderRules.h"
 #include "tools/ToolHost_win.h"
 
+#include <memory>
 #include <string>
 
 // What the tools' dialogs have in common. Window thread only.
@@ -29,6 +30,23 @@ T* DialogData(HWND dialog)
     return reinterpret_cast<T*>(GetWindowLongPtrW(dialog, DWLP_USER));
 }
 
+// The procedure of a dialog that has a T, which is the parameter that it was opened with: what
+// comes before that is there, or when it is no more, is nobody's.
+template <typename T, INT_PTR (*OnMessage)(HWND, UINT, WPARAM, LPARAM)>
+INT_PTR CALLBACK DialogProc(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam)
+{
+    if (message == WM_INITDIALOG)
+        SetWindowLongPtrW(dialog, DWLP_USER, lParam);
+    return DialogData<T>(dialog) ? OnMessage(dialog, message, wParam, lParam) : FALSE;
+}
+
+// Ends T with its dialog, on WM_DESTROY.
+template <typename T>
+std::unique_ptr<T> TakeDialogData(HWND dialog)
+{
+    return std::unique_ptr<T>(reinterpret_cast<T*>(SetWindowLongPtrW(dialog, DWLP_USER, 0)));
+}
+
 // Makes a dialog in the docker and shows it; null when it cannot be made. Closing, on WM_DESTROY,
 // takes it out of the docker and gives the keys back to the frame.
 HWND OpenDocked(const ToolHost& host, int dialogId, DLGPROC procedure, LPARAM parameter);
@@ -37,6 +55,9 @@ void DockedDestroyed(const ToolHost& host, HWND dialog);
 // Makes a tool's dialog in the docker, shows it and makes it the active tool; the commands that a
 // running tool forbids go off. Null when it cannot be made: nothing has changed then.
 HWND OpenToolDialog(const ToolHost& host, int dialogId, DLGPROC procedure, LPARAM parameter);
+
+// For what a tool has no use for, such as the wheel.
+INT_PTR SendToFrame(const ToolHost& host, UINT message, WPARAM wParam, LPARAM lParam);
 
 // On WM_DESTROY of such a dialog, whatever way it goes: out of the docker, commands on again.
 void ToolDialogDestroyed(const ToolHost& host, HWND dialog);

@@ -1,0 +1,10 @@
+#pragma once
+
+#include <chrono>
+
+using Clock = std::chrono::steady_clock;
+
+inline double SecondsSince(Clock::time_point start)
+{
+    return std::chrono::duration<double>(Clock::now() - start).count();
+}
