@@ -2,9 +2,15 @@
 
 #include <chrono>
 
-using Clock = std::chrono::steady_clock;
-
-inline double SecondsSince(Clock::time_point start)
+// Runs from the moment that it is made.
+class Stopwatch
 {
-    return std::chrono::duration<double>(Clock::now() - start).count();
-}
+public:
+    double Seconds() const
+    {
+        return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+    }
+
+private:
+    std::chrono::steady_clock::time_point start = std::chrono::steady_clock::now();
+};

@@ -26,9 +26,9 @@ enum class PathUse
 std::wstring WideFromUtf8(const char* text); // empty when the text is not UTF-8
 std::wstring WideFromSavePath(const char* savePath);
 
-// Puts a file in another one's place. Virus scanners and indexers hold new files open for a moment:
-// it waits for them up to half a second. False with the system's last error.
-[[nodiscard]] bool MoveFileOver(const std::wstring& from, const std::wstring& to);
+// Gives a file the place of another one, for good. Tries for half a second: virus scanners and
+// indexers hold new files open for a moment. The system's error, 0 when it is done.
+unsigned long MoveOverFile(const std::wstring& from, const std::wstring& to);
 #endif
 
 // Opens a file for reading in binary mode; null with errno set on failure. Folders do not open.

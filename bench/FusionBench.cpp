@@ -22,18 +22,6 @@ static int Height()
     return BenchSide(3000);
 }
 
-// Forces the set of the benchmark's first argument; false when the processor cannot run it.
-static bool UseVariant(benchmark::State& state)
-{
-    const FusionKernels* kernels = VcFusionKernelsOf(FusionVariant(state.range(0)));
-    VcForceFusionKernels(kernels);
-    if (!kernels)
-        SkipOnThisProcessor(state);
-    else
-        state.SetLabel(kernels->name);
-    return kernels != nullptr;
-}
-
 static Picture FilledPlane(int width, int height)
 {
     Picture plane(width, height, 1, 32);
@@ -58,7 +46,7 @@ static void MakeKernel(float kernel[5][5])
 
 static void Reduce(benchmark::State& state)
 {
-    if (!UseVariant(state))
+    if (!UseInstructionSet(state, state.range(0)))
         return;
     const int width = Width(), height = Height();
     float kernel[5][5];
@@ -73,7 +61,7 @@ static void Reduce(benchmark::State& state)
 
 static void Expand(benchmark::State& state)
 {
-    if (!UseVariant(state))
+    if (!UseInstructionSet(state, state.range(0)))
         return;
     const int width = Width(), height = Height();
     float kernel[5][5];
@@ -89,7 +77,7 @@ static void Expand(benchmark::State& state)
 // One band level of a full-size picture; arguments: variant, channels.
 static void Weigh(benchmark::State& state)
 {
-    if (!UseVariant(state))
+    if (!UseInstructionSet(state, state.range(0)))
         return;
     const int width = Width(), height = Height();
     const unsigned channels = unsigned(state.range(1));
@@ -125,7 +113,7 @@ static void Weigh(benchmark::State& state)
 
 static void Accumulate(benchmark::State& state)
 {
-    if (!UseVariant(state))
+    if (!UseInstructionSet(state, state.range(0)))
         return;
     const Picture source = BenchScene(Width(), Height(), 3, 8, 0);
     VcFusionAccumulator acc;
@@ -141,7 +129,7 @@ static void Accumulate(benchmark::State& state)
 
 static void Compose(benchmark::State& state)
 {
-    if (!UseVariant(state))
+    if (!UseInstructionSet(state, state.range(0)))
         return;
     const Picture source = BenchScene(Width(), Height(), 3, 8, 0);
     Picture result = Picture(Width(), Height(), 3, 8);
@@ -170,7 +158,7 @@ static bool FuseAll(SBxPicBuf* result, const std::vector<Picture>& sources)
 // A bracket in memory, from nothing to the blend; arguments: sources, width, height, bits.
 static void FuseBracket(benchmark::State& state)
 {
-    VcForceFusionKernels(nullptr);
+    UseBestInstructionSet();
     const int count = int(state.range(0)), width = BenchSide(int(state.range(1))),
               height = BenchSide(int(state.range(2))), bits = int(state.range(3));
     std::vector<Picture> sources;
@@ -180,9 +168,9 @@ static void FuseBracket(benchmark::State& state)
     bool failed = false;
     for (auto _ : state)
         failed = FuseAll(result.Record(), sources) || failed;
-    VcForceFusionKernels(VcFusionKernelsOf(FusionVariant(0)));
+    ForceInstructionSet(InstructionSet::Plain);
     failed = FuseAll(plain.Record(), sources) || failed;
-    VcForceFusionKernels(nullptr);
+    UseBestInstructionSet();
     // A blend lies between its sources. The plain loops give it but for the rounding of floats,
     // which shows where all sources are black or white and the weights next to nothing.
     const int step = (1 << bits) / 64;
@@ -193,19 +181,19 @@ static void FuseBracket(benchmark::State& state)
     ReportPixels(state, width, height * count);
 }
 
-static void EveryVariant(benchmark::internal::Benchmark* bench)
+static void EveryInstructionSet(benchmark::internal::Benchmark* bench)
 {
-    for (int variant = 0; variant < kFusionVariants; ++variant)
-        bench->Arg(variant);
+    for (int set = 0; set < kInstructionSets; ++set)
+        bench->Arg(set);
 }
 
 BENCHMARK(Reduce)
-    ->Apply(EveryVariant)
+    ->Apply(EveryInstructionSet)
     ->Unit(benchmark::kMillisecond)
     ->MeasureProcessCPUTime()
     ->UseRealTime();
 BENCHMARK(Expand)
-    ->Apply(EveryVariant)
+    ->Apply(EveryInstructionSet)
     ->Unit(benchmark::kMillisecond)
     ->MeasureProcessCPUTime()
     ->UseRealTime();
@@ -216,12 +204,12 @@ BENCHMARK(Weigh)
     ->MeasureProcessCPUTime()
     ->UseRealTime();
 BENCHMARK(Accumulate)
-    ->Apply(EveryVariant)
+    ->Apply(EveryInstructionSet)
     ->Unit(benchmark::kMillisecond)
     ->MeasureProcessCPUTime()
     ->UseRealTime();
 BENCHMARK(Compose)
-    ->Apply(EveryVariant)
+    ->Apply(EveryInstructionSet)
     ->Unit(benchmark::kMillisecond)
     ->MeasureProcessCPUTime()
     ->UseRealTime();

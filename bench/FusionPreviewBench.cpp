@@ -68,7 +68,7 @@ struct OpenSeries
     void Fuse(benchmark::State& state, int count, unsigned mid)
     {
         const FusionTask task = {region, count, mid};
-        if (FuseRegion(preview.Record(), &sources, task, nullptr) != FusionOutcome::Done)
+        if (FuseRegion(preview.Record(), &sources, task, nullptr) != Outcome::Done)
             state.SkipWithError("no preview");
     }
 

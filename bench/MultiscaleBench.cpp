@@ -5,7 +5,6 @@
 #include "bench/BenchRun.h"
 #include "contrast/LevelsOfDetail.h"
 #include "contrast/LevelsOfDetailPadding.h"
-#include "fusion/FusionKernels.h"
 #include "series/DaylightSeries.h"
 #include "series/Denoise.h"
 #include "series/DenoiseNoise.h"
@@ -43,10 +42,10 @@ static void DecomposeColour(benchmark::State& state)
     const Picture padded = PaddedScene(padding);
     LevelsOfDetail record;
     for (auto _ : state)
-        if (Decompose(&record, padded, padding.levels))
+        if (Decompose(&record, padded, padding.levels) != Outcome::Done)
             state.SkipWithError("out of memory");
     Picture again(padding.width, padding.height, 3, 8);
-    CheckResult(state, !Recompose(again.Record(), &record, kUnchanged) &&
+    CheckResult(state, Recompose(again.Record(), &record, kUnchanged) == Outcome::Done &&
                            LargestDifference(again, padded) == 0);
     ReportPixels(state, Width(), Height());
 }
@@ -58,10 +57,10 @@ static void RecomposeColour(benchmark::State& state)
     const Picture padded = PaddedScene(padding);
     Picture again(padding.width, padding.height, 3, 8);
     LevelsOfDetail record;
-    if (Decompose(&record, padded, padding.levels))
+    if (Decompose(&record, padded, padding.levels) != Outcome::Done)
         return state.SkipWithError("out of memory");
     for (auto _ : state)
-        if (Recompose(again.Record(), &record, kUnchanged))
+        if (Recompose(again.Record(), &record, kUnchanged) != Outcome::Done)
             state.SkipWithError("refused");
     CheckResult(state, LargestDifference(again, padded) == 0);
     ReportPixels(state, Width(), Height());
@@ -74,14 +73,14 @@ static void RecomposeRegionColour(benchmark::State& state)
     const Picture padded = PaddedScene(padding);
     Picture again(padding.width, padding.height, 3, 8);
     LevelsOfDetail record;
-    if (Decompose(&record, padded, padding.levels) ||
-        Recompose(again.Record(), &record, kUnchanged))
+    if (Decompose(&record, padded, padding.levels) != Outcome::Done ||
+        Recompose(again.Record(), &record, kUnchanged) != Outcome::Done)
         return state.SkipWithError("out of memory");
     const CBxRect<int> region = {BenchSide(1700), BenchSide(1500), BenchSide(3300),
                                  BenchSide(2500)};
     CBxPicBufAPI::SetConst(again.Record(), region, 0);
     for (auto _ : state)
-        if (RecomposeRegion(again.Record(), &record, kUnchanged, region))
+        if (RecomposeRegion(again.Record(), &record, kUnchanged, region) != Outcome::Done)
             state.SkipWithError("refused");
     CheckResult(state, LargestDifference(again, padded) == 0);
     ReportPixels(state, region.right - region.left, region.bottom - region.top);
@@ -93,7 +92,7 @@ static void SmartContrastWhole(benchmark::State& state)
     Picture out(Width(), Height(), 3, int(state.range(0)));
     const int lod[kDetailLevels] = {10, 10, 10, 10, 10, 10, 10, 10};
     for (auto _ : state)
-        if (SmartContrastPicture(out.Record(), scene, lod, {}))
+        if (SmartContrastPicture(out.Record(), scene, lod, {}) != Outcome::Done)
             state.SkipWithError("out of memory");
     CheckResult(state, LargestDifference(out, scene) == 0);
     ReportPixels(state, Width(), Height());
@@ -133,7 +132,7 @@ static void MakeExposures(benchmark::State& state)
     const SeriesSink sink = [&](int number, const SBxPicBuf& picture, const char*)
     {
         made[size_t(number)] = SomeSamples(picture);
-        return false;
+        return Outcome::Done;
     };
     for (auto _ : state)
         if (MakeExposureSeries(scene, noiseLevel, sink, {}) != kExposures)
@@ -150,7 +149,7 @@ static void MakeDaylight(benchmark::State& state)
     const SeriesSink sink = [&](int number, const SBxPicBuf& picture, const char*)
     {
         made[size_t(number)] = SomeSamples(picture);
-        return false;
+        return Outcome::Done;
     };
     for (auto _ : state)
         if (MakeDaylightSeries(scene, DaylightMode::Up, sink, {}).size() != kDaylightVariants)
@@ -190,10 +189,8 @@ static void OrderDaylight(benchmark::State& state)
 // The first denoising of a series, with its noise estimate.
 static void DenoiseLevel(benchmark::State& state)
 {
-    const FusionKernels* kernels = VcFusionKernelsOf(FusionVariant(state.range(0)));
-    if (!kernels)
-        return SkipOnThisProcessor(state);
-    VcForceFusionKernels(kernels);
+    if (!UseInstructionSet(state, state.range(0)))
+        return;
     const Picture scene = BenchScene(Width(), Height(), 3, 8, -1);
     Picture out(Width(), Height(), 3, 8);
     const int radius = DenoiseRadius(2, unsigned(state.range(1)));
@@ -201,15 +198,14 @@ static void DenoiseLevel(benchmark::State& state)
     for (auto _ : state)
     {
         double cache[3] = {-1, -1, -1};
-        if (DenoiseTiled(out.Record(), scene, radius, radius, 1.0, cache, 0, {}))
+        if (DenoiseTiled(out.Record(), scene, radius, radius, 1.0, cache, 0, {}) != Outcome::Done)
             state.SkipWithError("out of memory");
     }
-    EstimateNoise(before, scene);
-    EstimateNoise(after, out);
-    if (before[0] < 1.0 || after[0] > 0.7 * before[0])
+    if (EstimateNoise(before, scene) != Outcome::Done || EstimateNoise(after, out) != Outcome::Done)
+        state.SkipWithError("out of memory");
+    else if (before[0] < 1.0 || after[0] > 0.7 * before[0])
         state.SkipWithError("the noise is still there");
-    state.SetLabel(kernels->name);
-    VcForceFusionKernels(nullptr);
+    UseBestInstructionSet();
     ReportPixels(state, Width(), Height());
 }
 

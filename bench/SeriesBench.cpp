@@ -23,7 +23,7 @@ static bool AddSeries(VcFusionAccumulator* sums, const SBxPicBuf& scene, SeriesK
     if (kind == SeriesKind::Single)
     {
         const SeriesSink add = [&](int, const SBxPicBuf& exposure, const char*)
-        { return VcAccumulateImage(sums, exposure); };
+        { return FailedIf(VcAccumulateImage(sums, exposure)); };
         return MakeExposureSeries(scene, kNoise, add, {}) != count;
     }
     bool failed = false;
@@ -57,7 +57,7 @@ static void SeriesThroughFiles(benchmark::State& state)
         FusionSources sources;
         OpenFusionSources(&sources, PathsOf(run), scene, 0);
         const FusionTask whole = {{}, count, kMid};
-        if (FuseWhole(result.Record(), &sources, whole) != FusionOutcome::Done)
+        if (FuseWhole(result.Record(), &sources, whole) != Outcome::Done)
             state.SkipWithError("not fused");
     }
     VcFusionAccumulator sums;

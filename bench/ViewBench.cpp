@@ -4,7 +4,6 @@
 
 #include "bench/BenchPictures.h"
 #include "bench/BenchRun.h"
-#include "picture/PicTransformRows.h"
 #include "view/ImageViewZoom.h"
 
 #include <cmath>
@@ -88,15 +87,10 @@ static void RenderFrames(benchmark::State& state, ViewRebuild rebuild, int bits,
 
 static void Drag(benchmark::State& state)
 {
-    const TransformRows* rows = VcTransformRowsOf(TransformVariant(state.range(2)));
-    if (!rows)
-    {
-        SkipOnThisProcessor(state);
+    if (!UseInstructionSet(state, state.range(2)))
         return;
-    }
-    VcForceTransformRows(rows);
     RenderFrames(state, ViewRebuild::Keep, 8, int(state.range(0)), int(state.range(1)), nullptr);
-    VcForceTransformRows(nullptr);
+    UseBestInstructionSet();
 }
 
 static void Rebuild(benchmark::State& state)
@@ -115,8 +109,8 @@ static void DragTransparent(benchmark::State& state)
 }
 
 BENCHMARK(Drag)
-    ->ArgsProduct({{0, 1, 2}, {25, 100, 200}, {0, 1}})
-    ->ArgNames({"filter", "percent", "variant"})
+    ->ArgsProduct({{0, 1, 2}, {25, 100, 200}, {0, 2}})
+    ->ArgNames({"filter", "percent", "set"})
     ->Unit(benchmark::kMillisecond)
     ->MeasureProcessCPUTime()
     ->UseRealTime();

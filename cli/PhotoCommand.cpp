@@ -4,6 +4,7 @@
 #include "cli/Progress.h"
 #include "cli/ResultFile.h"
 
+#include "base/Stopwatch.h"
 #include "files/ImageCodec.h"
 #include "files/ImageFileText.h"
 #include "picture/Picture.h"
@@ -16,6 +17,7 @@
 #include <sstream>
 
 namespace fs = std::filesystem;
+
 struct Photo
 {
     std::string input, output;
@@ -71,11 +73,11 @@ static std::string PlanOutputs(const CliOptions& options, std::vector<std::strin
 }
 
 // "Name: 42 %, 3 s left": the share of the photograph at hand.
-static std::string ProgressText(const std::string& name, double share, Clock::time_point start)
+static std::string ProgressText(const std::string& name, double share, const Stopwatch& watch)
 {
     std::ostringstream text;
     text << name << ": " << int(share * 100.0) << " %";
-    const double passed = SecondsSince(start);
+    const double passed = watch.Seconds();
     if (share > 0.05 && passed > 0.5)
         text << ", " << int(passed / share * (1.0 - share) + 0.5) << " s left";
     return text.str();
@@ -84,11 +86,11 @@ static std::string ProgressText(const std::string& name, double share, Clock::ti
 static std::string MakePhoto(Photo* photo, Progress* progress, const PhotoWork& work)
 {
     LoadReport report;
-    const auto start = Clock::now();
+    const Stopwatch watch;
     if (LoadPicturePair(photo->input.c_str(), photo->picture.Record(), photo->alpha.Record(),
                         &report))
         return LoadProblemText(report.problem);
-    photo->readSeconds = SecondsSince(start);
+    photo->readSeconds = watch.Seconds();
 
     FormatId format;
     std::string problem = FormatOfResult(photo->output, &format);
@@ -97,13 +99,13 @@ static std::string MakePhoto(Photo* photo, Progress* progress, const PhotoWork& 
     if (!problem.empty())
         return problem + " (" + photo->output + ")";
 
-    const auto workStart = Clock::now();
+    const Stopwatch working;
     PhotoProgress shown;
     shown.show = [&](double share)
-    { ShowProgress(progress, ProgressText(photo->input, share, workStart)); };
+    { ShowProgress(progress, ProgressText(photo->input, share, working)); };
     shown.stopped = StopRequested;
     problem = work(photo->result.Record(), photo->picture, shown);
-    photo->workSeconds = SecondsSince(workStart);
+    photo->workSeconds = working.Seconds();
     return StopRequested() ? "stopped" : problem;
 }
 
@@ -111,11 +113,11 @@ static std::string WritePhoto(Photo* photo, std::string* note)
 {
     FormatId format;
     FormatOfResult(photo->output, &format);
-    const auto start = Clock::now();
+    const Stopwatch watch;
     photo->picture.Free();
     const std::string problem =
         SaveResult(photo->result, photo->alpha, photo->output, photo->input, format, note);
-    photo->writeSeconds = SecondsSince(start);
+    photo->writeSeconds = watch.Seconds();
     return problem;
 }
 

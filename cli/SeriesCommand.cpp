@@ -22,8 +22,8 @@ struct SeriesJob
     std::vector<std::string> written;
 };
 
-// Writes one picture of the series; true ends the series.
-static bool WriteOne(SeriesJob* job, const SBxPicBuf& picture, const char* name, int count)
+// Writes one picture of the series.
+static Outcome WriteOne(SeriesJob* job, const SBxPicBuf& picture, const char* name, int count)
 {
     const std::string path = (fs::u8path(job->options.outDir) / fs::u8path(name)).u8string();
     ShowProgress(&job->progress, "Writing " + std::to_string(job->written.size() + 1) + " of " +
@@ -33,7 +33,7 @@ static bool WriteOne(SeriesJob* job, const SBxPicBuf& picture, const char* name,
     job->problemFile = path;
     if (job->problem.empty())
         job->written.push_back(name);
-    return !job->problem.empty();
+    return FailedIf(!job->problem.empty());
 }
 
 // Names in the order of fusion; empty when the series is not complete.

@@ -135,5 +135,6 @@ void DropLock(int) {}
 
 int MoveOver(const ReplacingFile& file)
 {
-    return MoveFileOver(file.sibling, file.target) ? 0 : ErrnoOf(GetLastError());
+    const DWORD error = MoveOverFile(file.sibling.wstring(), file.target.wstring());
+    return error ? ErrnoOf(error) : 0;
 }

@@ -59,7 +59,8 @@ static LoadProblem LoadPair(const char* path, SBxPicBuf* picture, SBxPicBuf* alp
         TiffNumber(file.get(), kTiffPhotometric) == 0)
         InvertSixteenBits(picture);
     const int orientation = OrientationOf(format, file.get());
-    if (MakeUpright(picture, orientation) && MakeUpright(alpha, orientation))
+    if (MakeUpright(picture, orientation) == Outcome::Done &&
+        MakeUpright(alpha, orientation) == Outcome::Done)
         return LoadProblem::None;
     CBxPicBufAPI::DoneHeap(picture);
     CBxPicBufAPI::DoneHeap(alpha);
@@ -75,9 +76,9 @@ bool LoadPicturePair(const char* path, SBxPicBuf* picture, SBxPicBuf* alpha, Loa
     const auto load = [&]
     {
         problem = LoadPair(path, picture, alpha);
-        return problem != LoadProblem::None;
+        return FailedIf(problem != LoadProblem::None);
     };
-    const bool failed = FailsOrLacksMemory(load);
+    const bool failed = FailWithoutMemory(load) != Outcome::Done;
     if (failed)
     {
         CBxPicBufAPI::DoneHeap(picture);
@@ -249,11 +250,12 @@ static void WriteFile(FIBITMAP* bitmap, const char* target, FREE_IMAGE_FORMAT fo
     FreeImageIO io = StreamFunctions();
     ImageStream stream;
     stream.file = file.stream;
-    const auto encode = [&] {
-        return !Encode(format, bitmap, &io, &stream, flags) ||
-               !HeaderMatches(&stream, format, bitmap);
+    const auto encode = [&]
+    {
+        return FailedIf(!Encode(format, bitmap, &io, &stream, flags) ||
+                        !HeaderMatches(&stream, format, bitmap));
     };
-    const bool failed = FailsOrLacksMemory(encode);
+    const bool failed = FailWithoutMemory(encode) != Outcome::Done;
     file.error = stream.error;
     if (failed)
         CancelReplacing(&file);
@@ -336,9 +338,9 @@ bool SavePicturePair(const SBxPicBuf& picture, const SBxPicBuf& alpha, const cha
     const auto save = [&]
     {
         SavePair(picture, alpha, target, source, format, report, extras);
-        return false;
+        return Outcome::Done;
     };
-    if (FailsOrLacksMemory(save))
+    if (FailWithoutMemory(save) != Outcome::Done)
     {
         report->written = false;
         report->problem = SaveProblem::OutOfMemory;

@@ -1,5 +1,6 @@
 #include "fusion/FusionAccumulator.h"
 
+#include "base/Outcome.h"
 #include "base/ParallelRows.h"
 #include "fusion/FusionFilter.h"
 #include "fusion/FusionKernels.h"
@@ -108,14 +109,14 @@ static Picture ComponentPlane(const SBxPicBuf& picture, unsigned index)
     return plane;
 }
 
-// The three components, taken apart in one pass. True when memory is short.
-static bool SplitPicture(Picture planes[3], const SBxPicBuf& picture)
+// The three components, taken apart in one pass. Fails when memory is short.
+static Outcome SplitPicture(Picture planes[3], const SBxPicBuf& picture)
 {
     for (int c = 0; c < 3; ++c)
     {
         planes[c] = Picture(picture.width, picture.height, 1, picture.bitsPerComponent);
         if (planes[c].Empty())
-            return true;
+            return Outcome::Failed;
     }
     const auto split =
         VcFusionKernels().splitRow[picture.bitsPerComponent == 8 ? kFusionBytes : kFusionWords];
@@ -130,13 +131,13 @@ static bool SplitPicture(Picture planes[3], const SBxPicBuf& picture)
                            split(to, PicRow<const void>(picture, y), picture.width);
                        }
                    });
-    return false;
+    return Outcome::Done;
 }
 
 static bool AccumulateThree(VcFusionAccumulator* acc, const SBxPicBuf& picture, FusionStop stop)
 {
     Picture planes[3];
-    if (SplitPicture(planes, picture))
+    if (SplitPicture(planes, picture) != Outcome::Done)
         return true;
     const SBxPicBuf headers[3] = {planes[0], planes[1], planes[2]};
     return VcAccumulatePlanes3(acc->planes, headers, *acc, stop);

@@ -55,16 +55,16 @@ static void CopyPixels(SBxPicBuf* upright, const SBxPicBuf& picture, const Walk&
         });
 }
 
-bool MakeUpright(SBxPicBuf* picture, int orientation)
+Outcome MakeUpright(SBxPicBuf* picture, int orientation)
 {
     if (!picture->data || orientation < 2 || orientation > 8)
-        return true;
+        return Outcome::Done;
     const bool sideways = orientation >= 5;
     Picture upright(sideways ? picture->height : picture->width,
                     sideways ? picture->width : picture->height, picture->components,
                     picture->bitsPerComponent);
     if (upright.Empty())
-        return false;
+        return Outcome::Failed;
     const Walk walk = WalkOf(*picture, orientation);
     switch (picture->components * picture->bitsPerComponent / 8)
     {
@@ -75,5 +75,5 @@ bool MakeUpright(SBxPicBuf* picture, int orientation)
     }
     CBxPicBufAPI::DoneHeap(picture);
     *picture = upright.Release();
-    return true;
+    return Outcome::Done;
 }

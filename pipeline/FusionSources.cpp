@@ -2,7 +2,6 @@
 
 #include "base/FreeMemory.h"
 #include "base/ShortMemory.h"
-#include "files/ImageFile.h"
 
 #include <algorithm>
 #include <atomic>
@@ -128,13 +127,6 @@ static void ForgetKept(FusionSources* sources, int index)
     }
 }
 
-static bool Fits(const SBxPicBuf& picture, const SBxPicBuf& geometry)
-{
-    return picture.width == geometry.width && picture.height == geometry.height &&
-           picture.components == geometry.components &&
-           picture.bitsPerComponent == geometry.bitsPerComponent;
-}
-
 static int64_t BytesOfSeries(const FusionSources& sources, const CBxRect<int>& region)
 {
     const SBxPicBuf& like = sources.geometry;
@@ -156,18 +148,19 @@ static void NoteProblem(FusionSources* sources, int index, SourceProblem problem
 
 static SourceRegionPtr ReadWhole(FusionSources* sources, int index)
 {
-    const auto whole = std::make_shared<Picture>();
-    LoadReport report;
-    const bool failed = LoadPicturePair(sources->paths[size_t(index)].c_str(), whole->Record(),
-                                        Picture().Record(), &report);
+    DecodedSource source = DecodeSource(sources->paths[size_t(index)], index, sources->step);
+    source.alpha.Free();
+    const bool failed = source.problem != LoadProblem::None;
     const std::lock_guard<std::mutex> lock(sources->mutex);
     ++sources->filesRead;
     SourceProblem* problem = &sources->problems[size_t(index)];
-    if (failed && report.problem != LoadProblem::OutOfMemory)
+    if (failed && source.problem != LoadProblem::OutOfMemory)
         *problem = SourceProblem::Unreadable;
-    else if (!failed && !Fits(*whole, sources->geometry))
+    else if (!failed && !IsLike(source.picture, sources->geometry))
         *problem = SourceProblem::Different;
-    return !failed && *problem == SourceProblem::None ? whole : nullptr;
+    if (failed || *problem != SourceProblem::None)
+        return nullptr;
+    return std::make_shared<Picture>(std::move(source.picture));
 }
 
 static SourceRegionPtr FindOrRead(FusionSources* sources, int index, const FileState& state,
@@ -251,8 +244,10 @@ void ReadFusionSources(FusionSources* sources, const SBxPicBuf& first, const CBx
 {
     KeepFirst(sources, first, region);
     std::atomic<int> next = 1;
-    const auto readOne = [&](int index)
-    { return FailsOrLacksMemory([&] { return !LoadFusionSource(sources, index, region); }); };
+    const auto readOne = [&](int index) {
+        return FailWithoutMemory([&]
+                                 { return FailedIf(!LoadFusionSource(sources, index, region)); });
+    };
     const auto read = [&](const std::function<void(int)>& tell)
     {
         for (int i = next++; i < int(sources->paths.size()); i = next++)

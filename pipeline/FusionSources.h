@@ -1,6 +1,7 @@
 #pragma once
 
-#include "picture/Picture.h"
+#include "pipeline/DecodeSource.h"
+#include "pipeline/FusionFeed.h"
 #include "pipeline/PreparedSource.h"
 
 #include <cstdint>
@@ -40,17 +41,6 @@ struct KeptPrepared
     PreparedSourcePtr source; // null = not made yet
 };
 
-// An accumulator that frees itself.
-struct FusionSums
-{
-    VcFusionAccumulator acc = {};
-
-    FusionSums() = default;
-    FusionSums(const FusionSums&) = delete;
-    FusionSums& operator=(const FusionSums&) = delete;
-    ~FusionSums() { VcFreeAccumulator(&acc); }
-};
-
 // Why a source takes no part.
 enum class SourceProblem
 {
@@ -64,6 +54,7 @@ struct FusionSources
     std::vector<std::string> paths; // UTF-8
     SBxPicBuf geometry = {};        // what every source has to look like; no data
     int64_t budget = 0;             // bytes of pixels that may stay
+    SourceStep step;                // what is kept has been through it
 
     std::mutex mutex; // of all that follows
     std::list<KeptSource> kept;

@@ -40,7 +40,7 @@ PreparedSourcePtr VcPrepareSource(const VcFusionAccumulator& acc, const SBxPicBu
         CBxPicBufAPI::ExtractComponent(plane.Record(), c, picture);
         levels->finest[c] = plane;
     }
-    if (AllocateLevels(levels, acc))
+    if (AllocateLevels(levels, acc) != Outcome::Done)
         return nullptr;
     for (unsigned k = 0; k < acc.levels; ++k)
         MakeCoarser(levels, acc, k);

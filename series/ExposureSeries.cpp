@@ -54,20 +54,20 @@ struct SeriesPictures
 };
 
 // The filter reads a copy. Whether it was stopped is of no interest: the picture is handed on as
-// far as it got, and the series finds the stop by itself. True when memory is short.
-static bool DenoiseExposure(SeriesPictures* pictures, int radius, double cache[3],
-                            const SeriesControl& control)
+// far as it got, and the series finds the stop by itself. Fails when memory is short.
+static Outcome DenoiseExposure(SeriesPictures* pictures, int radius, double cache[3],
+                               const SeriesControl& control)
 {
     Picture& scratch = pictures->scratch;
     CBxPicBufAPI::ReinitHeap(scratch.Record(), pictures->working);
     if (scratch.Empty())
-        return true;
+        return Outcome::Failed;
     CBxPicBufAPI::Copy(scratch.Record(), pictures->working);
     RunControl stop;
     stop.cancelled = [&control] { return control.Ending(); };
-    return DenoiseTiled(pictures->working.Record(), scratch, radius, radius, 1.0, cache,
-                        control.denoiseThreads, stop) &&
-           !control.Ending();
+    const Outcome denoised = DenoiseTiled(pictures->working.Record(), scratch, radius, radius, 1.0,
+                                          cache, control.denoiseThreads, stop);
+    return denoised == Outcome::Cancelled ? Outcome::Done : denoised;
 }
 
 // A brightened exposure says nothing once a cancel has come; a darkened one still moves the bar.
@@ -80,35 +80,36 @@ static void ReportExposure(int number, const SeriesControl& control)
     control.progress({percent, percent, !cancelled});
 }
 
-// Counts the exposures in `made`; true when the series ended early.
-static bool MakeExposures(int* made, const SBxPicBuf& source, unsigned noiseLevel,
-                          const SeriesSink& sink, const SeriesControl& control)
+// Counts the exposures in `made`.
+static Outcome MakeExposures(int* made, const SBxPicBuf& source, unsigned noiseLevel,
+                             const SeriesSink& sink, const SeriesControl& control)
 {
     SeriesPictures pictures = {Picture::Like(source), {}};
     if (pictures.working.Empty())
-        return true;
+        return Outcome::Failed;
     double noise[3] = {-1.0, -1.0, -1.0}; // estimated by the first denoising, for all three
     for (int k = 0; k < kExposures; *made = ++k)
     {
         MakeExposure(pictures.working.Record(), source, k);
         const int radius = DenoiseRadius(k, noiseLevel);
-        if (radius > 0 && DenoiseExposure(&pictures, radius, noise, control))
-            return true;
-        if (sink(k, pictures.working, ExposureFileName(k).c_str()))
-            return true;
+        if (radius > 0 && DenoiseExposure(&pictures, radius, noise, control) != Outcome::Done)
+            return Outcome::Failed;
+        const Outcome taken = sink(k, pictures.working, ExposureFileName(k).c_str());
+        if (taken != Outcome::Done)
+            return taken;
         ReportExposure(k, control);
         if (control.Ending())
-            return true;
+            return Outcome::Cancelled;
     }
-    return false;
+    return Outcome::Done;
 }
 
 int MakeExposureSeries(const SBxPicBuf& source, unsigned noiseLevel, const SeriesSink& sink,
                        const SeriesControl& control)
 {
     int made = 0;
-    (void)FailsOrLacksMemory([&]
-                             { return MakeExposures(&made, source, noiseLevel, sink, control); });
+    const auto make = [&] { return MakeExposures(&made, source, noiseLevel, sink, control); };
+    (void)FailWithoutMemory(make); // their number tells how it went
     return made;
 }
 

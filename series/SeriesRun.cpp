@@ -33,7 +33,7 @@ static void MakeFiles(SeriesRun* run)
     const SeriesSink write = [run](int, const SBxPicBuf& picture, const char* name)
     {
         WriteSeriesFile(run->folder + name, picture);
-        return false;
+        return Outcome::Done;
     };
     if (run->kind == SeriesKind::Single)
     {
@@ -56,12 +56,11 @@ static void MakeFiles(SeriesRun* run)
 void MakeSeriesFiles(SeriesRun* run)
 {
     run->files.clear();
-    const bool failed = FailsOrLacksMemory(
-        [run]
-        {
-            MakeFiles(run);
-            return false;
-        });
-    if (failed)
+    const auto make = [run]
+    {
+        MakeFiles(run);
+        return Outcome::Done;
+    };
+    if (FailWithoutMemory(make) != Outcome::Done)
         run->files.clear();
 }

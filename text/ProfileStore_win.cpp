@@ -142,7 +142,11 @@ static bool ReplaceProfile(const std::wstring& path, const std::wstring& section
         SetLastError(ERROR_DISK_FULL);
         return false;
     }
-    return ToDisk(copy) && MoveFileOver(copy, path);
+    if (!ToDisk(copy))
+        return false;
+    const DWORD error = MoveOverFile(copy, path);
+    SetLastError(error);
+    return error == 0;
 }
 
 static ProfileFailure g_lastFailure;

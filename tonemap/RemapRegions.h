@@ -55,10 +55,6 @@ void RemapRegions(float* workJ, int J, const float* Gl, int l, int W, int H, int
 [[nodiscard]] bool RemapLevel(PyramidSet* set, int level, const RemapConstants& constants,
                               const float* curve, const RunControl& control);
 
-// Forces the loop of an instruction set (tests, benchmarks): 1 SSE2, 2 AVX2, 3 AVX-512; 0 goes back
-// to the best one. False when this processor cannot run it. Not while a run goes on.
-bool ForceRemapVariant(int variant);
-
 // Limits the loops of this thread and of threads that it starts later to that many threads; 0 goes
 // back to as many as there are processors.
 void LimitRemapThreads(int threads);

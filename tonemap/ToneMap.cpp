@@ -132,7 +132,7 @@ int ToneMapPicture(SBxPicBuf* out, const SBxPicBuf& in, int levels, const ToneMa
     const auto run = [&]
     {
         result = FilterPicture(out, in, filter);
-        return false;
+        return Outcome::Done;
     };
-    return FailsOrLacksMemory(run) ? kToneMapOutOfMemory : result;
+    return FailWithoutMemory(run) == Outcome::Done ? result : kToneMapOutOfMemory;
 }

@@ -90,7 +90,7 @@ static void TellUnusable(FusionTool* tool)
         MessageBoxW(tool->host->frame, text.c_str(), Text(kTextWarning), MB_OK | MB_ICONASTERISK);
 }
 
-static FusionOutcome ComputePreview(HWND dlg, FusionTool* tool, const FusionTask& task)
+static Outcome ComputePreview(HWND dlg, FusionTool* tool, const FusionTask& task)
 {
     const CBxRect<int>& region = task.region;
     const CBxSize<int> size = {region.right - region.left, region.bottom - region.top};
@@ -98,11 +98,11 @@ static FusionOutcome ComputePreview(HWND dlg, FusionTool* tool, const FusionTask
     CBxPicBufAPI::ReinitHeap(tool->working.Record(), size.cx, size.cy, document->source->components,
                              document->source->bitsPerComponent);
     if (tool->working.Empty())
-        return FusionOutcome::Failed;
+        return Outcome::Failed;
     const ToolWaitCursor wait(*tool->host);
-    const FusionOutcome outcome = FuseRegion(tool->working.Record(), tool->sources.get(), task,
-                                             [&] { return NewerInputWaits(dlg, *tool); });
-    if (outcome == FusionOutcome::Done)
+    const Outcome outcome = FuseRegion(tool->working.Record(), tool->sources.get(), task,
+                                       [&] { return NewerInputWaits(dlg, *tool); });
+    if (outcome == Outcome::Done)
         CBxPicBufAPI::CopyRect(document->preview.Record(), tool->working, {region.left, region.top},
                                {0, 0}, size);
     return outcome;
@@ -118,10 +118,10 @@ static INT_PTR OnPreview(HWND dlg, FusionTool* tool)
         return TRUE;
     tool->computing = true;
     RedrawWindow(dlg, nullptr, nullptr, RDW_UPDATENOW | RDW_ALLCHILDREN);
-    const FusionOutcome outcome = ComputePreview(dlg, tool, task);
-    if (outcome == FusionOutcome::Outdated)
+    const Outcome outcome = ComputePreview(dlg, tool, task);
+    if (outcome == Outcome::Cancelled)
         SetTimer(dlg, kPreviewTimer, kRetryMs, nullptr);
-    if (outcome == FusionOutcome::Done)
+    if (outcome == Outcome::Done)
     {
         tool->last = task;
         SendMessageW(tool->host->frame, WM_APP_PREVIEW_READY, 0, 0);
@@ -129,7 +129,7 @@ static INT_PTR OnPreview(HWND dlg, FusionTool* tool)
     }
     // A trackbar takes the mouse when the message of its press has been answered: after a box it
     // would wait for a button that is up already, and the next click would be lost there.
-    if (outcome != FusionOutcome::Outdated)
+    if (outcome != Outcome::Cancelled)
         SetTimer(dlg, kTellTimer, kRetryMs, nullptr);
     tool->computing = false;
     return TRUE;
@@ -177,16 +177,15 @@ static INT_PTR OnSlider(HWND dlg, FusionTool* tool, WPARAM wParam, LPARAM lParam
 }
 
 // In the preview's place, which nobody needs any more, and which is made anew after a failure.
-static FusionOutcome FuseResult(FusionTool* tool)
+static Outcome FuseResult(FusionTool* tool)
 {
     const ToolWaitCursor wait(*tool->host);
     const ToolProgress progress(*tool->host);
     const FusionTask task = tool->kind.task({});
     Document* document = tool->host->document;
-    const FusionOutcome outcome =
-        FuseWhole(document->preview.Record(), tool->sources.get(), task,
-                  [&](int source) { progress.Show(source, task.sources); });
-    if (outcome == FusionOutcome::Done)
+    const Outcome outcome = FuseWhole(document->preview.Record(), tool->sources.get(), task,
+                                      [&](int source) { progress.Show(source, task.sources); });
+    if (outcome == Outcome::Done)
         GiveResult(document, std::move(document->preview));
     return outcome;
 }
@@ -194,11 +193,11 @@ static FusionOutcome FuseResult(FusionTool* tool)
 static void MakeResult(HWND dlg, FusionTool* tool)
 {
     tool->computing = true; // nothing else until the dialog has gone
-    const FusionOutcome outcome = FuseResult(tool);
-    if (outcome != FusionOutcome::Done) // it has told of them, but not that OK needs them
+    const Outcome outcome = FuseResult(tool);
+    if (outcome != Outcome::Done) // it has told of them, but not that OK needs them
         tool->told.assign(tool->told.size(), false);
     TellUnusable(tool);
-    if (outcome != FusionOutcome::Done)
+    if (outcome != Outcome::Done)
     {
         MessageBeep(MB_ICONHAND);
         GiveUpTool(*tool->host, dlg);

@@ -47,7 +47,7 @@ static CBxRect<int> VisiblePart(const SmartContrastTool& tool)
 static void Show(SmartContrastTool* tool, const CBxRect<int>& visible)
 {
     SBxPicBuf* preview = tool->host->document->preview.Record();
-    if (!RecomposeSmartContrast(preview, &tool->model, visible))
+    if (RecomposeSmartContrast(preview, &tool->model, visible) == Outcome::Done)
         SendMessageW(tool->host->frame, WM_APP_PREVIEW_READY, 0, 0);
 }
 
@@ -148,7 +148,7 @@ static bool Prepare(SmartContrastTool* tool)
     Document* document = tool->host->document;
     ReadSettings(SettingGroup::LevelsOfDetail);
     return PrepareToolPictures(document) &&
-           !OpenSmartContrast(&tool->model, document->source, g_settings);
+           OpenSmartContrast(&tool->model, document->source, g_settings) == Outcome::Done;
 }
 
 void OpenSmartContrastDialog(const ToolHost& host)

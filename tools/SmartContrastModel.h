@@ -20,10 +20,10 @@ struct SmartContrastModel
     CBxRect<int> madePart = {}; // and where that is; empty before the first time
 };
 
-// Takes the picture apart and starts from the stored numbers. True when memory is short: the model
+// Takes the picture apart and starts from the stored numbers. Fails when memory is short: the model
 // is released then.
-[[nodiscard]] bool OpenSmartContrast(SmartContrastModel* model, const SBxPicBuf& picture,
-                                     const ToolNumbers& stored);
+Outcome OpenSmartContrast(SmartContrastModel* model, const SBxPicBuf& picture,
+                          const ToolNumbers& stored);
 
 // Frees pictures and planes; copes with a half-opened model.
 void ReleaseSmartContrast(SmartContrastModel* model);
@@ -41,10 +41,10 @@ bool HasSmartContrast(const SmartContrastModel& model, const CBxRect<int>& part)
 
 // Puts a part of the picture together with the sliders' numbers: at least what is visible, and
 // somewhat more, so that a short way of panning does without. What is put together is as in the
-// whole picture; the rest of `out` is left as it is. True, with `out` untouched, when it has not
+// whole picture; the rest of `out` is left as it is. Fails, with `out` untouched, when it has not
 // the geometry of the picture that was opened.
-[[nodiscard]] bool RecomposeSmartContrast(SBxPicBuf* out, SmartContrastModel* model,
-                                          const CBxRect<int>& visible);
+Outcome RecomposeSmartContrast(SBxPicBuf* out, SmartContrastModel* model,
+                               const CBxRect<int>& visible);
 
 // The whole of it into the same `out`, unless that has been done: what OK keeps.
-[[nodiscard]] bool CompleteSmartContrast(SBxPicBuf* out, SmartContrastModel* model);
+Outcome CompleteSmartContrast(SBxPicBuf* out, SmartContrastModel* model);

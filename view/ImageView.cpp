@@ -28,7 +28,7 @@ static CBxPicMap MapOfDisplay(const ImageView& view)
 void ReleaseImageView(ImageView* view)
 {
     ForgetViewPicture(view);
-    CBxPicBufAPI::Init(&view->display); // a wrapper
+    view->display = {}; // a wrapper
 }
 
 CBxRect<int> ViewAreaOf(int clientHeight, int toolbarClientHeight, int dockerLeft)
@@ -137,12 +137,12 @@ static bool RenderAlpha(ImageView* view, const CBxPicMap& map)
     return false;
 }
 
-static SBxPicBuf* CacheOf(ImageView* view, ViewShows which)
+static Picture* CacheOf(ImageView* view, ViewShows which)
 {
     switch (which)
     {
-    case ViewShows::Source: return view->sourceCache.Record();
-    case ViewShows::Result: return view->resultCache.Record();
+    case ViewShows::Source: return &view->sourceCache;
+    case ViewShows::Result: return &view->resultCache;
     default: return nullptr;
     }
 }
@@ -186,19 +186,19 @@ bool VcRenderView(ImageView* view, ViewRebuild rebuild, const SBxPicBuf* picture
     if (rebuild == ViewRebuild::CopyOnly)
         return CopyRendered(*view);
 
-    SBxPicBuf* cache = CacheOf(view, which);
+    Picture* cache = CacheOf(view, which);
     bool failed = false;
     if (cache && rebuild == ViewRebuild::Rebuild)
-        failed = RebuildViewCache(cache, picture, 3);
+        failed = RebuildViewCache(cache, picture, 3) != Outcome::Done;
     bool withAlpha = cache && HasPixels(alpha);
     // A caller may show the alpha plane for the first time while keeping the picture.
     if (withAlpha && (rebuild == ViewRebuild::Rebuild || view->alphaCache.Empty()))
-        withAlpha = !RebuildViewCache(view->alphaCache.Record(), alpha, 1);
+        withAlpha = RebuildViewCache(&view->alphaCache, alpha, 1) == Outcome::Done;
     if (!draw)
         return failed;
-    if (RenderPicture(view, cache, withAlpha))
+    if (RenderPicture(view, cache ? cache->Record() : nullptr, withAlpha))
         return true;
-    return cache && !cache->data;
+    return cache && cache->Empty();
 }
 
 void UpdatePointPositions(ImageView* view)

@@ -20,7 +20,7 @@ constexpr Lods kUnchanged = {10, 10, 10, 10, 10, 10, 10, 10};
 TestPicture SmartContrast(const TestPicture& in, const Lods& lod)
 {
     TestPicture out = TestPicture::Like(in);
-    EXPECT_FALSE(SmartContrastPicture(out.Record(), in, lod, {}));
+    EXPECT_EQ(SmartContrastPicture(out.Record(), in, lod, {}), Outcome::Done);
     return out;
 }
 
@@ -113,10 +113,10 @@ TEST(Recompose, FollowsTheFormulas)
     {
         const TestPicture scene = ScenePicture(size[0], size[1], 1, 16, 0);
         LevelsOfDetail record;
-        ASSERT_FALSE(Decompose(&record, scene, 2));
+        ASSERT_EQ(Decompose(&record, scene, 2), Outcome::Done);
         const float gains[kDetailLevels] = {1.7f, 0.2f};
         TestPicture result(size[0], size[1], 1, 16);
-        ASSERT_FALSE(Recompose(result.Record(), &record, gains));
+        ASSERT_EQ(Recompose(result.Record(), &record, gains), Outcome::Done);
         const ReferencePlane expected = Recomposed(ComponentOf(scene, 0), 0, record.levels, gains);
         for (int y = 0; y < size[1]; ++y)
             for (int x = 0; x < size[0]; ++x)
@@ -135,9 +135,9 @@ TEST(Recompose, OfARegionGivesThePixelsOfTheWhole)
         {
             const TestPicture scene = ScenePicture(w, h, components, 16, 0);
             LevelsOfDetail record;
-            ASSERT_FALSE(Decompose(&record, scene, kDetailLevels));
+            ASSERT_EQ(Decompose(&record, scene, kDetailLevels), Outcome::Done);
             TestPicture whole = TestPicture::Like(scene);
-            ASSERT_FALSE(Recompose(whole.Record(), &record, gains));
+            ASSERT_EQ(Recompose(whole.Record(), &record, gains), Outcome::Done);
             const CBxRect<int> regions[] = {{0, 0, 1, 1},         {w - 1, h - 1, w, h},
                                             {0, h - 6, 7, h},     {w / 2 - 1, 3, w / 2, 4},
                                             {5, 3, w - 4, h - 1}, {-9, -9, w + 9, h / 2},
@@ -148,13 +148,13 @@ TEST(Recompose, OfARegionGivesThePixelsOfTheWhole)
                 // The planes hold what other numbers have left.
                 const float others[kDetailLevels] = {0.1f, 3.0f, 0.5f, 2.0f, 0.3f};
                 TestPicture out = TestPicture::Like(scene), expected = TestPicture::Like(scene);
-                ASSERT_FALSE(Recompose(out.Record(), &record, others));
+                ASSERT_EQ(Recompose(out.Record(), &record, others), Outcome::Done);
                 CBxPicBufAPI::SetConst(out.Record(), 3);
                 CBxPicBufAPI::SetConst(expected.Record(), 3);
                 const CBxPoint<int> at = {std::max(r.left, 0), std::max(r.top, 0)};
                 CBxPicBufAPI::CopyRect(expected.Record(), whole, at, at,
                                        {std::min(r.right, w) - at.x, std::min(r.bottom, h) - at.y});
-                ASSERT_FALSE(RecomposeRegion(out.Record(), &record, gains, r));
+                ASSERT_EQ(RecomposeRegion(out.Record(), &record, gains, r), Outcome::Done);
                 SCOPED_TRACE(testing::Message()
                              << w << "x" << h << ": " << r.left << ", " << r.top);
                 ExpectSamePicture(out, expected);
@@ -166,17 +166,20 @@ TEST(Recompose, RefusesAnotherGeometry)
 {
     const TestPicture scene = ScenePicture(32, 30, 3, 8, 0);
     LevelsOfDetail record;
-    ASSERT_FALSE(Decompose(&record, scene, 1));
+    ASSERT_EQ(Decompose(&record, scene, 1), Outcome::Done);
     EXPECT_EQ(record.levels, 1) << "never more than asked for";
     const float gains[kDetailLevels] = {};
     TestPicture others[] = {{32, 30, 1, 8}, {31, 30, 3, 8}, {32, 31, 3, 8}, {32, 30, 3, 16}};
     for (TestPicture& other : others)
-        EXPECT_TRUE(Recompose(other.Record(), &record, gains) &&
-                    RecomposeRegion(other.Record(), &record, gains, {0, 0, 1, 1}));
+    {
+        EXPECT_EQ(Recompose(other.Record(), &record, gains), Outcome::Failed);
+        EXPECT_EQ(RecomposeRegion(other.Record(), &record, gains, {0, 0, 1, 1}), Outcome::Failed);
+    }
     ReleaseLevelsOfDetail(&record);
     ReleaseLevelsOfDetail(&record);
     TestPicture same(32, 30, 3, 8);
-    EXPECT_TRUE(Recompose(same.Record(), &record, gains)) << "nothing left to put together";
+    EXPECT_EQ(Recompose(same.Record(), &record, gains), Outcome::Failed)
+        << "nothing left to put together";
 }
 
 TEST(ToInteger, RoundsClampsAndStretches)
@@ -208,7 +211,7 @@ TEST(SmartContrast, WorksInPlaceAndCountsItsSteps)
     RunControl control;
     control.progress = [&](int n) { steps += n; };
     TestPicture inPlace = ScenePicture(120, 75, 3, 8, 1);
-    ASSERT_FALSE(SmartContrastPicture(inPlace.Record(), inPlace, lod, control));
+    ASSERT_EQ(SmartContrastPicture(inPlace.Record(), inPlace, lod, control), Outcome::Done);
     ExpectSamePicture(inPlace, SmartContrast(scene, lod));
     EXPECT_EQ(steps, 3 * kSmartContrastSteps);
     VcLimitThreads(1);
@@ -233,7 +236,7 @@ TEST(SmartContrast, GivesTheSameBitsOnEveryBuild)
         ForEachVariant(
             [&]
             {
-                if (&VcFusionKernels() == VcFusionKernelsOf(FusionVariant::Plain))
+                if (InstructionSetInUse() == InstructionSet::Plain)
                     return;
                 for (const int threads : {1, 3, 0})
                 {
@@ -254,12 +257,14 @@ TEST(SmartContrast, StopsBetweenLevels)
         int polls = 0;
         RunControl control;
         control.cancelled = [&] { return polls++ >= allowed; };
-        EXPECT_TRUE(SmartContrastPicture(out.Record(), scene, kUnchanged, control));
+        EXPECT_EQ(SmartContrastPicture(out.Record(), scene, kUnchanged, control),
+                  Outcome::Cancelled);
         EXPECT_EQ(polls, allowed + 1) << "nothing is asked or done after a stop";
 
         LevelsOfDetail record;
         polls = 0;
-        EXPECT_EQ(Decompose(&record, scene, 3, control), allowed < 9);
+        EXPECT_EQ(Decompose(&record, scene, 3, control),
+                  allowed < 9 ? Outcome::Cancelled : Outcome::Done);
         EXPECT_EQ(record.laplace[0][0] == nullptr, allowed < 9);
     }
 }

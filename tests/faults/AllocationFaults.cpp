@@ -88,18 +88,18 @@ static TestPicture* g_large;
 static TempFolder* g_folder;
 
 // What a scenario leaves: its result as one number, and whether it said that it failed.
-struct Outcome
+struct Ending
 {
     bool failed;
     uint64_t hash;
 };
 
-static Outcome Of(bool failed, const TestPicture& result)
+static Ending Of(bool failed, const TestPicture& result)
 {
     return {failed, failed ? 0 : HashOf(result)};
 }
 
-static Outcome FusePictures(const SBxPicBuf& picture)
+static Ending FusePictures(const SBxPicBuf& picture)
 {
     TestPicture result = TestPicture::Like(picture);
     const bool failed = Try(
@@ -119,7 +119,7 @@ static Outcome FusePictures(const SBxPicBuf& picture)
     return Of(failed, result);
 }
 
-static Outcome FuseFiles(bool whole)
+static Ending FuseFiles(bool whole)
 {
     FusionSources sources;
     std::vector<std::string> paths;
@@ -129,7 +129,7 @@ static Outcome FuseFiles(bool whole)
     OpenFusionSources(&sources, paths, *g_colour, 1 << 24);
     TestPicture result = TestPicture::Like(*g_colour);
     const FusionTask task = {{0, 0, (*g_colour)->width, (*g_colour)->height}, 9, 100};
-    const FusionOutcome outcome = Try(
+    const Outcome outcome = Try(
         [&]
         {
             return whole ? FuseWhole(result.Record(), &sources, task)
@@ -138,18 +138,18 @@ static Outcome FuseFiles(bool whole)
     // Those that are left out are named to the user; a lack of memory is not the fault of a file.
     const bool blamed = std::any_of(sources.problems.begin(), sources.problems.end(),
                                     [](SourceProblem p) { return p != SourceProblem::None; });
-    Outcome made = Of(outcome != FusionOutcome::Done, result);
+    Ending made = Of(outcome != Outcome::Done, result);
     made.hash += blamed ? 1 : 0; // neither nothing nor the right result
     return made;
 }
 
-static Outcome MakeSeries()
+static Ending MakeSeries()
 {
     uint64_t hash = 0;
     const SeriesSink sink = [&](int, const SBxPicBuf& picture, const char*)
     {
         hash = hash * 31 + HashOf(picture);
-        return false;
+        return Outcome::Done;
     };
     SeriesControl control;
     control.denoiseThreads = 1;
@@ -158,13 +158,13 @@ static Outcome MakeSeries()
     return {failed, failed ? 0 : hash};
 }
 
-static Outcome MakeVariants()
+static Ending MakeVariants()
 {
     uint64_t hash = 0;
     const SeriesSink sink = [&](int, const SBxPicBuf& picture, const char*)
     {
         hash = hash * 31 + HashOf(picture);
-        return false;
+        return Outcome::Done;
     };
     const bool failed = Try(
         [&]
@@ -175,7 +175,7 @@ static Outcome MakeVariants()
     return {failed, failed ? 0 : hash};
 }
 
-static Outcome WriteSeriesFiles()
+static Ending WriteSeriesFiles()
 {
     const TempFolder folder;
     SeriesRun run;
@@ -190,7 +190,7 @@ static Outcome WriteSeriesFiles()
     return {failed, failed ? 0 : run.files.size()};
 }
 
-static Outcome ToneMapColours()
+static Ending ToneMapColours()
 {
     TestPicture result = TestPicture::Like(*g_small);
     const ToneMapParams p = ToneMapParamsOf(DefaultNumbers().toneMap);
@@ -199,16 +199,16 @@ static Outcome ToneMapColours()
     return Of(outcome != kToneMapDone, result);
 }
 
-static Outcome ContrastColours()
+static Ending ContrastColours()
 {
     const int lod[kDetailLevels] = {20, 15, 10, 5, 10, 10, 10, 10};
     TestPicture result = TestPicture::Like(*g_colour);
-    const bool failed =
+    const Outcome outcome =
         Try([&] { return SmartContrastPicture(result.Record(), *g_colour, lod, {}); });
-    return Of(failed, result);
+    return Of(outcome != Outcome::Done, result);
 }
 
-static Outcome LoadFile(const char* name)
+static Ending LoadFile(const char* name)
 {
     TestPicture picture, alpha;
     const std::string path = g_folder->File(name);
@@ -220,14 +220,14 @@ static Outcome LoadFile(const char* name)
 static const std::string kOldFile = "what stood here before";
 
 // A failure must have left the old file.
-static Outcome OverFile(const std::string& path, bool failed)
+static Ending OverFile(const std::string& path, bool failed)
 {
     const Bytes bytes = ReadBytes(path);
     const std::string now(bytes.begin(), bytes.end());
     return {failed, failed && now == kOldFile ? 0 : uint64_t(std::hash<std::string>()(now))};
 }
 
-static Outcome SaveFile(FormatId format)
+static Ending SaveFile(FormatId format)
 {
     const std::string target = g_folder->File("target"), source = g_folder->File("source.jpg");
     const TestPicture none;
@@ -249,7 +249,7 @@ static Outcome SaveFile(FormatId format)
     return OverFile(target, !report.written);
 }
 
-static Outcome RunCommand(std::vector<std::string> arguments)
+static Ending RunCommand(std::vector<std::string> arguments)
 {
     const std::string target = g_folder->File("target.png");
     arguments.insert(arguments.end(),
@@ -263,7 +263,7 @@ static Outcome RunCommand(std::vector<std::string> arguments)
 struct Scenario
 {
     const char* name;
-    std::function<Outcome()> run;
+    std::function<Ending()> run;
 };
 
 static const Scenario kScenarios[] = {
@@ -310,7 +310,7 @@ static void Complain(const char* scenario, long point, const char* mode, const c
 }
 
 // One run with calls [from, to) failing. False when no call was reached that fails.
-static bool RunPoint(const Scenario& scenario, const Outcome& good, long from, long to)
+static bool RunPoint(const Scenario& scenario, const Ending& good, long from, long to)
 {
     const char* mode = to == from + 1 ? "" : to == from + 2 ? " and the next" : " and all after it";
     const int files = g_folder->FileCount();
@@ -319,7 +319,7 @@ static bool RunPoint(const Scenario& scenario, const Outcome& good, long from, l
     g_calls = 0;
     g_failFrom = from;
     g_failTo = to;
-    Outcome outcome = {true, 0};
+    Ending outcome = {true, 0};
     try
     {
         outcome = scenario.run();
@@ -367,7 +367,7 @@ int main(int argc, char** argv)
             continue;
         ResetTargets();
         scenario.run(); // what is made once and kept
-        const Outcome good = scenario.run();
+        const Ending good = scenario.run();
         if (good.failed)
             Complain(scenario.name, 0, "", "fails by itself");
         long point = 1;

@@ -237,7 +237,7 @@ TEST(Orientation, TurnsEverySampleOfALargePicture)
                              << orientation << ", " << components << ", " << bits);
                 const auto turn = turns[orientation - 2];
                 TestPicture picture = PictureOf(70, 45, components, bits, value);
-                ASSERT_TRUE(MakeUpright(picture.Record(), orientation));
+                ASSERT_EQ(MakeUpright(picture.Record(), orientation), Outcome::Done);
                 const TestPicture expected =
                     PictureOf(turn.sideways ? 45 : 70, turn.sideways ? 70 : 45, components, bits,
                               [&](int x, int y, int c)

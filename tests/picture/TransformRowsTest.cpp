@@ -3,6 +3,7 @@
 #include "base/ParallelRows.h"
 #include "picture/PicMap.h"
 #include "tests/support/TestPictures.h"
+#include "tests/support/Variants.h"
 
 #include <gtest/gtest.h>
 
@@ -16,21 +17,6 @@ using TransformFn = void (*)(SBxPicBuf*, const SBxPicBuf&, const CBxPicMap&);
 const TransformFn kTransforms[] = {CBxPicBufAPI::TransformConstantFast,
                                    CBxPicBufAPI::TransformBilinearFast,
                                    CBxPicBufAPI::TransformBicubicFast};
-
-template <typename Check>
-void ForEachTransformVariant(Check check)
-{
-    for (int i = 0; i < kTransformVariants; ++i)
-    {
-        const TransformRows* rows = VcTransformRowsOf(TransformVariant(i));
-        if (!rows)
-            continue;
-        SCOPED_TRACE(rows->name);
-        VcForceTransformRows(rows);
-        check();
-        VcForceTransformRows(nullptr);
-    }
-}
 
 // The area's middle shows this place of the picture.
 CBxPicMap MapTo(int width, int height, double scale, double centreX, double centreY,
@@ -100,10 +86,10 @@ TEST(TransformVariants, GiveTheSameBits)
             {
                 const TestPicture source = Noise(width, 8, 3, 8);
                 const CBxPicMap map = MapTo(101, 33, scale, width * 0.5 + 0.21, 4.3);
-                VcForceTransformRows(VcTransformRowsOf(TransformVariant::Plain));
+                ForceInstructionSet(InstructionSet::Plain);
                 const TestPicture expected = Transformed(source, transform, 101, 33, map);
                 SCOPED_TRACE(testing::Message() << width << " wide, scale " << scale);
-                ForEachTransformVariant(
+                ForEachVariant(
                     [&]
                     { ExpectSamePicture(Transformed(source, transform, 101, 33, map), expected); });
             }
@@ -123,7 +109,7 @@ TEST(Transforms, GiveTheSameBitsOnEveryBuild)
     for (const auto& c : cases)
     {
         const TestPicture source = Noise(133, 91, c.components, c.bits);
-        ForEachTransformVariant(
+        ForEachVariant(
             [&]
             {
                 uint64_t hash = 0;
@@ -162,7 +148,7 @@ TEST(TransformVariants, FollowTheFiltersDefinition)
                     const TestPicture source = Noise(300, 240, components, bits);
                     const CBxPicMap map = MapTo(90, 70, scale, 150.3, 120.1);
                     const double* to = map.Inverse();
-                    ForEachTransformVariant(
+                    ForEachVariant(
                         [&, transform = transform, kernel = kernel]
                         {
                             const TestPicture area = Transformed(source, transform, 90, 70, map);

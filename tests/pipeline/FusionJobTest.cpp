@@ -143,7 +143,7 @@ TEST(FusionJob, GivesWhatTheEngineGivesForThatRegionOfThoseSources)
         TestPicture result = series.Blank(region);
         ASSERT_EQ(
             FuseRegion(result.Record(), &series.sources, {region, test.sources, 110}, nullptr),
-            FusionOutcome::Done);
+            Outcome::Done);
         // Sums of floats in another order, but for one thread: never more than the next step.
         const double tolerance = test.sources < 5 ? 0 : test.bits == 8 ? 1 : 2;
         ExpectSamePicture(result, series.FusedByHand(region, UpTo(test.sources), 110), tolerance);
@@ -151,7 +151,7 @@ TEST(FusionJob, GivesWhatTheEngineGivesForThatRegionOfThoseSources)
         std::vector<int> told;
         ASSERT_EQ(FuseWhole(whole.Record(), &series.sources, {{}, test.sources, 110},
                             [&](int source) { told.push_back(source); }),
-                  FusionOutcome::Done);
+                  Outcome::Done);
         EXPECT_EQ(told, UpTo(test.sources));
         ExpectSamePicture(whole, series.FusedByHand(kWholePicture, UpTo(test.sources), 110));
     }
@@ -167,7 +167,7 @@ TEST(FusionJob, LeavesOutWhatCannotBeUsedAndNamesIt)
         series.folder.Write("photo" + std::to_string(i) + ".tif", {1, 2, 3});
     TestPicture result = series.Blank(kWholePicture);
     ASSERT_EQ(FuseRegion(result.Record(), &series.sources, {kWholePicture, 9, 100}, nullptr),
-              FusionOutcome::Done);
+              Outcome::Done);
     ExpectSamePicture(result, series.FusedByHand(kWholePicture, {1, 3, 5}, 100), 1);
     const auto none = SourceProblem::None, unreadable = SourceProblem::Unreadable,
                different = SourceProblem::Different;
@@ -182,17 +182,16 @@ TEST(FusionJob, FailsWithoutTouchingTheResult)
     const TestPicture before = series.Blank(kWholePicture);
     TestPicture result = series.Blank(kWholePicture);
     const CBxRect<int> narrow = {0, 0, kFusionMinSide - 1, kHeight};
-    EXPECT_EQ(FuseRegion(result.Record(), &series.sources, {{}, 2, 100}, nullptr),
-              FusionOutcome::Failed);
+    EXPECT_EQ(FuseRegion(result.Record(), &series.sources, {{}, 2, 100}, nullptr), Outcome::Failed);
     EXPECT_EQ(FuseRegion(result.Record(), &series.sources, {narrow, 2, 100}, nullptr),
-              FusionOutcome::Failed);
+              Outcome::Failed);
     EXPECT_EQ(FuseRegion(result.Record(), &series.sources, {kWholePicture, 0, 100}, nullptr),
-              FusionOutcome::Failed);
+              Outcome::Failed);
     for (const std::string& path : series.paths)
         std::filesystem::remove(path);
     EXPECT_EQ(FuseRegion(result.Record(), &series.sources, {kWholePicture, 2, 100}, nullptr),
-              FusionOutcome::Failed);
-    EXPECT_EQ(FuseWhole(result.Record(), &series.sources, {{}, 2, 100}), FusionOutcome::Failed);
+              Outcome::Failed);
+    EXPECT_EQ(FuseWhole(result.Record(), &series.sources, {{}, 2, 100}), Outcome::Failed);
     ExpectSamePicture(result, before);
 }
 
@@ -203,16 +202,16 @@ TEST(FusionJob, StopsBetweenSourcesWhenItIsOutdated)
     int asked = 0;
     const auto afterTwo = [&asked] { return ++asked > 2; };
     EXPECT_EQ(FuseRegion(result.Record(), &series.sources, {kWholePicture, 4, 100}, afterTwo),
-              FusionOutcome::Outdated);
+              Outcome::Cancelled);
     EXPECT_EQ(series.sources.filesRead, 2);
     ExpectSamePicture(result, series.Blank(kWholePicture));
 
     Series large(12);
     EXPECT_EQ(
         FuseRegion(result.Record(), &large.sources, {kWholePicture, 12, 100}, [] { return true; }),
-        FusionOutcome::Outdated);
+        Outcome::Cancelled);
     EXPECT_EQ(FuseRegion(result.Record(), &large.sources, {kWholePicture, 12, 100}, nullptr),
-              FusionOutcome::Done);
+              Outcome::Done);
 }
 
 // Numbers as text are read letter by letter: a picture of other size that takes a tenth of a second
@@ -237,7 +236,7 @@ TEST(FusionJob, AsksAndStopsWhileOthersAreWaitedFor)
     int asked = 0;
     EXPECT_EQ(FuseRegion(result.Record(), &series.sources, {kWholePicture, 12, 100},
                          [&asked] { return ++asked > 4; }),
-              FusionOutcome::Outdated);
+              Outcome::Cancelled);
     EXPECT_LT(series.sources.filesRead, 12);
     ExpectSamePicture(result, series.Blank(kWholePicture));
 }
@@ -252,9 +251,9 @@ TEST(FusionSources, AreReadOnceHoweverOftenAndWhereTheyAreLookedAt)
     for (const unsigned mid : {60u, 100u, 140u})
     {
         EXPECT_EQ(FuseRegion(part.Record(), &series.sources, {region, 5, mid}, nullptr),
-                  FusionOutcome::Done);
+                  Outcome::Done);
         ExpectSamePicture(part, series.FusedByHand(region, UpTo(5), mid), 1);
-        EXPECT_EQ(FuseWhole(whole.Record(), &series.sources, {{}, 5, mid}), FusionOutcome::Done);
+        EXPECT_EQ(FuseWhole(whole.Record(), &series.sources, {{}, 5, mid}), Outcome::Done);
     }
     EXPECT_EQ(series.sources.filesRead, 4); // the first was there
 }
@@ -268,7 +267,7 @@ TEST(FusionSources, KeepRegionsWhenWholePicturesDoNotFit)
     const auto fuse = [&](const CBxRect<int>& where)
     {
         EXPECT_EQ(FuseRegion(part.Record(), &series.sources, {where, 4, 100}, nullptr),
-                  FusionOutcome::Done);
+                  Outcome::Done);
         EXPECT_LE(series.sources.keptBytes, series.sources.budget);
         ExpectSamePicture(part, series.FusedByHand(where, UpTo(4), 100));
         return series.sources.filesRead;
@@ -303,10 +302,46 @@ TEST(FusionSources, ServeRegionsOfAnySizeOneAfterTheOther)
     {
         TestPicture part = series.Blank(region);
         ASSERT_EQ(FuseRegion(part.Record(), &series.sources, {region, 9, 100}, nullptr),
-                  FusionOutcome::Done);
+                  Outcome::Done);
         EXPECT_EQ(series.sources.sums.size(), 3u) << "for the next preview";
         ExpectSamePicture(part, series.FusedByHand(region, UpTo(9), 100), 1);
     }
+}
+
+// Each source as the step leaves it, whichever way it takes: taken apart and kept, read anew for
+// every preview, or as a whole.
+TEST(FusionSources, GoThroughTheStepBetweenReadingAndAdding)
+{
+    Series series(3);
+    const CBxRect<int> region = {10, 20, 90, 80};
+    const SourceStep shift = [](Picture* source, int number)
+    {
+        Picture moved = Picture::Like(*source);
+        CBxPicBufAPI::Copy(moved.Record(), *source);
+        CBxPicBufAPI::CopyRect(moved.Record(), *source, {0, 0}, {5 * number, number},
+                               {(*source)->width - 5 * number, (*source)->height - number});
+        *source = std::move(moved);
+        return Outcome::Done;
+    };
+    for (int i = 0; i < 3; ++i)
+        ASSERT_EQ(shift(&series.pictures[size_t(i)], i), Outcome::Done); // what is expected
+    for (const int64_t budget : {int64_t(1) << 30, int64_t(0)})
+    {
+        series.Open(budget);
+        series.sources.step = shift;
+        TestPicture part = series.Blank(region), whole = series.Blank(kWholePicture);
+        ASSERT_EQ(FuseRegion(part.Record(), &series.sources, {region, 3, 100}, nullptr),
+                  Outcome::Done);
+        ExpectSamePicture(part, series.FusedByHand(region, UpTo(3), 100));
+        ASSERT_EQ(FuseWhole(whole.Record(), &series.sources, {{}, 3, 100}), Outcome::Done);
+        ExpectSamePicture(whole, series.FusedByHand(kWholePicture, UpTo(3), 100));
+    }
+    series.sources.step = [](Picture*, int) { return Outcome::Failed; };
+    series.Open(0);
+    TestPicture part = series.Blank(region);
+    EXPECT_EQ(FuseRegion(part.Record(), &series.sources, {region, 3, 100}, nullptr),
+              Outcome::Failed)
+        << "short memory leaves no source out";
 }
 
 TEST(FusionSources, FollowTheirFiles)
@@ -321,7 +356,7 @@ TEST(FusionSources, FollowTheirFiles)
         SCOPED_TRACE(step);
         TestPicture part = series.Blank(region);
         EXPECT_EQ(FuseRegion(part.Record(), &series.sources, {region, 2, 100}, nullptr),
-                  FusionOutcome::Done);
+                  Outcome::Done);
         ExpectSamePicture(part, series.FusedByHand(region, which, 100));
         const std::vector<SourceProblem> problems = {
             none, which.size() == 2 ? none : SourceProblem::Unreadable};

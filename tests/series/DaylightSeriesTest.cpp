@@ -128,7 +128,7 @@ TEST(DaylightKeys, FromTheHistogramAreThoseOfThePixels)
                 {
                     fromPixels.push_back(BrightnessKey(picture));
                     names.push_back(name);
-                    return false;
+                    return Outcome::Done;
                 };
                 EXPECT_EQ(MakeDaylightSeries(scene, mode, sink, {}), fromPixels);
                 EXPECT_EQ(DaylightKeys(scene, mode), fromPixels);
@@ -150,7 +150,7 @@ TEST(DaylightSeries, ShowsItsProgressAndStopsWhenAsked)
         const SeriesSink sink = [&](int, const SBxPicBuf&, const char*)
         {
             ++made;
-            return false;
+            return Outcome::Done;
         };
         EXPECT_EQ(MakeDaylightSeries(grey, DaylightMode::Up, sink, control).size(), 2u);
         EXPECT_EQ(made, 3) << "the last one is made, but does not count";
@@ -165,6 +165,6 @@ TEST(DaylightSeries, ShowsItsProgressAndStopsWhenAsked)
     EXPECT_EQ(DaylightPercent(37), 97);
     EXPECT_EQ(DaylightPercent(38), 100);
     const SeriesSink refusing = [](int number, const SBxPicBuf&, const char*)
-    { return number == 5; };
+    { return FailedIf(number == 5); };
     EXPECT_EQ(MakeDaylightSeries(grey, DaylightMode::Down, refusing, {}).size(), 5u);
 }

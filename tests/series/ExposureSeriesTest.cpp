@@ -50,7 +50,7 @@ SeriesRun RunSeries(const TestPicture& source, unsigned noiseLevel, StopBy by = 
         run.pictures.push_back(TestPicture::Like(picture));
         CBxPicBufAPI::Copy(run.pictures.back().Record(), picture);
         reached = reached || number == when;
-        return reached && by == StopBy::Sink;
+        return FailedIf(reached && by == StopBy::Sink);
     };
     run.count = MakeExposureSeries(source, noiseLevel, sink, control);
     return run;
@@ -156,7 +156,7 @@ TEST(ExposureSeries, HandsOnAPictureWhoseDenoisingWasStopped)
         if (number == 2)
             ExpectSamePicture(picture, stretched);
         ++made;
-        return false;
+        return Outcome::Done;
     };
     EXPECT_EQ(MakeExposureSeries(grainy, 1, sink, control), 2);
     EXPECT_EQ(made, 3);

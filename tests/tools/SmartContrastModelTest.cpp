@@ -25,7 +25,7 @@ struct OpenModel
 
     explicit OpenModel(const TestPicture& picture, const Lods& lod = kUnchanged)
     {
-        EXPECT_FALSE(OpenSmartContrast(&model, picture, NumbersOf(lod)));
+        EXPECT_EQ(OpenSmartContrast(&model, picture, NumbersOf(lod)), Outcome::Done);
     }
     ~OpenModel() { ReleaseSmartContrast(&model); }
 };
@@ -33,7 +33,8 @@ struct OpenModel
 TestPicture Recomposed(SmartContrastModel* model, const TestPicture& like)
 {
     TestPicture out(like->width, like->height, like->components, like->bitsPerComponent);
-    EXPECT_FALSE(RecomposeSmartContrast(out.Record(), model, {0, 0, out->width, out->height}));
+    EXPECT_EQ(RecomposeSmartContrast(out.Record(), model, {0, 0, out->width, out->height}),
+              Outcome::Done);
     return out;
 }
 
@@ -102,7 +103,7 @@ TEST(SmartContrastModel, GivesTheSamePictureAsTheWholeJobAsOftenAsASliderMoves)
             {
                 open.model.numbers = NumbersOf(lod);
                 TestPicture whole(61, 47, components, bits);
-                ASSERT_FALSE(SmartContrastPicture(whole.Record(), photo, lod, {}));
+                ASSERT_EQ(SmartContrastPicture(whole.Record(), photo, lod, {}), Outcome::Done);
                 ExpectSamePicture(Recomposed(&open.model, photo), whole);
                 EXPECT_TRUE(HasSmartContrast(open.model, {0, 0, 61, 47}));
             }
@@ -117,7 +118,7 @@ TEST(SmartContrastModel, PutsTogetherWhatIsVisibleAndTheRestInTheEnd)
     const Lods lod = {25, 3, 14, 8, 22, 10, 10, 10};
     OpenModel open(photo, lod);
     TestPicture whole(301, 203, 3, 8), shown = FlatPicture(301, 203, 8, {7, 7, 7});
-    ASSERT_FALSE(SmartContrastPicture(whole.Record(), photo, lod, {}));
+    ASSERT_EQ(SmartContrastPicture(whole.Record(), photo, lod, {}), Outcome::Done);
     ImageView view;
     view.area = {0, 30, 80, 90}; // shows 80 x 60 pixels
     const CBxPoint<double> centres[] = {{0, 100},     {150.5, 100}, {290, 100}, {290, 0},
@@ -133,7 +134,7 @@ TEST(SmartContrastModel, PutsTogetherWhatIsVisibleAndTheRestInTheEnd)
         EXPECT_GE(visible.bottom, std::min(y + 32, 203.0));
         EXPECT_FALSE(HasSmartContrast(open.model, visible));
         CBxPicBufAPI::SetConst(shown.Record(), 7);
-        ASSERT_FALSE(RecomposeSmartContrast(shown.Record(), &open.model, visible));
+        ASSERT_EQ(RecomposeSmartContrast(shown.Record(), &open.model, visible), Outcome::Done);
         const CBxRect<int> near = {std::max(visible.left - 4, 0), std::max(visible.top - 4, 0),
                                    std::min(visible.right + 4, 301),
                                    std::min(visible.bottom + 4, 203)};
@@ -148,7 +149,7 @@ TEST(SmartContrastModel, PutsTogetherWhatIsVisibleAndTheRestInTheEnd)
                     << column << ", " << row;
             }
     }
-    ASSERT_FALSE(CompleteSmartContrast(shown.Record(), &open.model));
+    ASSERT_EQ(CompleteSmartContrast(shown.Record(), &open.model), Outcome::Done);
     ExpectSamePicture(shown, whole);
 }
 

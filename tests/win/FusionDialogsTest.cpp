@@ -90,7 +90,7 @@ protected:
             paths.push_back(folder.File("source" + std::to_string(i) + ".tif"));
         OpenFusionSources(&series, paths, FrameDocument().source, int64_t(1) << 30);
         TestPicture result(kWidth, kHeight, 3, 8);
-        EXPECT_EQ(FuseWhole(result.Record(), &series, {{}, sources, mid}), FusionOutcome::Done);
+        EXPECT_EQ(FuseWhole(result.Record(), &series, {{}, sources, mid}), Outcome::Done);
         return result;
     }
 
