@@ -17,6 +17,8 @@
 
 #include <commctrl.h>
 
+#include <vector>
+
 // The dialog of a tool that has made its result stays open until its pictures go to something else.
 static void CloseFinishedTool()
 {
@@ -201,54 +203,33 @@ struct HandlerRow
     void (*run)();
 };
 
+#define COMMAND(id, handler, ...) {id, handler},
 static const HandlerRow kHandlers[] = {
-    {ID_FILE_OPEN, OnOpen},
-    {ID_FILE_SAVEAS, OnSaveAs},
-    {ID_FILE_CLOSE, OnClose},
-    {IDM_EXIT, OnExit},
-    {IDM_ABOUT, OnAbout},
-    {ID_OPTIONS, OnOptions},
-    {ID_HELP_CONTENTS, OnHelp},
-    {ID_ZOOM_IN, OnZoomIn},
-    {ID_ZOOM_OUT, OnZoomOut},
-    {ID_ZOOM_100, OnZoom100},
-    {ID_ZOOM_FIT, OnZoomFit},
-    {ID_MENU_BUTTON, PopUpCommandMenu},
-    {ID_SWITCH_VIEW, SwitchView},
-    {ID_SOURCE_PREV, ShowPreviousSource},
-    {ID_SOURCE_NEXT, ShowNextSource},
-    {ID_MULTI_IMAGE, StartMultiImage},
-    {ID_SINGLE_LIGHT, StartSingleImage},
-    {ID_DAYLIGHT_UP, StartDaylightUp},
-    {ID_DAYLIGHT_DOWN, StartDaylightDown},
-    {ID_SMART_CONTRAST, StartSmartContrast},
-    {ID_TONE_MAPPING, StartToneMapping},
+#include "app/Commands.inl"
 };
-
-static const HandlerRow* FindHandler(int id)
-{
-    for (const HandlerRow& row : kHandlers)
-        if (row.id == id)
-            return &row;
-    return nullptr;
-}
-
-bool HasHandler(int id)
-{
-    return id == ID_ZOOM_COMBO || FindHandler(id);
-}
+#undef COMMAND
 
 LRESULT RunCommand(HWND, int id, int notification)
 {
-    if (id == ID_ZOOM_COMBO)
-    {
-        if (notification == CBN_SELCHANGE)
-            OnZoomPreset();
+    if (!IsCommandEnabled(FrameCommands(), id) ||
+        (id == ID_ZOOM_COMBO && notification != CBN_SELCHANGE))
         return 0;
-    }
-    if (!IsCommandEnabled(FrameCommands(), id))
-        return 0;
-    if (const HandlerRow* row = FindHandler(id))
-        row->run();
+    for (const HandlerRow& row : kHandlers)
+        if (row.id == id)
+            row.run();
     return 0;
+}
+
+HACCEL CreateCommandKeys()
+{
+    const BYTE kinds[] = {0, FVIRTKEY, FVIRTKEY | FCONTROL, 0, FALT}; // of CommandKey::Kind
+    std::vector<ACCEL> keys;
+    for (int i = 0; i < kCommandCount; ++i)
+    {
+        const CommandKey& key = kCommands[i].key;
+        if (key.kind != CommandKey::None)
+            keys.push_back(
+                {BYTE(FNOINVERT | kinds[key.kind]), WORD(key.code), WORD(kCommands[i].id)});
+    }
+    return CreateAcceleratorTableW(keys.data(), int(keys.size()));
 }

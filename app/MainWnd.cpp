@@ -145,12 +145,8 @@ static LRESULT OnCommand(HWND frame, WPARAM wParam, LPARAM)
 static LRESULT OnNotify(HWND frame, WPARAM wParam, LPARAM lParam)
 {
     NMHDR* header = reinterpret_cast<NMHDR*>(lParam);
-    if (header->code == TTN_GETDISPINFOW && header->idFrom >= ID_FILE_OPEN &&
-        header->idFrom <= ID_TONE_MAPPING)
-    {
-        GiveTooltip(header);
+    if (header->code == TTN_GETDISPINFOW && GiveTooltip(header))
         return 0;
-    }
     return DefWindowProcW(frame, WM_NOTIFY, wParam, lParam);
 }
 

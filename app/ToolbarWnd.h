@@ -23,5 +23,5 @@ void SelectInitialZoom();
 // Runs the menu at the button; the command chosen arrives at the frame as WM_COMMAND.
 void PopUpCommandMenu();
 
-// Answers TTN_GETDISPINFOW.
-void GiveTooltip(NMHDR* request);
+// Answers TTN_GETDISPINFOW; false for what has no tooltip.
+bool GiveTooltip(NMHDR* request);

@@ -65,6 +65,25 @@ TEST(CommandTable, KnowsEveryCommandOnce)
     EXPECT_FALSE(IsCommandEnabled(CommandStates(), 4242)) << "not a command";
 }
 
+TEST(CommandTable, HasRowsThatAgreeWithThemselves)
+{
+    std::set<std::pair<int, int>> keys;
+    std::set<std::wstring> images;
+    for (int i = 0; i < kCommandCount; ++i)
+    {
+        const FrameCommand& row = kCommands[i];
+        SCOPED_TRACE(row.id);
+        EXPECT_EQ(row.menu != MenuPlace::None, row.menuText != kNoText);
+        EXPECT_TRUE(row.toolbar != ToolbarPlace::None ||
+                    (!row.image && row.tooltipText == kNoText));
+        EXPECT_TRUE(!row.image || images.insert(row.image).second);
+        EXPECT_TRUE(row.key.kind == CommandKey::None ||
+                    keys.insert({row.key.kind, row.key.code}).second);
+        const std::wstring named = std::wstring(L"\tCtrl+") + wchar_t(row.key.code);
+        EXPECT_EQ(row.keys, row.key.kind == CommandKey::Control ? named : L"");
+    }
+}
+
 TEST(Docker, IsAPixelWiderThanItsWidestWindowAndEndsAPixelBeforeTheFrame)
 {
     const struct
