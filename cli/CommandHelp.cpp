@@ -1,4 +1,5 @@
-#include "cli/CommandLine.h"
+#include "cli/CommandHelp.h"
+
 #include "cli/ParameterOptions.h"
 
 #include <algorithm>

@@ -83,8 +83,6 @@ struct CommandTable
     int count;
 };
 
-const CommandTable& Commands();
-
 enum class ParsedAction
 {
     Run,
@@ -107,25 +105,3 @@ ParsedLine ParseCommandLine(const CommandTable& table, const std::vector<std::st
 
 // The whole text as a decimal number; anything else, spaces and a plus sign included, is none.
 bool ParseNumber(const std::string& text, long long* value);
-
-std::string ProgramHelp(const CommandTable& table);
-std::string CommandHelp(const CommandRow& command);
-
-// Parses, does what is asked and gives the exit code. Errors are one line on streams.err.
-int RunCommandLine(const std::vector<std::string>& arguments, const CliStreams& streams);
-
-// Writes the one line of a failure (file may be empty) and gives the exit code that goes with it.
-int Fail(const CliStreams& streams, const std::string& file, const std::string& reason);
-
-// The same for a command line whose parts do not go together.
-int FailUsage(const CliStreams& streams, const char* command, const std::string& reason);
-
-// The commands' own functions.
-int RunFuse(const CliOptions& options, const CliStreams& streams);
-int RunSample(const CliOptions& options, const CliStreams& streams);
-int RunSingle(const CliOptions& options, const CliStreams& streams);
-int RunDaylightUp(const CliOptions& options, const CliStreams& streams);
-int RunDaylightDown(const CliOptions& options, const CliStreams& streams);
-int RunToneMap(const CliOptions& options, const CliStreams& streams);
-int RunSmartContrast(const CliOptions& options, const CliStreams& streams);
-int RunSeries(const CliOptions& options, const CliStreams& streams);

@@ -1,6 +1,12 @@
-#include "cli/CommandLine.h"
+#include "cli/Commands.h"
 
+#include "cli/CommandHelp.h"
+#include "cli/Failure.h"
+#include "cli/FuseCommand.h"
+#include "cli/PhotoCommands.h"
 #include "cli/ResultFile.h"
+#include "cli/SampleCommand.h"
+#include "cli/SeriesCommand.h"
 #include "files/ImageFile.h"
 
 #include "base/ParallelRows.h"
@@ -151,18 +157,6 @@ const CommandTable& Commands()
 {
     static const CommandTable table = {kCommands, int(sizeof kCommands / sizeof *kCommands)};
     return table;
-}
-
-int Fail(const CliStreams& streams, const std::string& file, const std::string& reason)
-{
-    streams.err << "plenoviz-cli: " << file << (file.empty() ? "" : ": ") << reason << std::endl;
-    return kExitFailed;
-}
-
-int FailUsage(const CliStreams& streams, const char* command, const std::string& reason)
-{
-    Fail(streams, "", reason + "; see plenoviz-cli " + command + " --help");
-    return kExitUsage;
 }
 
 static int Run(const ParsedLine& line, const CliStreams& streams)

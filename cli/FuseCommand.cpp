@@ -1,9 +1,10 @@
+#include "cli/FuseCommand.h"
+
 #include "base/Stopwatch.h"
-#include "cli/CommandLine.h"
+#include "cli/Failure.h"
 #include "cli/Progress.h"
 #include "cli/ResultFile.h"
 
-#include "base/Stopwatch.h"
 #include "files/ImageFileText.h"
 #include "pipeline/DecodeSource.h"
 #include "pipeline/FusionFeed.h"

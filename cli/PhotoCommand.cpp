@@ -1,6 +1,6 @@
 #include "cli/PhotoCommand.h"
 
-#include "base/Stopwatch.h"
+#include "cli/Failure.h"
 #include "cli/Progress.h"
 #include "cli/ResultFile.h"
 

@@ -1,5 +1,7 @@
 // The commands on single photographs: what each of them computes.
 
+#include "cli/PhotoCommands.h"
+
 #include "cli/PhotoCommand.h"
 #include "cli/Progress.h"
 

@@ -1,4 +1,6 @@
-#include "cli/CommandLine.h"
+#include "cli/SampleCommand.h"
+
+#include "cli/Failure.h"
 #include "cli/Progress.h"
 
 #include "base/SystemFiles.h"

@@ -1,4 +1,6 @@
-#include "cli/CommandLine.h"
+#include "cli/SeriesCommand.h"
+
+#include "cli/Failure.h"
 #include "cli/Progress.h"
 #include "cli/ResultFile.h"
 #include "picture/Picture.h"

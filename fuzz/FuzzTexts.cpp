@@ -1,7 +1,8 @@
 #include "fuzz/FuzzTarget.h"
 
 #include "app/FileNames.h"
-#include "cli/CommandLine.h"
+#include "cli/CommandHelp.h"
+#include "cli/Commands.h"
 #include "text/LanguageFile.h"
 #include "text/Strings.h"
 #include "tools/Settings.h"

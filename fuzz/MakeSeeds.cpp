@@ -1,4 +1,4 @@
-#include "cli/CommandLine.h"
+#include "cli/Commands.h"
 #include "files/ExifBlock.h"
 #include "files/ImageFile.h"
 #include "text/LanguageFile.h"

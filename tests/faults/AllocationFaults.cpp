@@ -1,5 +1,5 @@
 #include "base/ParallelRows.h"
-#include "cli/CommandLine.h"
+#include "cli/Commands.h"
 #include "contrast/LevelsOfDetail.h"
 #include "fusion/FusionAccumulator.h"
 #include "pipeline/FusionJob.h"

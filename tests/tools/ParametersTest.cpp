@@ -1,5 +1,7 @@
 #include "tools/Parameters.h"
 
+#include "cli/CommandHelp.h"
+#include "cli/Commands.h"
 #include "cli/ParameterOptions.h"
 
 #include <gtest/gtest.h>
