@@ -35,7 +35,7 @@ struct FuseJob
     Picture alpha = {};      // of the first source
     double waited = 0.0, added = 0.0, composed = 0.0,
            written = 0.0; // seconds; reading that nobody waits for does not count
-    std::string problem = "", problemFile = "";
+    std::string problem{}, problemFile{};
 };
 
 // Notes why there will be no result.
