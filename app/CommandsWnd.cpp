@@ -17,8 +17,6 @@
 
 #include <commctrl.h>
 
-#include <vector>
-
 // The dialog of a tool that has made its result stays open until its pictures go to something else.
 static void CloseFinishedTool()
 {
@@ -218,18 +216,4 @@ LRESULT RunCommand(HWND, int id, int notification)
         if (row.id == id)
             row.run();
     return 0;
-}
-
-HACCEL CreateCommandKeys()
-{
-    const BYTE kinds[] = {0, FVIRTKEY, FVIRTKEY | FCONTROL, 0, FALT}; // of CommandKey::Kind
-    std::vector<ACCEL> keys;
-    for (int i = 0; i < kCommandCount; ++i)
-    {
-        const CommandKey& key = kCommands[i].key;
-        if (key.kind != CommandKey::None)
-            keys.push_back(
-                {BYTE(FNOINVERT | kinds[key.kind]), WORD(key.code), WORD(kCommands[i].id)});
-    }
-    return CreateAcceleratorTableW(keys.data(), int(keys.size()));
 }

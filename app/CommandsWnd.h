@@ -8,9 +8,6 @@
 // Runs a command by its number; 0 as the answer to WM_COMMAND.
 LRESULT RunCommand(HWND frame, int id, int notification);
 
-// The keys of all commands, as the message loop wants them; they live as long as the process.
-HACCEL CreateCommandKeys();
-
 // Asks about a result that has not been saved; false keeps everything as it is. After a yes, the
 // dialog of the tool that made the result is gone.
 bool MayLoseResult();

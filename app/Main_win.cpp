@@ -44,7 +44,7 @@ int WINAPI wWinMain(HINSTANCE instance, HINSTANCE, wchar_t*, int show)
     if (InitInstance(instance, className, title, show))
     {
         OpenFromCommandLine();
-        code = RunMessageLoop(CreateCommandKeys());
+        code = RunMessageLoop(LoadAcceleratorsW(instance, MAKEINTRESOURCEW(IDR_ACCELERATORS)));
     }
     RemoveSkin();
     Gdiplus::GdiplusShutdown(token);
