@@ -5,8 +5,10 @@
 
 #include <gtest/gtest.h>
 
+#include <atomic>
 #include <chrono>
 #include <filesystem>
+#include <thread>
 
 constexpr int kWidth = 300, kHeight = 200;
 const CBxRect<int> kWholePicture = {0, 0, kWidth, kHeight};
@@ -214,26 +216,23 @@ TEST(FusionJob, StopsBetweenSourcesWhenItIsOutdated)
               Outcome::Done);
 }
 
-// Numbers as text are read letter by letter: a picture of other size that takes a tenth of a second
-// to refuse.
-static Bytes SlowPicture()
-{
-    const std::string header = "P2 1200 1200 255 ";
-    Bytes file(header.begin(), header.end());
-    for (int i = 0; i < 1200 * 1200; ++i)
-        file.insert(file.end(), {'7', ' '});
-    return file;
-}
-
-// The caller has added up its own share, the others are still at the first sources of theirs.
+// The caller adds up its own share while the others are held at the first sources of theirs.
 TEST(FusionJob, AsksAndStopsWhileOthersAreWaitedFor)
 {
+    using namespace std::chrono;
     Series series(12);
-    for (const char* first : {"photo4.tif", "photo8.tif"})
-        series.folder.Write(first, SlowPicture());
     series.Open(0); // nothing is prepared: one question before each source
     TestPicture result = series.Blank(kWholePicture);
-    int asked = 0;
+    std::atomic<int> asked = 0;
+    series.sources.step = [&asked](Picture*, int number)
+    {
+        const auto patience = steady_clock::now() + seconds(20);
+        while (number >= 4 && asked <= 4 && steady_clock::now() < patience)
+            std::this_thread::sleep_for(milliseconds(1));
+        if (number >= 4)
+            std::this_thread::sleep_for(milliseconds(200)); // what was answered gets around
+        return Outcome::Done;
+    };
     EXPECT_EQ(FuseRegion(result.Record(), &series.sources, {kWholePicture, 12, 100},
                          [&asked] { return ++asked > 4; }),
               Outcome::Cancelled);
