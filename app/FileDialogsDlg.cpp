@@ -86,7 +86,8 @@ bool LoadSilently(const wchar_t* path, Picture* picture, Picture* alpha)
     std::wstring chosen = path;
     if (chosen.empty() && !AskForPicture(GetActiveWindow(), Text(kTextLoadItem), &chosen))
         return false;
-    return !LoadPicturePair(Utf8(chosen).c_str(), picture->Record(), alpha->Record());
+    return LoadPicturePair(Utf8(chosen).c_str(), picture->Record(), alpha->Record()) ==
+           Outcome::Done;
 }
 
 bool LoadForDocument(const wchar_t* path, Picture* picture, Picture* alpha)

@@ -83,7 +83,7 @@ struct OpenSeries
         {
             Picture photo, alpha;
             failed = failed || LoadPicturePair(sources.paths[size_t(i)].c_str(), photo.Record(),
-                                               alpha.Record());
+                                               alpha.Record()) != Outcome::Done;
             if (!failed)
                 CBxPicBufAPI::CopyRect(fused.Record(), photo, {0, 0}, {region.left, region.top},
                                        size);

@@ -117,11 +117,13 @@ static void SaveAndLoad(benchmark::State& state, bool timeSave)
         if (timeSave)
             SavePicturePair(source, alpha, path.c_str(), "", format, &report);
         else
-            failed = failed || LoadPicturePair(path.c_str(), loaded.Record(), alpha.Record());
+            failed = failed || LoadPicturePair(path.c_str(), loaded.Record(), alpha.Record()) !=
+                                   Outcome::Done;
         failed = failed || !report.written;
     }
     if (timeSave)
-        failed = failed || LoadPicturePair(path.c_str(), loaded.Record(), alpha.Record());
+        failed = failed ||
+                 LoadPicturePair(path.c_str(), loaded.Record(), alpha.Record()) != Outcome::Done;
     CheckResult(state,
                 !failed && LargestDifference(loaded, source) <= (format == kFormatJpeg ? 90 : 0));
     ReportPixels(state, Width(), Height());

@@ -22,8 +22,10 @@ struct CliOptions
     std::string output;
     std::string outDir;
     ToolNumbers numbers = DefaultNumbers();
-    int jpegQuality = 95; // for commands that have no such option, too
-    int threads = 0;      // 0 = as many as the machine has
+    int jpegQuality = 95;     // for commands that have no such option, too
+    int threads = 0;          // 0 = as many as the machine has
+    int megapixelLimit = 500; // of inputs
+    bool acceptDamaged = false;
     int width = 0, height = 0, frames = 0;
     bool times = false;
     bool quiet = false;
@@ -69,7 +71,7 @@ struct CommandRow
     int minInputs;         // how many of them there must be
     const char* summary;
     const char* details;   // paragraph of the command's own help, in one line
-    OptionList options[6]; // its own first, then those it shares with others; unused ones are empty
+    OptionList options[7]; // its own first, then those it shares with others; unused ones are empty
     int (*run)(const CliOptions& options, const CliStreams& streams);
 };
 

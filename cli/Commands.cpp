@@ -38,6 +38,14 @@ static const OptionRow kJpegOption[] = {
      "quality of JPEG files"},
 };
 
+// Of commands that read photographs.
+static const OptionRow kReadingOptions[] = {
+    {"--accept-damaged", 0, nullptr, &CliOptions::acceptDamaged, nullptr, nullptr, 0, 0, 0, false,
+     "use what can be read of a damaged input"},
+    {"--limit-megapixels", 0, "N", nullptr, &CliOptions::megapixelLimit, nullptr, 1, 2000, 500,
+     false, "largest input to be read"},
+};
+
 static const OptionRow kTimesOption[] = {
     {"--times", 0, nullptr, &CliOptions::times, nullptr, nullptr, 0, 0, 0, false,
      "say how long reading, computing and writing took"},
@@ -88,7 +96,7 @@ static const CommandRow kCommands[] = {
      "components. The first one gives the result its colour profile, its metadata and, where the "
      "format has room for it, its alpha plane. 16-bit pictures need TIFF or PNG.",
      {List(kFuseOptions), Numbers(Tool::ExposureFusion, "grey to aim at, more = brighter"),
-      List(kJpegOption), List(kTimesOption), List(kCommonOptions)},
+      List(kReadingOptions), List(kJpegOption), List(kTimesOption), List(kCommonOptions)},
      RunFuse},
     {"single",
      "IN...",
@@ -97,7 +105,7 @@ static const CommandRow kCommands[] = {
      "Makes eleven brighter and darker exposures from each photograph and fuses them. The three "
      "brightest are freed from the noise that brightening shows.",
      {Numbers(Tool::NoisePrompt), Numbers(Tool::ExposureFusion), List(kPhotoOptions),
-      List(kJpegOption), List(kTimesOption), List(kCommonOptions)},
+      List(kReadingOptions), List(kJpegOption), List(kTimesOption), List(kCommonOptions)},
      RunSingle},
     {"daylight-up",
      "IN...",
@@ -105,8 +113,8 @@ static const CommandRow kCommands[] = {
      "brighten a photograph as if there had been more light",
      "Makes 39 brighter variants of each photograph, orders them by brightness and fuses the first "
      "of them, as many as the power says.",
-     {Numbers(Tool::PowerFusion), List(kPhotoOptions), List(kJpegOption), List(kTimesOption),
-      List(kCommonOptions)},
+     {Numbers(Tool::PowerFusion), List(kPhotoOptions), List(kReadingOptions), List(kJpegOption),
+      List(kTimesOption), List(kCommonOptions)},
      RunDaylightUp},
     {"daylight-down",
      "IN...",
@@ -114,8 +122,8 @@ static const CommandRow kCommands[] = {
      "darken a photograph and keep its detail",
      "Makes 39 darker variants of each photograph, orders them and fuses the first of them, as "
      "many as the power says.",
-     {Numbers(Tool::PowerFusion), List(kPhotoOptions), List(kJpegOption), List(kTimesOption),
-      List(kCommonOptions)},
+     {Numbers(Tool::PowerFusion), List(kPhotoOptions), List(kReadingOptions), List(kJpegOption),
+      List(kTimesOption), List(kCommonOptions)},
      RunDaylightDown},
     {"tone-map",
      "IN...",
@@ -123,8 +131,8 @@ static const CommandRow kCommands[] = {
      "lift detail and even out light without halos",
      "Filters each photograph with a local Laplacian filter: detail is lifted by a power curve, "
      "edges are compressed or expanded, noise stays as it is.",
-     {Numbers(Tool::ToneMap), List(kPhotoOptions), List(kJpegOption), List(kTimesOption),
-      List(kCommonOptions)},
+     {Numbers(Tool::ToneMap), List(kPhotoOptions), List(kReadingOptions), List(kJpegOption),
+      List(kTimesOption), List(kCommonOptions)},
      RunToneMap},
     {"smart-contrast",
      "IN...",
@@ -132,8 +140,8 @@ static const CommandRow kCommands[] = {
      "lift or damp detail of each size",
      "Takes each photograph apart into eight levels of detail and puts it together with a gain for "
      "each of them.",
-     {Numbers(Tool::SmartContrast), List(kPhotoOptions), List(kJpegOption), List(kTimesOption),
-      List(kCommonOptions)},
+     {Numbers(Tool::SmartContrast), List(kPhotoOptions), List(kReadingOptions), List(kJpegOption),
+      List(kTimesOption), List(kCommonOptions)},
      RunSmartContrast},
     {"series",
      "single|daylight-up|daylight-down IN",
@@ -141,7 +149,8 @@ static const CommandRow kCommands[] = {
      "write the exposures that the other commands fuse",
      "Writes the exposures made from one photograph as TIFF files and prints their names, one a "
      "line, in the order in which they are fused.",
-     {List(kSeriesOptions), Numbers(Tool::NoisePrompt), List(kCommonOptions)},
+     {List(kSeriesOptions), List(kReadingOptions), Numbers(Tool::NoisePrompt),
+      List(kCommonOptions)},
      RunSeries},
     {"sample",
      "",

@@ -73,8 +73,9 @@ static Outcome StartJob(FuseJob* job, DecodedSource* first)
 static Outcome AddSource(FuseJob* job, DecodedSource* source, size_t index, const SourceTaker& take)
 {
     const std::string& path = job->options.inputs[index];
-    if (source->problem != LoadProblem::None)
-        return Refuse(job, path, LoadProblemText(source->problem));
+    if (source->report.problem != LoadProblem::None)
+        return Refuse(job, path, LoadReportText(source->report));
+    TellNotes(job->streams, job->options, path, source->report);
     if (index == 0 && StartJob(job, source) != Outcome::Done)
         return Outcome::Failed;
     source->alpha.Free();
@@ -92,10 +93,11 @@ static Outcome FeedSources(FuseJob* job, const SourceTaker& take)
 {
     const std::vector<std::string>& inputs = job->options.inputs;
     const std::launch how = job->options.threads == 1 ? std::launch::deferred : std::launch::async;
+    const LoadOptions reading = LoadOptionsOf(job->options);
     const auto load = [&](size_t index)
     {
         return std::async(how, [=, &inputs]
-                          { return DecodeSource(inputs[index], int(index), job->step); });
+                          { return DecodeSource(inputs[index], int(index), job->step, reading); });
     };
     std::future<DecodedSource> next = load(0);
     for (size_t i = 0; i < inputs.size(); i++)

@@ -83,13 +83,15 @@ static std::string ProgressText(const std::string& name, double share, const Sto
     return text.str();
 }
 
-static std::string MakePhoto(Photo* photo, Progress* progress, const PhotoWork& work)
+static std::string MakePhoto(Photo* photo, Progress* progress, const CliOptions& options,
+                             const CliStreams& streams, const PhotoWork& work)
 {
     LoadReport report;
     const Stopwatch watch;
     if (LoadPicturePair(photo->input.c_str(), photo->picture.Record(), photo->alpha.Record(),
-                        &report))
-        return LoadProblemText(report.problem);
+                        &report, LoadOptionsOf(options)) != Outcome::Done)
+        return LoadReportText(report);
+    TellNotes(streams, options, photo->input, report);
     photo->readSeconds = watch.Seconds();
 
     FormatId format;
@@ -156,7 +158,7 @@ int RunOnPhotos(const char* command, const CliOptions& options, const CliStreams
         photo.input = options.inputs[i];
         photo.output = outputs[i];
         Progress progress = StartProgress(options, streams);
-        std::string note, problem = MakePhoto(&photo, &progress, work);
+        std::string note, problem = MakePhoto(&photo, &progress, options, streams, work);
         std::string file = photo.input;
         if (problem.empty())
         {

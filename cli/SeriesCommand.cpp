@@ -76,8 +76,10 @@ int RunSeries(const CliOptions& options, const CliStreams& streams)
                      {},      {}};
     Picture photo;
     LoadReport report;
-    if (LoadPicturePair(job.input.c_str(), photo.Record(), Picture().Record(), &report))
-        return Fail(streams, job.input, LoadProblemText(report.problem));
+    if (LoadPicturePair(job.input.c_str(), photo.Record(), Picture().Record(), &report,
+                        LoadOptionsOf(options)) != Outcome::Done)
+        return Fail(streams, job.input, LoadReportText(report));
+    TellNotes(streams, options, job.input, report);
     std::error_code error;
     fs::create_directories(fs::u8path(options.outDir), error);
     const std::vector<std::string> names =

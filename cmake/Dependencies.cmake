@@ -1,6 +1,7 @@
-# The outside libraries: FreeImage::FreeImage and TBB::tbb, and GoogleTest's sources. Debian brings
-# them for this machine. For Windows, and for the thread sanitizer, which needs a task library
-# built with it, cmake/deps.sh builds them from Debian's source packages into a cache.
+# The outside libraries: FreeImage::FreeImage, TBB::tbb, one Vc:: target for each codec, and
+# GoogleTest's sources. Debian brings them for this machine. For Windows, and for the thread
+# sanitizer, which needs a task library built with it, cmake/deps.sh builds them from Debian's source
+# packages into a cache.
 
 # Sets `prefix` to the folder where deps.sh has put the given set of libraries.
 function(vc_built_dependencies set prefix)
@@ -55,6 +56,53 @@ else()
         IMPORTED_LOCATION "${FREEIMAGE_LIBRARY}"
         INTERFACE_INCLUDE_DIRECTORIES "${FREEIMAGE_INCLUDE_DIR}")
 endif()
+
+# The codecs, each a target of its own: a header that tells its folder, then the libraries in link
+# order. FreeImage uses the same ones.
+if(WIN32)
+    set(codec_folders "${PLENOVIZ_DEPS}" /usr/x86_64-w64-mingw32)
+    set(codec_search NO_DEFAULT_PATH NO_CMAKE_FIND_ROOT_PATH)
+else()
+    set(codec_folders ${fuzz_libraries})
+    set(codec_search "")
+endif()
+function(vc_codec name header)
+    find_path(folder "${header}" HINTS ${codec_folders} PATH_SUFFIXES include NO_CACHE REQUIRED
+        ${codec_search})
+    add_library(Vc::${name} INTERFACE IMPORTED)
+    target_include_directories(Vc::${name} INTERFACE "${folder}")
+    foreach(library IN LISTS ARGN)
+        find_library(file "${library}" HINTS ${codec_folders} PATH_SUFFIXES lib NO_CACHE REQUIRED
+            ${codec_search})
+        target_link_libraries(Vc::${name} INTERFACE "${file}")
+        unset(file)
+    endforeach()
+endfunction()
+
+if(WIN32)
+    vc_codec(Jpeg jpeglib.h jpeg)
+    vc_codec(Png png.h png16 z)
+    vc_codec(Webp webp/decode.h webpmux webp)
+    vc_codec(Tiff tiffio.h tiff zstd lzma Lerc webp jpeg z)
+    vc_codec(Raw libraw/libraw.h raw jpeg z ws2_32)
+    target_compile_definitions(Vc::Raw INTERFACE LIBRAW_NODLL)
+    vc_codec(Lcms2 lcms2.h lcms2)
+else()
+    vc_codec(Jpeg jpeglib.h jpeg)
+    vc_codec(Png png.h png16)
+    vc_codec(Webp webp/decode.h webpmux webp)
+    vc_codec(Lcms2 lcms2.h lcms2)
+    if(PLENOVIZ_PRESET STREQUAL "fuzz")
+        vc_codec(Tiff tiffio.h tiff jpeg z)
+        vc_codec(Raw libraw/libraw.h raw jpeg z)
+    else()
+        vc_codec(Tiff tiffio.h tiff)
+        vc_codec(Raw libraw/libraw.h raw_r)
+    endif()
+endif()
+add_library(Vc::Codecs INTERFACE IMPORTED)
+target_link_libraries(Vc::Codecs INTERFACE
+    FreeImage::FreeImage Vc::Jpeg Vc::Png Vc::Tiff Vc::Webp Vc::Raw Vc::Lcms2)
 
 # Debian's googletest package: built with the flags of the preset, as sanitizers want it.
 set(PLENOVIZ_GOOGLETEST "/usr/src/googletest" CACHE PATH "Folder of GoogleTest's sources")

@@ -1,7 +1,7 @@
 #!/bin/bash
 # Builds libraries that Debian does not bring as packages, from Debian's source packages:
 #
-#   deps.sh windows       FreeImage with its codecs, and oneTBB, for MinGW-w64
+#   deps.sh windows       the picture libraries, colour profiles and oneTBB, for MinGW-w64
 #   deps.sh tsan          oneTBB for this machine, built with the thread sanitizer
 #   deps.sh path SET      only says where the set is, or would be
 #
@@ -19,7 +19,7 @@ RecipeKey()
 {
     local files=("$here/deps.sh") compiler=g++
     if [[ $1 == windows ]]; then
-        files+=("$here"/mingw-w64.cmake "$here"/freeimage/* "$here"/libraw/*)
+        files+=("$here"/mingw-w64.cmake "$here"/freeimage/* "$here"/libraw/* "$here"/lcms2/*)
         compiler=x86_64-w64-mingw32-g++-posix
     fi
     { cat "${files[@]}"; "$compiler" -dumpfullversion; } | sha256sum | cut -c 1-16
@@ -115,10 +115,16 @@ BuildWindows()
     {
         local codec off=(tools tests contrib docs opengl)
         off=("${off[@]/#/-Dtiff-}")
-        for codec in cxx jbig jpeg12 lerc libdeflate lzma webp zstd; do
+        for codec in cxx jbig jpeg12 libdeflate; do
             off+=("-D$codec")
         done
-        Build tiff "$sourceFolder" "${common[@]}" "${off[@]/%/=OFF}" -Dzlib=ON -Djpeg=ON -Dlzw=ON
+        Build tiff "$sourceFolder" "${common[@]}" "${off[@]/%/=OFF}" -Dzlib=ON -Djpeg=ON -Dlzw=ON \
+            -Dlzma=ON -Dzstd=ON -Dlerc=ON -Dwebp=ON \
+            -DCMAKE_C_FLAGS_RELEASE="-O2 -DNDEBUG -DLERC_STATIC -DLZMA_API_STATIC"
+        # A codec that is not found is left out without a word.
+        for codec in LZMA ZSTD LERC WEBP; do
+            grep -q "define ${codec}_SUPPORT 1" "$work/tiff-build/libtiff/tif_config.h"
+        done
     }
     Webp()
     {
@@ -128,6 +134,15 @@ BuildWindows()
         done
         Build webp "$sourceFolder" "${common[@]}" "${off[@]}"
     }
+    # What TIFF files are packed with, besides the above.
+    Zstd()
+    {
+        Build zstd "$sourceFolder/build/cmake" "${common[@]}" -DZSTD_BUILD_PROGRAMS=OFF \
+            -DZSTD_BUILD_SHARED=OFF -DZSTD_MULTITHREAD_SUPPORT=OFF -DZSTD_LEGACY_SUPPORT=OFF
+    }
+    Xz() { Build xz "$sourceFolder" "${common[@]}" -DENABLE_NLS=OFF -DENABLE_THREADS=OFF; }
+    Lerc() { Build lerc "$sourceFolder" "${common[@]}" -DCMAKE_CXX_FLAGS_RELEASE="-O2 -DNDEBUG -DLERC_STATIC"; }
+    Profiles() { Build lcms2 "$here/lcms2" "${common[@]}" -DLCMS2_SOURCES="$sourceFolder"; }
     Imath() { Build imath "$sourceFolder" "${common[@]}" -DBUILD_TESTING=OFF; }
     Raw() { Build raw "$here/libraw" "${common[@]}" -DLIBRAW_SOURCES="$sourceFolder"; }
     FreeImage() { Build freeimage "$here/freeimage" "${common[@]}" -DFREEIMAGE_SOURCES="$sourceFolder"; }
@@ -139,6 +154,10 @@ BuildWindows()
     local first=$!
     Step libpng1.6 Png
     Step libwebp Webp
+    Step libzstd Zstd
+    Step xz-utils Xz
+    Step lerc Lerc
+    Step lcms2 Profiles
     Step imath Imath
     Step onetbb Tbb
     wait $first

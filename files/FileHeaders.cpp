@@ -331,11 +331,36 @@ static uint8_t* OrientationIn(uint8_t* block)
     return nullptr;
 }
 
+static int OrientationOf(std::vector<uint8_t> sound)
+{
+    const uint8_t* number = sound.empty() ? nullptr : OrientationIn(sound.data());
+    return number ? int(FileNumber(number, 2, sound[kTiff] == 'M')) : 1;
+}
+
 int JpegOrientation(FILE* stream)
 {
-    std::vector<uint8_t> block = SoundJpegExif(stream);
-    const uint8_t* number = block.empty() ? nullptr : OrientationIn(block.data());
-    return number ? int(FileNumber(number, 2, block[kTiff] == 'M')) : 1;
+    return OrientationOf(SoundJpegExif(stream));
+}
+
+int ExifOrientation(const uint8_t* bytes, size_t count)
+{
+    std::vector<uint8_t> block(bytes, bytes + count);
+    if (count < sizeof kExifStart || std::memcmp(bytes, kExifStart, sizeof kExifStart) != 0)
+        block.insert(block.begin(), std::begin(kExifStart), std::end(kExifStart));
+    return ExifIsSound(block) ? OrientationOf(block) : 1;
+}
+
+int XmpOrientation(const std::string& xmp)
+{
+    for (const std::string name :
+         {"tiff:Orientation=\"", "tiff:Orientation='", "tiff:Orientation>"})
+    {
+        const size_t found = xmp.find(name);
+        const size_t place = found == xmp.npos ? xmp.size() : found + name.size();
+        if (place < xmp.size() && xmp[place] >= '2' && xmp[place] <= '8')
+            return xmp[place] - '0';
+    }
+    return 1;
 }
 
 void SetExifUpright(std::vector<uint8_t>* sound)

@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <cstdio>
+#include <string>
 #include <vector>
 
 // What FreeImage 3.18 does not tell about a file, read from the file's own bytes. All of these take
@@ -38,6 +39,10 @@ std::vector<uint8_t> SoundJpegExif(FILE* stream);
 
 // The orientation that this block gives, or 1.
 int JpegOrientation(FILE* stream);
+
+// The same of a block that may lack the first six letters, and of XMP.
+int ExifOrientation(const uint8_t* block, size_t bytes);
+int XmpOrientation(const std::string& xmp);
 
 // Makes such a block say that the picture is upright. If it said otherwise the small preview
 // picture is left behind, since it would lie on its side.

@@ -22,81 +22,86 @@ static void DropUnusedAlpha(SBxPicBuf* alpha)
         CBxPicBufAPI::DoneHeap(alpha);
 }
 
-static void InvertSixteenBits(SBxPicBuf* picture)
+// What is left of a damaged file is nothing, unless somebody wants it.
+static void JudgeDamage(Decoding* decoding)
 {
-    uint16_t* samples = PicRow<uint16_t>(*picture, 0); // rows are packed
-    for (int64_t i = 0; i < int64_t(picture->size) / 2; ++i)
-        samples[i] = uint16_t(~samples[i]);
+    LoadReport* report = &decoding->report;
+    report->damaged = !decoding->damage.empty();
+    report->percent = int(std::clamp(decoding->share, 0.0, 1.0) * 100.0);
+    if (!report->damaged || report->problem != LoadProblem::None)
+        return;
+    report->detail = decoding->damage;
+    if (!decoding->options.acceptDamaged || decoding->picture.Empty())
+        report->problem = LoadProblem::Damaged;
+    else
+        report->notes.insert(report->notes.begin(), "damaged, " + decoding->damage);
 }
 
-static int OrientationOf(FREE_IMAGE_FORMAT format, FILE* file)
-{
-    if (format == FIF_JPEG)
-        return JpegOrientation(file);
-    return format == FIF_TIFF ? TiffNumber(file, kTiffOrientation) : 1;
-}
-
-static LoadProblem LoadPair(const char* path, SBxPicBuf* picture, SBxPicBuf* alpha)
+static void Open(Decoding* decoding, const char* path)
 {
     FileOwner file;
     ImageStream stream;
     FREE_IMAGE_FORMAT format = FIF_UNKNOWN;
-    LoadProblem problem = OpenPicture(path, &file, &stream, &format);
+    const LoadProblem problem = OpenPicture(path, &file, &stream, &format);
     if (problem != LoadProblem::None)
-        return problem;
-    const BitmapOwner bitmap = LoadWhole(format, &stream, &problem);
-    if (!bitmap)
-        return problem;
-    if (PictureFromBitmap(bitmap.get(), picture, alpha))
     {
-        problem = ProblemOf(FitOfBitmap(bitmap.get()));
-        return problem == LoadProblem::None ? LoadProblem::OutOfMemory : problem;
+        Refuse(decoding, problem);
+        return;
     }
+    decoding->file = file.get();
+    decoding->fileBytes = SizeOfFile(file.get());
+    ReadPicture(decoding, format, &stream);
+    JudgeDamage(decoding);
     if (format == FIF_BMP)
-        DropUnusedAlpha(alpha);
-    if (format == FIF_TIFF && FreeImage_GetImageType(bitmap.get()) == FIT_UINT16 &&
-        FreeImage_GetColorType(bitmap.get()) == FIC_MINISBLACK &&
-        TiffNumber(file.get(), kTiffPhotometric) == 0)
-        InvertSixteenBits(picture);
-    const int orientation = OrientationOf(format, file.get());
-    if (MakeUpright(picture, orientation) == Outcome::Done &&
-        MakeUpright(alpha, orientation) == Outcome::Done)
-        return LoadProblem::None;
-    CBxPicBufAPI::DoneHeap(picture);
-    CBxPicBufAPI::DoneHeap(alpha);
-    return LoadProblem::OutOfMemory;
+        DropUnusedAlpha(decoding->alpha.Record());
 }
 
-bool LoadPicturePair(const char* path, SBxPicBuf* picture, SBxPicBuf* alpha, LoadReport* report)
+static Outcome LoadPair(Decoding* decoding, const char* path)
+{
+    Open(decoding, path);
+    if (decoding->report.problem != LoadProblem::None)
+        return Outcome::Failed;
+    const int orientation = decoding->orientation;
+    if (MakeUpright(decoding->picture.Record(), orientation) == Outcome::Done &&
+        MakeUpright(decoding->alpha.Record(), orientation) == Outcome::Done)
+        return Outcome::Done;
+    Refuse(decoding, LoadProblem::OutOfMemory);
+    return Outcome::Failed;
+}
+
+Outcome LoadPicturePair(const char* path, SBxPicBuf* picture, SBxPicBuf* alpha, LoadReport* report,
+                        const LoadOptions& options)
 {
     InitImageLibrary();
     CBxPicBufAPI::DoneHeap(picture);
     CBxPicBufAPI::DoneHeap(alpha);
-    LoadProblem problem = LoadProblem::OutOfMemory;
-    const auto load = [&]
+    Decoding decoding;
+    decoding.options = options;
+    const Outcome outcome = FailWithoutMemory([&] { return LoadPair(&decoding, path); });
+    if (outcome == Outcome::Done)
     {
-        problem = LoadPair(path, picture, alpha);
-        return FailedIf(problem != LoadProblem::None);
-    };
-    const bool failed = FailWithoutMemory(load) != Outcome::Done;
-    if (failed)
-    {
-        CBxPicBufAPI::DoneHeap(picture);
-        CBxPicBufAPI::DoneHeap(alpha);
+        *picture = decoding.picture.Release();
+        *alpha = decoding.alpha.Release();
     }
+    else if (decoding.report.problem == LoadProblem::None)
+        decoding.report.problem = LoadProblem::OutOfMemory;
     if (report)
-        report->problem = problem;
-    return failed;
+        *report = std::move(decoding.report);
+    return outcome;
 }
 
 LoadProblem CheckPictureFile(const char* path)
 {
     InitImageLibrary();
-    FileOwner file;
-    ImageStream stream;
-    FREE_IMAGE_FORMAT format = FIF_UNKNOWN;
-    const LoadProblem problem = OpenPicture(path, &file, &stream, &format);
-    return problem == LoadProblem::None ? CheckHeader(format, &stream) : problem;
+    Decoding decoding;
+    decoding.headerOnly = true;
+    const auto check = [&]
+    {
+        Open(&decoding, path);
+        return Outcome::Done;
+    };
+    return FailWithoutMemory(check) == Outcome::Done ? decoding.report.problem
+                                                     : LoadProblem::OutOfMemory;
 }
 
 // Gives the source the profile that stands in its file. The size is not known before it is

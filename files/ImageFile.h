@@ -1,5 +1,6 @@
 #pragma once
 
+#include "base/Outcome.h"
 #include "files/Formats.h"
 #include "picture/PicBuf.h"
 
@@ -34,24 +35,35 @@ enum class LoadProblem
     CannotOpen,
     UnknownFormat,
     NotReadable, // a known format that is only written
-    DecoderFailed,
+    Damaged,
     KindNotSupported,
-    TooLarge,
+    TooLarge,  // for a picture record
+    OverLimit, // LoadOptions::megapixelLimit
     OutOfMemory,
 };
 
+struct LoadOptions
+{
+    bool acceptDamaged = false; // what could be read of a damaged file is the picture
+    int megapixelLimit = 500;   // a header of a few bytes may claim any size
+};
+
+// What became of a file that was to be read. LoadReportText says it in words.
 struct LoadReport
 {
     LoadProblem problem = LoadProblem::None;
+    std::string detail;   // what exactly, empty = nothing more to say
+    bool damaged = false; // something is wrong with the file; with problem None: accepted
+    int percent = 0;      // of the picture that was good in a damaged file, as far as known
+    std::vector<std::string> notes; // what the user should know of a picture that was read
 };
 
 // Reads a file (path in UTF-8) into the pair. Both records must be initialised; what they own is
-// released. A photograph that the camera marked as lying on its side comes out upright. True on
-// failure, then both are empty and `report`, if given, says why. Geometry is checked before memory
-// is taken. A truncated JPEG or TIFF counts as read, with what it has. Camera raw files need a name
-// that says what they are.
-[[nodiscard]] bool LoadPicturePair(const char* path, SBxPicBuf* picture, SBxPicBuf* alpha,
-                                   LoadReport* report = nullptr);
+// released. A photograph that the camera marked as lying on its side comes out upright. On failure
+// both are empty and `report`, if given, says why. Geometry is checked before memory is taken.
+// Camera raw files need a name that says what they are.
+Outcome LoadPicturePair(const char* path, SBxPicBuf* picture, SBxPicBuf* alpha,
+                        LoadReport* report = nullptr, const LoadOptions& options = {});
 
 // Whether a file could be read, from its header alone. Damage further on does not show.
 LoadProblem CheckPictureFile(const char* path);

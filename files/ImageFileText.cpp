@@ -2,7 +2,7 @@
 
 #include <system_error>
 
-const char* LoadProblemText(LoadProblem problem)
+static const char* ProblemText(LoadProblem problem)
 {
     switch (problem)
     {
@@ -11,14 +11,20 @@ const char* LoadProblemText(LoadProblem problem)
     case LoadProblem::CannotOpen: return "the file cannot be opened";
     case LoadProblem::UnknownFormat: return "not a known image format";
     case LoadProblem::NotReadable: return "this image format cannot be read";
-    case LoadProblem::DecoderFailed: return "the file is damaged or not a supported variant";
+    case LoadProblem::Damaged: return "the file is damaged";
     case LoadProblem::KindNotSupported:
-        return "only grey and colour pictures with 8 or 16 bits are supported, not palettes, "
-               "CMYK, floats or fewer bits";
+        return "only grey and colour pictures with up to 16 bits are supported, not floats";
     case LoadProblem::TooLarge: return "the picture is too large";
+    case LoadProblem::OverLimit: return "the picture is suspiciously large";
     case LoadProblem::OutOfMemory: return "not enough memory for the picture";
     }
     return "";
+}
+
+std::string LoadReportText(const LoadReport& report)
+{
+    const std::string text = ProblemText(report.problem);
+    return report.detail.empty() ? text : text + ": " + report.detail;
 }
 
 static std::string ProblemText(SaveProblem problem)

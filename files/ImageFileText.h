@@ -6,5 +6,5 @@
 
 // What became of a file, as the end of a one-line message: no full stop.
 
-const char* LoadProblemText(LoadProblem problem);
+std::string LoadReportText(const LoadReport& report);
 std::string SaveReportText(const SaveReport& report);

@@ -1,6 +1,7 @@
 #include "files/ImageReader.h"
 
 #include "base/SystemFiles.h"
+#include "files/SimpleFormats.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -131,19 +132,19 @@ LoadProblem CheckHeader(FREE_IMAGE_FORMAT format, ImageStream* stream)
         return !known || fits ? LoadProblem::None : LoadProblem::TooLarge;
     }
     if (format == FIF_PNG && !PngChunksFit(stream->file))
-        return LoadProblem::DecoderFailed;
+        return LoadProblem::Damaged;
     if (!FreeImage_FIFSupportsNoPixels(format))
         return LoadProblem::None;
     const BitmapOwner header = Decode(format, stream, FIF_LOAD_NOPIXELS);
     if (!header)
-        return LoadProblem::DecoderFailed;
+        return LoadProblem::Damaged;
     const LoadProblem problem = ProblemOf(FitOfBitmap(header.get()));
     if (problem != LoadProblem::None)
         return problem;
     const FormatRow* row = FormatOfCode(format);
     const bool portableMap = row && row->id == kFormatPnm;
     const bool empty = portableMap && !HasItsPixels(stream, header.get());
-    return empty ? LoadProblem::DecoderFailed : LoadProblem::None;
+    return empty ? LoadProblem::Damaged : LoadProblem::None;
 }
 
 BitmapOwner LoadWhole(FREE_IMAGE_FORMAT format, ImageStream* stream, LoadProblem* problem)
@@ -153,7 +154,7 @@ BitmapOwner LoadWhole(FREE_IMAGE_FORMAT format, ImageStream* stream, LoadProblem
         return nullptr;
     BitmapOwner bitmap = Decode(format, stream, format == FIF_JPEG ? JPEG_ACCURATE : 0);
     if (!bitmap)
-        *problem = LoadProblem::DecoderFailed;
+        *problem = LoadProblem::Damaged;
     return bitmap;
 }
 
@@ -166,4 +167,99 @@ LoadProblem OpenPicture(const char* path, FileOwner* file, ImageStream* stream,
                                                    : LoadProblem::CannotOpen;
     stream->file = file->get();
     return FindReadableFormat(format, stream, path);
+}
+
+struct SimpleFormat
+{
+    FormatId id;
+    SimpleClaim (*find)(FILE* file);
+    void (*check)(Decoding* decoding);
+};
+static const SimpleFormat kSimpleFormats[] = {
+    {kFormatBmp, FindBmpClaim, CheckBmpPixels},
+    {kFormatGif, FindGifClaim, CheckGifPixels},
+    {kFormatPnm, FindPnmClaim, CheckPnmPixels},
+};
+
+// False when there is no use in decoding the file.
+static bool CheckSimpleFile(Decoding* decoding, FREE_IMAGE_FORMAT format)
+{
+    const FormatRow* row = FormatOfCode(format);
+    for (const SimpleFormat& simple : kSimpleFormats)
+    {
+        if (!row || row->id != simple.id)
+            continue;
+        const SimpleClaim found = simple.find(decoding->file);
+        if (!found.known)
+            NoteDamage(decoding,
+                       std::feof(decoding->file) ? EndText(0.0) : "the file has no valid header",
+                       0.0);
+        else if (!CheckClaim(decoding, found.claim))
+            return false;
+        else if (!decoding->headerOnly)
+            simple.check(decoding);
+    }
+    return !decoding->headerOnly && (decoding->damage.empty() || decoding->options.acceptDamaged);
+}
+
+// Palettes, packed colours and pixels of less than a byte become the greys or colours that they
+// show. Null when memory is short.
+static BitmapOwner WithoutPalette(BitmapOwner bitmap, bool* grey)
+{
+    *grey = false;
+    if (FreeImage_GetImageType(bitmap.get()) != FIT_BITMAP || FreeImage_GetBPP(bitmap.get()) > 16 ||
+        FitOfBitmap(bitmap.get()) == BitmapFit::Fits)
+        return bitmap;
+    const RGBQUAD* palette = FreeImage_GetPalette(bitmap.get());
+    *grey = palette && std::all_of(palette, palette + FreeImage_GetColorsUsed(bitmap.get()),
+                                   [](const RGBQUAD& colour) {
+                                       return colour.rgbRed == colour.rgbGreen &&
+                                              colour.rgbRed == colour.rgbBlue;
+                                   });
+    return BitmapOwner(FreeImage_ConvertTo24Bits(bitmap.get()));
+}
+
+// What FreeImage knows how to read, as a pair.
+static LoadProblem TakeBitmap(Decoding* decoding, BitmapOwner bitmap)
+{
+    bool grey = false;
+    bitmap = WithoutPalette(std::move(bitmap), &grey);
+    Picture colours;
+    SBxPicBuf* target = grey ? colours.Record() : decoding->picture.Record();
+    if (!bitmap || PictureFromBitmap(bitmap.get(), target, decoding->alpha.Record()))
+    {
+        const LoadProblem problem =
+            bitmap ? ProblemOf(FitOfBitmap(bitmap.get())) : LoadProblem::OutOfMemory;
+        return problem == LoadProblem::None ? LoadProblem::OutOfMemory : problem;
+    }
+    if (!grey)
+        return LoadProblem::None;
+    decoding->picture = Picture(colours->width, colours->height, 1, 8);
+    if (decoding->picture.Empty())
+        return LoadProblem::OutOfMemory;
+    CBxPicBufAPI::ExtractComponent(decoding->picture.Record(), 0, colours);
+    return LoadProblem::None;
+}
+
+static void ReadBitmap(Decoding* decoding, FREE_IMAGE_FORMAT format, ImageStream* stream)
+{
+    if (!CheckSimpleFile(decoding, format))
+        return;
+    BitmapOwner bitmap = Decode(format, stream, 0);
+    if (bitmap)
+        Refuse(decoding, TakeBitmap(decoding, std::move(bitmap)));
+    else
+        NoteDamage(decoding, "nothing of it can be read", 0.0);
+}
+
+void ReadPicture(Decoding* decoding, FREE_IMAGE_FORMAT format, ImageStream* stream)
+{
+    switch (format)
+    {
+    case FIF_JPEG: ReadJpeg(decoding); break;
+    case FIF_PNG: ReadPng(decoding); break;
+    case FIF_TIFF: ReadTiff(decoding); break;
+    case FIF_WEBP: ReadWebp(decoding); break;
+    default: ReadBitmap(decoding, format, stream); break;
+    }
 }

@@ -3,6 +3,7 @@
 #include "files/FileHeaders.h"
 #include "files/ImageCodec.h"
 #include "files/ImageFile.h"
+#include "files/PictureDecoding.h"
 
 #include <FreeImage.h>
 
@@ -10,20 +11,15 @@
 #include <memory>
 #include <vector>
 
-// Files as FreeImage gets to see them: which format it is told, which sizes are refused before it
-// takes memory for them, and which bytes are kept from it (FileHeaders.h). For ImageFile.cpp, which
-// knows what becomes of the bitmaps.
+// Which format a file has and who reads it. The old and simple formats are FreeImage's: which sizes
+// are refused before it takes memory for them, and which bytes are kept from it (FileHeaders.h).
+// The others have readers of their own.
 
 struct BitmapDeleter
 {
     void operator()(FIBITMAP* bitmap) const { FreeImage_Unload(bitmap); }
 };
-struct FileCloser
-{
-    void operator()(FILE* file) const { std::fclose(file); }
-};
 using BitmapOwner = std::unique_ptr<FIBITMAP, BitmapDeleter>;
-using FileOwner = std::unique_ptr<FILE, FileCloser>;
 
 // What FreeImage reads from or writes to.
 struct ImageStream
@@ -55,3 +51,7 @@ BitmapOwner LoadWhole(FREE_IMAGE_FORMAT format, ImageStream* stream, LoadProblem
 BitmapOwner Decode(FREE_IMAGE_FORMAT format, ImageStream* stream, int flags);
 
 LoadProblem ProblemOf(BitmapFit fit);
+
+// Reads or checks what OpenPicture has opened, with the reader of its format. The picture lies as
+// it does in the file.
+void ReadPicture(Decoding* decoding, FREE_IMAGE_FORMAT format, ImageStream* stream);

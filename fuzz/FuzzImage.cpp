@@ -53,7 +53,8 @@ static void Load(const std::string& path)
 {
     Picture picture, alpha;
     LoadReport report;
-    const bool failed = LoadPicturePair(path.c_str(), picture.Record(), alpha.Record(), &report);
+    const bool failed =
+        LoadPicturePair(path.c_str(), picture.Record(), alpha.Record(), &report) != Outcome::Done;
     Promise(failed == (report.problem != LoadProblem::None));
     CheckPair(picture, alpha, failed);
 }
@@ -77,7 +78,8 @@ static void SaveWithSource(const std::string& source, FormatId format)
     Promise(thrown == (report.problem == SaveProblem::SourceFormat ||
                        report.problem == SaveProblem::SourceUnreadable));
     if (report.written)
-        Promise(!LoadPicturePair(target.c_str(), picture.Record(), alpha.Record()) &&
+        Promise(LoadPicturePair(target.c_str(), picture.Record(), alpha.Record()) ==
+                    Outcome::Done &&
                 picture->width == 9);
     unlink(target.c_str());
 }

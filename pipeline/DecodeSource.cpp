@@ -1,17 +1,15 @@
 #include "pipeline/DecodeSource.h"
 
-DecodedSource DecodeSource(const std::string& path, int number, const SourceStep& step)
+DecodedSource DecodeSource(const std::string& path, int number, const SourceStep& step,
+                           const LoadOptions& options)
 {
     DecodedSource source;
-    LoadReport report;
-    const bool failed =
-        LoadPicturePair(path.c_str(), source.picture.Record(), source.alpha.Record(), &report);
-    if (failed)
-        source.problem = report.problem;
-    else if (step && step(&source.picture, number) != Outcome::Done)
+    const Outcome loaded = LoadPicturePair(path.c_str(), source.picture.Record(),
+                                           source.alpha.Record(), &source.report, options);
+    if (loaded == Outcome::Done && step && step(&source.picture, number) != Outcome::Done)
     {
         source = {};
-        source.problem = LoadProblem::OutOfMemory;
+        source.report.problem = LoadProblem::OutOfMemory;
     }
     return source;
 }

@@ -18,11 +18,12 @@ using SourceStep = std::function<Outcome(Picture* source, int number)>;
 struct DecodedSource
 {
     Picture picture, alpha; // empty when there is a problem
-    LoadProblem problem = LoadProblem::None;
+    LoadReport report;
 };
 
 // Any thread. Path in UTF-8.
-DecodedSource DecodeSource(const std::string& path, int number, const SourceStep& step);
+DecodedSource DecodeSource(const std::string& path, int number, const SourceStep& step,
+                           const LoadOptions& options = {});
 
 // Whether a picture has the size, components and bits of the others, whose pixels do not matter.
 bool IsLike(const SBxPicBuf& picture, const SBxPicBuf& geometry);

@@ -150,11 +150,11 @@ static SourceRegionPtr ReadWhole(FusionSources* sources, int index)
 {
     DecodedSource source = DecodeSource(sources->paths[size_t(index)], index, sources->step);
     source.alpha.Free();
-    const bool failed = source.problem != LoadProblem::None;
+    const bool failed = source.report.problem != LoadProblem::None;
     const std::lock_guard<std::mutex> lock(sources->mutex);
     ++sources->filesRead;
     SourceProblem* problem = &sources->problems[size_t(index)];
-    if (failed && source.problem != LoadProblem::OutOfMemory)
+    if (failed && source.report.problem != LoadProblem::OutOfMemory)
         *problem = SourceProblem::Unreadable;
     else if (!failed && !IsLike(source.picture, sources->geometry))
         *problem = SourceProblem::Different;

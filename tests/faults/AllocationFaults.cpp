@@ -212,8 +212,10 @@ static Ending LoadFile(const char* name)
 {
     TestPicture picture, alpha;
     const std::string path = g_folder->File(name);
-    const bool failed =
-        Try([&] { return LoadPicturePair(path.c_str(), picture.Record(), alpha.Record()); });
+    const bool failed = Try(
+        [&] {
+            return LoadPicturePair(path.c_str(), picture.Record(), alpha.Record()) != Outcome::Done;
+        });
     return Of(failed, picture);
 }
 

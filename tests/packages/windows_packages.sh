@@ -90,7 +90,7 @@ unzip -q "$packages"/*-windows.zip -d "$photos"
 diff <(cd "$photos/Plenoviz" && find . -type f | sort) \
     <(cd "$installed" && find . -type f ! -name Uninstall.exe | sort) ||
     Complain "zip and setup bring different files"
-for name in freeimage libjpeg-turbo libpng1.6 tiff libwebp libraw imath onetbb libz gcc mingw-w64; do
+for name in freeimage libjpeg-turbo libpng1.6 tiff libwebp libraw lcms2 libzstd xz-utils lerc imath onetbb libz gcc mingw-w64; do
     grep -q '[a-z]' "$installed/Notices/$name"*.txt || Complain "no notice of $name"
 done
 grep -q 'FreeImage Public License' "$installed/Notices/freeimage.txt" || Complain "wrong notice of FreeImage"

@@ -55,10 +55,11 @@ Bytes ReadBytes(const std::string& path)
     return Bytes(std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>());
 }
 
-LoadedPair::LoadedPair(const std::string& path) : picture(3, 3, 3, 8), alpha(3, 3, 1, 8)
+LoadedPair::LoadedPair(const std::string& path, const LoadOptions& options)
+    : picture(3, 3, 3, 8), alpha(3, 3, 1, 8)
 {
-    LoadReport report;
-    failed = LoadPicturePair(path.c_str(), picture.Record(), alpha.Record(), &report);
+    failed = LoadPicturePair(path.c_str(), picture.Record(), alpha.Record(), &report, options) !=
+             Outcome::Done;
     problem = report.problem;
 }
 
@@ -175,7 +176,7 @@ Bytes MakeRaw(int width, int height)
     return MakeTiff({width, height, 1, 16, kMosaic, 1, samples, camera});
 }
 
-static uint32_t PngChecksum(const Bytes& bytes, size_t start)
+uint32_t PngChecksum(const Bytes& bytes, size_t start)
 {
     uint32_t sum = ~0u;
     for (size_t i = start; i < bytes.size(); ++i)

@@ -32,9 +32,10 @@ struct LoadedPair
 {
     TestPicture picture, alpha;
     bool failed;
-    LoadProblem problem;
+    LoadReport report;
+    LoadProblem problem; // of the report
 
-    explicit LoadedPair(const std::string& path);
+    explicit LoadedPair(const std::string& path, const LoadOptions& options = {});
 };
 
 // Saves a picture; alpha and source are optional. Fails the test when a path has no save path.
@@ -70,6 +71,7 @@ struct TiffParts
 Bytes MakeTiff(const TiffParts& parts);
 Bytes MakeRaw(int width, int height); // a mosaic as a camera writes it, grey from dark to light
 
+uint32_t PngChecksum(const Bytes& bytes, size_t start);               // of what follows
 Bytes MakePngHeader(int width, int height, int bits, int colourType); // no pixels
 Bytes MakeGifHeader(int width, int height);                           // no pixels
 
