@@ -11,10 +11,10 @@ static DWORD WINAPI RunToneMap(void* argument)
     control.progress = [run](int steps)
     { PostMessageW(run->dialog, WM_TONE_ADVANCED, WPARAM(steps), 0); };
     control.cancelled = [run] { return run->stop.load(); };
-    const int outcome = ToneMapPicture(run->output.Record(), run->input, kToneMapLevels,
-                                       ToneMapParamsOf(run->numbers), control);
-    if (run->stop || outcome != kToneMapDone)
-        PostMessageW(run->dialog, WM_TONE_CANCELLED, outcome == kToneMapOutOfMemory, 0);
+    const Outcome outcome = ToneMapPicture(run->output.Record(), run->input, kToneMapLevels,
+                                           ToneMapParamsOf(run->numbers), control);
+    if (run->stop || outcome != Outcome::Done)
+        PostMessageW(run->dialog, WM_TONE_CANCELLED, outcome == Outcome::Failed, 0);
     else
         PostMessageW(run->dialog, WM_TONE_FINISHED, 0, 0);
     return 0;
