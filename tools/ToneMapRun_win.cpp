@@ -21,13 +21,13 @@ static DWORD WINAPI RunToneMap(void* argument)
 }
 
 // The thread holds the run as well: a message of its end may be answered before it has let go.
-bool StartToneMapThread(const std::shared_ptr<ToneMapRun>& run)
+Outcome StartToneMapThread(const std::shared_ptr<ToneMapRun>& run)
 {
     auto held = std::make_unique<std::shared_ptr<ToneMapRun>>(run);
     const HANDLE thread = CreateThread(nullptr, 0, RunToneMap, held.get(), 0, nullptr);
     if (!thread)
-        return false;
+        return Outcome::Failed;
     (void)held.release(); // the thread's from here on
     CloseHandle(thread);
-    return true;
+    return Outcome::Done;
 }
