@@ -1,23 +1,25 @@
 #include "alignment/Registration.h"
 
-#include "alignment/LumaPyramid.h"
 #include "alignment/RobustFit.h"
 #include "alignment/TileMatch.h"
 #include "alignment/WholeShift.h"
 
 #include <algorithm>
 #include <cmath>
+#include <iterator>
+#include <numeric>
 
 // Photographs are soft at the pixel: nothing is matched on levels above kFinestSide, and tiles are
 // chosen on levels of at most kChoiceSide and carried to finer ones.
 constexpr int kFinestSide = 2600, kChoiceSide = 1100, kCoarsestSide = 48;
 constexpr double kLongestShift = 0.08;    // of the longer side, found on the coarsest level
 constexpr double kLeastCorrelation = 0.5; // of a tile that has been found
+constexpr float kBlockedLuma = 12, kBlownLuma = 243;
 constexpr double kStillPixels = 0.3;
-constexpr double kFarthestCorner = 0.15; // of the diagonal
-constexpr double kMostStretch = 0.04;    // of one direction against the other
-constexpr double kMostTilt = 0.06;       // change of scale from edge to edge
-constexpr int kLeastPlaces = 10;
+constexpr double kFarthestCorner = 0.15;   // of the diagonal
+constexpr double kMostStretch = 0.04;      // of one direction against the other
+constexpr double kMostTilt = 0.06;         // change of scale from edge to edge
+constexpr int kLeastPlaces = 24;           // below, chance agrees as well
 constexpr double kLeastPlacesShare = 0.25; // of the tiles that were found at all
 
 static std::vector<PlacePair> PairsOf(const std::vector<TileMatch>& matches)
@@ -113,7 +115,13 @@ static bool CouldBeACamera(const Homography& map, CBxSize<int> frame)
            std::sqrt((mean + apart) / std::max(mean - apart, 1e-9)) < 1 + kMostStretch;
 }
 
-static FrameVerdict Judge(Registration* result, const Matching& matching, CBxSize<int> frame)
+// The map can be believed.
+static bool IsUnderstood(FrameVerdict verdict)
+{
+    return verdict == FrameVerdict::Registered || verdict == FrameVerdict::Still;
+}
+
+static FrameVerdict Judge(const Registration& result, const Matching& matching, CBxSize<int> frame)
 {
     if (matching.places < kLeastPlaces || matching.places < kLeastPlacesShare * matching.found)
         return FrameVerdict::TooFewPlaces;
@@ -125,14 +133,28 @@ static FrameVerdict Judge(Registration* result, const Matching& matching, CBxSiz
         return FrameVerdict::NotACamera;
     if (moved < kStillPixels)
         return FrameVerdict::Still;
-    return result->correlationAfter > result->correlationBefore ? FrameVerdict::Registered
-                                                                : FrameVerdict::NoImprovement;
+    return result.correlationAfter > result.correlationBefore ? FrameVerdict::Registered
+                                                              : FrameVerdict::NoImprovement;
 }
 
-Registration RegisterFrame(const SBxPicBuf& stays, const SBxPicBuf& moving)
+FrameLook LookAt(const SBxPicBuf& picture)
 {
-    const LumaPyramid a = BuildLumaPyramid(stays, kFinestSide, kCoarsestSide);
-    const LumaPyramid b = BuildLumaPyramid(moving, kFinestSide, kCoarsestSide);
+    FrameLook look;
+    look.size = {picture.width, picture.height};
+    look.pyramid = BuildLumaPyramid(picture, kFinestSide, kCoarsestSide);
+    const std::vector<float>& coarse = look.pyramid.levels.back().samples;
+    for (const float luma : coarse)
+    {
+        look.brightness += double(luma);
+        look.wellExposed += luma > kBlockedLuma && luma < kBlownLuma;
+    }
+    look.brightness /= double(coarse.size());
+    look.wellExposed /= double(coarse.size());
+    return look;
+}
+
+static Matching MatchPyramids(const LumaPyramid& a, const LumaPyramid& b)
+{
     const int levels = int(a.levels.size());
     const LumaPlane& coarsest = a.levels.back();
     const int reach = int(std::ceil(kLongestShift * std::max(coarsest.width, coarsest.height)));
@@ -147,18 +169,73 @@ Registration RegisterFrame(const SBxPicBuf& stays, const SBxPicBuf& moving)
         ChooseTiles(&matching, a.levels[i], level == levels - 1);
         MatchLevel(&matching, a.levels[i], b.levels[i], level, levels);
     }
+    return matching;
+}
+
+Registration RegisterFrame(const FrameLook& stays, const FrameLook& moving)
+{
+    const LumaPlane& a = stays.pyramid.levels[0];
+    const LumaPlane& b = moving.pyramid.levels[0];
+    Matching matching = MatchPyramids(stays.pyramid, moving.pyramid);
     Registration result;
-    const int side = TileSideOn(a.levels[0]);
     const auto with = [&](const Homography& map)
-    { return TileCorrelations(a.levels[0], b.levels[0], matching.tiles, side, map); };
+    { return TileCorrelations(a, b, matching.tiles, TileSideOn(a), map); };
     const std::vector<float> before = with({}), after = with(matching.map);
     result.correlationBefore = MeanOf(before, after);
     result.correlationAfter = MeanOf(after, before);
     result.places = matching.places;
     result.residual = matching.residual;
-    matching.map = OnFinerGrid(matching.map, double(1 << a.halvings));
-    result.verdict = Judge(&result, matching, {stays.width, stays.height});
-    if (result.verdict == FrameVerdict::Registered)
+    matching.map = OnFinerGrid(matching.map, double(1 << stays.pyramid.halvings));
+    result.verdict = Judge(result, matching, stays.size);
+    if (IsUnderstood(result.verdict))
         result.map = matching.map;
     return result;
+}
+
+// Frames by brightness, darkest first; of equal ones the earlier first.
+static std::vector<size_t> ByBrightness(const std::vector<FrameLook>& frames)
+{
+    std::vector<size_t> order(frames.size());
+    std::iota(order.begin(), order.end(), size_t(0));
+    std::stable_sort(order.begin(), order.end(),
+                     [&](size_t a, size_t b)
+                     { return frames[a].brightness < frames[b].brightness; });
+    return order;
+}
+
+// One after the other away from the frame that stays.
+static void RegisterChain(SeriesRegistration* series, const std::vector<FrameLook>& frames,
+                          const std::vector<size_t>& chain)
+{
+    size_t link = size_t(series->stays);
+    for (const size_t frame : chain)
+    {
+        Registration* result = &series->frames[frame];
+        *result = RegisterFrame(frames[link], frames[frame]);
+        if (!IsUnderstood(result->verdict))
+            continue;
+        result->map = Compose(result->map, series->frames[link].map);
+        result->verdict = LargestCornerMotion(result->map, frames[frame].size) < kStillPixels
+                              ? FrameVerdict::Still
+                              : FrameVerdict::Registered;
+        link = frame;
+    }
+}
+
+SeriesRegistration RegisterSeries(const std::vector<FrameLook>& frames)
+{
+    SeriesRegistration series;
+    series.frames.resize(frames.size());
+    if (frames.empty())
+        return series;
+    const auto best = std::max_element(frames.begin(), frames.end(),
+                                       [](const FrameLook& a, const FrameLook& b)
+                                       { return a.wellExposed < b.wellExposed; });
+    series.stays = int(best - frames.begin());
+    series.frames[size_t(series.stays)].verdict = FrameVerdict::Still;
+    const std::vector<size_t> order = ByBrightness(frames);
+    const auto middle = std::find(order.begin(), order.end(), size_t(series.stays));
+    RegisterChain(&series, frames, {middle + 1, order.end()});
+    RegisterChain(&series, frames, {std::make_reverse_iterator(middle), order.rend()});
+    return series;
 }
