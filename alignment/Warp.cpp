@@ -10,7 +10,7 @@ constexpr int kTaps = 4;
 constexpr int kPhases = 64;     // places of the filter between two pixels
 constexpr int kWeightBits = 12; // weights of a phase add up to 1 << kWeightBits
 constexpr int kSideBits = 4;    // kept behind the point between the two directions
-constexpr double kSharpness = -0.6;
+constexpr double kSharpness = -0.5;
 
 using PhaseWeights = std::array<int32_t, kTaps>;
 
