@@ -2,6 +2,8 @@
 
 // Numbers of commands, controls and resources. Plain definitions: the resource compiler reads them.
 
+#include "tools/ToolCommandIds.h"
+
 #define IDM_ABOUT 104
 #define IDM_EXIT 105
 #define ID_FILE_OPEN 32771
@@ -11,8 +13,6 @@
 #define ID_ZOOM_IN 32793
 #define ID_ZOOM_OUT 32794
 #define ID_ZOOM_FIT 32795
-#define ID_SOURCE_PREV 32797
-#define ID_SOURCE_NEXT 32798
 #define ID_MULTI_IMAGE 32805
 #define ID_ZOOM_100 32809
 #define ID_ZOOM_COMBO 32810
@@ -26,13 +26,8 @@
 #define ID_SMART_CONTRAST 32829
 #define ID_TONE_MAPPING 32832
 
-// Sent by the series workers when their files are ready.
-#define ID_OPEN_EXPOSURE_FUSION 4261
-#define ID_OPEN_POWER_FUSION 4277
-
 #define IDS_APP_TITLE 103
 #define IDS_WINDOW_CLASS 109
 #define IDR_ACCELERATORS 109
-#define IDR_COMMAND_MENU 110
 #define IDI_PLENOVIZ 148
 #define IDC_TOOLBAR 109

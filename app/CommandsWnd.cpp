@@ -1,11 +1,11 @@
 #include "app/CommandsWnd.h"
 
 #include "Version.h"
-#include "app/AppState.h"
 #include "app/AppWindows_win.h"
 #include "app/CommandIds.h"
 #include "app/FileDialogsDlg.h"
 #include "app/FrameView_win.h"
+#include "app/Frame_win.h"
 #include "app/OptionsDlg.h"
 #include "app/SourcePaging_win.h"
 #include "app/ToolbarWnd.h"
@@ -13,22 +13,22 @@
 #include "base/Format_win.h"
 #include "text/ProfileStore.h"
 #include "text/Strings.h"
-#include "tools/Settings.h"
+#include "tools/Settings_win.h"
 
 #include <commctrl.h>
 
 // The dialog of a tool that has made its result stays open until its pictures go to something else.
 static void CloseFinishedTool()
 {
-    if (g_hwndActiveTool && !g_workerBusy)
+    if (g_hwndActiveTool && FrameDocument().phase == DocumentPhase::Idle)
         DestroyWindow(g_hwndActiveTool);
 }
 
 bool MayLoseResult()
 {
-    const bool may =
-        !g_resultUnsaved || MessageBoxW(g_hwndMain, Text(kTextUnsavedQuestion), Text(kTextWarning),
-                                        MB_YESNO | MB_ICONASTERISK) == IDYES;
+    const bool may = !FrameDocument().unsaved ||
+                     MessageBoxW(g_hwndMain, Text(kTextUnsavedQuestion), Text(kTextWarning),
+                                 MB_YESNO | MB_ICONASTERISK) == IDYES;
     if (may)
         CloseFinishedTool();
     return may;
@@ -41,7 +41,7 @@ void SetStatusText(const wchar_t* text)
 
 void EnableToolCommands(bool enable)
 {
-    ToolCommandsEnabled(&g_commandStates, enable, g_multiImageMode);
+    ToolCommandsEnabled(&FrameCommands(), enable, FrameDocument().series.chosenByUser);
     ShowCommandStates();
 }
 
@@ -53,26 +53,26 @@ static void SetTitle(const wchar_t* path)
 // The photograph at 100 %, its centre in the middle.
 static void ShowOpened()
 {
+    const Picture& source = FrameDocument().source;
     UpdateViewArea();
-    ZoomTo100(&g_view, g_sourcePicture);
+    ZoomTo100(&g_view, source);
     SetZoomBoxText(ZoomText(g_view.state.scale).c_str());
     ShowCommandStates();
-    ShowSource(g_sourcePicture);
+    ShowSource(source);
 }
 
 bool OpenPictureFile(const wchar_t* path)
 {
-    SBxPicBuf picture, alpha;
-    CBxPicBufAPI::Init(&picture);
-    CBxPicBufAPI::Init(&alpha);
+    Picture picture, alpha;
     const HCURSOR before = SetCursor(LoadCursorW(nullptr, MAKEINTRESOURCEW(32514))); // hourglass
     const bool loaded = LoadForDocument(path, &picture, &alpha);
     SetCursor(before);
     if (!loaded)
         return false;
     ForgetViewPicture(&g_view);
-    TakeSource(&picture, &alpha, path);
-    SetTitle(g_szCurrentFile);
+    TakeSource(&FrameDocument(), std::move(picture), std::move(alpha), path);
+    PictureOpened(&FrameCommands());
+    SetTitle(path);
     SetStatusText(L"");
     ShowOpened();
     return true;
@@ -87,13 +87,14 @@ static void OnOpen()
 
 static void OnSaveAs()
 {
+    Document& document = FrameDocument();
     std::wstring path;
-    if (!SavePictureAs(g_hwndMain, g_resultPicture, g_alphaPicture, g_szCurrentFile, &path))
+    if (!SavePictureAs(g_hwndMain, document.result, document.alpha, document.file.c_str(), &path))
         return;
     SetTitle(path.c_str());
-    g_resultUnsaved = false;
+    document.unsaved = false;
     if (!WriteSettings(SettingGroup::SaveDialog))
-        TellSettingsUnsaved();
+        TellSettingsUnsaved(g_hwndMain);
 }
 
 static void OnClose()
@@ -101,7 +102,8 @@ static void OnClose()
     if (!MayLoseResult())
         return;
     SetStatusText(Text(kTextNothing));
-    ForgetSource();
+    ForgetSource(&FrameDocument());
+    PictureClosed(&FrameCommands());
     ForgetViewPicture(&g_view);
     ShowCommandStates();
     SetWindowTextW(g_hwndMain, L"Plenoviz");
@@ -175,13 +177,13 @@ static void OnZoomFit()
 static void OnZoomPreset()
 {
     const int index = int(SendMessageW(g_hwndZoomCombo, CB_GETCURSEL, 0, 0));
-    if (!g_toolBusy && ZoomToPreset(&g_view, ShownPicture(), index))
+    if (!IsComputing() && ZoomToPreset(&g_view, ShownPicture(), index))
         ZoomChanged();
 }
 
 void ApplyTypedZoom()
 {
-    if (g_toolBusy)
+    if (IsComputing())
         return;
     wchar_t text[16] = L"";
     GetWindowTextW(g_hwndZoomCombo, text, 11); // ten characters count
@@ -199,39 +201,16 @@ struct HandlerRow
     void (*run)();
 };
 
+#define COMMAND(id, handler, ...) {id, handler},
 static const HandlerRow kHandlers[] = {
-    {ID_FILE_OPEN, OnOpen},
-    {ID_FILE_SAVEAS, OnSaveAs},
-    {ID_FILE_CLOSE, OnClose},
-    {IDM_EXIT, OnExit},
-    {IDM_ABOUT, OnAbout},
-    {ID_OPTIONS, OnOptions},
-    {ID_HELP_CONTENTS, OnHelp},
-    {ID_ZOOM_IN, OnZoomIn},
-    {ID_ZOOM_OUT, OnZoomOut},
-    {ID_ZOOM_100, OnZoom100},
-    {ID_ZOOM_FIT, OnZoomFit},
-    {ID_MENU_BUTTON, PopUpCommandMenu},
-    {ID_SWITCH_VIEW, SwitchView},
-    {ID_SOURCE_PREV, ShowPreviousSource},
-    {ID_SOURCE_NEXT, ShowNextSource},
-    {ID_MULTI_IMAGE, StartMultiImage},
-    {ID_SINGLE_LIGHT, StartSingleImage},
-    {ID_DAYLIGHT_UP, StartDaylightUp},
-    {ID_DAYLIGHT_DOWN, StartDaylightDown},
-    {ID_SMART_CONTRAST, StartSmartContrast},
-    {ID_TONE_MAPPING, StartToneMapping},
+#include "app/Commands.inl"
 };
+#undef COMMAND
 
 LRESULT RunCommand(HWND, int id, int notification)
 {
-    if (id == ID_ZOOM_COMBO)
-    {
-        if (notification == CBN_SELCHANGE)
-            OnZoomPreset();
-        return 0;
-    }
-    if (!IsCommandEnabled(g_commandStates, id))
+    if (!IsCommandEnabled(FrameCommands(), id) ||
+        (id == ID_ZOOM_COMBO && notification != CBN_SELCHANGE))
         return 0;
     for (const HandlerRow& row : kHandlers)
         if (row.id == id)

@@ -12,6 +12,9 @@ LRESULT RunCommand(HWND frame, int id, int notification);
 // dialog of the tool that made the result is gone.
 bool MayLoseResult();
 
+// Room for the path of a picture that comes from outside, final zero included.
+constexpr int kPathChars = 1024;
+
 // Opens a file as the Open command does after its dialog: file dropped on the frame, file of the
 // command line. False when it could not be opened, which the user has been told.
 bool OpenPictureFile(const wchar_t* path);

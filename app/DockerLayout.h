@@ -5,7 +5,7 @@
 #include <vector>
 
 // Where the docker puts its windows: stacked top-down in order, each with its own size, one pixel
-// from the docker's left edge (none when it is docked at the left of the frame).
+// from the docker's left edge.
 struct DockerLayout
 {
     int left;  // of the docker in the frame's client area
@@ -13,5 +13,4 @@ struct DockerLayout
     std::vector<CBxPoint<int>> origins;
 };
 
-DockerLayout LayOutDocked(const std::vector<CBxSize<int>>& windows, int frameClientWidth,
-                          bool dockedLeft);
+DockerLayout LayOutDocked(const std::vector<CBxSize<int>>& windows, int frameClientWidth);

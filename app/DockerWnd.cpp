@@ -2,29 +2,22 @@
 
 #include "app/AppWindows_win.h"
 #include "app/DockerLayout.h"
-#include "skin/SkinBrushes_win.h"
-#include "skin/SkinColors.h"
+#include "skin/SkinColors_win.h"
 
 #include <algorithm>
 #include <stdexcept>
 #include <vector>
 
-struct DockerState
-{
-    bool dockedLeft = false;
-    const wchar_t* caption = nullptr;
-    HFONT captionFont = nullptr;
-    std::vector<HWND> windows;
-};
+// What the docker keeps with its window: the docked ones, from the top.
+using DockedWindows = std::vector<HWND>;
 
 static const wchar_t kDockerClass[] = L"DockerWindow1";
 static constexpr int kFirstWidth = 300, kFirstHeight = 1000;
-static constexpr int kCaptionHeight = 30, kCaptionWeight = 300;
 static constexpr size_t kMaxDocked = 64;
 
-static DockerState* StateOf(HWND docker)
+static DockedWindows* WindowsOf(HWND docker)
 {
-    return reinterpret_cast<DockerState*>(GetWindowLongPtrW(docker, GWLP_USERDATA));
+    return reinterpret_cast<DockedWindows*>(GetWindowLongPtrW(docker, GWLP_USERDATA));
 }
 
 static CBxSize<int> WindowSize(HWND hwnd)
@@ -34,32 +27,19 @@ static CBxSize<int> WindowSize(HWND hwnd)
     return {rect.right - rect.left, rect.bottom - rect.top};
 }
 
-// Bottom edge of the lowest window that shows.
-static int VisibleBottom(const DockerState& state)
-{
-    int bottom = 0, y = 0;
-    for (HWND hwnd : state.windows)
-    {
-        y += WindowSize(hwnd).cy;
-        if (IsWindowVisible(hwnd))
-            bottom = y;
-    }
-    return bottom;
-}
-
 static void Layout(HWND docker)
 {
-    DockerState* state = StateOf(docker);
-    if (!state)
+    const DockedWindows* windows = WindowsOf(docker);
+    if (!windows)
         return;
     std::vector<CBxSize<int>> sizes;
-    for (HWND hwnd : state->windows)
+    for (HWND hwnd : *windows)
         sizes.push_back(WindowSize(hwnd));
     RECT client = {}, now = {};
     GetClientRect(GetParent(docker), &client);
-    const DockerLayout layout = LayOutDocked(sizes, client.right, state->dockedLeft);
-    for (size_t i = 0; i < state->windows.size(); ++i)
-        SetWindowPos(state->windows[i], nullptr, layout.origins[i].x, layout.origins[i].y, 0, 0,
+    const DockerLayout layout = LayOutDocked(sizes, client.right);
+    for (size_t i = 0; i < windows->size(); ++i)
+        SetWindowPos((*windows)[i], nullptr, layout.origins[i].x, layout.origins[i].y, 0, 0,
                      SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
 
     GetWindowRect(docker, &now);
@@ -73,21 +53,9 @@ static void Layout(HWND docker)
     InvalidateRect(GetParent(docker), &strip, FALSE);
 }
 
-static void DrawCaption(HDC dc, const DockerState& state, const RECT& client)
-{
-    const int bottom = VisibleBottom(state);
-    RECT text = {5, bottom + 5, client.right - 10, client.bottom - bottom - 10};
-    const HGDIOBJ previous = SelectObject(dc, state.captionFont);
-    SetBkMode(dc, TRANSPARENT);
-    SetTextColor(dc, SkinColor(COLOR_BTNTEXT));
-    DrawTextW(dc, state.caption, -1, &text, DT_WORDBREAK | DT_NOPREFIX);
-    SelectObject(dc, previous);
-}
-
 static LRESULT OnEraseBackground(HWND docker, WPARAM wParam, LPARAM)
 {
     const HDC dc = reinterpret_cast<HDC>(wParam);
-    const DockerState* state = StateOf(docker);
     RECT client;
     GetClientRect(docker, &client);
     for (HWND child = GetWindow(docker, GW_CHILD); child; child = GetWindow(child, GW_HWNDNEXT))
@@ -100,8 +68,6 @@ static LRESULT OnEraseBackground(HWND docker, WPARAM wParam, LPARAM)
         ExcludeClipRect(dc, rect.left, rect.top, rect.right, rect.bottom);
     }
     FillRect(dc, &client, SkinBrush(COLOR_BTNFACE));
-    if (state && state->caption && *state->caption)
-        DrawCaption(dc, *state, client);
     return 1;
 }
 
@@ -121,11 +87,8 @@ static LRESULT OnSize(HWND docker, WPARAM, LPARAM)
 
 static LRESULT OnDestroyed(HWND docker, WPARAM, LPARAM)
 {
-    DockerState* state = StateOf(docker);
+    delete WindowsOf(docker);
     SetWindowLongPtrW(docker, GWLP_USERDATA, 0);
-    if (state)
-        DeleteObject(state->captionFont);
-    delete state;
     return 0;
 }
 
@@ -135,15 +98,6 @@ static const MessageRow kDockerMessages[] = {
     {WM_SIZE, OnSize},
     {WM_NCDESTROY, OnDestroyed},
 };
-
-static HFONT CaptionFont()
-{
-    LOGFONTW font = {};
-    GetObjectW(GetStockObject(DEFAULT_GUI_FONT), sizeof font, &font);
-    font.lfHeight = kCaptionHeight;
-    font.lfWeight = kCaptionWeight;
-    return CreateFontIndirectW(&font);
-}
 
 HWND CreateDocker(HWND parent)
 {
@@ -160,35 +114,27 @@ HWND CreateDocker(HWND parent)
                         kFirstWidth, kFirstHeight, parent, nullptr, g_hInst, nullptr);
     if (!docker)
         return nullptr;
-    DockerState* state = new DockerState;
-    state->captionFont = CaptionFont();
-    SetWindowLongPtrW(docker, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(state));
+    SetWindowLongPtrW(docker, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(new DockedWindows));
     return docker;
 }
 
 void DockWindow(HWND hwnd)
 {
-    DockerState* state = StateOf(g_hwndDocker);
-    if (!state)
+    DockedWindows* windows = WindowsOf(g_hwndDocker);
+    if (!windows)
         return;
-    if (state->windows.size() >= kMaxDocked)
+    if (windows->size() >= kMaxDocked)
         throw std::length_error("list<T> too long");
-    state->windows.push_back(hwnd);
+    windows->push_back(hwnd);
     LayoutDocker();
 }
 
 void UndockWindow(HWND hwnd)
 {
-    DockerState* state = StateOf(g_hwndDocker);
-    if (!state)
+    DockedWindows* windows = WindowsOf(g_hwndDocker);
+    if (!windows)
         return;
-    auto& windows = state->windows;
-    windows.erase(std::remove(windows.begin(), windows.end(), hwnd), windows.end());
-    if (state->caption && *state->caption)
-    {
-        InvalidateRect(g_hwndDocker, nullptr, TRUE);
-        UpdateWindow(g_hwndDocker);
-    }
+    windows->erase(std::remove(windows->begin(), windows->end(), hwnd), windows->end());
     LayoutDocker();
 }
 
@@ -196,11 +142,4 @@ void LayoutDocker()
 {
     if (g_hwndDocker)
         Layout(g_hwndDocker);
-}
-
-void SetDockerCaption(const wchar_t* caption)
-{
-    if (DockerState* state = StateOf(g_hwndDocker))
-        state->caption = caption;
-    InvalidateRect(g_hwndDocker, nullptr, TRUE);
 }

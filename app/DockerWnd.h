@@ -13,6 +13,3 @@ HWND CreateDocker(HWND parent);
 void DockWindow(HWND hwnd);
 void UndockWindow(HWND hwnd);
 void LayoutDocker();
-
-// Text below the docked windows, null for none; the string must stay.
-void SetDockerCaption(const wchar_t* caption);

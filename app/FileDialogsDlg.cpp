@@ -23,7 +23,6 @@ static constexpr DWORD kDialogFlags =
 static constexpr int kNameChars = 1024;   // of a single file
 static constexpr int kSeriesChars = 4096; // of a folder and the names in it
 static constexpr int kLowestQuality = 10, kHighestQuality = 100;
-static constexpr int kJpegEntry = 3; // of the type box, from 0
 
 static std::string Utf8(const std::wstring& text)
 {
@@ -54,7 +53,7 @@ static OPENFILENAMEW FileDialog(HWND owner, const wchar_t* title, const std::wst
 bool AskForPicture(HWND owner, const wchar_t* title, std::wstring* path)
 {
     wchar_t name[kNameChars] = L"";
-    const std::wstring filter = DialogFilter({L"*.bmp;*.jpg;*.tif;*.png"});
+    const std::wstring filter = DialogFilter({OpenPattern(false)});
     OPENFILENAMEW dialog = FileDialog(owner, title, filter, name, kNameChars);
     if (!GetOpenFileNameW(&dialog))
         return false;
@@ -65,7 +64,7 @@ bool AskForPicture(HWND owner, const wchar_t* title, std::wstring* path)
 PickedFiles AskForSeries(HWND owner)
 {
     wchar_t names[kSeriesChars] = L"";
-    const std::wstring filter = DialogFilter({L"*.bmp;*.jpg;*.gif;*.tif;*.png"});
+    const std::wstring filter = DialogFilter({OpenPattern(true)});
     OPENFILENAMEW dialog = FileDialog(owner, Text(kTextSelectSource), filter, names, kSeriesChars);
     dialog.Flags |= OFN_ALLOWMULTISELECT;
     PickedFiles picked;
@@ -82,23 +81,24 @@ PickedFiles AskForSeries(HWND owner)
     return picked;
 }
 
-bool LoadSilently(const wchar_t* path, SBxPicBuf* picture, SBxPicBuf* alpha)
+bool LoadSilently(const wchar_t* path, Picture* picture, Picture* alpha)
 {
     std::wstring chosen = path;
     if (chosen.empty() && !AskForPicture(GetActiveWindow(), Text(kTextLoadItem), &chosen))
         return false;
-    return !LoadPicturePair(Utf8(chosen).c_str(), picture, alpha);
+    return !LoadPicturePair(Utf8(chosen).c_str(), picture->Record(), alpha->Record());
 }
 
-bool LoadForDocument(const wchar_t* path, SBxPicBuf* picture, SBxPicBuf* alpha)
+bool LoadForDocument(const wchar_t* path, Picture* picture, Picture* alpha)
 {
     const bool loaded = LoadSilently(path, picture, alpha);
-    const bool fits = loaded && (picture->components == 1 || picture->components == 3) &&
-                      (picture->bitsPerComponent == 8 || picture->bitsPerComponent == 16);
+    const SBxPicBuf& found = *picture;
+    const bool fits = loaded && (found.components == 1 || found.components == 3) &&
+                      (found.bitsPerComponent == 8 || found.bitsPerComponent == 16);
     if (fits)
         return true;
-    CBxPicBufAPI::DoneHeap(picture);
-    CBxPicBufAPI::DoneHeap(alpha);
+    picture->Free();
+    alpha->Free();
     MessageBoxW(g_hwndMain, Text(kTextFormatNotSupported), L"", MB_OK);
     return false;
 }
@@ -111,8 +111,10 @@ static void ShowQuality(HWND row, int quality)
     SetDlgItemInt(row, IDC_QUALITY_VALUE, UINT(quality), FALSE);
 }
 
-static UINT_PTR OnQualityInit(HWND row)
+// The row keeps the bits of the picture, which decide what is in the box of types.
+static UINT_PTR OnQualityInit(HWND row, const OPENFILENAMEW* dialog)
 {
+    SetWindowLongPtrW(row, DWLP_USER, dialog->lCustData);
     SetDlgItemTextW(row, IDC_QUALITY_LABEL, Text(kTextJpegQuality));
     SendDlgItemMessageW(row, IDC_QUALITY_SLIDER, TBM_SETRANGE, TRUE,
                         MAKELPARAM(kLowestQuality, kHighestQuality));
@@ -197,7 +199,10 @@ static void AlignQualityRow(HWND row)
 
 static void EnableQualityRow(HWND row)
 {
-    const bool jpeg = SendDlgItemMessageW(GetParent(row), cmb1, CB_GETCURSEL, 0, 0) == kJpegEntry;
+    const LRESULT entry = SendDlgItemMessageW(GetParent(row), cmb1, CB_GETCURSEL, 0, 0);
+    const std::vector<SaveType> types = SaveTypesFor(int(GetWindowLongPtrW(row, DWLP_USER)));
+    const bool jpeg =
+        entry >= 0 && size_t(entry) < types.size() && types[size_t(entry)].format == kFormatJpeg;
     for (const int control :
          {IDC_QUALITY_LABEL, IDC_QUALITY_SLIDER, IDC_QUALITY_VALUE, IDC_QUALITY_PERCENT})
         EnableWindow(GetDlgItem(row, control), jpeg);
@@ -239,7 +244,7 @@ static UINT_PTR CALLBACK QualityHook(HWND row, UINT message, WPARAM wParam, LPAR
 {
     switch (message)
     {
-    case WM_INITDIALOG: return OnQualityInit(row);
+    case WM_INITDIALOG: return OnQualityInit(row, reinterpret_cast<const OPENFILENAMEW*>(lParam));
     case WM_HSCROLL: return OnQualityScroll(row, wParam);
     case WM_NOTIFY: return OnQualityNotify(row, reinterpret_cast<const OFNOTIFYW*>(lParam));
     default: return 0;
@@ -263,7 +268,7 @@ static bool AskForTarget(HWND owner, int bitsPerComponent, const wchar_t* source
     if (const int type = PreselectedSaveType(source, bitsPerComponent))
     {
         dialog.nFilterIndex = DWORD(type);
-        dialog.lpstrDefExt = types[size_t(type) - 1].extension + 1; // without the dot
+        dialog.lpstrDefExt = types[size_t(type) - 1].extension.c_str() + 1; // without the dot
     }
     dialog.hInstance = GetModuleHandleW(nullptr);
     dialog.lCustData = bitsPerComponent;
@@ -316,7 +321,7 @@ static void TellFailure(HWND owner, TextId what, const wchar_t* path, const std:
 }
 
 static SaveReport TrySave(const SBxPicBuf& picture, const SBxPicBuf& alpha,
-                          const std::string& target, const std::string& source, int format)
+                          const std::string& target, const std::string& source, FormatId format)
 {
     SaveReport report;
     try

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "base/Win.h"
-#include "picture/PicBuf.h"
+#include "picture/Picture.h"
 
 #include <string>
 #include <vector>
@@ -21,11 +21,11 @@ struct PickedFiles
 };
 PickedFiles AskForSeries(HWND owner);
 
-// Main loader: every failure shows string 41 and changes nothing. Both records must be initialised.
-bool LoadForDocument(const wchar_t* path, SBxPicBuf* picture, SBxPicBuf* alpha);
+// Main loader: every failure shows string 41 and changes nothing.
+bool LoadForDocument(const wchar_t* path, Picture* picture, Picture* alpha);
 
 // Loader of the tools: silent. An empty path asks for a picture first.
-bool LoadSilently(const wchar_t* path, SBxPicBuf* picture, SBxPicBuf* alpha);
+bool LoadSilently(const wchar_t* path, Picture* picture, Picture* alpha);
 
 // Save As for a picture with the metadata of `source`: writes to `path`, whose ending decides the
 // format, and leaves the quality of JPEG files in g_settings, to be stored. An empty path asks for

@@ -1,16 +1,31 @@
 #include "app/FileNames.h"
 
-#include "files/ImageFile.h"
-
 #include <algorithm>
 #include <cwctype>
 
+static std::wstring FirstEnding(const FormatRow& row)
+{
+    const std::string ending = EndingsIn(row.endings).front();
+    return std::wstring(ending.begin(), ending.end()); // plain letters
+}
+
 std::vector<SaveType> SaveTypesFor(int bitsPerComponent)
 {
-    const SaveType tiff = {L"*.tif", L".tif", kFormatTiff}, png = {L"*.png", L".png", kFormatPng};
-    if (bitsPerComponent == 16)
-        return {tiff, png};
-    return {{L"*.bmp", L".bmp", kFormatBmp}, tiff, png, {L"*.jpg", L".jpg", kFormatJpeg}};
+    const unsigned kinds = bitsPerComponent == 16 ? kHolds16 : kHolds8;
+    std::vector<SaveType> types;
+    for (const FormatRow* row : SaveFormats())
+        if ((row->holds & kinds) == kinds)
+            types.push_back({L"*" + FirstEnding(*row), FirstEnding(*row), row->id});
+    return types;
+}
+
+std::wstring OpenPattern(bool series)
+{
+    std::wstring pattern;
+    for (const FormatRow& row : kFormats)
+        if (row.opened == OpenDialogs::All || (series && row.opened == OpenDialogs::Series))
+            pattern += (pattern.empty() ? L"*" : L";*") + FirstEnding(row);
+    return pattern;
 }
 
 static bool SameText(const std::wstring& a, const std::wstring& b)

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "files/Formats.h"
+
 #include <string>
 #include <vector>
 
@@ -7,12 +9,13 @@
 
 struct SaveType
 {
-    const wchar_t* pattern;   // "*.bmp": shown text and pattern alike
-    const wchar_t* extension; // ".bmp"
-    int format;               // number that the image library knows
+    std::wstring pattern;   // "*.bmp": shown text and pattern alike
+    std::wstring extension; // ".bmp"
+    FormatId format;
 };
 
-// The types on offer, in the order of the type box: four for 8 bits, TIFF and PNG for 16.
+// The types on offer, in the order of the type box: those that hold such pictures, grey or
+// coloured.
 std::vector<SaveType> SaveTypesFor(int bitsPerComponent);
 
 // "C:\photos\IMG.2020.jpg" -> "IMG-vexa": the last part of the path up to its first dot.
@@ -27,9 +30,12 @@ int PreselectedSaveType(const std::wstring& currentFile, int bitsPerComponent);
 struct SaveTarget
 {
     std::wstring path;
-    int format;
+    FormatId format;
 };
 SaveTarget SaveTargetOf(const std::wstring& chosenName, int selectedType, int bitsPerComponent);
+
+// What the dialog shows that opens one picture, or one that opens a series: "*.bmp;*.jpg".
+std::wstring OpenPattern(bool series);
 
 // The filter text of a file dialog: pairs of text and pattern, both the pattern, double end.
 std::wstring DialogFilter(const std::vector<std::wstring>& patterns);

@@ -1,22 +1,23 @@
 #include "app/FrameView_win.h"
 
-#include "app/AppState.h"
 #include "app/AppWindows_win.h"
+#include "app/Frame_win.h"
 #include "app/Invitation.h"
 #include "app/ToolbarWnd.h"
-#include "skin/SkinColors.h"
+#include "skin/SkinColors_win.h"
 #include "text/Strings.h"
 #include "tools/Messages.h"
 
 ImageView g_view;
-DisplayDocument g_document;
+DisplayDocument g_displayDocument;
 
 // The alpha plane belongs to the opened photograph; it lies over whatever of it is shown.
 static const SBxPicBuf* AlphaToShow()
 {
-    const bool fits = g_alphaPicture.data && g_alphaPicture.width == g_sourcePicture.width &&
-                      g_alphaPicture.height == g_sourcePicture.height;
-    return fits ? &g_alphaPicture : nullptr;
+    const SBxPicBuf& alpha = FrameDocument().alpha;
+    const SBxPicBuf& source = FrameDocument().source;
+    const bool fits = alpha.data && alpha.width == source.width && alpha.height == source.height;
+    return fits ? &alpha : nullptr;
 }
 
 void UpdateViewArea()
@@ -50,30 +51,37 @@ static void Render(ViewRebuild rebuild, const SBxPicBuf* picture, ViewShows whic
 
 void RedrawView(ViewRebuild rebuild)
 {
-    if (!HasPicture(g_sourcePicture))
+    const Document& document = FrameDocument();
+    const SBxPicBuf &source = document.source, &result = document.result;
+    if (!HasPicture(source))
         ShowNothing();
-    else if (g_showSources || !HasPicture(g_resultPicture))
-        Render(rebuild, &g_sourcePicture, ViewShows::Source);
+    else if (document.showsSource || !HasPicture(result))
+        Render(rebuild, &source, ViewShows::Source);
     else
-        Render(rebuild, &g_resultPicture, ViewShows::Result);
+        Render(rebuild, &result, ViewShows::Result);
 }
 
 void ShowSource(const SBxPicBuf& picture)
 {
-    g_showSources = true;
+    FrameDocument().showsSource = true;
     Render(ViewRebuild::Rebuild, &picture, ViewShows::Source);
+}
+
+static void ShowAsResult(const SBxPicBuf& picture)
+{
+    FrameDocument().showsSource = false;
+    Render(ViewRebuild::Rebuild, &picture, ViewShows::Result);
 }
 
 void ShowResult()
 {
-    g_showSources = false;
-    Render(ViewRebuild::Rebuild, &g_resultPicture, ViewShows::Result);
+    ShowAsResult(FrameDocument().result);
 }
 
 void ShowPreview()
 {
-    g_showSources = false;
-    Render(ViewRebuild::Rebuild, &g_previewPicture, ViewShows::Result);
+    const SBxPicBuf& preview = FrameDocument().preview;
+    ShowAsResult(HasPicture(preview) ? preview : FrameDocument().source);
 }
 
 // The font in which the system speaks to the user: it has the letters of the user's language.
@@ -120,8 +128,8 @@ static void DrawInvitation(HDC dc, CBxSize<int> area, int background)
 void ShowNothing()
 {
     Render(ViewRebuild::Keep, nullptr, ViewShows::Nothing);
-    if (g_document.bitmap && *Text(kTextInvitation))
-        DrawInvitation(g_document.memoryDc, SizeOfArea(g_view.area),
+    if (g_displayDocument.bitmap && *Text(kTextInvitation))
+        DrawInvitation(g_displayDocument.memoryDc, SizeOfArea(g_view.area),
                        ViewBackground(g_view.colourScheme));
 }
 
@@ -135,11 +143,11 @@ void ZoomChanged()
 
 void ViewMoved()
 {
-    if (g_hwndActiveTool && !g_showSources)
+    if (g_hwndActiveTool && !FrameDocument().showsSource)
         PostMessageW(g_hwndActiveTool, WM_APP_VIEW_MOVED, 0, 0);
 }
 
 const SBxPicBuf& ShownPicture()
 {
-    return g_sourcePicture;
+    return FrameDocument().source;
 }

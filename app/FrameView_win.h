@@ -8,16 +8,18 @@
 // thread only.
 
 extern ImageView g_view;
-extern DisplayDocument g_document;
+extern DisplayDocument g_displayDocument;
 
 // Where the view lies now, from client area, toolbar and docker. Called before every render.
 void UpdateViewArea();
 
-// Renders what g_showSources says, from the caches unless told otherwise, and repaints.
+// Renders what the document says that is shown, from the caches unless told otherwise, and
+// repaints.
 void RedrawView(ViewRebuild rebuild = ViewRebuild::Keep);
 
 // Makes a source, the result or the preview the thing that is shown. The preview takes the result's
-// place in the view's cache, so that zooming and panning keep it while a tool is open.
+// place in the view's cache, so that zooming and panning keep it while a tool is open; while there
+// is none, it is the source.
 void ShowSource(const SBxPicBuf& picture);
 void ShowResult();
 void ShowPreview();

@@ -1,8 +1,8 @@
 #include "app/MainMouseWnd.h"
 
-#include "app/AppState.h"
 #include "app/AppWindows_win.h"
 #include "app/FrameView_win.h"
+#include "app/Frame_win.h"
 #include "tools/Messages.h"
 
 #include <windowsx.h>
@@ -48,7 +48,7 @@ static bool GrabPreview(int x, int y)
 
 static void StartPan(int x, int y)
 {
-    if (g_toolBusy || !HasPicture(ShownPicture()))
+    if (IsComputing() || !HasPicture(ShownPicture()))
         return;
     g_draggingPreview = GrabPreview(x, y);
     if (!g_draggingPreview)
@@ -75,29 +75,30 @@ static void EndPan()
 
 static void ZoomToFitView()
 {
-    if (g_toolBusy)
+    if (IsComputing())
         return;
     ForgetDrag(&g_drag);
     UpdateViewArea();
     if (!ZoomToFit(&g_view, ShownPicture()))
         return;
-    if (HasPicture(g_resultPicture))
-        g_showSources = false;
+    if (HasPicture(FrameDocument().result))
+        FrameDocument().showsSource = false;
     ZoomChanged();
 }
 
 static void Compare(bool showSource)
 {
-    if (g_toolBusy || !HasPicture(g_sourcePicture))
+    Document& document = FrameDocument();
+    if (IsComputing() || !HasPicture(document.source))
         return;
-    if (showSource == g_comparing || (showSource && g_showSources))
+    if (showSource == g_comparing || (showSource && document.showsSource))
         return;
     g_comparing = showSource;
     if (showSource)
         SetCapture(g_hwndMain);
     else if (GetCapture() == g_hwndMain)
         ReleaseCapture();
-    g_showSources = showSource;
+    document.showsSource = showSource;
     RedrawView();
     ViewMoved(); // the view may have moved over the source meanwhile
 }
@@ -130,7 +131,7 @@ static bool IsForwarded(UINT message)
 
 LRESULT OnSetCursor(HWND frame, WPARAM wParam, LPARAM lParam)
 {
-    if (g_toolBusy)
+    if (IsComputing())
         return 0;
     const UINT message = HIWORD(lParam);
     const bool overView = HWND(wParam) == frame && LOWORD(lParam) == HTCLIENT && !OverDocker();
@@ -168,10 +169,10 @@ LRESULT OnMouseMove(HWND, WPARAM, LPARAM lParam)
 {
     if (g_draggingPreview && g_hwndActiveTool)
         SendMessageW(g_hwndActiveTool, WM_MOUSEMOVE, 1, lParam);
-    if (!g_toolBusy &&
+    if (!IsComputing() &&
         DragTo(&g_drag, &g_view, ShownPicture(), GET_X_LPARAM(lParam), GET_Y_LPARAM(lParam)))
     {
-        if (g_hwndActiveTool && !g_showSources)
+        if (g_hwndActiveTool && !FrameDocument().showsSource)
             SendMessageW(g_hwndActiveTool, WM_APP_VIEW_MOVING, 0, 0);
         RedrawView();
         UpdateWindow(g_hwndMain);
@@ -210,7 +211,7 @@ LRESULT OnRightUp(HWND, WPARAM, LPARAM lParam)
 
 LRESULT OnWheel(HWND frame, WPARAM wParam, LPARAM lParam)
 {
-    if (g_toolBusy)
+    if (IsComputing())
         return 0;
     POINT cursor = {GET_X_LPARAM(lParam), GET_Y_LPARAM(lParam)};
     ScreenToClient(frame, &cursor);

@@ -1,33 +1,24 @@
 #include "app/MainWnd.h"
 
-#include "app/AppState.h"
 #include "app/AppWindows_win.h"
 #include "app/CommandIds.h"
 #include "app/CommandsWnd.h"
 #include "app/DockerWnd.h"
 #include "app/FrameView_win.h"
+#include "app/Frame_win.h"
 #include "app/MainMouseWnd.h"
 #include "app/ToolMessagesWnd.h"
 #include "app/ToolbarWnd.h"
 #include "base/Format_win.h"
-#include "skin/SkinBrushes_win.h"
-#include "skin/SkinColors.h"
+#include "skin/SkinColors_win.h"
 #include "text/ProfileStore.h"
 #include "text/Strings.h"
 #include "tools/Messages.h"
-#include "tools/Settings.h"
+#include "tools/Settings_win.h"
 
 #include <commctrl.h>
 #include <objbase.h>
 #include <shellapi.h>
-
-HINSTANCE g_hInst;
-HWND g_hwndMain;
-HWND g_hwndToolbar;
-HWND g_hwndStatus;
-HWND g_hwndZoomCombo;
-HWND g_hwndDocker;
-HWND g_hwndActiveTool;
 
 // Lives as long as the process, so that a second instance can tell a running program from one that
 // has crashed: both leave the crash marker set.
@@ -49,7 +40,8 @@ static LRESULT OnCreate(HWND frame, WPARAM, LPARAM)
     g_closeWanted = false;
 
     DragAcceptFiles(frame, TRUE);
-    g_showSources = true;
+    FrameDocument() = {};
+    FrameCommands() = {};
     LoadSettings();
     LoadLocalizedStrings(); // once more, now that the language is known
     WarnAboutCrash(frame);
@@ -57,19 +49,19 @@ static LRESULT OnCreate(HWND frame, WPARAM, LPARAM)
     g_hwndStatus = CreateWindowExW(0, STATUSCLASSNAMEW, Text(kTextNothing), WS_CHILD | WS_VISIBLE,
                                    0, 0, 0, 0, frame, nullptr, g_hInst, nullptr);
     g_hwndMain = frame;
-    g_szCurrentFile[0] = 0;
     if (FAILED(CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED)))
         return -1;
-    if (CreateDisplayDocument(&g_document, frame, &g_sourcePicture, &g_resultPicture,
-                              &g_alphaPicture))
+    const uint8_t background = GetRValue(SkinColor(COLOR_APPWORKSPACE));
+    if (CreateDisplayDocument(&g_displayDocument, frame, background))
         return -1;
     g_view.owner = frame;
-    g_view.display = g_document.display;
+    g_view.display = g_displayDocument.display;
     if (!CreateToolbar(frame))
         return -1;
     g_hwndDocker = CreateDocker(frame);
     ShowWindow(g_hwndDocker, SW_SHOW);
     g_hwndActiveTool = nullptr;
+    SetUpFrameHost();
     ShowCommandStates();
     SetFocus(frame);
     return 0;
@@ -121,7 +113,7 @@ static LRESULT OnPaint(HWND frame, WPARAM, LPARAM)
     PAINTSTRUCT paint;
     const HDC dc = BeginPaint(frame, &paint);
     ExcludeChildren(dc, frame);
-    PaintView(dc, g_document, g_view);
+    PaintView(dc, g_displayDocument, g_view);
     EndPaint(frame, &paint);
     return 0;
 }
@@ -153,12 +145,8 @@ static LRESULT OnCommand(HWND frame, WPARAM wParam, LPARAM)
 static LRESULT OnNotify(HWND frame, WPARAM wParam, LPARAM lParam)
 {
     NMHDR* header = reinterpret_cast<NMHDR*>(lParam);
-    if (header->code == TTN_GETDISPINFOW && header->idFrom >= ID_FILE_OPEN &&
-        header->idFrom <= ID_TONE_MAPPING)
-    {
-        GiveTooltip(header);
+    if (header->code == TTN_GETDISPINFOW && GiveTooltip(header))
         return 0;
-    }
     return DefWindowProcW(frame, WM_NOTIFY, wParam, lParam);
 }
 
@@ -166,7 +154,7 @@ static LRESULT OnDropFiles(HWND, WPARAM wParam, LPARAM)
 {
     const HDROP drop = reinterpret_cast<HDROP>(wParam);
     wchar_t path[kPathChars] = L"";
-    const bool mayOpen = !g_toolBusy && !g_workerBusy && MayLoseResult();
+    const bool mayOpen = FrameDocument().phase == DocumentPhase::Idle && MayLoseResult();
     const bool named = mayOpen && DragQueryFileW(drop, 0, path, kPathChars) > 0;
     DragFinish(drop);
     if (named)
@@ -180,11 +168,10 @@ static LRESULT OnClose(HWND frame, WPARAM, LPARAM)
 {
     if (!MayLoseResult())
         return 0;
-    if (g_toolBusy)
+    if (IsComputing())
     {
         g_closeWanted = true;
-        g_cancelRequested = true;
-        g_stopRequested = true;
+        StopJob(FrameDocument());
         return 0;
     }
     DestroyWindow(frame);
@@ -201,8 +188,7 @@ static LRESULT OnEndSession(HWND, WPARAM ending, LPARAM)
 {
     if (!ending)
         return 0;
-    g_cancelRequested = true;
-    g_stopRequested = true;
+    StopJob(FrameDocument());
     SaveSettingsOnExit();
     return 0;
 }
@@ -210,10 +196,10 @@ static LRESULT OnEndSession(HWND, WPARAM ending, LPARAM)
 static LRESULT OnDestroy(HWND, WPARAM, LPARAM)
 {
     g_settingsUnsaved = !SaveSettingsOnExit();
-    FreePictures();
+    FrameDocument() = {};
     CoUninitialize();
     ReleaseImageView(&g_view);
-    ReleaseDisplayDocument(&g_document);
+    ReleaseDisplayDocument(&g_displayDocument);
     if (g_instanceMutex)
         CloseHandle(g_instanceMutex);
     g_instanceMutex = nullptr;
@@ -298,6 +284,6 @@ int RunMessageLoop(HACCEL accelerators)
         DispatchMessageW(&message);
     }
     if (g_settingsUnsaved) // now that there is nothing left that could be in the way of a log-off
-        TellSettingsUnsaved();
+        TellSettingsUnsaved(g_hwndMain);
     return int(message.wParam);
 }

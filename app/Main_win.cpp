@@ -1,6 +1,5 @@
 // Process entry of the window program.
 
-#include "app/AppState.h"
 #include "app/AppWindows_win.h"
 #include "app/CommandIds.h"
 #include "app/CommandsWnd.h"
@@ -15,8 +14,6 @@
 #include <shellapi.h>
 
 #include <clocale>
-
-static bool g_processStarted;
 
 // "Open with": the first argument is a picture. Its full path is kept, since dialogs change the
 // current folder.
@@ -33,7 +30,6 @@ static void OpenFromCommandLine()
 int WINAPI wWinMain(HINSTANCE instance, HINSTANCE, wchar_t*, int show)
 {
     LoadLocalizedStrings();
-    g_processStarted = true;
     InitCommonControls();
     InstallSkin();
     wchar_t title[100] = L"", className[100] = L"";

@@ -3,7 +3,7 @@
 #include "app/OptionsIds.h"
 #include "text/LanguageFile.h"
 #include "text/Strings.h"
-#include "tools/Settings.h"
+#include "tools/Settings_win.h"
 
 static const struct
 {
@@ -77,7 +77,7 @@ void ShowOptionsDialog(HWND owner)
     if (!stored)
     {
         g_languages.current = previous;
-        TellSettingsUnsaved();
+        TellSettingsUnsaved(owner);
         return;
     }
     // The note is for who reads the new language; all else stays as it is until the restart.

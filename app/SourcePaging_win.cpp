@@ -1,49 +1,54 @@
 #include "app/SourcePaging_win.h"
 
-#include "app/AppState.h"
 #include "app/AppWindows_win.h"
 #include "app/CommandsWnd.h"
 #include "app/FileDialogsDlg.h"
 #include "app/FrameView_win.h"
+#include "app/Frame_win.h"
 #include "base/Format_win.h"
 #include "text/Strings.h"
 
 void ShowSourceStatus(TextId hint)
 {
-    const std::wstring text =
-        VcFormatText(L"%s %i %s %i. %s", Text(kTextShowing), int(g_sourceIndex) + 1, Text(kTextOf),
-                     int(g_sourceCount), Text(hint));
+    const SourceSeries& series = FrameDocument().series;
+    const std::wstring text = VcFormatText(L"%s %i %s %i. %s", Text(kTextShowing), series.shown + 1,
+                                           Text(kTextOf), int(series.files.size()), Text(hint));
     SetStatusText(text.c_str());
 }
 
 // Only the view takes the picture: metadata and tools stay with the first source. False when the
 // file is gone or no picture any more; the view stays as it is then.
-static bool ShowSourceAt(int index)
+static bool ShowSourceFile(const std::wstring& file)
 {
-    SBxPicBuf picture, alpha;
-    CBxPicBufAPI::Init(&picture);
-    CBxPicBufAPI::Init(&alpha);
-    g_sourceIndex = index;
-    const bool loaded = LoadSilently(g_sourceFiles[index], &picture, &alpha);
+    Picture picture, alpha;
+    const bool loaded = LoadSilently(file.c_str(), &picture, &alpha);
     if (loaded)
         ShowSource(picture);
-    CBxPicBufAPI::DoneHeap(&picture);
-    CBxPicBufAPI::DoneHeap(&alpha);
     return loaded;
+}
+
+// Nothing to look through, or no time for it.
+static bool MayNotPage()
+{
+    const SourceSeries& series = FrameDocument().series;
+    return !series.chosenByUser || series.files.empty() || IsComputing();
 }
 
 static void PageBy(int step)
 {
-    const bool mayPage = g_showSources || g_hwndActiveTool; // a tool shows a preview in between
-    if (!g_multiImageMode || !mayPage || g_sourceCount <= 0 || g_toolBusy)
+    Document& document = FrameDocument();
+    const bool sees = document.showsSource || g_hwndActiveTool; // it shows a preview in between
+    if (MayNotPage() || !sees)
         return;
+    SourceSeries& series = document.series;
+    const int count = int(series.files.size());
+    series.shown = (series.shown + count + step) % count;
+    const std::wstring& file = series.files[size_t(series.shown)];
     // No box: the keys come through a hook. The next press goes on to the next source.
-    if (ShowSourceAt(int((g_sourceIndex + g_sourceCount + step) % g_sourceCount)))
+    if (ShowSourceFile(file))
         ShowSourceStatus(kTextUseArrowsOrF5);
     else
-        SetStatusText(
-            VcFormatText(L"%s %s", Text(kTextCannotOpenFile), g_sourceFiles[g_sourceIndex])
-                .c_str());
+        SetStatusText(VcFormatText(L"%s %s", Text(kTextCannotOpenFile), file.c_str()).c_str());
 }
 
 void ShowPreviousSource()
@@ -58,11 +63,12 @@ void ShowNextSource()
 
 void SwitchView()
 {
-    if (!g_multiImageMode || g_sourceCount <= 0 || g_toolBusy)
+    if (MayNotPage())
         return;
-    g_showSources = !g_showSources;
+    bool& showsSource = FrameDocument().showsSource;
+    showsSource = !showsSource;
     RedrawView();
-    if (g_showSources)
+    if (showsSource)
         ShowSourceStatus(kTextUseArrows);
     else
         SetStatusText(Text(kTextPressF5));

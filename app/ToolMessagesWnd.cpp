@@ -1,21 +1,21 @@
 #include "app/ToolMessagesWnd.h"
 
-#include "app/AppState.h"
 #include "app/AppWindows_win.h"
 #include "app/CommandIds.h"
 #include "app/CommandsWnd.h"
 #include "app/FrameView_win.h"
+#include "app/Frame_win.h"
 #include "app/ToolbarWnd.h"
 #include "tools/ExposureFusionDlg.h"
 #include "tools/PowerFusionDlg.h"
 #include "tools/SeriesWorkerWnd.h"
-#include "tools/ToneMapWorker_win.h"
+#include "tools/ToneMapRun_win.h"
 
 bool g_closeWanted;
 
 static bool CloseIfWanted()
 {
-    const bool closes = g_closeWanted && !g_toolBusy;
+    const bool closes = g_closeWanted && !IsComputing();
     if (closes)
         DestroyWindow(g_hwndMain);
     return closes;
@@ -23,11 +23,11 @@ static bool CloseIfWanted()
 
 LRESULT OnSeriesCancelled(HWND, WPARAM, LPARAM)
 {
+    Document& document = FrameDocument();
     EndSeries(false);
-    CBxPicBufAPI::DoneHeap(&g_resultPicture);
-    CBxPicBufAPI::DoneHeap(&g_previewPicture);
-    if (!CloseIfWanted() && HasPicture(g_sourcePicture))
-        ShowSource(g_sourcePicture);
+    DropResult(&document);
+    if (!CloseIfWanted() && HasPicture(document.source))
+        ShowSource(document.source);
     return 0;
 }
 
@@ -36,12 +36,14 @@ LRESULT OnSeriesReady(int id)
     if (SeriesWasAborted()) // after its last file
         return OnSeriesCancelled(nullptr, 0, 0);
     EndSeries(true);
-    if (CloseIfWanted() || g_workerBusy || g_sourceCount <= 0 || !HasPicture(g_sourcePicture))
+    const Document& document = FrameDocument();
+    if (CloseIfWanted() || document.phase != DocumentPhase::Idle || document.series.files.empty() ||
+        !HasPicture(document.source))
         return 0;
     if (id == ID_OPEN_EXPOSURE_FUSION)
-        ShowExposureFusionDialog();
+        ShowExposureFusionDialog(FrameHost());
     else
-        ShowPowerFusionDialog(SeriesTitle());
+        ShowPowerFusionDialog(FrameHost(), SeriesTitle());
     return 0;
 }
 
@@ -67,7 +69,7 @@ LRESULT OnShowResultFit(HWND, WPARAM, LPARAM)
 
 LRESULT OnResultCreated(HWND, WPARAM, LPARAM)
 {
-    g_resultUnsaved = true;
+    FrameDocument().unsaved = true;
     return 0;
 }
 
@@ -97,9 +99,8 @@ LRESULT OnCursorMove(HWND, WPARAM, LPARAM)
 
 LRESULT OnToolDone(HWND frame, WPARAM, LPARAM)
 {
-    g_workerBusy = false;
-    g_toolBusy = false;
-    g_resultUnsaved = true;
+    EndWork(&FrameDocument());
+    FrameDocument().unsaved = true;
     EnableToolCommands(true);
     OnShowResultFit(frame, 0, 0);
     CloseIfWanted();
@@ -108,7 +109,8 @@ LRESULT OnToolDone(HWND frame, WPARAM, LPARAM)
 
 LRESULT OnToolCancelled(HWND, WPARAM, LPARAM)
 {
-    RestoreResult();
+    EndWork(&FrameDocument());
+    RestoreResult(&FrameDocument());
     ShowResult();
     CloseIfWanted();
     return 0;
@@ -116,8 +118,8 @@ LRESULT OnToolCancelled(HWND, WPARAM, LPARAM)
 
 LRESULT OnStartWorker(HWND, WPARAM, LPARAM)
 {
-    if (g_hwndActiveTool && !g_toolBusy)
-        StartToneMapWorker(g_hwndActiveTool);
+    if (g_hwndActiveTool && !IsComputing())
+        SendMessageW(g_hwndActiveTool, WM_TONE_START, 0, 0);
     return 0;
 }
 
@@ -129,7 +131,7 @@ LRESULT OnZoomText(HWND, WPARAM, LPARAM)
 
 LRESULT OnZoomTextRestore(HWND, WPARAM, LPARAM)
 {
-    if (g_commandStates.zoomBox)
+    if (FrameCommands().zoomBox)
         SetZoomBoxText(ZoomText(g_view.state.scale).c_str());
     return 0;
 }

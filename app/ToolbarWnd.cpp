@@ -1,44 +1,18 @@
 #include "app/ToolbarWnd.h"
 
-#include "app/AppState.h"
 #include "app/AppWindows_win.h"
 #include "app/CommandIds.h"
+#include "app/Frame_win.h"
 #include "base/Format_win.h"
-#include "picture/ResourceImage_win.h"
+#include "skin/ResourceImage_win.h"
 #include "text/Strings.h"
 #include "tools/Messages.h"
 #include "view/ImageViewZoom.h"
 
 #include <commctrl.h>
 
-struct ButtonRow
-{
-    const wchar_t* image; // resource; null for none
-    int command;          // 0: a separator
-};
+#include <vector>
 
-static const ButtonRow kButtons[] = {
-    {L"IDP_FOLDER", ID_FILE_OPEN},
-    {L"IDP_SAVE", ID_FILE_SAVEAS},
-    {nullptr, 0},
-    {L"CONTRAST", ID_SMART_CONTRAST},
-    {L"LIGHT", ID_SINGLE_LIGHT},
-    {L"MULTI", ID_MULTI_IMAGE},
-    {nullptr, 0},
-    {L"LIGHT_UP", ID_DAYLIGHT_UP},
-    {L"LIGHT_DOWN", ID_DAYLIGHT_DOWN},
-    {L"COLORMAP", ID_TONE_MAPPING},
-    {nullptr, 0},
-    {nullptr, ID_TOOLBAR_SPACER},
-    {L"IDP_ZOOMIN", ID_ZOOM_IN},
-    {L"IDP_ZOOMOUT", ID_ZOOM_OUT},
-    {L"IDP_ZOOM100", ID_ZOOM_100},
-    {L"IDP_ZOOMFIT", ID_ZOOM_FIT},
-    {nullptr, ID_ZOOM_COMBO},
-    {L"IDP_PICKER", ID_MENU_BUTTON},
-};
-static constexpr int kButtonCount = int(sizeof kButtons / sizeof *kButtons);
-static constexpr int kZoomItem = 16, kMenuItem = 17;
 static constexpr int kGapWidth = 88; // first width of the spacer and of the zoom box's place
 static constexpr DWORD kToolbarStyle =
     WS_CHILD | WS_VISIBLE | WS_BORDER | TBSTYLE_LIST | TBSTYLE_TOOLTIPS;
@@ -51,7 +25,7 @@ static HIMAGELIST AddImage(HIMAGELIST list, HBITMAP bitmap)
     BITMAP info = {};
     GetObjectW(bitmap, sizeof info, &info);
     if (!list)
-        list = ImageList_Create(info.bmWidth, info.bmHeight, ILC_COLOR32, kButtonCount, 4);
+        list = ImageList_Create(info.bmWidth, info.bmHeight, ILC_COLOR32, kCommandCount, 4);
     ImageList_Add(list, bitmap, nullptr);
     return list;
 }
@@ -60,12 +34,12 @@ static HIMAGELIST AddImage(HIMAGELIST list, HBITMAP bitmap)
 static void GiveImages()
 {
     HIMAGELIST images = nullptr, disabled = nullptr;
-    for (const ButtonRow& row : kButtons)
+    for (int i = 0; i < kCommandCount; ++i)
     {
-        if (!row.image)
+        if (!kCommands[i].image)
             continue;
         bool flattened = false;
-        const HBITMAP bitmap = LoadResourceImage(g_hInst, row.image, &flattened);
+        const HBITMAP bitmap = LoadResourceImage(g_hInst, kCommands[i].image, &flattened);
         if (!bitmap)
             continue;
         const HBITMAP grey = MakeDisabledImage(bitmap);
@@ -79,21 +53,40 @@ static void GiveImages()
     SendMessageW(g_hwndToolbar, TB_SETDISABLEDIMAGELIST, 0, reinterpret_cast<LPARAM>(disabled));
 }
 
+// A separator without a command is a line; one with a command is a place of that width.
+static TBBUTTON Separator(int command)
+{
+    TBBUTTON button = {};
+    button.idCommand = command;
+    button.fsState = TBSTATE_ENABLED;
+    button.fsStyle = BTNS_SEP;
+    button.iBitmap = command ? kGapWidth : 0;
+    return button;
+}
+
 static void AddButtons()
 {
-    TBBUTTON buttons[kButtonCount] = {};
+    std::vector<TBBUTTON> buttons;
     int image = 0;
-    for (int i = 0; i < kButtonCount; ++i)
+    for (int i = 0; i < kCommandCount; ++i)
     {
-        TBBUTTON& button = buttons[i];
-        button.idCommand = kButtons[i].command;
-        button.fsState = TBSTATE_ENABLED;
-        button.fsStyle = kButtons[i].image ? BTNS_BUTTON : BTNS_SEP;
-        button.iBitmap = kButtons[i].image ? image++ : (kButtons[i].command ? kGapWidth : 0);
+        const FrameCommand& command = kCommands[i];
+        if (command.toolbar == ToolbarPlace::None)
+            continue;
+        if (command.toolbar != ToolbarPlace::Next)
+            buttons.push_back(Separator(0));
+        if (command.toolbar == ToolbarPlace::AfterGap)
+            buttons.push_back(Separator(ID_TOOLBAR_SPACER));
+        buttons.push_back(Separator(command.id));
+        if (!command.image)
+            continue;
+        buttons.back().fsStyle = BTNS_BUTTON;
+        buttons.back().iBitmap = image++;
     }
     SendMessageW(g_hwndToolbar, TB_BUTTONSTRUCTSIZE, sizeof(TBBUTTON), 0);
     SendMessageW(g_hwndToolbar, TB_SETINDENT, 7, 0);
-    SendMessageW(g_hwndToolbar, TB_ADDBUTTONSW, kButtonCount, reinterpret_cast<LPARAM>(buttons));
+    SendMessageW(g_hwndToolbar, TB_ADDBUTTONSW, buttons.size(),
+                 reinterpret_cast<LPARAM>(buttons.data()));
 }
 
 // Enter in the zoom box applies what was typed, Escape and leaving the box bring back the zoom that
@@ -209,7 +202,7 @@ void LayoutToolbar()
     // What the other items need, the indent and both borders; the spacer takes the rest.
     RECT first, last, spacer, bar, inner;
     SendMessageW(g_hwndToolbar, TB_GETITEMRECT, 0, reinterpret_cast<LPARAM>(&first));
-    SendMessageW(g_hwndToolbar, TB_GETITEMRECT, kMenuItem, reinterpret_cast<LPARAM>(&last));
+    SendMessageW(g_hwndToolbar, TB_GETRECT, ID_MENU_BUTTON, reinterpret_cast<LPARAM>(&last));
     SendMessageW(g_hwndToolbar, TB_GETRECT, ID_TOOLBAR_SPACER, reinterpret_cast<LPARAM>(&spacer));
     GetWindowRect(g_hwndToolbar, &bar);
     GetClientRect(g_hwndToolbar, &inner);
@@ -226,7 +219,7 @@ void LayoutToolbar()
                      reinterpret_cast<LPARAM>(&info));
     }
     RECT place;
-    SendMessageW(g_hwndToolbar, TB_GETITEMRECT, kZoomItem, reinterpret_cast<LPARAM>(&place));
+    SendMessageW(g_hwndToolbar, TB_GETRECT, ID_ZOOM_COMBO, reinterpret_cast<LPARAM>(&place));
     SetWindowPos(g_hwndZoomCombo, nullptr, place.left + 5, place.top + 4,
                  place.right - place.left - 10, place.bottom - place.top + 200,
                  SWP_NOZORDER | SWP_NOACTIVATE);
@@ -242,11 +235,11 @@ int ToolbarClientHeight()
 
 void ShowCommandStates()
 {
-    for (const ButtonRow& row : kButtons)
-        if (row.image)
-            SendMessageW(g_hwndToolbar, TB_ENABLEBUTTON, WPARAM(row.command),
-                         IsCommandEnabled(g_commandStates, row.command));
-    EnableWindow(g_hwndZoomCombo, g_commandStates.zoomBox);
+    for (int i = 0; i < kCommandCount; ++i)
+        if (kCommands[i].image)
+            SendMessageW(g_hwndToolbar, TB_ENABLEBUTTON, WPARAM(kCommands[i].id),
+                         IsCommandEnabled(FrameCommands(), kCommands[i].id));
+    EnableWindow(g_hwndZoomCombo, FrameCommands().zoomBox);
 }
 
 void SetZoomBoxText(const wchar_t* text)
@@ -282,46 +275,59 @@ static int ButtonOf(const FrameCommand& command)
     return 0;
 }
 
-static void LabelMenu(HMENU root)
+// Popups are filled in the order of the table.
+static void FillMenu(HMENU root)
 {
-    const TextId titles[] = {kTextFileMenu, kTextVexaMenu, kTextHelpMenu};
-    for (int i = 0; i < 3; ++i)
-        ModifyMenuW(root, UINT(i), MF_BYPOSITION | MF_STRING | MF_POPUP,
-                    reinterpret_cast<UINT_PTR>(GetSubMenu(root, i)), Text(titles[i]));
-    for (int i = 0; i < kCommandCount; ++i)
+    const struct
     {
-        const FrameCommand& command = kCommands[i];
-        if (command.menuText == 0)
-            continue;
-        const int button = ButtonOf(command);
-        const bool enabled = button == 0 || ButtonEnabled(button);
-        const std::wstring text = VcFormatText(L"%s%s", Text(command.menuText), command.keys);
-        ModifyMenuW(root, UINT(command.id),
-                    MF_BYCOMMAND | MF_STRING | (enabled ? 0u : MF_GRAYED | MF_DISABLED),
-                    UINT_PTR(command.id), text.c_str());
+        MenuPlace place, afterLine;
+        TextId title;
+    } popups[] = {{MenuPlace::File, MenuPlace::FileAfterLine, kTextFileMenu},
+                  {MenuPlace::Vexa, MenuPlace::None, kTextVexaMenu},
+                  {MenuPlace::Help, MenuPlace::None, kTextHelpMenu}};
+    for (const auto& popup : popups)
+    {
+        const HMENU menu = CreatePopupMenu();
+        for (int i = 0; i < kCommandCount; ++i)
+        {
+            const FrameCommand& command = kCommands[i];
+            if (command.menu == MenuPlace::None ||
+                (command.menu != popup.place && command.menu != popup.afterLine))
+                continue;
+            if (command.menu == popup.afterLine)
+                AppendMenuW(menu, MF_SEPARATOR, 0, nullptr);
+            const int button = ButtonOf(command);
+            const bool enabled = button == 0 || ButtonEnabled(button);
+            const std::wstring text = VcFormatText(L"%s%s", Text(command.menuText), command.keys);
+            AppendMenuW(menu, MF_STRING | (enabled ? 0u : MF_GRAYED | MF_DISABLED),
+                        UINT_PTR(command.id), text.c_str());
+        }
+        AppendMenuW(root, MF_STRING | MF_POPUP, reinterpret_cast<UINT_PTR>(menu),
+                    Text(popup.title));
     }
 }
 
 void PopUpCommandMenu()
 {
-    const HMENU menu = LoadMenuW(g_hInst, MAKEINTRESOURCEW(IDR_COMMAND_MENU));
-    if (!menu)
+    const HMENU root = CreatePopupMenu();
+    if (!root)
         return;
-    const HMENU root = GetSubMenu(menu, 0);
-    LabelMenu(root);
+    FillMenu(root);
     RECT item;
-    SendMessageW(g_hwndToolbar, TB_GETITEMRECT, kMenuItem, reinterpret_cast<LPARAM>(&item));
+    SendMessageW(g_hwndToolbar, TB_GETRECT, ID_MENU_BUTTON, reinterpret_cast<LPARAM>(&item));
     MapWindowPoints(g_hwndToolbar, nullptr, reinterpret_cast<POINT*>(&item), 2);
     SetForegroundWindow(g_hwndMain);
     TrackPopupMenu(root, 0, item.left, item.bottom, 0, g_hwndMain, nullptr);
     PostMessageW(g_hwndMain, WM_NULL, 0, 0); // or the next click beside the menu would not close it
-    DestroyMenu(menu);
+    DestroyMenu(root);                       // and its popups
 }
 
-void GiveTooltip(NMHDR* request)
+bool GiveTooltip(NMHDR* request)
 {
     NMTTDISPINFOW* info = reinterpret_cast<NMTTDISPINFOW*>(request);
     const FrameCommand* command = FindCommand(int(request->idFrom));
-    if (command && command->tooltipText)
-        info->lpszText = const_cast<wchar_t*>(Text(command->tooltipText)); // only read
+    if (!command || !command->tooltipText)
+        return false;
+    info->lpszText = const_cast<wchar_t*>(Text(command->tooltipText)); // only read
+    return true;
 }

@@ -14,7 +14,7 @@ void LayoutToolbar();
 // Height of the toolbar's client area; 0 before there is one.
 int ToolbarClientHeight();
 
-// Brings buttons and zoom box to what g_commandStates says.
+// Brings buttons and zoom box to what FrameCommands says.
 void ShowCommandStates();
 
 void SetZoomBoxText(const wchar_t* text);
@@ -23,5 +23,5 @@ void SelectInitialZoom();
 // Runs the menu at the button; the command chosen arrives at the frame as WM_COMMAND.
 void PopUpCommandMenu();
 
-// Answers TTN_GETDISPINFOW.
-void GiveTooltip(NMHDR* request);
+// Answers TTN_GETDISPINFOW; false for what has no tooltip.
+bool GiveTooltip(NMHDR* request);

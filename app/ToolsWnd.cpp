@@ -1,10 +1,10 @@
 #include "app/ToolsWnd.h"
 
-#include "app/AppState.h"
 #include "app/AppWindows_win.h"
 #include "app/CommandsWnd.h"
 #include "app/FileDialogsDlg.h"
 #include "app/FrameView_win.h"
+#include "app/Frame_win.h"
 #include "app/SourcePaging_win.h"
 #include "app/ToolbarWnd.h"
 #include "base/Format_win.h"
@@ -17,8 +17,6 @@
 #include "tools/ToneMapDlg.h"
 #include "tools/ToolDialogWnd.h"
 
-#include <algorithm>
-#include <cwchar>
 #include <filesystem>
 
 static void Warn(const wchar_t* text)
@@ -42,14 +40,6 @@ static bool SeriesFits(const FusionSources& series, const std::vector<std::wstri
     return true;
 }
 
-static void StoreSeries(const std::vector<std::wstring>& paths)
-{
-    g_sourceCount = int32_t(std::min(paths.size(), size_t(kMaxSources)));
-    g_sourceIndex = 0;
-    for (int32_t i = 0; i < g_sourceCount; ++i)
-        VcFormat(g_sourceFiles[i], kSourcePathChars, L"%s", paths[size_t(i)].c_str());
-}
-
 static std::vector<std::string> Utf8Paths(const std::vector<std::wstring>& paths)
 {
     std::vector<std::string> utf8;
@@ -61,17 +51,17 @@ static std::vector<std::string> Utf8Paths(const std::vector<std::wstring>& paths
 // The series with its first source, or null when the user has been told what is wrong with it. What
 // has been read to check it serves the dialog as well.
 static std::unique_ptr<FusionSources> ReadSeries(const std::vector<std::wstring>& paths,
-                                                 SBxPicBuf* first, SBxPicBuf* alpha)
+                                                 Picture* first, Picture* alpha)
 {
-    const ToolWaitCursor wait;
-    const ToolProgress progress;
+    const ToolWaitCursor wait(FrameHost());
+    const ToolProgress progress(FrameHost());
     const int count = int(paths.size());
     progress.Show(0, count);
     auto series = std::make_unique<FusionSources>();
     const bool loaded = LoadSilently(paths[0].c_str(), first, alpha);
     OpenFusionSources(series.get(), Utf8Paths(paths), *first, FusionSourceBudget());
     if (loaded)
-        ReadFusionSources(series.get(), *first, RegionAt100(*first),
+        ReadFusionSources(series.get(), *first, RegionAt100(FrameHost(), *first),
                           [&](int source) { progress.Show(source, count); });
     else
         series->problems[0] = SourceProblem::Unreadable;
@@ -79,29 +69,30 @@ static std::unique_ptr<FusionSources> ReadSeries(const std::vector<std::wstring>
 }
 
 // The first source stands for the series: size, profile, metadata and proposed name.
-static void OpenSeries(const std::vector<std::wstring>& paths, SBxPicBuf* first, SBxPicBuf* alpha,
+static void OpenSeries(const std::vector<std::wstring>& paths, Picture first, Picture alpha,
                        std::unique_ptr<FusionSources> series)
 {
+    Document& document = FrameDocument();
     ForgetViewPicture(&g_view);
-    TakeSource(first, alpha, paths[0].c_str());
-    g_multiImageMode = true;
-    StoreSeries(paths);
+    TakeSource(&document, std::move(first), std::move(alpha), paths[0]);
+    TakeSeries(&document, paths);
+    document.series.chosenByUser = true;
+    PictureOpened(&FrameCommands());
     EnableToolCommands(true);
     UpdateViewArea();
-    ZoomTo100(&g_view, g_sourcePicture);
+    ZoomTo100(&g_view, document.source);
     SetZoomBoxText(ZoomText(g_view.state.scale).c_str());
-    ShowSource(g_sourcePicture);
+    ShowSource(document.source);
     ShowSourceStatus(kTextUseArrows);
-    ShowExposureFusionDialog(std::move(series));
+    ShowExposureFusionDialog(FrameHost(), std::move(series));
 }
 
 // A wrong pick leaves the mode on and no series in it: nothing can be paged through, nothing else
 // changes, and the next picture or tool ends it.
 static void KeepModeWithoutSeries()
 {
-    g_multiImageMode = true;
-    g_sourceCount = 0;
-    g_sourceIndex = 0;
+    FrameDocument().series = {};
+    FrameDocument().series.chosenByUser = true;
 }
 
 void StartMultiImage()
@@ -118,15 +109,11 @@ void StartMultiImage()
     if (picked.paths.empty())
         return;
 
-    SBxPicBuf first, alpha;
-    CBxPicBufAPI::Init(&first);
-    CBxPicBufAPI::Init(&alpha);
+    Picture first, alpha;
     if (auto series = ReadSeries(picked.paths, &first, &alpha))
-        OpenSeries(picked.paths, &first, &alpha, std::move(series));
+        OpenSeries(picked.paths, std::move(first), std::move(alpha), std::move(series));
     else
         KeepModeWithoutSeries();
-    CBxPicBufAPI::DoneHeap(&first);
-    CBxPicBufAPI::DoneHeap(&alpha);
 }
 
 // What the single-image tools ask first. False ends the command.
@@ -134,9 +121,10 @@ static bool MayStartTool()
 {
     if (!MayLoseResult())
         return false;
-    g_multiImageMode = false; // of a wrong pick; over a series these commands are off
-    const int bits = g_sourcePicture.bitsPerComponent;
-    if (HasPicture(g_sourcePicture) && (bits == 8 || bits == 16))
+    Document& document = FrameDocument();
+    document.series.chosenByUser = false; // a wrong pick; over a series these commands are off
+    const int bits = document.source->bitsPerComponent;
+    if (HasPicture(document.source) && (bits == 8 || bits == 16))
         return true;
     MessageBoxW(g_hwndMain, Text(kTextFormatNotSupported), L"", MB_OK);
     return false;
@@ -145,12 +133,13 @@ static bool MayStartTool()
 // The prompt runs the message loop: the frame may be gone when it returns.
 static bool AskForNoiseLevel(unsigned* level)
 {
-    g_workerBusy = true;
+    Document& document = FrameDocument();
+    document.phase = DocumentPhase::ToolOpen;
     EnableToolCommands(false);
-    const bool confirmed = RunNoiseLevelPrompt(level) == kPromptConfirmed;
+    const bool confirmed = RunNoiseLevelPrompt(FrameHost(), level) == kPromptConfirmed;
     if (!IsWindow(g_hwndMain))
         return false;
-    g_workerBusy = false;
+    document.phase = DocumentPhase::Idle;
     if (!confirmed)
         EnableToolCommands(true);
     return confirmed;
@@ -161,16 +150,16 @@ void StartSingleImage()
     unsigned noiseLevel = 0;
     if (!MayStartTool() || !AskForNoiseLevel(&noiseLevel))
         return;
-    g_resultUnsaved = false;
-    StartSeries(SeriesKind::Single, noiseLevel);
+    FrameDocument().unsaved = false;
+    StartSeries(FrameHost(), SeriesKind::Single, noiseLevel);
 }
 
 static void StartDaylight(SeriesKind kind)
 {
     if (!MayStartTool())
         return;
-    g_resultUnsaved = false;
-    StartSeries(kind, 0);
+    FrameDocument().unsaved = false;
+    StartSeries(FrameHost(), kind, 0);
 }
 
 void StartDaylightUp()
@@ -186,11 +175,11 @@ void StartDaylightDown()
 void StartSmartContrast()
 {
     if (MayStartTool())
-        OpenSmartContrastDialog();
+        OpenSmartContrastDialog(FrameHost());
 }
 
 void StartToneMapping()
 {
     if (MayStartTool())
-        OpenToneMapDialog();
+        OpenToneMapDialog(FrameHost());
 }

@@ -1,11 +1,13 @@
 #pragma once
 
+#include "base/Outcome.h"
+
 #include <new>
 
-// Does the work, which is true on failure. Large blocks are asked for and tested one by one; small
+// Does the work and tells how it ended. Large blocks are asked for and tested one by one; small
 // ones, the library's and those of the task pool, throw. Both end as the same failure.
 template <typename Work>
-[[nodiscard]] bool FailsOrLacksMemory(Work work)
+Outcome FailWithoutMemory(Work work)
 {
     try
     {
@@ -13,6 +15,6 @@ template <typename Work>
     }
     catch (const std::bad_alloc&)
     {
-        return true;
+        return Outcome::Failed;
     }
 }

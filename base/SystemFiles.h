@@ -25,6 +25,10 @@ enum class PathUse
 [[nodiscard]] bool SavePathFromWide(std::string* savePath, const wchar_t* path, PathUse use);
 std::wstring WideFromUtf8(const char* text); // empty when the text is not UTF-8
 std::wstring WideFromSavePath(const char* savePath);
+
+// Gives a file the place of another one, for good. Tries for half a second: virus scanners and
+// indexers hold new files open for a moment. The system's error, 0 when it is done.
+unsigned long MoveOverFile(const std::wstring& from, const std::wstring& to);
 #endif
 
 // Opens a file for reading in binary mode; null with errno set on failure. Folders do not open.

@@ -101,3 +101,21 @@ int64_t PhysicalMemoryBytes()
     status.dwLength = sizeof status;
     return GlobalMemoryStatusEx(&status) ? int64_t(status.ullTotalPhys) : INT64_MAX;
 }
+
+unsigned long MoveOverFile(const std::wstring& from, const std::wstring& to)
+{
+    const int kAttempts = 10;
+    const DWORD kPauseMs = 50;
+    for (int attempt = 1;; ++attempt)
+    {
+        if (MoveFileExW(from.c_str(), to.c_str(),
+                        MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH))
+            return 0;
+        const DWORD error = GetLastError();
+        const bool mayPass = error == ERROR_ACCESS_DENIED || error == ERROR_SHARING_VIOLATION ||
+                             error == ERROR_LOCK_VIOLATION || error == ERROR_WRITE_PROTECT;
+        if (!mayPass || attempt == kAttempts)
+            return error;
+        Sleep(kPauseMs);
+    }
+}

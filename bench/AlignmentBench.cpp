@@ -5,7 +5,7 @@
 #include "alignment/Warp.h"
 #include "bench/BenchPictures.h"
 #include "bench/BenchRun.h"
-#include "sample/Scene.h"
+#include "sample/Exposure.h"
 
 #include <algorithm>
 #include <cmath>
@@ -30,12 +30,11 @@ static const SampleRadiance& Scene()
     return scene;
 }
 
-static BenchPicture Photo(int stops)
+static Picture Photo(int stops)
 {
-    BenchPicture small(Scene().width, Scene().height, 3, 8);
-    (void)ExposeSample(&small.pic, Scene(), stops);
-    BenchPicture large(Width(), Height(), 3, 8);
-    WarpPicture(&large.pic, small.pic, {{0.25, 0, 0, 0, 0.25, 0, 0, 0, 1}}, {0, 0});
+    const Picture small = ExposeSample(Scene(), stops);
+    Picture large(Width(), Height(), 3, 8);
+    WarpPicture(large.Record(), small, {{0.25, 0, 0, 0, 0.25, 0, 0, 0, 1}}, {0, 0});
     return large;
 }
 
@@ -60,12 +59,12 @@ static double ErrorOf(const Homography& found, const Homography& meant)
 
 static void RegistrationOfAPair(benchmark::State& state)
 {
-    const BenchPicture stays = Photo(0), darker = Photo(-2);
-    BenchPicture moved(Width(), Height(), 3, 8);
-    WarpPicture(&moved.pic, darker.pic, Inverse(HandMotion()), {0, 0});
+    const Picture stays = Photo(0), darker = Photo(-2);
+    Picture moved(Width(), Height(), 3, 8);
+    WarpPicture(moved.Record(), darker, Inverse(HandMotion()), {0, 0});
     Registration found;
     for (auto run : state)
-        found = RegisterFrame(LookAt(stays.pic), LookAt(moved.pic));
+        found = RegisterFrame(LookAt(stays), LookAt(moved));
     state.counters["pixels off"] = ErrorOf(found.map, HandMotion());
     CheckResult(state, found.verdict == FrameVerdict::Registered &&
                            ErrorOf(found.map, HandMotion()) < 1.0);
@@ -78,18 +77,18 @@ BENCHMARK(RegistrationOfAPair)
 
 static void ResamplingAFrame(benchmark::State& state)
 {
-    const BenchPicture ramp = BenchRamp(Width(), Height(), int(state.range(0)));
-    BenchPicture out(Width(), Height(), 3, int(state.range(0)));
+    const Picture ramp = BenchRamp(Width(), Height(), int(state.range(0)));
+    Picture out(Width(), Height(), 3, int(state.range(0)));
     for (auto run : state)
-        WarpPicture(&out.pic, ramp.pic, HandMotion(), {0, 0});
+        WarpPicture(out.Record(), ramp, HandMotion(), {0, 0});
     bool right = true;
     for (int y = Height() / 4; y < Height() / 2; y += 37)
         for (int x = Width() / 4; x < Width() / 2; x += 41)
         {
             const CBxPoint<double> at = MapPoint(HandMotion(), x, y);
             const size_t sample = size_t(3 * x + 1);
-            const double got = state.range(0) == 8 ? PicRow<uint8_t>(out.pic, y)[sample]
-                                                   : PicRow<uint16_t>(out.pic, y)[sample] / 256.0;
+            const double got = state.range(0) == 8 ? PicRow<uint8_t>(out, y)[sample]
+                                                   : PicRow<uint16_t>(out, y)[sample] / 256.0;
             right =
                 right && std::abs(got - BenchRampAt(at.x + 0.5, at.y + 0.5, Width(), Height())) < 2;
         }

@@ -4,9 +4,9 @@
 #include <cmath>
 #include <cstdlib>
 
-BenchPicture BenchScene(int width, int height, int components, int bits, int ev)
+Picture BenchScene(int width, int height, int components, int bits, int ev)
 {
-    BenchPicture picture(width, height, components, bits);
+    Picture picture(width, height, components, bits);
     const double top = bits == 8 ? 255.0 : 65535.0;
     uint32_t state = 1;
     for (int y = 0; y < height; ++y)
@@ -17,25 +17,25 @@ BenchPicture BenchScene(int width, int height, int components, int bits, int ev)
                                  (state >> 24) / 4096.0;
             const double value = std::min(std::sqrt(light * std::ldexp(0.5, ev)), 1.0) * top;
             if (bits == 8)
-                PicRow<uint8_t>(picture.pic, y)[x] = uint8_t(value);
+                PicRow<uint8_t>(picture, y)[x] = uint8_t(value);
             else
-                PicRow<uint16_t>(picture.pic, y)[x] = uint16_t(value);
+                PicRow<uint16_t>(picture, y)[x] = uint16_t(value);
         }
     return picture;
 }
 
-BenchPicture BenchRamp(int width, int height, int bits)
+Picture BenchRamp(int width, int height, int bits)
 {
-    BenchPicture picture(width, height, 3, bits);
+    Picture picture(width, height, 3, bits);
     const int unit = bits == 8 ? 1 : 256;
     for (int y = 0; y < height; ++y)
         for (int i = 0; i < 3 * width; ++i)
         {
             const int value = (i / 3 * 160 / width + y * 80 / height + i % 3) * unit;
             if (bits == 8)
-                PicRow<uint8_t>(picture.pic, y)[i] = uint8_t(value);
+                PicRow<uint8_t>(picture, y)[i] = uint8_t(value);
             else
-                PicRow<uint16_t>(picture.pic, y)[i] = uint16_t(value);
+                PicRow<uint16_t>(picture, y)[i] = uint16_t(value);
         }
     return picture;
 }

@@ -72,9 +72,17 @@ bool SmallBench()
     return g_small;
 }
 
-void SkipOnThisProcessor(benchmark::State& state)
+bool UseInstructionSet(benchmark::State& state, int64_t number)
 {
-    state.SkipWithError(kNotOnThisProcessor);
+    const InstructionSet set = InstructionSet(number);
+    if (!ProcessorRuns(set))
+    {
+        state.SkipWithError(kNotOnThisProcessor);
+        return false;
+    }
+    ForceInstructionSet(set);
+    state.SetLabel(InstructionSetName(set));
+    return true;
 }
 
 void CheckResult(benchmark::State& state, bool right)

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "base/InstructionSet.h"
+
 #include <benchmark/benchmark.h>
 
 #include <cstdint>
@@ -19,8 +21,10 @@ int BenchSide(int full);
 // Whether this run has small pictures.
 bool SmallBench();
 
-// Ends a benchmark whose set of loops this processor does not have. This alone is no failure.
-void SkipOnThisProcessor(benchmark::State& state);
+// Runs the rest of the benchmark with the loops of that instruction set; ends it, and gives false,
+// when this processor does not have it, which is no failure. The best are back with
+// UseBestInstructionSet.
+bool UseInstructionSet(benchmark::State& state, int64_t set);
 
 // Ends a benchmark as failed unless its result is right.
 void CheckResult(benchmark::State& state, bool right);

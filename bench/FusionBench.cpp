@@ -22,30 +22,18 @@ static int Height()
     return BenchSide(3000);
 }
 
-// Forces the set of the benchmark's first argument; false when the processor cannot run it.
-static bool UseVariant(benchmark::State& state)
+static Picture FilledPlane(int width, int height)
 {
-    const FusionKernels* kernels = VcFusionKernelsOf(FusionVariant(state.range(0)));
-    VcForceFusionKernels(kernels);
-    if (!kernels)
-        SkipOnThisProcessor(state);
-    else
-        state.SetLabel(kernels->name);
-    return kernels != nullptr;
-}
-
-static BenchPicture FilledPlane(int width, int height)
-{
-    BenchPicture plane(width, height, 1, 32);
+    Picture plane(width, height, 1, 32);
     for (int y = 0; y < height; ++y)
         for (int x = 0; x < width; ++x)
-            PicRow<float>(plane.pic, y)[x] = float((x * 37 + y * 48) % 256);
+            PicRow<float>(plane, y)[x] = float((x * 37 + y * 48) % 256);
     return plane;
 }
 
-static float* SamplesOf(const BenchPicture& plane)
+static float* SamplesOf(const Picture& plane)
 {
-    return PicRow<float>(plane.pic, 0);
+    return PicRow<float>(plane, 0);
 }
 
 static void MakeKernel(float kernel[5][5])
@@ -58,38 +46,38 @@ static void MakeKernel(float kernel[5][5])
 
 static void Reduce(benchmark::State& state)
 {
-    if (!UseVariant(state))
+    if (!UseInstructionSet(state, state.range(0)))
         return;
     const int width = Width(), height = Height();
     float kernel[5][5];
     MakeKernel(kernel);
-    const BenchPicture src = FilledPlane(width, height);
-    const BenchPicture dst(width / 2, height / 2, 1, 32);
+    const Picture src = FilledPlane(width, height);
+    const Picture dst(width / 2, height / 2, 1, 32);
     for (auto _ : state)
         VcReduce(SamplesOf(dst), SamplesOf(src), width / 2, height / 2, width, height, kernel);
-    CheckResult(state, std::fabs(MeanOf(dst.pic) - MeanOf(src.pic)) < 0.5);
+    CheckResult(state, std::fabs(MeanOf(dst) - MeanOf(src)) < 0.5);
     ReportPixels(state, width, height);
 }
 
 static void Expand(benchmark::State& state)
 {
-    if (!UseVariant(state))
+    if (!UseInstructionSet(state, state.range(0)))
         return;
     const int width = Width(), height = Height();
     float kernel[5][5];
     MakeKernel(kernel);
-    const BenchPicture src = FilledPlane(width / 2, height / 2);
-    const BenchPicture dst(width, height, 1, 32);
+    const Picture src = FilledPlane(width / 2, height / 2);
+    const Picture dst(width, height, 1, 32);
     for (auto _ : state)
         VcExpand(SamplesOf(dst), SamplesOf(src), width, height, width / 2, height / 2, kernel);
-    CheckResult(state, std::fabs(MeanOf(dst.pic) - MeanOf(src.pic)) < 0.5);
+    CheckResult(state, std::fabs(MeanOf(dst) - MeanOf(src)) < 0.5);
     ReportPixels(state, width, height);
 }
 
 // One band level of a full-size picture; arguments: variant, channels.
 static void Weigh(benchmark::State& state)
 {
-    if (!UseVariant(state))
+    if (!UseInstructionSet(state, state.range(0)))
         return;
     const int width = Width(), height = Height();
     const unsigned channels = unsigned(state.range(1));
@@ -97,7 +85,7 @@ static void Weigh(benchmark::State& state)
     MakeKernel(kernel);
     // A coarse level of zeros: the band is the level itself.
     const FloatPlane coarse(VcAllocPlane(width * height / 4));
-    const BenchPicture gauss = FilledPlane(width, height);
+    const Picture gauss = FilledPlane(width, height);
     FloatPlane sums[3], weights(VcAllocPlane(width * height));
     FusionBandJob job = {};
     job.mid = 128.0f;
@@ -125,43 +113,43 @@ static void Weigh(benchmark::State& state)
 
 static void Accumulate(benchmark::State& state)
 {
-    if (!UseVariant(state))
+    if (!UseInstructionSet(state, state.range(0)))
         return;
-    const BenchPicture source = BenchScene(Width(), Height(), 3, 8, 0);
+    const Picture source = BenchScene(Width(), Height(), 3, 8, 0);
     VcFusionAccumulator acc;
-    bool failed = VcInitAccumulator(&acc, source.pic, 128);
+    bool failed = VcInitAccumulator(&acc, source, 128);
     for (auto _ : state)
-        failed = failed || VcAccumulateImage(&acc, source.pic);
-    BenchPicture result = BenchPicture(Width(), Height(), 3, 8);
-    failed = failed || VcComposeResult(&result.pic, acc);
-    CheckResult(state, !failed && LargestDifference(result.pic, source.pic) <= 1);
+        failed = failed || VcAccumulateImage(&acc, source);
+    Picture result = Picture(Width(), Height(), 3, 8);
+    failed = failed || VcComposeResult(result.Record(), acc);
+    CheckResult(state, !failed && LargestDifference(result, source) <= 1);
     VcFreeAccumulator(&acc);
     ReportPixels(state, Width(), Height());
 }
 
 static void Compose(benchmark::State& state)
 {
-    if (!UseVariant(state))
+    if (!UseInstructionSet(state, state.range(0)))
         return;
-    const BenchPicture source = BenchScene(Width(), Height(), 3, 8, 0);
-    BenchPicture result = BenchPicture(Width(), Height(), 3, 8);
+    const Picture source = BenchScene(Width(), Height(), 3, 8, 0);
+    Picture result = Picture(Width(), Height(), 3, 8);
     VcFusionAccumulator acc;
-    bool failed = VcInitAccumulator(&acc, source.pic, 128);
-    failed = failed || VcAccumulateImage(&acc, source.pic);
+    bool failed = VcInitAccumulator(&acc, source, 128);
+    failed = failed || VcAccumulateImage(&acc, source);
     for (auto _ : state)
-        failed = failed || VcComposeResult(&result.pic, acc);
-    CheckResult(state, !failed && LargestDifference(result.pic, source.pic) <= 1);
+        failed = failed || VcComposeResult(result.Record(), acc);
+    CheckResult(state, !failed && LargestDifference(result, source) <= 1);
     VcFreeAccumulator(&acc);
     ReportPixels(state, Width(), Height());
 }
 
 // True when memory is short.
-static bool FuseAll(SBxPicBuf* result, const std::vector<BenchPicture>& sources)
+static bool FuseAll(SBxPicBuf* result, const std::vector<Picture>& sources)
 {
     VcFusionAccumulator acc;
-    bool failed = VcInitAccumulator(&acc, sources[0].pic, 100);
-    for (const BenchPicture& source : sources)
-        failed = failed || VcAccumulateImage(&acc, source.pic);
+    bool failed = VcInitAccumulator(&acc, sources[0], 100);
+    for (const Picture& source : sources)
+        failed = failed || VcAccumulateImage(&acc, source);
     failed = failed || VcComposeResult(result, acc);
     VcFreeAccumulator(&acc);
     return failed;
@@ -170,42 +158,42 @@ static bool FuseAll(SBxPicBuf* result, const std::vector<BenchPicture>& sources)
 // A bracket in memory, from nothing to the blend; arguments: sources, width, height, bits.
 static void FuseBracket(benchmark::State& state)
 {
-    VcForceFusionKernels(nullptr);
+    UseBestInstructionSet();
     const int count = int(state.range(0)), width = BenchSide(int(state.range(1))),
               height = BenchSide(int(state.range(2))), bits = int(state.range(3));
-    std::vector<BenchPicture> sources;
+    std::vector<Picture> sources;
     for (int i = 0; i < count; ++i)
         sources.push_back(BenchScene(width, height, 3, bits, 2 * (i - count / 2)));
-    BenchPicture result(width, height, 3, bits), plain(width, height, 3, bits);
+    Picture result(width, height, 3, bits), plain(width, height, 3, bits);
     bool failed = false;
     for (auto _ : state)
-        failed = FuseAll(&result.pic, sources) || failed;
-    VcForceFusionKernels(VcFusionKernelsOf(FusionVariant(0)));
-    failed = FuseAll(&plain.pic, sources) || failed;
-    VcForceFusionKernels(nullptr);
+        failed = FuseAll(result.Record(), sources) || failed;
+    ForceInstructionSet(InstructionSet::Plain);
+    failed = FuseAll(plain.Record(), sources) || failed;
+    UseBestInstructionSet();
     // A blend lies between its sources. The plain loops give it but for the rounding of floats,
     // which shows where all sources are black or white and the weights next to nothing.
     const int step = (1 << bits) / 64;
-    const double mean = MeanOf(result.pic);
-    CheckResult(state, !failed && mean > 1.1 * MeanOf(sources[0].pic) &&
-                           mean < 0.9 * MeanOf(sources.back().pic) &&
-                           LargestDifference(result.pic, plain.pic) <= step);
+    const double mean = MeanOf(result);
+    CheckResult(state, !failed && mean > 1.1 * MeanOf(sources[0]) &&
+                           mean < 0.9 * MeanOf(sources.back()) &&
+                           LargestDifference(result, plain) <= step);
     ReportPixels(state, width, height * count);
 }
 
-static void EveryVariant(benchmark::internal::Benchmark* bench)
+static void EveryInstructionSet(benchmark::internal::Benchmark* bench)
 {
-    for (int variant = 0; variant < kFusionVariants; ++variant)
-        bench->Arg(variant);
+    for (int set = 0; set < kInstructionSets; ++set)
+        bench->Arg(set);
 }
 
 BENCHMARK(Reduce)
-    ->Apply(EveryVariant)
+    ->Apply(EveryInstructionSet)
     ->Unit(benchmark::kMillisecond)
     ->MeasureProcessCPUTime()
     ->UseRealTime();
 BENCHMARK(Expand)
-    ->Apply(EveryVariant)
+    ->Apply(EveryInstructionSet)
     ->Unit(benchmark::kMillisecond)
     ->MeasureProcessCPUTime()
     ->UseRealTime();
@@ -216,12 +204,12 @@ BENCHMARK(Weigh)
     ->MeasureProcessCPUTime()
     ->UseRealTime();
 BENCHMARK(Accumulate)
-    ->Apply(EveryVariant)
+    ->Apply(EveryInstructionSet)
     ->Unit(benchmark::kMillisecond)
     ->MeasureProcessCPUTime()
     ->UseRealTime();
 BENCHMARK(Compose)
-    ->Apply(EveryVariant)
+    ->Apply(EveryInstructionSet)
     ->Unit(benchmark::kMillisecond)
     ->MeasureProcessCPUTime()
     ->UseRealTime();

@@ -30,9 +30,9 @@ struct SeriesFiles
     {
         for (int i = 0; i < kSources; ++i)
         {
-            const BenchPicture photo = BenchScene(Width(), Height(), 3, 8, i - kSources / 2);
+            const Picture photo = BenchScene(Width(), Height(), 3, 8, i - kSources / 2);
             paths.push_back(folder.path + "photo" + std::to_string(i) + ".jpg");
-            SavePicturePair(photo.pic, {}, paths.back().c_str(), "", kFormatJpeg);
+            SavePicturePair(photo, {}, paths.back().c_str(), "", kFormatJpeg);
         }
     }
 };
@@ -52,7 +52,7 @@ struct OpenSeries
     CBxRect<int> region = ViewedRegion();
     CBxSize<int> size = SizeOfArea(region);
     FusionSources sources;
-    BenchPicture preview{size.cx, size.cy, 3, 8};
+    Picture preview{size.cx, size.cy, 3, 8};
 
     OpenSeries()
     {
@@ -68,7 +68,7 @@ struct OpenSeries
     void Fuse(benchmark::State& state, int count, unsigned mid)
     {
         const FusionTask task = {region, count, mid};
-        if (FuseRegion(&preview.pic, &sources, task, nullptr) != FusionOutcome::Done)
+        if (FuseRegion(preview.Record(), &sources, task, nullptr) != Outcome::Done)
             state.SkipWithError("no preview");
     }
 
@@ -76,21 +76,22 @@ struct OpenSeries
     // comes to one step at most.
     bool ShowsTheFusionOf(int count, unsigned mid) const
     {
-        BenchPicture fused(size.cx, size.cy, 3, 8);
+        Picture fused(size.cx, size.cy, 3, 8);
         VcFusionAccumulator sums;
-        bool failed = VcInitAccumulator(&sums, fused.pic, mid);
+        bool failed = VcInitAccumulator(&sums, fused, mid);
         for (int i = 0; i < count; ++i)
         {
-            SBxPicBuf photo = {}, alpha = {};
-            failed = failed || LoadPicturePair(sources.paths[size_t(i)].c_str(), &photo, &alpha);
+            Picture photo, alpha;
+            failed = failed || LoadPicturePair(sources.paths[size_t(i)].c_str(), photo.Record(),
+                                               alpha.Record());
             if (!failed)
-                CBxPicBufAPI::CopyRect(&fused.pic, photo, {0, 0}, {region.left, region.top}, size);
-            failed = failed || VcAccumulateImage(&sums, fused.pic);
-            CBxPicBufAPI::DoneHeap(&photo);
+                CBxPicBufAPI::CopyRect(fused.Record(), photo, {0, 0}, {region.left, region.top},
+                                       size);
+            failed = failed || VcAccumulateImage(&sums, fused);
         }
-        failed = failed || VcComposeResult(&fused.pic, sums);
+        failed = failed || VcComposeResult(fused.Record(), sums);
         VcFreeAccumulator(&sums);
-        return !failed && LargestDifference(fused.pic, preview.pic) <= 1;
+        return !failed && LargestDifference(fused, preview) <= 1;
     }
 };
 

@@ -5,7 +5,6 @@
 #include "bench/BenchRun.h"
 #include "contrast/LevelsOfDetail.h"
 #include "contrast/LevelsOfDetailPadding.h"
-#include "fusion/FusionKernels.h"
 #include "series/DaylightSeries.h"
 #include "series/Denoise.h"
 #include "series/DenoiseNoise.h"
@@ -27,27 +26,27 @@ static int Height()
 
 constexpr float kUnchanged[kDetailLevels] = {1, 1, 1, 1, 1, 1, 1, 1};
 
-static BenchPicture PaddedScene(const DetailPadding& padding)
+static Picture PaddedScene(const DetailPadding& padding)
 {
-    const BenchPicture scene = BenchScene(Width(), Height(), 3, 8, 0);
-    BenchPicture padded(padding.width, padding.height, 3, 8);
-    CBxPicBufAPI::CopyRect(&padded.pic, scene.pic, {padding.x, padding.y}, {0, 0},
+    const Picture scene = BenchScene(Width(), Height(), 3, 8, 0);
+    Picture padded(padding.width, padding.height, 3, 8);
+    CBxPicBufAPI::CopyRect(padded.Record(), scene, {padding.x, padding.y}, {0, 0},
                            {Width(), Height()});
-    ReplicateBorder8(&padded.pic, padding.x, padding.y, Width(), Height());
+    ReplicateBorder8(padded.Record(), padding.x, padding.y, Width(), Height());
     return padded;
 }
 
 static void DecomposeColour(benchmark::State& state)
 {
     const DetailPadding padding = DetailPaddingOf(Width(), Height());
-    const BenchPicture padded = PaddedScene(padding);
+    const Picture padded = PaddedScene(padding);
     LevelsOfDetail record;
     for (auto _ : state)
-        if (Decompose(&record, padded.pic, padding.levels))
+        if (Decompose(&record, padded, padding.levels) != Outcome::Done)
             state.SkipWithError("out of memory");
-    BenchPicture again(padding.width, padding.height, 3, 8);
-    CheckResult(state, !Recompose(&again.pic, &record, kUnchanged) &&
-                           LargestDifference(again.pic, padded.pic) == 0);
+    Picture again(padding.width, padding.height, 3, 8);
+    CheckResult(state, Recompose(again.Record(), &record, kUnchanged) == Outcome::Done &&
+                           LargestDifference(again, padded) == 0);
     ReportPixels(state, Width(), Height());
 }
 
@@ -55,15 +54,15 @@ static void DecomposeColour(benchmark::State& state)
 static void RecomposeColour(benchmark::State& state)
 {
     const DetailPadding padding = DetailPaddingOf(Width(), Height());
-    const BenchPicture padded = PaddedScene(padding);
-    BenchPicture again(padding.width, padding.height, 3, 8);
+    const Picture padded = PaddedScene(padding);
+    Picture again(padding.width, padding.height, 3, 8);
     LevelsOfDetail record;
-    if (Decompose(&record, padded.pic, padding.levels))
+    if (Decompose(&record, padded, padding.levels) != Outcome::Done)
         return state.SkipWithError("out of memory");
     for (auto _ : state)
-        if (Recompose(&again.pic, &record, kUnchanged))
+        if (Recompose(again.Record(), &record, kUnchanged) != Outcome::Done)
             state.SkipWithError("refused");
-    CheckResult(state, LargestDifference(again.pic, padded.pic) == 0);
+    CheckResult(state, LargestDifference(again, padded) == 0);
     ReportPixels(state, Width(), Height());
 }
 
@@ -71,31 +70,31 @@ static void RecomposeColour(benchmark::State& state)
 static void RecomposeRegionColour(benchmark::State& state)
 {
     const DetailPadding padding = DetailPaddingOf(Width(), Height());
-    const BenchPicture padded = PaddedScene(padding);
-    BenchPicture again(padding.width, padding.height, 3, 8);
+    const Picture padded = PaddedScene(padding);
+    Picture again(padding.width, padding.height, 3, 8);
     LevelsOfDetail record;
-    if (Decompose(&record, padded.pic, padding.levels) ||
-        Recompose(&again.pic, &record, kUnchanged))
+    if (Decompose(&record, padded, padding.levels) != Outcome::Done ||
+        Recompose(again.Record(), &record, kUnchanged) != Outcome::Done)
         return state.SkipWithError("out of memory");
     const CBxRect<int> region = {BenchSide(1700), BenchSide(1500), BenchSide(3300),
                                  BenchSide(2500)};
-    CBxPicBufAPI::SetConst(&again.pic, region, 0);
+    CBxPicBufAPI::SetConst(again.Record(), region, 0);
     for (auto _ : state)
-        if (RecomposeRegion(&again.pic, &record, kUnchanged, region))
+        if (RecomposeRegion(again.Record(), &record, kUnchanged, region) != Outcome::Done)
             state.SkipWithError("refused");
-    CheckResult(state, LargestDifference(again.pic, padded.pic) == 0);
+    CheckResult(state, LargestDifference(again, padded) == 0);
     ReportPixels(state, region.right - region.left, region.bottom - region.top);
 }
 
 static void SmartContrastWhole(benchmark::State& state)
 {
-    const BenchPicture scene = BenchScene(Width(), Height(), 3, int(state.range(0)), 0);
-    BenchPicture out(Width(), Height(), 3, int(state.range(0)));
+    const Picture scene = BenchScene(Width(), Height(), 3, int(state.range(0)), 0);
+    Picture out(Width(), Height(), 3, int(state.range(0)));
     const int lod[kDetailLevels] = {10, 10, 10, 10, 10, 10, 10, 10};
     for (auto _ : state)
-        if (SmartContrastPicture(&out.pic, scene.pic, lod, {}))
+        if (SmartContrastPicture(out.Record(), scene, lod, {}) != Outcome::Done)
             state.SkipWithError("out of memory");
-    CheckResult(state, LargestDifference(out.pic, scene.pic) == 0);
+    CheckResult(state, LargestDifference(out, scene) == 0);
     ReportPixels(state, Width(), Height());
 }
 
@@ -127,38 +126,38 @@ static bool AreExposuresOf(const std::vector<int>& photo, const std::vector<std:
 
 static void MakeExposures(benchmark::State& state)
 {
-    const BenchPicture scene = BenchScene(Width(), Height(), 3, 8, -1);
+    const Picture scene = BenchScene(Width(), Height(), 3, 8, -1);
     const unsigned noiseLevel = unsigned(state.range(0));
     std::vector<std::vector<int>> made(kExposures);
     const SeriesSink sink = [&](int number, const SBxPicBuf& picture, const char*)
     {
         made[size_t(number)] = SomeSamples(picture);
-        return false;
+        return Outcome::Done;
     };
     for (auto _ : state)
-        if (MakeExposureSeries(scene.pic, noiseLevel, sink, {}) != kExposures)
+        if (MakeExposureSeries(scene, noiseLevel, sink, {}) != kExposures)
             state.SkipWithError("incomplete");
-    CheckResult(state, AreExposuresOf(SomeSamples(scene.pic), made));
+    CheckResult(state, AreExposuresOf(SomeSamples(scene), made));
     ReportPixels(state, Width(), Height());
 }
 
 static void MakeDaylight(benchmark::State& state)
 {
     const int bits = int(state.range(0));
-    const BenchPicture scene = BenchScene(Width(), Height(), 3, bits, -1);
+    const Picture scene = BenchScene(Width(), Height(), 3, bits, -1);
     std::vector<std::vector<int>> made(kDaylightVariants);
     const SeriesSink sink = [&](int number, const SBxPicBuf& picture, const char*)
     {
         made[size_t(number)] = SomeSamples(picture);
-        return false;
+        return Outcome::Done;
     };
     for (auto _ : state)
-        if (MakeDaylightSeries(scene.pic, DaylightMode::Up, sink, {}).size() != kDaylightVariants)
+        if (MakeDaylightSeries(scene, DaylightMode::Up, sink, {}).size() != kDaylightVariants)
             state.SkipWithError("incomplete");
     bool right = true;
     for (int number = 0; number < kDaylightVariants; ++number)
     {
-        std::vector<int> meant = SomeSamples(scene.pic);
+        std::vector<int> meant = SomeSamples(scene);
         const std::vector<uint16_t> table = DaylightTable(DaylightMode::Up, number, bits);
         for (int& sample : meant)
             sample = table[size_t(sample)];
@@ -172,16 +171,16 @@ static void MakeDaylight(benchmark::State& state)
 static void OrderDaylight(benchmark::State& state)
 {
     const int bits = int(state.range(0));
-    const BenchPicture scene = BenchScene(Width(), Height(), 3, bits, -1);
+    const Picture scene = BenchScene(Width(), Height(), 3, bits, -1);
     std::vector<unsigned> keys;
     for (auto _ : state)
-        keys = DaylightKeys(scene.pic, DaylightMode::Down);
-    BenchPicture variant(Width(), Height(), 3, bits);
+        keys = DaylightKeys(scene, DaylightMode::Down);
+    Picture variant(Width(), Height(), 3, bits);
     bool right = keys.size() == kDaylightVariants;
     for (int number = 0; right && number < kDaylightVariants; number += 13)
     {
-        MakeDaylightVariant(&variant.pic, scene.pic, DaylightMode::Down, number);
-        right = std::fabs(keys[size_t(number)] - 3 * MeanOf(variant.pic)) <= 1.0;
+        MakeDaylightVariant(variant.Record(), scene, DaylightMode::Down, number);
+        right = std::fabs(keys[size_t(number)] - 3 * MeanOf(variant)) <= 1.0;
     }
     CheckResult(state, right);
     ReportPixels(state, Width(), Height());
@@ -190,26 +189,23 @@ static void OrderDaylight(benchmark::State& state)
 // The first denoising of a series, with its noise estimate.
 static void DenoiseLevel(benchmark::State& state)
 {
-    const FusionKernels* kernels = VcFusionKernelsOf(FusionVariant(state.range(0)));
-    if (!kernels)
-        return SkipOnThisProcessor(state);
-    VcForceFusionKernels(kernels);
-    const BenchPicture scene = BenchScene(Width(), Height(), 3, 8, -1);
-    BenchPicture out(Width(), Height(), 3, 8);
+    if (!UseInstructionSet(state, state.range(0)))
+        return;
+    const Picture scene = BenchScene(Width(), Height(), 3, 8, -1);
+    Picture out(Width(), Height(), 3, 8);
     const int radius = DenoiseRadius(2, unsigned(state.range(1)));
     double before[2], after[2];
     for (auto _ : state)
     {
         double cache[3] = {-1, -1, -1};
-        if (DenoiseTiled(&out.pic, scene.pic, radius, radius, 1.0, cache, 0, {}))
+        if (DenoiseTiled(out.Record(), scene, radius, radius, 1.0, cache, 0, {}) != Outcome::Done)
             state.SkipWithError("out of memory");
     }
-    EstimateNoise(before, scene.pic);
-    EstimateNoise(after, out.pic);
-    if (before[0] < 1.0 || after[0] > 0.7 * before[0])
+    if (EstimateNoise(before, scene) != Outcome::Done || EstimateNoise(after, out) != Outcome::Done)
+        state.SkipWithError("out of memory");
+    else if (before[0] < 1.0 || after[0] > 0.7 * before[0])
         state.SkipWithError("the noise is still there");
-    state.SetLabel(kernels->name);
-    VcForceFusionKernels(nullptr);
+    UseBestInstructionSet();
     ReportPixels(state, Width(), Height());
 }
 

@@ -35,17 +35,17 @@ static bool IsGreyOf(const SBxPicBuf& grey, const SBxPicBuf& colour)
 static void Convert(benchmark::State& state)
 {
     const int width = Width(), height = Height();
-    const BenchPicture source = BenchScene(width, height, 3, 16, 0);
+    const Picture source = BenchScene(width, height, 3, 16, 0);
     bool right = true;
     for (auto _ : state)
     {
         state.PauseTiming();
-        BenchPicture picture(width, height, 3, 16);
-        CBxPicBufAPI::Copy(&picture.pic, source.pic);
+        Picture picture(width, height, 3, 16);
+        CBxPicBufAPI::Copy(picture.Record(), source);
         state.ResumeTiming();
-        right = right && CBxPicBufAPI::ConvertBpcComp(&picture.pic, 8, 1);
+        right = right && CBxPicBufAPI::ConvertBpcComp(picture.Record(), 8, 1);
         state.PauseTiming();
-        right = right && IsGreyOf(picture.pic, source.pic);
+        right = right && IsGreyOf(picture, source);
         state.ResumeTiming();
     }
     CheckResult(state, right);
@@ -54,14 +54,14 @@ static void Convert(benchmark::State& state)
 
 static void YuvAndBack(benchmark::State& state)
 {
-    const BenchPicture source = BenchScene(Width(), Height(), 3, int(state.range(0)), 0);
-    BenchPicture picture(Width(), Height(), 3, int(state.range(0)));
+    const Picture source = BenchScene(Width(), Height(), 3, int(state.range(0)), 0);
+    Picture picture(Width(), Height(), 3, int(state.range(0)));
     for (auto _ : state)
     {
-        CBxPicBufAPI::ConvertRGBtoYUV(&picture.pic, source.pic);
-        CBxPicBufAPI::ConvertYUVtoRGB(&picture.pic, picture.pic);
+        CBxPicBufAPI::ConvertRGBtoYUV(picture.Record(), source);
+        CBxPicBufAPI::ConvertYUVtoRGB(picture.Record(), picture);
     }
-    CheckResult(state, LargestDifference(picture.pic, source.pic) <= 1);
+    CheckResult(state, LargestDifference(picture, source) <= 1);
     ReportPixels(state, Width(), Height());
 }
 
@@ -88,42 +88,42 @@ static void TransformView(benchmark::State& state)
     static const TransformFn filters[] = {CBxPicBufAPI::TransformConstantFast,
                                           CBxPicBufAPI::TransformBilinearFast,
                                           CBxPicBufAPI::TransformBicubicFast};
-    const BenchPicture source = BenchRamp(BenchSide(6000), BenchSide(4000), 8);
-    BenchPicture area(BenchSide(1920), BenchSide(1080), 3, 8);
+    const Picture source = BenchRamp(BenchSide(6000), BenchSide(4000), 8);
+    Picture area(BenchSide(1920), BenchSide(1080), 3, 8);
     CBxPicMap map;
-    map.Compute(area.pic.width / 2.0, area.pic.height / 2.0, source.pic.width / 2.0,
-                source.pic.height / 2.0, 0.0, double(state.range(1)) / 100.0);
+    map.Compute(area->width / 2.0, area->height / 2.0, source->width / 2.0, source->height / 2.0,
+                0.0, double(state.range(1)) / 100.0);
     for (auto _ : state)
-        filters[state.range(0)](&area.pic, source.pic, map);
-    CheckResult(state, ShowsTheRamp(area.pic, source.pic, map));
+        filters[state.range(0)](area.Record(), source, map);
+    CheckResult(state, ShowsTheRamp(area, source, map));
     static const char* const names[] = {"nearest", "bilinear", "bicubic"};
     state.SetLabel(names[state.range(0)]);
-    ReportPixels(state, area.pic.width, area.pic.height);
+    ReportPixels(state, area->width, area->height);
 }
 
 // Arguments: format, bits. Saved files are read back.
 static void SaveAndLoad(benchmark::State& state, bool timeSave)
 {
-    const int format = int(state.range(0)), bits = int(state.range(1));
+    const auto format = FormatId(state.range(0));
+    const int bits = int(state.range(1));
     const BenchFolder folder;
     const std::string path = folder.path + "picture";
-    const BenchPicture source = BenchScene(Width(), Height(), 3, bits, 0);
-    SBxPicBuf loaded = {}, alpha = {};
+    const Picture source = BenchScene(Width(), Height(), 3, bits, 0);
+    Picture loaded, alpha;
     SaveReport report;
-    bool failed = SavePicturePair(source.pic, alpha, path.c_str(), "", format, &report);
+    bool failed = SavePicturePair(source, alpha, path.c_str(), "", format, &report);
     for (auto _ : state)
     {
         if (timeSave)
-            SavePicturePair(source.pic, alpha, path.c_str(), "", format, &report);
+            SavePicturePair(source, alpha, path.c_str(), "", format, &report);
         else
-            failed = failed || LoadPicturePair(path.c_str(), &loaded, &alpha);
+            failed = failed || LoadPicturePair(path.c_str(), loaded.Record(), alpha.Record());
         failed = failed || !report.written;
     }
     if (timeSave)
-        failed = failed || LoadPicturePair(path.c_str(), &loaded, &alpha);
-    CheckResult(state, !failed && LargestDifference(loaded, source.pic) <=
-                                      (format == kFormatJpeg ? 90 : 0));
-    CBxPicBufAPI::DoneHeap(&loaded);
+        failed = failed || LoadPicturePair(path.c_str(), loaded.Record(), alpha.Record());
+    CheckResult(state,
+                !failed && LargestDifference(loaded, source) <= (format == kFormatJpeg ? 90 : 0));
     ReportPixels(state, Width(), Height());
 }
 

@@ -23,17 +23,17 @@ static bool AddSeries(VcFusionAccumulator* sums, const SBxPicBuf& scene, SeriesK
     if (kind == SeriesKind::Single)
     {
         const SeriesSink add = [&](int, const SBxPicBuf& exposure, const char*)
-        { return VcAccumulateImage(sums, exposure); };
+        { return FailedIf(VcAccumulateImage(sums, exposure)); };
         return MakeExposureSeries(scene, kNoise, add, {}) != count;
     }
     bool failed = false;
     const DaylightMode mode = DaylightMode::Up;
     const std::vector<int> order = DaylightOrder(mode, DaylightKeys(scene, mode));
-    BenchPicture variant(scene.width, scene.height, scene.components, scene.bitsPerComponent);
+    Picture variant(scene.width, scene.height, scene.components, scene.bitsPerComponent);
     for (int i = 0; i < count; ++i)
     {
-        MakeDaylightVariant(&variant.pic, scene, mode, order[size_t(i)]);
-        failed = failed || VcAccumulateImage(sums, variant.pic);
+        MakeDaylightVariant(variant.Record(), scene, mode, order[size_t(i)]);
+        failed = failed || VcAccumulateImage(sums, variant);
     }
     return failed;
 }
@@ -44,30 +44,30 @@ static void SeriesThroughFiles(benchmark::State& state)
     const auto kind = SeriesKind(state.range(0));
     const int count = int(state.range(1)), width = BenchSide(4000), height = BenchSide(3000);
     const BenchFolder folder;
-    const BenchPicture scene = BenchScene(width, height, 3, 8, -1);
-    BenchPicture result(width, height, 3, 8), expected(width, height, 3, 8);
+    const Picture scene = BenchScene(width, height, 3, 8, -1);
+    Picture result(width, height, 3, 8), expected(width, height, 3, 8);
     for (auto _ : state)
     {
         SeriesRun run;
         run.kind = kind;
-        run.source = scene.pic;
+        run.source = scene;
         run.noiseLevel = kNoise;
         run.folder = folder.path;
         MakeSeriesFiles(&run);
         FusionSources sources;
-        OpenFusionSources(&sources, PathsOf(run), scene.pic, 0);
+        OpenFusionSources(&sources, PathsOf(run), scene, 0);
         const FusionTask whole = {{}, count, kMid};
-        if (FuseWhole(&result.pic, &sources, whole) != FusionOutcome::Done)
+        if (FuseWhole(result.Record(), &sources, whole) != Outcome::Done)
             state.SkipWithError("not fused");
     }
     VcFusionAccumulator sums;
-    const bool failed = VcInitAccumulator(&sums, scene.pic, kMid) ||
-                        AddSeries(&sums, scene.pic, kind, count) ||
-                        VcComposeResult(&expected.pic, sums);
+    const bool failed = VcInitAccumulator(&sums, scene, kMid) ||
+                        AddSeries(&sums, scene, kind, count) ||
+                        VcComposeResult(expected.Record(), sums);
     VcFreeAccumulator(&sums);
     // Files lose nothing. A series that was not fused would be the photograph.
-    CheckResult(state, !failed && LargestDifference(result.pic, expected.pic) == 0 &&
-                           LargestDifference(result.pic, scene.pic) >= 10);
+    CheckResult(state, !failed && LargestDifference(result, expected) == 0 &&
+                           LargestDifference(result, scene) >= 10);
     ReportPixels(state, width, height);
 }
 

@@ -4,18 +4,17 @@
 
 #include "bench/BenchPictures.h"
 #include "bench/BenchRun.h"
-#include "picture/PicTransformRows.h"
 #include "view/ImageViewZoom.h"
 
 #include <cmath>
 
 constexpr int kAreaTop = 37;
 
-static const BenchPicture& Ramp(int bits)
+static const Picture& Ramp(int bits)
 {
     static const int width = BenchSide(6000), height = BenchSide(4000);
-    static const BenchPicture eight = BenchRamp(width, height, 8);
-    static const BenchPicture sixteen = BenchRamp(width, height, 16);
+    static const Picture eight = BenchRamp(width, height, 8);
+    static const Picture sixteen = BenchRamp(width, height, 16);
     return bits == 8 ? eight : sixteen;
 }
 
@@ -53,12 +52,12 @@ static bool ShowsTheRamp(const ImageView& view, const SBxPicBuf& ramp, bool tran
 
 struct BenchView
 {
-    BenchPicture display{3000, 2000, 3, 8};
+    Picture display{3000, 2000, 3, 8};
     ImageView view;
 
     BenchView()
     {
-        view.display = display.pic;
+        view.display = display;
         SetViewArea(&view, {0, kAreaTop, BenchSide(1920), kAreaTop + BenchSide(1080)});
     }
     ~BenchView() { ReleaseImageView(&view); }
@@ -67,20 +66,20 @@ struct BenchView
 static void RenderFrames(benchmark::State& state, ViewRebuild rebuild, int bits, int filter,
                          int percent, const SBxPicBuf* alpha)
 {
-    const BenchPicture& picture = Ramp(bits);
+    const Picture& picture = Ramp(bits);
     BenchView bench;
     ImageView& view = bench.view;
-    ZoomTo100(&view, picture.pic);
+    ZoomTo100(&view, picture);
     view.state.scale = percent / 100.0;
     view.filter = ViewFilter(filter);
     bool failed =
-        VcRenderView(&view, ViewRebuild::Rebuild, &picture.pic, ViewShows::Result, true, alpha);
+        VcRenderView(&view, ViewRebuild::Rebuild, picture.Record(), ViewShows::Result, true, alpha);
     for (auto _ : state)
     {
-        PanView(&view, picture.pic, -3, 2);
-        failed |= VcRenderView(&view, rebuild, &picture.pic, ViewShows::Result, true, alpha);
+        PanView(&view, picture, -3, 2);
+        failed |= VcRenderView(&view, rebuild, picture.Record(), ViewShows::Result, true, alpha);
     }
-    CheckResult(state, !failed && ShowsTheRamp(view, picture.pic, alpha != nullptr));
+    CheckResult(state, !failed && ShowsTheRamp(view, picture, alpha != nullptr));
     static const char* const names[] = {"nearest", "bilinear", "bicubic"};
     state.SetLabel(names[filter]);
     ReportPixels(state, BenchSide(1920), BenchSide(1080));
@@ -88,15 +87,10 @@ static void RenderFrames(benchmark::State& state, ViewRebuild rebuild, int bits,
 
 static void Drag(benchmark::State& state)
 {
-    const TransformRows* rows = VcTransformRowsOf(TransformVariant(state.range(2)));
-    if (!rows)
-    {
-        SkipOnThisProcessor(state);
+    if (!UseInstructionSet(state, state.range(2)))
         return;
-    }
-    VcForceTransformRows(rows);
     RenderFrames(state, ViewRebuild::Keep, 8, int(state.range(0)), int(state.range(1)), nullptr);
-    VcForceTransformRows(nullptr);
+    UseBestInstructionSet();
 }
 
 static void Rebuild(benchmark::State& state)
@@ -108,14 +102,15 @@ static void Rebuild(benchmark::State& state)
 // Over the checkerboard.
 static void DragTransparent(benchmark::State& state)
 {
-    BenchPicture alpha(BenchSide(6000), BenchSide(4000), 1, 8);
-    CBxPicBufAPI::SetConst(&alpha.pic, 128);
-    RenderFrames(state, ViewRebuild::Keep, 8, int(state.range(0)), int(state.range(1)), &alpha.pic);
+    Picture alpha(BenchSide(6000), BenchSide(4000), 1, 8);
+    CBxPicBufAPI::SetConst(alpha.Record(), 128);
+    RenderFrames(state, ViewRebuild::Keep, 8, int(state.range(0)), int(state.range(1)),
+                 alpha.Record());
 }
 
 BENCHMARK(Drag)
-    ->ArgsProduct({{0, 1, 2}, {25, 100, 200}, {0, 1}})
-    ->ArgNames({"filter", "percent", "variant"})
+    ->ArgsProduct({{0, 1, 2}, {25, 100, 200}, {0, 2}})
+    ->ArgNames({"filter", "percent", "set"})
     ->Unit(benchmark::kMillisecond)
     ->MeasureProcessCPUTime()
     ->UseRealTime();

@@ -1,4 +1,6 @@
-#include "cli/CommandLine.h"
+#include "cli/CommandHelp.h"
+
+#include "cli/ParameterOptions.h"
 
 #include <algorithm>
 
@@ -49,14 +51,16 @@ static std::string OptionLabel(const OptionRow& row)
 {
     std::string label = row.letter ? std::string{'-', row.letter} + ", " : "    ";
     label += row.name;
-    if (row.argument)
-        label += std::string(" ") + row.argument;
+    if (TakesValue(row))
+        label += " " + (row.parameter ? ParameterArgument(*row.parameter) : row.argument);
     return label;
 }
 
 static std::string OptionText(const OptionRow& row)
 {
     std::string text = row.help;
+    if (row.parameter)
+        text += ParameterRangeHelp(*row.parameter);
     if (row.number)
         text += " (" + std::to_string(row.low) + " to " + std::to_string(row.high) + ", default " +
                 std::to_string(row.byDefault) + ")";
@@ -66,14 +70,14 @@ static std::string OptionText(const OptionRow& row)
 std::string CommandHelp(const CommandRow& command)
 {
     std::string text = "Usage: plenoviz-cli " + std::string(command.name) + " [options]";
-    for (const OptionRow* row : OptionsOf(command))
-        if (row->required)
-            text += std::string(" ") + row->name + " " + row->argument;
+    for (const OptionRow& row : OptionsOf(command))
+        if (row.required)
+            text += std::string(" ") + row.name + " " + row.argument;
     text += (*command.arguments ? " " : "") + std::string(command.arguments) + "\n\n";
     AddWords(&text, 0, command.details);
     text += "\nOptions:\n";
-    for (const OptionRow* row : OptionsOf(command))
-        AddRow(&text, kOptionColumn, OptionLabel(*row), OptionText(*row));
+    for (const OptionRow& row : OptionsOf(command))
+        AddRow(&text, kOptionColumn, OptionLabel(row), OptionText(row));
     if (*command.arguments)
         text += "\nAfter -- everything is a file name, even if it begins with a dash.\n";
     return text;

@@ -1,19 +1,34 @@
 #include "cli/CommandLine.h"
 
-std::vector<const OptionRow*> OptionsOf(const CommandRow& command)
+#include "cli/ParameterOptions.h"
+
+std::vector<OptionRow> OptionsOf(const CommandRow& command)
 {
-    std::vector<const OptionRow*> options;
+    std::vector<OptionRow> options;
     for (const OptionList& list : command.options)
-        for (int i = 0; i < list.count; i++)
-            options.push_back(&list.rows[i]);
+    {
+        options.insert(options.end(), list.rows, list.rows + list.count);
+        if (!list.ofTool)
+            continue;
+        for (OptionRow option : ParameterOptions(list.tool))
+        {
+            option.help = list.toolHelp ? list.toolHelp : option.help;
+            options.push_back(option);
+        }
+    }
     return options;
 }
 
-static const OptionRow* FindOption(const CommandRow& command, const std::string& name)
+bool TakesValue(const OptionRow& row)
 {
-    for (const OptionRow* row : OptionsOf(command))
-        if (name == row->name || (row->letter && name == std::string{'-', row->letter}))
-            return row;
+    return row.parameter ? !ParameterArgument(*row.parameter).empty() : !row.flag;
+}
+
+static const OptionRow* FindOption(const std::vector<OptionRow>& options, const std::string& name)
+{
+    for (const OptionRow& row : options)
+        if (name == row.name || (row.letter && name == std::string{'-', row.letter}))
+            return &row;
     return nullptr;
 }
 
@@ -32,6 +47,11 @@ bool ParseNumber(const std::string& text, long long* value)
     return true;
 }
 
+static std::string Takes(const OptionRow& row, const std::string& what, const std::string& value)
+{
+    return std::string(row.name) + " takes " + what + ", not '" + value + "'";
+}
+
 // Stores the value of an option. Gives the complaint, empty when there is none.
 static std::string StoreValue(CliOptions* options, const OptionRow& row, const std::string& value)
 {
@@ -40,16 +60,26 @@ static std::string StoreValue(CliOptions* options, const OptionRow& row, const s
         options->*row.text = value;
         return value.empty() ? std::string(row.name) + " needs a value that is not empty" : "";
     }
-    if (row.parse)
-        return row.parse(value, options)
+    if (row.parameter)
+        return StoreParameter(&options->numbers, *row.parameter, value)
                    ? ""
-                   : std::string(row.name) + " takes " + row.takes + ", not '" + value + "'";
+                   : Takes(row, ParameterTakes(*row.parameter), value);
     long long number = 0;
     if (!ParseNumber(value, &number) || number < row.low || number > row.high)
-        return std::string(row.name) + " takes a whole number from " + std::to_string(row.low) +
-               " to " + std::to_string(row.high) + ", not '" + value + "'";
+        return Takes(row,
+                     "a whole number from " + std::to_string(row.low) + " to " +
+                         std::to_string(row.high),
+                     value);
     options->*row.number = int(number);
     return "";
+}
+
+static void SetFlag(CliOptions* options, const OptionRow& row)
+{
+    if (row.parameter)
+        StoreParameter(&options->numbers, *row.parameter, "");
+    else
+        options->*row.flag = true;
 }
 
 static ParsedLine Wrong(const CommandRow* command, const std::string& complaint)
@@ -63,9 +93,9 @@ static ParsedLine Wrong(const CommandRow* command, const std::string& complaint)
 
 static std::string MissingPart(const CommandRow& command, const CliOptions& options)
 {
-    for (const OptionRow* row : OptionsOf(command))
-        if (row->required && (options.*row->text).empty())
-            return std::string(row->name) + " " + row->argument + " is missing";
+    for (const OptionRow& row : OptionsOf(command))
+        if (row.required && (options.*row.text).empty())
+            return std::string(row.name) + " " + row.argument + " is missing";
     if (int(options.inputs.size()) < command.minInputs)
         return "no picture to work on is given";
     return "";
@@ -75,9 +105,10 @@ static ParsedLine ParseCommand(const CommandRow& command, const std::vector<std:
 {
     ParsedLine line;
     line.command = &command;
-    for (const OptionRow* row : OptionsOf(command))
-        if (row->number)
-            line.options.*row->number = row->byDefault;
+    const std::vector<OptionRow> options = OptionsOf(command);
+    for (const OptionRow& row : options)
+        if (row.number)
+            line.options.*row.number = row.byDefault;
 
     bool optionsEnded = false;
     for (size_t i = 1; i < arguments.size(); i++)
@@ -98,14 +129,14 @@ static ParsedLine ParseCommand(const CommandRow& command, const std::vector<std:
 
         const size_t equals =
             argument.compare(0, 2, "--") == 0 ? argument.find('=') : argument.npos;
-        const OptionRow* row = FindOption(command, argument.substr(0, equals));
+        const OptionRow* row = FindOption(options, argument.substr(0, equals));
         if (!row)
             return Wrong(&command, "unknown option '" + argument + "'");
-        if (row->flag)
+        if (!TakesValue(*row))
         {
             if (equals != argument.npos)
                 return Wrong(&command, std::string(row->name) + " takes no value");
-            line.options.*row->flag = true;
+            SetFlag(&line.options, *row);
             continue;
         }
         if (equals == argument.npos && i + 1 == arguments.size())

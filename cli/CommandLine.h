@@ -1,5 +1,7 @@
 #pragma once
 
+#include "tools/Parameters.h"
+
 #include <iosfwd>
 #include <string>
 #include <vector>
@@ -19,21 +21,16 @@ struct CliOptions
     std::vector<std::string> inputs;
     std::string output;
     std::string outDir;
-    int exposure = 0;
+    ToolNumbers numbers = DefaultNumbers();
     int jpegQuality = 95; // for commands that have no such option, too
     int threads = 0;      // 0 = as many as the machine has
     int width = 0, height = 0, frames = 0;
-    int noise = 1; // 0 none .. 3 high
-    int power = 0; // variants to fuse
-    int contrast = 0, noiseAmplitude = 0, details = 0, equalization = 0;
-    bool luminanceOnly = false;
-    int lod[8] = {10, 10, 10, 10, 10, 10, 10, 10};
     bool times = false;
     bool quiet = false;
     bool help = false;
 };
 
-// Exactly one of flag, number, text and parse is set.
+// Exactly one of flag, number, text and parameter is set.
 struct OptionRow
 {
     const char* name;     // with both dashes
@@ -45,10 +42,7 @@ struct OptionRow
     int low, high, byDefault; // numbers only
     bool required;            // texts only
     const char* help;
-    // For values of another shape: stores the value; false when it makes no sense. `takes` says
-    // what would.
-    bool (*parse)(const std::string& value, CliOptions* options) = nullptr;
-    const char* takes = nullptr;
+    const ParameterRow* parameter = nullptr; // whose number it is, with all that it says
 };
 
 struct CliStreams
@@ -58,10 +52,14 @@ struct CliStreams
     bool terminal; // err is one: a line that is rewritten in place may go there
 };
 
+// Rows of its own, or those of a tool's numbers.
 struct OptionList
 {
     const OptionRow* rows;
     int count;
+    Tool tool = Tool::ToneMap;
+    bool ofTool = false;
+    const char* toolHelp = nullptr; // where the tool's own help line does not fit the command
 };
 
 struct CommandRow
@@ -71,19 +69,19 @@ struct CommandRow
     int minInputs;         // how many of them there must be
     const char* summary;
     const char* details;   // paragraph of the command's own help, in one line
-    OptionList options[5]; // its own first, then those it shares with others; unused ones are empty
+    OptionList options[6]; // its own first, then those it shares with others; unused ones are empty
     int (*run)(const CliOptions& options, const CliStreams& streams);
 };
 
-std::vector<const OptionRow*> OptionsOf(const CommandRow& command);
+std::vector<OptionRow> OptionsOf(const CommandRow& command);
+
+bool TakesValue(const OptionRow& row);
 
 struct CommandTable
 {
     const CommandRow* rows;
     int count;
 };
-
-const CommandTable& Commands();
 
 enum class ParsedAction
 {
@@ -107,25 +105,3 @@ ParsedLine ParseCommandLine(const CommandTable& table, const std::vector<std::st
 
 // The whole text as a decimal number; anything else, spaces and a plus sign included, is none.
 bool ParseNumber(const std::string& text, long long* value);
-
-std::string ProgramHelp(const CommandTable& table);
-std::string CommandHelp(const CommandRow& command);
-
-// Parses, does what is asked and gives the exit code. Errors are one line on streams.err.
-int RunCommandLine(const std::vector<std::string>& arguments, const CliStreams& streams);
-
-// Writes the one line of a failure (file may be empty) and gives the exit code that goes with it.
-int Fail(const CliStreams& streams, const std::string& file, const std::string& reason);
-
-// The same for a command line whose parts do not go together.
-int FailUsage(const CliStreams& streams, const char* command, const std::string& reason);
-
-// The commands' own functions.
-int RunFuse(const CliOptions& options, const CliStreams& streams);
-int RunSample(const CliOptions& options, const CliStreams& streams);
-int RunSingle(const CliOptions& options, const CliStreams& streams);
-int RunDaylightUp(const CliOptions& options, const CliStreams& streams);
-int RunDaylightDown(const CliOptions& options, const CliStreams& streams);
-int RunToneMap(const CliOptions& options, const CliStreams& streams);
-int RunSmartContrast(const CliOptions& options, const CliStreams& streams);
-int RunSeries(const CliOptions& options, const CliStreams& streams);

@@ -1,5 +1,12 @@
-#include "cli/CommandLine.h"
+#include "cli/Commands.h"
 
+#include "cli/CommandHelp.h"
+#include "cli/Failure.h"
+#include "cli/FuseCommand.h"
+#include "cli/PhotoCommands.h"
+#include "cli/ResultFile.h"
+#include "cli/SampleCommand.h"
+#include "cli/SeriesCommand.h"
 #include "files/ImageFile.h"
 
 #include "base/ParallelRows.h"
@@ -18,11 +25,11 @@ static const OptionRow kCommonOptions[] = {
      "print this help"},
 };
 
+static const std::string kOutputHelp = "file to write: " + ResultEndings();
+
 static const OptionRow kFuseOptions[] = {
     {"--output", 'o', "OUT", nullptr, nullptr, &CliOptions::output, 0, 0, 0, true,
-     "file to write: .jpg .jpeg .png .tif .tiff or .bmp"},
-    {"--exposure", 0, "N", nullptr, &CliOptions::exposure, nullptr, 48, 160, 100, false,
-     "grey to aim at, more = brighter"},
+     kOutputHelp.c_str()},
 };
 
 // Of commands that write photographs.
@@ -44,74 +51,9 @@ static const OptionRow kPhotoOptions[] = {
      "folder for the results, NAME-vexa with the input's ending; made when missing"},
 };
 
-static bool ParseNoise(const std::string& value, CliOptions* options)
-{
-    const char* const names[] = {"none", "low", "medium", "high"};
-    for (int level = 0; level < 4; level++)
-        if (value == names[level])
-        {
-            options->noise = level;
-            return true;
-        }
-    return false;
-}
-
-static bool ParseLevels(const std::string& value, CliOptions* options)
-{
-    size_t start = 0;
-    for (int level = 0; level < 8; level++)
-    {
-        const size_t comma = value.find(',', start);
-        long long number;
-        if (!ParseNumber(value.substr(start, comma - start), &number) || number < 0 || number > 30)
-            return false;
-        options->lod[level] = int(number);
-        if ((comma == value.npos) != (level == 7))
-            return false;
-        start = comma + 1;
-    }
-    return true;
-}
-
-static const char kNoiseHelp[] = "noise reduction: none, low, medium or high (default low)";
-
-static const OptionRow kSingleOptions[] = {
-    {"--noise", 0, "LEVEL", nullptr, nullptr, nullptr, 0, 0, 0, false, kNoiseHelp, ParseNoise,
-     "none, low, medium or high"},
-    {"--exposure", 0, "N", nullptr, &CliOptions::exposure, nullptr, 48, 160, 100, false,
-     "brightness to aim at, as a grey of an 8-bit picture: more = brighter"},
-};
-
-static const OptionRow kDaylightOptions[] = {
-    {"--power", 0, "N", nullptr, &CliOptions::power, nullptr, 3, 39, 15, false,
-     "how many of the 39 variants are fused"},
-};
-
-static const OptionRow kToneMapOptions[] = {
-    {"--contrast", 0, "N", nullptr, &CliOptions::contrast, nullptr, 1, 50, 10, false,
-     "what counts as detail: more = larger differences too"},
-    {"--noise-amplitude", 0, "N", nullptr, &CliOptions::noiseAmplitude, nullptr, 1, 50, 10, false,
-     "differences up to this are noise and stay as they are"},
-    {"--details", 0, "N", nullptr, &CliOptions::details, nullptr, 1, 50, 10, false,
-     "how much detail is lifted"},
-    {"--equalization", 0, "N", nullptr, &CliOptions::equalization, nullptr, 1, 50, 10, false,
-     "how much large differences are evened out"},
-    {"--luminance-only", 0, nullptr, &CliOptions::luminanceOnly, nullptr, nullptr, 0, 0, 0, false,
-     "leave the colours alone: faster and calmer"},
-};
-
-static const OptionRow kSmartContrastOptions[] = {
-    {"--lod", 0, "N,N,N,N,N,N,N,N", nullptr, nullptr, nullptr, 0, 0, 0, false,
-     "detail of each level from the finest to the coarsest: 0 none, 10 as it is, 30 threefold "
-     "(default 10 for all)",
-     ParseLevels, "eight numbers from 0 to 30 with commas between them"},
-};
-
 static const OptionRow kSeriesOptions[] = {
     {"--out-dir", 0, "DIR", nullptr, nullptr, &CliOptions::outDir, 0, 0, 0, true,
      "folder for the files; made when it is missing"},
-    {"--noise", 0, "LEVEL", nullptr, nullptr, nullptr, 0, 0, 0, false, kNoiseHelp, ParseNoise,
-     "none, low, medium or high"},
 };
 
 static const OptionRow kSampleOptions[] = {
@@ -131,6 +73,11 @@ static constexpr OptionList List(const OptionRow (&rows)[N])
     return {rows, N};
 }
 
+static constexpr OptionList Numbers(Tool tool, const char* help = nullptr)
+{
+    return {nullptr, 0, tool, true, help};
+}
+
 static const CommandRow kCommands[] = {
     {"fuse",
      "IN...",
@@ -140,7 +87,8 @@ static const CommandRow kCommands[] = {
      "detail in shadows and highlights. All inputs must have the same size, depth and number of "
      "components. The first one gives the result its colour profile, its metadata and, where the "
      "format has room for it, its alpha plane. 16-bit pictures need TIFF or PNG.",
-     {List(kFuseOptions), List(kJpegOption), List(kTimesOption), List(kCommonOptions)},
+     {List(kFuseOptions), Numbers(Tool::ExposureFusion, "grey to aim at, more = brighter"),
+      List(kJpegOption), List(kTimesOption), List(kCommonOptions)},
      RunFuse},
     {"single",
      "IN...",
@@ -148,8 +96,8 @@ static const CommandRow kCommands[] = {
      "detail in shadows and highlights from one photograph",
      "Makes eleven brighter and darker exposures from each photograph and fuses them. The three "
      "brightest are freed from the noise that brightening shows.",
-     {List(kSingleOptions), List(kPhotoOptions), List(kJpegOption), List(kTimesOption),
-      List(kCommonOptions)},
+     {Numbers(Tool::NoisePrompt), Numbers(Tool::ExposureFusion), List(kPhotoOptions),
+      List(kJpegOption), List(kTimesOption), List(kCommonOptions)},
      RunSingle},
     {"daylight-up",
      "IN...",
@@ -157,7 +105,7 @@ static const CommandRow kCommands[] = {
      "brighten a photograph as if there had been more light",
      "Makes 39 brighter variants of each photograph, orders them by brightness and fuses the first "
      "of them, as many as the power says.",
-     {List(kDaylightOptions), List(kPhotoOptions), List(kJpegOption), List(kTimesOption),
+     {Numbers(Tool::PowerFusion), List(kPhotoOptions), List(kJpegOption), List(kTimesOption),
       List(kCommonOptions)},
      RunDaylightUp},
     {"daylight-down",
@@ -166,7 +114,7 @@ static const CommandRow kCommands[] = {
      "darken a photograph and keep its detail",
      "Makes 39 darker variants of each photograph, orders them and fuses the first of them, as "
      "many as the power says.",
-     {List(kDaylightOptions), List(kPhotoOptions), List(kJpegOption), List(kTimesOption),
+     {Numbers(Tool::PowerFusion), List(kPhotoOptions), List(kJpegOption), List(kTimesOption),
       List(kCommonOptions)},
      RunDaylightDown},
     {"tone-map",
@@ -175,7 +123,7 @@ static const CommandRow kCommands[] = {
      "lift detail and even out light without halos",
      "Filters each photograph with a local Laplacian filter: detail is lifted by a power curve, "
      "edges are compressed or expanded, noise stays as it is.",
-     {List(kToneMapOptions), List(kPhotoOptions), List(kJpegOption), List(kTimesOption),
+     {Numbers(Tool::ToneMap), List(kPhotoOptions), List(kJpegOption), List(kTimesOption),
       List(kCommonOptions)},
      RunToneMap},
     {"smart-contrast",
@@ -184,7 +132,7 @@ static const CommandRow kCommands[] = {
      "lift or damp detail of each size",
      "Takes each photograph apart into eight levels of detail and puts it together with a gain for "
      "each of them.",
-     {List(kSmartContrastOptions), List(kPhotoOptions), List(kJpegOption), List(kTimesOption),
+     {Numbers(Tool::SmartContrast), List(kPhotoOptions), List(kJpegOption), List(kTimesOption),
       List(kCommonOptions)},
      RunSmartContrast},
     {"series",
@@ -193,7 +141,7 @@ static const CommandRow kCommands[] = {
      "write the exposures that the other commands fuse",
      "Writes the exposures made from one photograph as TIFF files and prints their names, one a "
      "line, in the order in which they are fused.",
-     {List(kSeriesOptions), List(kCommonOptions)},
+     {List(kSeriesOptions), Numbers(Tool::NoisePrompt), List(kCommonOptions)},
      RunSeries},
     {"sample",
      "",
@@ -209,18 +157,6 @@ const CommandTable& Commands()
 {
     static const CommandTable table = {kCommands, int(sizeof kCommands / sizeof *kCommands)};
     return table;
-}
-
-int Fail(const CliStreams& streams, const std::string& file, const std::string& reason)
-{
-    streams.err << "plenoviz-cli: " << file << (file.empty() ? "" : ": ") << reason << std::endl;
-    return kExitFailed;
-}
-
-int FailUsage(const CliStreams& streams, const char* command, const std::string& reason)
-{
-    Fail(streams, "", reason + "; see plenoviz-cli " + command + " --help");
-    return kExitUsage;
 }
 
 static int Run(const ParsedLine& line, const CliStreams& streams)

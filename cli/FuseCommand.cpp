@@ -1,45 +1,21 @@
-#include "cli/CommandLine.h"
+#include "cli/FuseCommand.h"
+
+#include "base/Stopwatch.h"
+#include "cli/Failure.h"
 #include "cli/Progress.h"
 #include "cli/ResultFile.h"
 
 #include "files/ImageFileText.h"
-#include "fusion/FusionAccumulator.h"
+#include "pipeline/DecodeSource.h"
+#include "pipeline/FusionFeed.h"
 
-#include <chrono>
 #include <future>
 #include <iomanip>
-#include <memory>
 #include <ostream>
 
-// Sources go into the accumulator one after the other, in the order given. While one is being
-// added the next is read on a second thread, so at most two are in memory, and the result does
-// not depend on which thread is faster.
-
-struct Source
-{
-    SBxPicBuf picture, alpha;
-    LoadReport report;
-    bool failed;
-};
-
-static void FreeSource(Source* source)
-{
-    CBxPicBufAPI::DoneHeap(&source->picture);
-    CBxPicBufAPI::DoneHeap(&source->alpha);
-    delete source;
-}
-
-using SourcePtr = std::unique_ptr<Source, void (*)(Source*)>;
-
-static SourcePtr LoadSource(const std::string& path)
-{
-    SourcePtr source(new Source, FreeSource);
-    CBxPicBufAPI::Init(&source->picture);
-    CBxPicBufAPI::Init(&source->alpha);
-    source->failed =
-        LoadPicturePair(path.c_str(), &source->picture, &source->alpha, &source->report);
-    return source;
-}
+// Sources are added one after the other, in the order given. While one is being added the next is
+// read on a second thread, so at most two are in memory, and the result does not depend on which
+// thread is faster.
 
 static std::string Kind(const SBxPicBuf& p)
 {
@@ -51,110 +27,93 @@ struct FuseJob
 {
     const CliOptions& options;
     const CliStreams& streams;
-    Progress progress;
-    int format;
-    VcFusionAccumulator accumulator;
-    SBxPicBuf geometry; // of the first source; no data
-    SBxPicBuf alpha;    // of the first source
-    SBxPicBuf result;
-    double waited, added, composed,
-        written; // seconds; reading that nobody waits for does not count
+    Progress progress = StartProgress(options, streams);
+    FormatId format = kFormatFromName;
+    SourceStep step = nullptr; // of every source
+    FusionSums sums = {};
+    SBxPicBuf geometry = {}; // of the first source; no data
+    Picture alpha = {};      // of the first source
+    double waited = 0.0, added = 0.0, composed = 0.0,
+           written = 0.0; // seconds; reading that nobody waits for does not count
+    std::string problem{}, problemFile{};
 };
 
-using Clock = std::chrono::steady_clock;
-
-static double SecondsSince(Clock::time_point start)
+// Notes why there will be no result.
+static Outcome Refuse(FuseJob* job, const std::string& file, const std::string& reason)
 {
-    return std::chrono::duration<double>(Clock::now() - start).count();
+    job->problemFile = file;
+    job->problem = reason;
+    return Outcome::Failed;
 }
 
-static void FreeJob(FuseJob* job)
-{
-    EndProgress(&job->progress);
-    VcFreeAccumulator(&job->accumulator);
-    CBxPicBufAPI::DoneHeap(&job->alpha);
-    CBxPicBufAPI::DoneHeap(&job->result);
-}
-
-static int FailJob(FuseJob* job, const std::string& file, const std::string& reason)
-{
-    EndProgress(&job->progress);
-    return Fail(job->streams, file, reason);
-}
+static const char kNoMemory[] = "not enough memory to fuse pictures of this size";
 
 // Looks at the first source and sets up what depends on it.
-static int StartJob(FuseJob* job, Source* first)
+static Outcome StartJob(FuseJob* job, DecodedSource* first)
 {
     const std::string& path = job->options.inputs[0];
     const SBxPicBuf& picture = first->picture;
     if (!VcFusionAcceptsSize(picture.width, picture.height))
-        return FailJob(job, path,
-                       "the picture is " + std::to_string(picture.width) + " x " +
-                           std::to_string(picture.height) + "; fusion needs at least " +
-                           std::to_string(kFusionMinSide) + " pixels each way");
+        return Refuse(job, path,
+                      "the picture is " + std::to_string(picture.width) + " x " +
+                          std::to_string(picture.height) + "; fusion needs at least " +
+                          std::to_string(kFusionMinSide) + " pixels each way");
     const std::string misfit = FormatFits(job->format, picture);
     if (!misfit.empty())
-        return FailJob(job, job->options.output, misfit);
+        return Refuse(job, job->options.output, misfit);
 
     job->geometry = picture;
     job->geometry.data = nullptr;
-    job->alpha = first->alpha;
-    CBxPicBufAPI::Init(&first->alpha);
-    if (VcInitAccumulator(&job->accumulator, picture, unsigned(job->options.exposure)))
-        return FailJob(job, path, "not enough memory to fuse pictures of this size");
-    return kExitDone;
+    job->alpha = std::move(first->alpha);
+    const Outcome started =
+        StartSums(&job->sums, picture, unsigned(job->options.numbers.fusionTool.exposure));
+    return started == Outcome::Done ? started : Refuse(job, path, kNoMemory);
 }
 
-static int AddSource(FuseJob* job, Source* source, size_t index)
+static Outcome AddSource(FuseJob* job, DecodedSource* source, size_t index, const SourceTaker& take)
 {
     const std::string& path = job->options.inputs[index];
-    if (source->failed)
-        return FailJob(job, path, LoadProblemText(source->report.problem));
-    if (index == 0)
-    {
-        const int failed = StartJob(job, source);
-        if (failed)
-            return failed;
-    }
-    CBxPicBufAPI::DoneHeap(&source->alpha);
-
-    const SBxPicBuf& first = job->geometry;
-    const SBxPicBuf& picture = source->picture;
-    if (picture.width != first.width || picture.height != first.height ||
-        picture.components != first.components ||
-        picture.bitsPerComponent != first.bitsPerComponent)
-        return FailJob(job, path,
-                       "the picture is " + Kind(picture) + ", but the first one is " + Kind(first));
-    if (VcAccumulateImage(&job->accumulator, picture, StopRequested))
-        return FailJob(job, StopRequested() ? "" : path,
-                       StopRequested() ? "stopped"
-                                       : "not enough memory to fuse pictures of this size");
-    return kExitDone;
+    if (source->problem != LoadProblem::None)
+        return Refuse(job, path, LoadProblemText(source->problem));
+    if (index == 0 && StartJob(job, source) != Outcome::Done)
+        return Outcome::Failed;
+    source->alpha.Free();
+    if (!IsLike(source->picture, job->geometry))
+        return Refuse(job, path,
+                      "the picture is " + Kind(source->picture) + ", but the first one is " +
+                          Kind(job->geometry));
+    const Outcome taken = take(source->picture);
+    if (taken == Outcome::Failed)
+        return Refuse(job, path, kNoMemory);
+    return StopRequested() ? Outcome::Cancelled : taken;
 }
 
-static int AddSources(FuseJob* job)
+static Outcome FeedSources(FuseJob* job, const SourceTaker& take)
 {
     const std::vector<std::string>& inputs = job->options.inputs;
     const std::launch how = job->options.threads == 1 ? std::launch::deferred : std::launch::async;
-    std::future<SourcePtr> next = std::async(how, LoadSource, inputs[0]);
+    const auto load = [&](size_t index)
+    {
+        return std::async(how, [=, &inputs]
+                          { return DecodeSource(inputs[index], int(index), job->step); });
+    };
+    std::future<DecodedSource> next = load(0);
     for (size_t i = 0; i < inputs.size(); i++)
     {
         ShowProgress(&job->progress, "Fusing " + std::to_string(i + 1) + " of " +
                                          std::to_string(inputs.size()) + ": " + inputs[i]);
-        Clock::time_point start = Clock::now();
-        const SourcePtr source = next.get();
-        job->waited += SecondsSince(start);
+        const Stopwatch waiting;
+        DecodedSource source = next.get();
+        job->waited += waiting.Seconds();
         if (i + 1 < inputs.size())
-            next = std::async(how, LoadSource, inputs[i + 1]);
-        start = Clock::now();
-        const int failed = AddSource(job, source.get(), i);
-        job->added += SecondsSince(start);
-        if (failed)
-            return failed;
-        if (StopRequested())
-            return FailJob(job, "", "stopped");
+            next = load(i + 1);
+        const Stopwatch adding;
+        const Outcome added = AddSource(job, &source, i, take);
+        job->added += adding.Seconds();
+        if (added != Outcome::Done)
+            return added;
     }
-    return kExitDone;
+    return Outcome::Done;
 }
 
 static void Report(const FuseJob& job, const std::string& note)
@@ -170,50 +129,52 @@ static void Report(const FuseJob& job, const std::string& note)
     out << std::endl;
 }
 
-static int FinishJob(FuseJob* job)
+static Outcome Blend(FuseJob* job, Picture* result)
 {
     ShowProgress(&job->progress, "Writing " + job->options.output);
-    Clock::time_point start = Clock::now();
-    CBxPicBufAPI::ReinitHeap(&job->result, job->geometry);
-    if (!job->result.data || VcComposeResult(&job->result, job->accumulator))
-        return FailJob(job, job->options.output, "not enough memory for the result");
-    VcFreeAccumulator(&job->accumulator);
-    job->composed = SecondsSince(start);
-    if (StopRequested())
-        return FailJob(job, "", "stopped");
+    const Stopwatch watch;
+    *result = Picture::Like(job->geometry);
+    if (result->Empty() || BlendSums(result->Record(), {&job->sums}) != Outcome::Done)
+        return Refuse(job, job->options.output, "not enough memory for the result");
+    job->sums.Free();
+    job->composed = watch.Seconds();
+    return StopRequested() ? Outcome::Cancelled : Outcome::Done;
+}
 
-    std::string note;
-    start = Clock::now();
-    const std::string problem = SaveResult(job->result, job->alpha, job->options.output,
-                                           job->options.inputs[0], job->format, &note);
-    if (!problem.empty())
-        return FailJob(job, job->options.output, problem);
-    EndProgress(&job->progress);
-    job->written = SecondsSince(start);
-    if (!job->options.quiet)
-        Report(*job, note);
-    return kExitDone;
+static Outcome Write(FuseJob* job, const Picture& result, std::string* note)
+{
+    const Stopwatch watch;
+    const std::string problem = SaveResult(result, job->alpha, job->options.output,
+                                           job->options.inputs[0], job->format, note);
+    job->written = watch.Seconds();
+    return problem.empty() ? Outcome::Done : Refuse(job, job->options.output, problem);
+}
+
+static Outcome RunJob(FuseJob* job, std::string* note)
+{
+    const auto feed = [job](const SourceTaker& take) { return FeedSources(job, take); };
+    Outcome outcome = AddFeed(&job->sums, feed, StopRequested);
+    Picture result;
+    if (outcome == Outcome::Done)
+        outcome = Blend(job, &result);
+    return outcome == Outcome::Done ? Write(job, result, note) : outcome;
 }
 
 int RunFuse(const CliOptions& options, const CliStreams& streams)
 {
-    FuseJob job = {options,
-                   streams,
-                   StartProgress(options, streams),
-                   kFormatFromName,
-                   {},
-                   {},
-                   {},
-                   {},
-                   0.0,
-                   0.0,
-                   0.0,
-                   0.0};
+    FuseJob job = {options, streams};
     const std::string problem = FormatOfResult(options.output, &job.format);
     if (!problem.empty())
         return Fail(streams, options.output, problem);
 
-    std::unique_ptr<FuseJob, void (*)(FuseJob*)> release(&job, FreeJob);
-    const int failed = AddSources(&job);
-    return failed ? failed : FinishJob(&job);
+    std::string note;
+    const Outcome outcome = RunJob(&job, &note);
+    EndProgress(&job.progress);
+    if (outcome == Outcome::Cancelled)
+        return Fail(streams, "", "stopped");
+    if (outcome == Outcome::Failed)
+        return Fail(streams, job.problemFile, job.problem);
+    if (!options.quiet)
+        Report(job, note);
+    return kExitDone;
 }

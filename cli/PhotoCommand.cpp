@@ -1,12 +1,14 @@
 #include "cli/PhotoCommand.h"
 
+#include "cli/Failure.h"
 #include "cli/Progress.h"
 #include "cli/ResultFile.h"
 
+#include "base/Stopwatch.h"
 #include "files/ImageCodec.h"
 #include "files/ImageFileText.h"
+#include "picture/Picture.h"
 
-#include <chrono>
 #include <filesystem>
 #include <iomanip>
 #include <memory>
@@ -15,34 +17,12 @@
 #include <sstream>
 
 namespace fs = std::filesystem;
-using Clock = std::chrono::steady_clock;
-
-static double SecondsSince(Clock::time_point start)
-{
-    return std::chrono::duration<double>(Clock::now() - start).count();
-}
 
 struct Photo
 {
     std::string input, output;
-    SBxPicBuf picture, alpha, result;
-    double readSeconds, workSeconds, writeSeconds;
-
-    Photo()
-    {
-        CBxPicBufAPI::Init(&picture);
-        CBxPicBufAPI::Init(&alpha);
-        CBxPicBufAPI::Init(&result);
-        readSeconds = workSeconds = writeSeconds = 0.0;
-    }
-    ~Photo()
-    {
-        CBxPicBufAPI::DoneHeap(&picture);
-        CBxPicBufAPI::DoneHeap(&alpha);
-        CBxPicBufAPI::DoneHeap(&result);
-    }
-    Photo(const Photo&) = delete;
-    Photo& operator=(const Photo&) = delete;
+    Picture picture, alpha, result;
+    double readSeconds = 0.0, workSeconds = 0.0, writeSeconds = 0.0;
 };
 
 RunControl ControlOf(const PhotoProgress& progress, int steps)
@@ -62,7 +42,7 @@ RunControl ControlOf(const PhotoProgress& progress, int steps)
 static std::string ResultPath(const std::string& input, const std::string& folder)
 {
     const fs::path path = fs::u8path(input);
-    int format;
+    FormatId format;
     const std::string extension = path.extension().u8string();
     const bool writable = FormatOfResult(input, &format).empty();
     return (fs::u8path(folder) / fs::u8path(path.stem().u8string() + "-vexa" +
@@ -93,11 +73,11 @@ static std::string PlanOutputs(const CliOptions& options, std::vector<std::strin
 }
 
 // "Name: 42 %, 3 s left": the share of the photograph at hand.
-static std::string ProgressText(const std::string& name, double share, Clock::time_point start)
+static std::string ProgressText(const std::string& name, double share, const Stopwatch& watch)
 {
     std::ostringstream text;
     text << name << ": " << int(share * 100.0) << " %";
-    const double passed = SecondsSince(start);
+    const double passed = watch.Seconds();
     if (share > 0.05 && passed > 0.5)
         text << ", " << int(passed / share * (1.0 - share) + 0.5) << " s left";
     return text.str();
@@ -106,44 +86,45 @@ static std::string ProgressText(const std::string& name, double share, Clock::ti
 static std::string MakePhoto(Photo* photo, Progress* progress, const PhotoWork& work)
 {
     LoadReport report;
-    const auto start = Clock::now();
-    if (LoadPicturePair(photo->input.c_str(), &photo->picture, &photo->alpha, &report))
+    const Stopwatch watch;
+    if (LoadPicturePair(photo->input.c_str(), photo->picture.Record(), photo->alpha.Record(),
+                        &report))
         return LoadProblemText(report.problem);
-    photo->readSeconds = SecondsSince(start);
+    photo->readSeconds = watch.Seconds();
 
-    int format;
+    FormatId format;
     std::string problem = FormatOfResult(photo->output, &format);
     if (problem.empty())
         problem = FormatFits(format, photo->picture);
     if (!problem.empty())
         return problem + " (" + photo->output + ")";
 
-    const auto workStart = Clock::now();
+    const Stopwatch working;
     PhotoProgress shown;
     shown.show = [&](double share)
-    { ShowProgress(progress, ProgressText(photo->input, share, workStart)); };
+    { ShowProgress(progress, ProgressText(photo->input, share, working)); };
     shown.stopped = StopRequested;
-    problem = work(&photo->result, photo->picture, shown);
-    photo->workSeconds = SecondsSince(workStart);
+    problem = work(photo->result.Record(), photo->picture, shown);
+    photo->workSeconds = working.Seconds();
     return StopRequested() ? "stopped" : problem;
 }
 
 static std::string WritePhoto(Photo* photo, std::string* note)
 {
-    int format;
+    FormatId format;
     FormatOfResult(photo->output, &format);
-    const auto start = Clock::now();
-    CBxPicBufAPI::DoneHeap(&photo->picture);
+    const Stopwatch watch;
+    photo->picture.Free();
     const std::string problem =
         SaveResult(photo->result, photo->alpha, photo->output, photo->input, format, note);
-    photo->writeSeconds = SecondsSince(start);
+    photo->writeSeconds = watch.Seconds();
     return problem;
 }
 
 static void Report(const Photo& photo, const std::string& note, const CliOptions& options,
                    const CliStreams& streams)
 {
-    streams.out << photo.output << ": " << photo.result.width << " x " << photo.result.height
+    streams.out << photo.output << ": " << photo.result->width << " x " << photo.result->height
                 << note;
     if (options.times)
         streams.out << std::fixed << std::setprecision(2) << ", read in " << photo.readSeconds
@@ -159,7 +140,7 @@ int RunOnPhotos(const char* command, const CliOptions& options, const CliStreams
     const std::string complaint = PlanOutputs(options, &outputs);
     if (!complaint.empty())
         return FailUsage(streams, command, complaint);
-    int format;
+    FormatId format;
     if (!options.output.empty() && !FormatOfResult(options.output, &format).empty())
         return Fail(streams, options.output, FormatOfResult(options.output, &format));
     std::error_code error;

@@ -1,12 +1,13 @@
 // The commands on single photographs: what each of them computes.
 
+#include "cli/PhotoCommands.h"
+
 #include "cli/PhotoCommand.h"
 #include "cli/Progress.h"
 
-#include "base/ShortMemory.h"
 #include "contrast/LevelsOfDetail.h"
-#include "fusion/FusionAccumulator.h"
 #include "picture/Picture.h"
+#include "pipeline/FusionFeed.h"
 #include "series/DaylightSeries.h"
 #include "series/ExposureSeries.h"
 #include "tonemap/ToneMap.h"
@@ -14,67 +15,56 @@
 static const char kNoMemory[] = "not enough memory for a picture of this size";
 
 // Fuses pictures that are made one after the other and never stand in memory together.
-struct SeriesFusion
-{
-    VcFusionAccumulator accumulator = {};
-
-    ~SeriesFusion() { VcFreeAccumulator(&accumulator); }
-};
-
-static std::string StartFusion(SeriesFusion* fusion, const SBxPicBuf& photo, int exposureMid)
+static std::string Fuse(SBxPicBuf* result, const SBxPicBuf& photo, int exposureMid,
+                        const SourceFeed& feed)
 {
     if (!VcFusionAcceptsSize(photo.width, photo.height))
         return "fusion needs at least " + std::to_string(kFusionMinSide) + " pixels each way";
-    return VcInitAccumulator(&fusion->accumulator, photo, unsigned(exposureMid)) ? kNoMemory : "";
-}
-
-static std::string FinishFusion(const SeriesFusion& fusion, SBxPicBuf* result,
-                                const SBxPicBuf& photo)
-{
-    CBxPicBufAPI::ReinitHeap(result, photo);
-    const bool failed = !result->data || VcComposeResult(result, fusion.accumulator);
-    return failed ? kNoMemory : "";
+    const Outcome fused = FuseFeed(result, photo, unsigned(exposureMid), feed, StopRequested);
+    return fused == Outcome::Done ? "" : kNoMemory;
 }
 
 static std::string Single(SBxPicBuf* result, const SBxPicBuf& photo, const PhotoProgress& progress,
                           const CliOptions& options)
 {
-    SeriesFusion fusion;
-    const std::string problem = StartFusion(&fusion, photo, options.exposure);
-    if (!problem.empty())
-        return problem;
     SeriesControl control;
     control.cancelRequested = progress.stopped;
     control.denoiseThreads = unsigned(options.threads);
-    const SeriesSink fuse = [&](int number, const SBxPicBuf& exposure, const char*)
+    const auto exposures = [&](const SourceTaker& take)
     {
-        const bool failed = VcAccumulateImage(&fusion.accumulator, exposure, StopRequested);
-        progress.show(double(number + 1) / (kExposures + 1));
-        return failed;
+        const SeriesSink show = [&](int number, const SBxPicBuf& exposure, const char*)
+        {
+            const Outcome taken = take(exposure);
+            progress.show(double(number + 1) / (kExposures + 1));
+            return taken;
+        };
+        const int made =
+            MakeExposureSeries(photo, unsigned(options.numbers.denoiseStrength), show, control);
+        return FailedIf(made < kExposures);
     };
-    if (MakeExposureSeries(photo, unsigned(options.noise), fuse, control) < kExposures)
-        return kNoMemory;
-    return FinishFusion(fusion, result, photo);
+    return Fuse(result, photo, options.numbers.fusionTool.exposure, exposures);
 }
 
 static std::string Daylight(SBxPicBuf* result, const SBxPicBuf& photo,
                             const PhotoProgress& progress, const CliOptions& options,
                             DaylightMode mode)
 {
-    SeriesFusion fusion;
-    const std::string problem = StartFusion(&fusion, photo, 128);
-    if (!problem.empty())
-        return problem;
-    Picture variant = Picture::Like(photo);
-    const std::vector<int> order = DaylightOrder(mode, DaylightKeys(photo, mode));
-    bool failed = variant.Empty();
-    for (int i = 0; i < options.power && !failed && !progress.stopped(); ++i)
+    const auto variants = [&](const SourceTaker& take)
     {
-        MakeDaylightVariant(variant.Record(), photo, mode, order[size_t(i)]);
-        failed = VcAccumulateImage(&fusion.accumulator, variant, StopRequested);
-        progress.show(double(i + 1) / (options.power + 1));
-    }
-    return failed ? kNoMemory : FinishFusion(fusion, result, photo);
+        Picture variant = Picture::Like(photo);
+        const std::vector<int> order = DaylightOrder(mode, DaylightKeys(photo, mode));
+        Outcome taken = FailedIf(variant.Empty());
+        for (int i = 0;
+             i < options.numbers.powerTool.power && taken == Outcome::Done && !progress.stopped();
+             ++i)
+        {
+            MakeDaylightVariant(variant.Record(), photo, mode, order[size_t(i)]);
+            taken = take(variant);
+            progress.show(double(i + 1) / (options.numbers.powerTool.power + 1));
+        }
+        return taken;
+    };
+    return Fuse(result, photo, 128, variants);
 }
 
 static std::string ToneMap(SBxPicBuf* result, const SBxPicBuf& photo, const PhotoProgress& progress,
@@ -83,12 +73,10 @@ static std::string ToneMap(SBxPicBuf* result, const SBxPicBuf& photo, const Phot
     CBxPicBufAPI::ReinitHeap(result, photo);
     if (!result->data)
         return kNoMemory;
-    const bool useColors = !options.luminanceOnly && photo.components == 3;
-    const RunControl control = ControlOf(progress, useColors ? 45 : 15);
-    const ToneMapParams p = ToneMapParamsOf(options.contrast, options.noiseAmplitude,
-                                            options.details, options.equalization);
-    const int outcome =
-        ToneMapPicture(result, photo, kToneMapLevels, p.p1, p.p2, p.p3, p.p4, useColors, control);
+    const ToneMapParams params = ToneMapParamsOf(options.numbers.toneMap);
+    const bool chroma = params.useColors && photo.components == 3;
+    const RunControl control = ControlOf(progress, chroma ? 45 : 15);
+    const int outcome = ToneMapPicture(result, photo, kToneMapLevels, params, control);
     return outcome == kToneMapDone ? "" : kNoMemory;
 }
 
@@ -97,8 +85,11 @@ static std::string SmartContrast(SBxPicBuf* result, const SBxPicBuf& photo,
 {
     CBxPicBufAPI::ReinitHeap(result, photo);
     const RunControl control = ControlOf(progress, kSmartContrastSteps * photo.components);
-    const bool failed = !result->data || SmartContrastPicture(result, photo, options.lod, control);
-    return failed ? kNoMemory : "";
+    if (!result->data)
+        return kNoMemory;
+    const Outcome outcome =
+        SmartContrastPicture(result, photo, options.numbers.levelsOfDetail, control);
+    return outcome == Outcome::Done ? "" : kNoMemory;
 }
 
 int RunSingle(const CliOptions& options, const CliStreams& streams)

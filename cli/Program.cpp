@@ -1,6 +1,6 @@
 #include "cli/Program.h"
 
-#include "cli/CommandLine.h"
+#include "cli/Commands.h"
 #include "cli/Progress.h"
 
 #include <csignal>

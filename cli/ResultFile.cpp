@@ -1,61 +1,59 @@
 #include "cli/ResultFile.h"
 
 #include "base/SystemFiles.h"
-#include "files/ImageCodec.h"
 #include "files/ImageFileText.h"
 
-struct EndingRow
+// ".bmp, .jpg or .png"
+static std::string Listed(const std::vector<std::string>& endings, const char* comma)
 {
-    const char* ending;
-    int format;
-    const char* name;
-};
-
-static const EndingRow kEndings[] = {
-    {".bmp", kFormatBmp, "BMP"},   {".jpg", kFormatJpeg, "JPEG"},  {".jpeg", kFormatJpeg, "JPEG"},
-    {".tif", kFormatTiff, "TIFF"}, {".tiff", kFormatTiff, "TIFF"}, {".png", kFormatPng, "PNG"},
-};
-
-static char Lower(char letter)
-{
-    return letter >= 'A' && letter <= 'Z' ? char(letter - 'A' + 'a') : letter;
+    std::string text;
+    for (size_t i = 0; i < endings.size(); ++i)
+        text += (i == 0 ? "" : i + 1 < endings.size() ? comma : " or ") + endings[i];
+    return text;
 }
 
-static bool EndsWith(const std::string& path, const std::string& ending)
+std::string ResultEndings()
 {
-    if (path.size() < ending.size())
-        return false;
-    const size_t start = path.size() - ending.size();
-    for (size_t i = 0; i < ending.size(); i++)
-        if (Lower(path[start + i]) != ending[i])
-            return false;
-    return true;
+    std::vector<std::string> all;
+    const std::vector<const FormatRow*> formats = SaveFormats();
+    for (auto row = formats.rbegin(); row != formats.rend(); ++row)
+        for (const std::string& ending : EndingsIn((*row)->endings))
+            all.push_back(ending);
+    return Listed(all, " ");
 }
 
-std::string FormatOfResult(const std::string& path, int* format)
+std::string FormatOfResult(const std::string& path, FormatId* format)
 {
-    for (const EndingRow& row : kEndings)
-        if (EndsWith(path, row.ending))
+    std::vector<std::string> all;
+    for (const FormatRow& row : kFormats)
+    {
+        if (row.saveEntry == 0)
+            continue;
+        if (HasEnding(path, row.endings))
         {
-            *format = row.format;
+            *format = row.id;
             return "";
         }
-    return "the name must end in .bmp, .jpg, .jpeg, .tif, .tiff or .png";
+        for (const std::string& ending : EndingsIn(row.endings))
+            all.push_back(ending);
+    }
+    return "the name must end in " + Listed(all, ", ");
 }
 
-std::string FormatFits(int format, const SBxPicBuf& picture)
+std::string FormatFits(FormatId format, const SBxPicBuf& picture)
 {
     if (FormatHoldsPicture(format, picture, false))
         return "";
-    for (const EndingRow& row : kEndings)
-        if (row.format == format)
-            return std::string(row.name) + " files cannot hold " +
-                   std::to_string(picture.bitsPerComponent) + "-bit pictures; use .tif or .png";
-    return "this format cannot hold the picture";
+    std::vector<std::string> others;
+    for (const FormatRow& row : kFormats)
+        if (row.saveEntry > 0 && FormatHoldsPicture(row.id, picture, false))
+            others.push_back(EndingsIn(row.endings).front());
+    return std::string(FindFormat(format)->name) + " files cannot hold " +
+           std::to_string(picture.bitsPerComponent) + "-bit pictures; use " + Listed(others, ", ");
 }
 
 static SaveReport TrySaving(const SBxPicBuf& picture, const SBxPicBuf& alpha,
-                            const std::string& path, const std::string& source, int format)
+                            const std::string& path, const std::string& source, FormatId format)
 {
     SaveReport report;
     try
@@ -74,7 +72,7 @@ static SaveReport TrySaving(const SBxPicBuf& picture, const SBxPicBuf& alpha,
 }
 
 std::string SaveResult(const SBxPicBuf& picture, const SBxPicBuf& alpha, const std::string& path,
-                       const std::string& source, int format, std::string* note)
+                       const std::string& source, FormatId format, std::string* note)
 {
     std::string target, from;
     if (SavePathFromUtf8(&target, path.c_str(), PathUse::Target))

@@ -1,16 +1,17 @@
-#include "cli/CommandLine.h"
+#include "cli/SampleCommand.h"
+
+#include "cli/Failure.h"
 #include "cli/Progress.h"
 
 #include "base/SystemFiles.h"
 #include "files/ExifBlock.h"
 #include "files/ImageFile.h"
 #include "files/ImageFileText.h"
-#include "sample/Scene.h"
+#include "sample/Exposure.h"
 
 #include <filesystem>
 #include <memory>
 #include <ostream>
-#include <thread>
 
 // The series appears as a whole or not at all: every frame is written under a name of its own
 // first, and only when all of them are complete do they take their final names.
@@ -73,18 +74,15 @@ static std::vector<uint8_t> ExifOf(const Frame& frame)
 
 static std::string SaveFrame(const SampleRadiance& scene, const Frame& frame)
 {
-    SBxPicBuf picture, noAlpha;
-    CBxPicBufAPI::Init(&picture);
-    CBxPicBufAPI::Init(&noAlpha);
     std::string path;
     if (SavePathFromUtf8(&path, frame.part.u8string().c_str(), PathUse::Target))
         return "this name is too long or has letters that the system cannot express";
-    if (ExposeSample(&picture, scene, frame.stops))
+    const Picture picture = ExposeSample(scene, frame.stops);
+    if (picture.Empty())
         return "not enough memory for the picture";
     SaveReport report;
     const SaveExtras extras = {ExifOf(frame)};
-    SavePicturePair(picture, noAlpha, path.c_str(), "", kFormatJpeg, &report, &extras);
-    CBxPicBufAPI::DoneHeap(&picture);
+    SavePicturePair(picture, Picture(), path.c_str(), "", kFormatJpeg, &report, &extras);
     return report.written ? "" : SaveReportText(report);
 }
 
@@ -200,9 +198,7 @@ int RunSample(const CliOptions& options, const CliStreams& streams)
     try
     {
         ShowProgress(&job.progress, "Rendering the scene");
-        const int machine = int(std::thread::hardware_concurrency());
-        const int threads = options.threads > 0 ? options.threads : machine > 0 ? machine : 1;
-        const SampleRadiance scene = RenderSampleScene(options.width, options.height, threads);
+        const SampleRadiance scene = RenderSampleScene(options.width, options.height);
         if (StopRequested())
             return FailJob(&job, "", "stopped");
         return WriteFrames(&job, scene);

@@ -1,6 +1,9 @@
-#include "cli/CommandLine.h"
+#include "cli/SeriesCommand.h"
+
+#include "cli/Failure.h"
 #include "cli/Progress.h"
 #include "cli/ResultFile.h"
+#include "picture/Picture.h"
 
 #include "files/ImageFileText.h"
 #include "series/DaylightSeries.h"
@@ -21,20 +24,18 @@ struct SeriesJob
     std::vector<std::string> written;
 };
 
-// Writes one picture of the series; true ends the series.
-static bool WriteOne(SeriesJob* job, const SBxPicBuf& picture, const char* name, int count)
+// Writes one picture of the series.
+static Outcome WriteOne(SeriesJob* job, const SBxPicBuf& picture, const char* name, int count)
 {
     const std::string path = (fs::u8path(job->options.outDir) / fs::u8path(name)).u8string();
     ShowProgress(&job->progress, "Writing " + std::to_string(job->written.size() + 1) + " of " +
                                      std::to_string(count) + ": " + path);
-    SBxPicBuf alpha;
-    CBxPicBufAPI::Init(&alpha);
     std::string note;
-    job->problem = SaveResult(picture, alpha, path, job->input, kFormatTiff, &note);
+    job->problem = SaveResult(picture, Picture(), path, job->input, kFormatTiff, &note);
     job->problemFile = path;
     if (job->problem.empty())
         job->written.push_back(name);
-    return !job->problem.empty();
+    return FailedIf(!job->problem.empty());
 }
 
 // Names in the order of fusion; empty when the series is not complete.
@@ -50,7 +51,8 @@ static std::vector<std::string> WriteSeries(SeriesJob* job, const std::string& k
     { return WriteOne(job, picture, name, count); };
     if (single)
     {
-        const int made = MakeExposureSeries(photo, unsigned(job->options.noise), write, control);
+        const int made = MakeExposureSeries(photo, unsigned(job->options.numbers.denoiseStrength),
+                                            write, control);
         return made == count ? job->written : std::vector<std::string>();
     }
     const DaylightMode mode = kind == "daylight-up" ? DaylightMode::Up : DaylightMode::Down;
@@ -72,18 +74,15 @@ int RunSeries(const CliOptions& options, const CliStreams& streams)
 
     SeriesJob job = {options, streams, StartProgress(options, streams), options.inputs[1], {},
                      {},      {}};
-    SBxPicBuf photo, alpha;
-    CBxPicBufAPI::Init(&photo);
-    CBxPicBufAPI::Init(&alpha);
+    Picture photo;
     LoadReport report;
-    if (LoadPicturePair(job.input.c_str(), &photo, &alpha, &report))
+    if (LoadPicturePair(job.input.c_str(), photo.Record(), Picture().Record(), &report))
         return Fail(streams, job.input, LoadProblemText(report.problem));
-    CBxPicBufAPI::DoneHeap(&alpha);
     std::error_code error;
     fs::create_directories(fs::u8path(options.outDir), error);
     const std::vector<std::string> names =
         error ? std::vector<std::string>() : WriteSeries(&job, kind, photo);
-    CBxPicBufAPI::DoneHeap(&photo);
+    photo.Free();
     EndProgress(&job.progress);
     if (error)
         return Fail(streams, options.outDir, "the folder cannot be made");

@@ -87,7 +87,7 @@ function IncludesOurs(file, line, name,    from, to, all)
 {
     from = Folder(file)
     to = Folder(name)
-    all = layers[from] == " * "
+    all = from in layers && layers[from] == " * "
     if (!(from in layers) || !(to in layers))
         Refuse(file, name, file ":" line ": " name ": no layer")
     else if (from != to && !all && index(layers[from], " " to " ") == 0)

@@ -2,10 +2,12 @@
 # Checks of the sources and of what was built from them:
 #
 #   lint.sh format    layout of all C++ files is what .clang-format says (lint.sh fix makes it so)
-#   lint.sh tidy      clang-tidy over what the release build compiles; clean files are remembered
+#   lint.sh tidy      clang-tidy over what is compiled here and, of the rest, for Windows; clean files
+#                     are remembered
+#   lint.sh analyze   the same with clang's analyzer, which takes long: by hand only
 #   lint.sh tuned     objects for special instruction sets share no inline function with others
 #   lint.sh imports   Windows programs import from libraries that Windows brings, and no others
-#   lint.sh layers    nobody includes what layers.txt does not say; headers have their functions beside them
+#   lint.sh layers    who includes whom is what layers.txt says; what a header promises is beside it
 #   lint.sh functions no function is longer than 60 lines
 #   lint.sh run       ./run passes arguments, folder and exit code on and keeps quiet
 
@@ -23,30 +25,74 @@ CheckFormat() { Sources | xargs -0 clang-format-14 --dry-run -Werror; }
 
 FixFormat() { Sources | xargs -0 clang-format-14 -i; }
 
-# A file that was clean stays clean while it, our headers, the flags and the checks are the same.
-CheckTidy()
+# Clang-tidy over what is compiled for this machine, and for Windows over the rest. A file that was
+# clean stays clean while it, what it includes of ours, its flags and the checks are the same.
+Tidy()
 {
-    local commands=build/release/compile_commands.json common
-    mkdir -p build/check/tidy
-    common=$({ cat .clang-tidy "$commands"; Sources | grep -z '\.\(h\|inl\)$' | sort -z | xargs -0 cat; } |
-        sha256sum | cut -c 1-16)
-    export common
-    sed -n 's/^ *"file": "\(.*\)",\{0,1\}$/\1/p' "$commands" | grep -v '^/usr/' |
-        xargs -P "$(nproc)" -n 1 "$0" tidy-one
+    local preset
+    mkdir -p build/check/"$1"
+    for preset in release windows; do
+        WriteIncluded $preset >build/check/"$1"/included-$preset
+    done
+    {
+        CompiledFiles release | sed 's/^/release /'
+        comm -13 <(CompiledFiles release) <(CompiledFiles windows) | sed 's/^/windows /'
+    } | xargs -P "$(nproc)" -n 2 "$0" tidy-one "$1"
 }
 
+CompiledFiles()
+{
+    sed -n "s|^ *\"file\": \"$PWD/\(.*\.cpp\)\",\{0,1\}\$|\1|p" "build/$1/compile_commands.json" | sort -u
+}
+
+# A line for each object of a build: its source and what that includes of ours, from the build's log.
+WriteIncluded()
+{
+    ninja -C "build/$1" -t deps | awk '
+        /^[^ ]/ { if (line != "") print line; line = "" }
+        /^ +\.\.\/\.\.\// { sub(/^ +\.\.\/\.\.\//, ""); line = line (line == "" ? "" : " ") $0 }
+        END { if (line != "") print line }'
+}
+
+# What clang needs to read what the other compiler compiles for Windows.
+WindowsOptions()
+{
+    echo --extra-arg=--target=x86_64-w64-mingw32 --extra-arg=-nostdinc++
+    # Without the folders of the compiler's own headers, which clang has its own of.
+    x86_64-w64-mingw32-g++-posix -E -x c++ -v /dev/null 2>&1 |
+        sed -n '/^#include <\.\.\.>/,/^End/s/^ //p' | grep -v '^[^.]*/include\(-fixed\)\?$' |
+        sed 's/^/--extra-arg=-isystem/'
+}
+
+# Arguments: tidy or analyze, preset, file.
 TidyOne()
 {
-    local file=${1#"$PWD/"} name stamp
-    name=${file//\//-}
-    stamp=build/check/tidy/$name
-    [[ -f $stamp && $(<"$stamp") == "$common $(sha256sum "$file")" ]] && return
+    local kind=$1 preset=$2 file=$3 stamp state included options=() checks=
+    stamp=build/check/$kind/${file//\//-}
     # Warnings are chosen for the other compiler, which knows some that clang does not.
-    clang-tidy-14 --quiet -p build/release --extra-arg=-Wno-unknown-warning-option \
-        --extra-arg=-Wno-ignored-optimization-argument "$file" 2>"$stamp.err" ||
-        { cat "$stamp.err" >&2; return 1; }
+    options=(--extra-arg=-Wno-unknown-warning-option --extra-arg=-Wno-ignored-optimization-argument)
+    if [[ $preset == windows ]]; then
+        mapfile -t -O 2 options < <(WindowsOptions | tr ' ' '\n')
+        # Messages carry pointers in integers, and a constant handle is meant to be one.
+        checks=-performance-no-int-to-ptr,-misc-misplaced-const
+    fi
+    if [[ $kind == analyze ]]; then
+        checks=-*,clang-analyzer-*
+    fi
+    # A file that is not built yet may include anything.
+    included=$(grep -m 1 "^$file " "build/check/$kind/included-$preset") ||
+        included=$(Sources | grep -z '\.\(h\|inl\)$' | xargs -0)
+    state=$({
+        echo "$checks ${options[*]}"
+        grep -F -B 2 "\"file\": \"$PWD/$file\"" "build/$preset/compile_commands.json"
+        cat .clang-tidy "$file"
+        tr ' ' '\n' <<<"$included" | { grep '^[^/]' || true; } | xargs -r sha256sum 2>&1 || true
+    } | sha256sum)
+    [[ -f $stamp && $(<"$stamp") == "$state" ]] && return
+    clang-tidy-14 --quiet -p "build/$preset" "--checks=$checks" \
+        "${options[@]}" "$file" 2>"$stamp.err" || { cat "$stamp.err" >&2; return 1; }
     rm -f "$stamp.err"
-    echo "$common $(sha256sum "$file")" >"$stamp"
+    echo "$state" >"$stamp"
 }
 
 # Objects of a build that are compiled for more than the processors that every user has.
@@ -147,8 +193,8 @@ CheckRun()
 case ${1:-} in
 format) CheckFormat ;;
 fix) FixFormat ;;
-tidy) CheckTidy ;;
-tidy-one) TidyOne "$2" ;;
+tidy | analyze) Tidy "$1" ;;
+tidy-one) TidyOne "$2" "$3" "$4" ;;
 tuned) CheckTuned ;;
 imports) CheckImports ;;
 layers) CheckLayers ;;

@@ -13,14 +13,9 @@
 
 #include <algorithm>
 
-int ClampLevelOfDetail(int lod)
-{
-    return std::clamp(lod, 0, 30);
-}
-
 float LevelGain(int lod)
 {
-    return float(ClampLevelOfDetail(lod)) / 10.0f;
+    return float(lod) / 10.0f;
 }
 
 int CountDetailLevels(int width, int height)
@@ -46,32 +41,33 @@ void ReleaseLevelsOfDetail(LevelsOfDetail* record)
     *record = LevelsOfDetail();
 }
 
+// Whether there is the memory for it.
 static bool AllocateInto(FloatPlane* plane, int64_t samples)
 {
     plane->reset(VcAllocPlane(samples));
-    return !*plane;
+    return bool(*plane);
 }
 
-static bool AllocatePlanes(LevelsOfDetail* record)
+static Outcome AllocatePlanes(LevelsOfDetail* record)
 {
     for (int i = 0; i < record->levels; ++i)
     {
         const int64_t samples = LevelSamples(*record, i);
-        if (AllocateInto(&record->gauss[i], samples))
-            return true;
+        if (!AllocateInto(&record->gauss[i], samples))
+            return Outcome::Failed;
         for (int c = 0; c < record->components; ++c)
-            if (AllocateInto(&record->laplace[c][i], samples))
-                return true;
+            if (!AllocateInto(&record->laplace[c][i], samples))
+                return Outcome::Failed;
     }
     for (int c = 0; c < record->components; ++c)
-        if (AllocateInto(&record->coarsest[c], LevelSamples(*record, record->levels)))
-            return true;
-    return false;
+        if (!AllocateInto(&record->coarsest[c], LevelSamples(*record, record->levels)))
+            return Outcome::Failed;
+    return Outcome::Done;
 }
 
 // Everything but the contents of the planes. Each level has at least 5 samples a side, so that
 // both filters write all of every plane.
-static bool SetUp(LevelsOfDetail* record, const SBxPicBuf& padded, int maxLevels)
+static Outcome SetUp(LevelsOfDetail* record, const SBxPicBuf& padded, int maxLevels)
 {
     ReleaseLevelsOfDetail(record);
     record->components = padded.components;
@@ -85,10 +81,10 @@ static bool SetUp(LevelsOfDetail* record, const SBxPicBuf& padded, int maxLevels
         record->levelHeight[i] = padded.height >> i;
     }
     FillGeneratingKernel(record->kernel);
-    if (!AllocatePlanes(record))
-        return false;
-    ReleaseLevelsOfDetail(record);
-    return true;
+    const Outcome allocated = AllocatePlanes(record);
+    if (allocated != Outcome::Done)
+        ReleaseLevelsOfDetail(record);
+    return allocated;
 }
 
 template <typename T>
@@ -170,41 +166,43 @@ static void PutTogetherLevel(LevelsOfDetail* record, int component, int level, f
 }
 
 // One component of the picture into the record's place for a component.
-static bool DecomposeComponent(LevelsOfDetail* record, int place, const SBxPicBuf& padded,
-                               int component, const RunControl& control)
+static Outcome DecomposeComponent(LevelsOfDetail* record, int place, const SBxPicBuf& padded,
+                                  int component, const RunControl& control)
 {
     ComponentToFloat(GaussPlane(*record, place, 0), padded, component);
     for (int i = 0; i < record->levels; ++i)
     {
         if (control.Cancelled())
-            return true;
+            return Outcome::Cancelled;
         TakeApartLevel(record, place, i);
     }
-    return false;
+    return Outcome::Done;
 }
 
-bool Decompose(LevelsOfDetail* record, const SBxPicBuf& padded, int maxLevels,
-               const RunControl& control)
+Outcome Decompose(LevelsOfDetail* record, const SBxPicBuf& padded, int maxLevels,
+                  const RunControl& control)
 {
-    if (SetUp(record, padded, maxLevels))
-        return true;
+    if (SetUp(record, padded, maxLevels) != Outcome::Done)
+        return Outcome::Failed;
     for (int c = 0; c < record->components; ++c)
     {
-        if (!DecomposeComponent(record, c, padded, c, control))
+        const Outcome outcome = DecomposeComponent(record, c, padded, c, control);
+        if (outcome == Outcome::Done)
             continue;
         ReleaseLevelsOfDetail(record);
-        return true;
+        return outcome;
     }
-    return false;
+    return Outcome::Done;
 }
 
-bool RecomposeComponent(SBxPicBuf* padded, LevelsOfDetail* record, bool autoStretch,
-                        const float gains[kDetailLevels], int component, const RunControl& control)
+Outcome RecomposeComponent(SBxPicBuf* padded, LevelsOfDetail* record, bool autoStretch,
+                           const float gains[kDetailLevels], int component,
+                           const RunControl& control)
 {
     for (int i = record->levels - 1; i >= 0; --i)
     {
         if (control.Cancelled())
-            return true;
+            return Outcome::Cancelled;
         PutTogetherLevel(record, component, i, gains[i], WholeLevel(*record, i));
     }
     const float* finest = GaussPlane(*record, component, 0);
@@ -212,7 +210,7 @@ bool RecomposeComponent(SBxPicBuf* padded, LevelsOfDetail* record, bool autoStre
         ToInteger8(padded, component, finest, autoStretch);
     else
         ToInteger16(padded, component, finest, autoStretch);
-    return false;
+    return Outcome::Done;
 }
 
 static bool IsOfRecord(const SBxPicBuf& padded, const LevelsOfDetail& record)
@@ -221,15 +219,18 @@ static bool IsOfRecord(const SBxPicBuf& padded, const LevelsOfDetail& record)
            padded.height == record.height && padded.bitsPerComponent == record.bitsPerComponent;
 }
 
-bool Recompose(SBxPicBuf* padded, LevelsOfDetail* record, const float gains[kDetailLevels],
-               const RunControl& control)
+Outcome Recompose(SBxPicBuf* padded, LevelsOfDetail* record, const float gains[kDetailLevels],
+                  const RunControl& control)
 {
     if (!IsOfRecord(*padded, *record))
-        return true;
+        return Outcome::Failed;
     for (int c = 0; c < record->components; ++c)
-        if (RecomposeComponent(padded, record, false, gains, c, control))
-            return true;
-    return false;
+    {
+        const Outcome outcome = RecomposeComponent(padded, record, false, gains, c, control);
+        if (outcome != Outcome::Done)
+            return outcome;
+    }
+    return Outcome::Done;
 }
 
 // Of the next level, what expanding the samples [first, end) of a side looks at. The windows of
@@ -241,16 +242,16 @@ static void WidenToCoarse(int* first, int* end, int side, int coarseSide)
     *end = std::min((start(*end - 1) + 4) / 2 + 1, coarseSide);
 }
 
-bool RecomposeRegion(SBxPicBuf* padded, LevelsOfDetail* record, const float gains[kDetailLevels],
-                     const CBxRect<int>& region)
+Outcome RecomposeRegion(SBxPicBuf* padded, LevelsOfDetail* record, const float gains[kDetailLevels],
+                        const CBxRect<int>& region)
 {
     if (!IsOfRecord(*padded, *record))
-        return true;
+        return Outcome::Failed;
     CBxRect<int> parts[kDetailLevels + 1];
     parts[0] = {std::max(region.left, 0), std::max(region.top, 0),
                 std::min(region.right, record->width), std::min(region.bottom, record->height)};
     if (parts[0].left >= parts[0].right || parts[0].top >= parts[0].bottom)
-        return false;
+        return Outcome::Done;
     for (int i = 0; i < record->levels; ++i)
     {
         CBxRect<int>& part = parts[i + 1] = parts[i];
@@ -263,16 +264,16 @@ bool RecomposeRegion(SBxPicBuf* padded, LevelsOfDetail* record, const float gain
             PutTogetherLevel(record, c, i, gains[i], parts[i]);
         ToIntegerRect(padded, c, GaussPlane(*record, c, 0), parts[0]);
     }
-    return false;
+    return Outcome::Done;
 }
 
-static bool SmartContrastComponents(SBxPicBuf* out, const SBxPicBuf& in, SBxPicBuf* padded,
-                                    const DetailPadding& padding, const float* gains,
-                                    const RunControl& control)
+static Outcome SmartContrastComponents(SBxPicBuf* out, const SBxPicBuf& in, SBxPicBuf* padded,
+                                       const DetailPadding& padding, const float* gains,
+                                       const RunControl& control)
 {
     LevelsOfDetail record;
-    if (SetUp(&record, *padded, padding.levels))
-        return true;
+    if (SetUp(&record, *padded, padding.levels) != Outcome::Done)
+        return Outcome::Failed;
     // The picture's place in the padded plane, as a picture of its own.
     SBxPicBuf place = *padded;
     place.data += int64_t(padding.y) * padded->stride + padding.x * (padded->bitsPerComponent / 8);
@@ -285,27 +286,27 @@ static bool SmartContrastComponents(SBxPicBuf* out, const SBxPicBuf& in, SBxPicB
             ReplicateBorder8(padded, padding.x, padding.y, in.width, in.height);
         else
             ReplicateBorder16(padded, padding.x, padding.y, in.width, in.height);
-        if (DecomposeComponent(&record, 0, *padded, 0, control))
-            return true;
+        if (DecomposeComponent(&record, 0, *padded, 0, control) != Outcome::Done)
+            return Outcome::Cancelled;
         control.Advance(1);
-        if (RecomposeComponent(padded, &record, false, gains, 0, control))
-            return true;
+        if (RecomposeComponent(padded, &record, false, gains, 0, control) != Outcome::Done)
+            return Outcome::Cancelled;
         CBxPicBufAPI::InsertComponent(out, unsigned(c), place);
         control.Advance(1);
     }
-    return false;
+    return Outcome::Done;
 }
 
-bool SmartContrastPicture(SBxPicBuf* out, const SBxPicBuf& in, const int lod[kDetailLevels],
-                          const RunControl& control)
+Outcome SmartContrastPicture(SBxPicBuf* out, const SBxPicBuf& in, const int lod[kDetailLevels],
+                             const RunControl& control)
 {
     float gains[kDetailLevels];
     std::transform(lod, lod + kDetailLevels, gains, LevelGain);
     const DetailPadding padding = DetailPaddingOf(in.width, in.height);
     Picture padded(padding.width, padding.height, 1, in.bitsPerComponent);
-    return padded.Empty() || FailsOrLacksMemory(
-                                 [&] {
-                                     return SmartContrastComponents(out, in, padded.Record(),
-                                                                    padding, gains, control);
-                                 });
+    if (padded.Empty())
+        return Outcome::Failed;
+    const auto run = [&]
+    { return SmartContrastComponents(out, in, padded.Record(), padding, gains, control); };
+    return FailWithoutMemory(run);
 }

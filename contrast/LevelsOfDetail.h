@@ -1,6 +1,7 @@
 #pragma once
 
 #include "base/Geometry.h"
+#include "base/Outcome.h"
 #include "base/RunControl.h"
 #include "picture/FloatPlane.h"
 #include "picture/PicBuf.h"
@@ -11,15 +12,12 @@
 // (VcReduce and VcExpand with the same kernel), whose windows move inside at the borders; the
 // picture is therefore padded on all sides first, and the padding cut off afterwards.
 //
-// Everything that returns bool says true on failure or when it was cancelled. Rows are split over
-// the task pool; results have the same bits whatever the number of threads.
+// Rows are split over the task pool; results have the same bits whatever the number of threads.
 
 constexpr int kDetailLevels = 8; // the most levels, and the number of sliders
 
-// What a level's number 0..30 means. Numbers from outside (a settings file, a command line) are
-// clamped here, for the slider and the gain alike.
-int ClampLevelOfDetail(int lod);
-float LevelGain(int lod); // a tenth of the clamped number: 10 leaves the level as it is
+// What a level's number means: a tenth of it, so that 10 leaves the level as it is.
+float LevelGain(int lod);
 
 // Halvings of the shorter side while it has at least 11 samples, at most kDetailLevels.
 int CountDetailLevels(int width, int height);
@@ -43,32 +41,31 @@ struct LevelsOfDetail
 void ReleaseLevelsOfDetail(LevelsOfDetail* record);
 
 // Takes the padded picture apart (1 or 3 components, 8 or 16 bits) into at most maxLevels levels;
-// whatever the record held is released. True when memory is short or the run was cancelled, which
-// is asked once a level; the record is empty then.
-[[nodiscard]] bool Decompose(LevelsOfDetail* record, const SBxPicBuf& padded, int maxLevels,
-                             const RunControl& control = {});
+// whatever the record held is released. Fails when memory is short; whether to cancel is asked once
+// a level. The record is empty in either case.
+Outcome Decompose(LevelsOfDetail* record, const SBxPicBuf& padded, int maxLevels,
+                  const RunControl& control = {});
 
 // Puts all components together again. gains[i] belongs to level i; those from L on are not looked
-// at, since the coarsest level has no gain. Refused (true) when the output has not the components,
+// at, since the coarsest level has no gain. Fails when the output has not the components,
 // bits and size of the record.
-[[nodiscard]] bool Recompose(SBxPicBuf* padded, LevelsOfDetail* record,
-                             const float gains[kDetailLevels], const RunControl& control = {});
+Outcome Recompose(SBxPicBuf* padded, LevelsOfDetail* record, const float gains[kDetailLevels],
+                  const RunControl& control = {});
 
 // The same for a rectangle of the output, which is clipped to it; the rest of the output stays as
 // it is. Of each level only what that takes is put together, and the pixels are those of the whole.
-[[nodiscard]] bool RecomposeRegion(SBxPicBuf* padded, LevelsOfDetail* record,
-                                   const float gains[kDetailLevels], const CBxRect<int>& region);
+Outcome RecomposeRegion(SBxPicBuf* padded, LevelsOfDetail* record, const float gains[kDetailLevels],
+                        const CBxRect<int>& region);
 
 // The same for one component of the output. With autoStretch, its smallest and largest value are
 // spread over the whole range.
-[[nodiscard]] bool RecomposeComponent(SBxPicBuf* padded, LevelsOfDetail* record, bool autoStretch,
-                                      const float gains[kDetailLevels], int component,
-                                      const RunControl& control = {});
+Outcome RecomposeComponent(SBxPicBuf* padded, LevelsOfDetail* record, bool autoStretch,
+                           const float gains[kDetailLevels], int component,
+                           const RunControl& control = {});
 
 // The whole job for one picture, component by component, so that a third of the planes is enough
 // for colour. `out` has the geometry of `in` and may be `in`. Advances kSmartContrastSteps times a
-// component; polls once a level. True when memory is short or the run was cancelled; `out` is
-// then worthless.
+// component; polls once a level. `out` is worthless unless it is done.
 constexpr int kSmartContrastSteps = 2;
-[[nodiscard]] bool SmartContrastPicture(SBxPicBuf* out, const SBxPicBuf& in,
-                                        const int lod[kDetailLevels], const RunControl& control);
+Outcome SmartContrastPicture(SBxPicBuf* out, const SBxPicBuf& in, const int lod[kDetailLevels],
+                             const RunControl& control);

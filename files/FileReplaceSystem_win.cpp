@@ -133,19 +133,8 @@ int KeepLock(FILE*)
 
 void DropLock(int) {}
 
-// Virus scanners and indexers hold new files open for a moment.
 int MoveOver(const ReplacingFile& file)
 {
-    const int kAttempts = 10;
-    const DWORD kPauseMs = 50;
-    for (int attempt = 1;; ++attempt)
-    {
-        if (MoveFileExW(file.sibling.c_str(), file.target.c_str(),
-                        MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH))
-            return 0;
-        const int error = ErrnoOf(GetLastError());
-        if (error != EACCES || attempt == kAttempts)
-            return error;
-        Sleep(kPauseMs);
-    }
+    const DWORD error = MoveOverFile(file.sibling.wstring(), file.target.wstring());
+    return error ? ErrnoOf(error) : 0;
 }

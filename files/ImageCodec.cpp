@@ -1,13 +1,13 @@
 #include "files/ImageCodec.h"
 
 #include "base/SystemFiles.h"
+#include "files/Formats.h"
 
 #include <FreeImage.h>
 
 #include <algorithm>
 #include <cstdarg>
 #include <cstring>
-#include <iterator>
 #include <mutex>
 
 #ifndef _WIN32
@@ -51,24 +51,16 @@ static const BitmapKind* KindOfPicture(const SBxPicBuf& picture, bool withAlpha)
     return nullptr;
 }
 
-// The formats that the program reads, the same on every system. FreeImage knows thirty more, and
-// goes by the contents of a file whatever its name; some of those decoders write past the end of
-// their buffers when a file is damaged.
-// Camera raw files are read as well; but as long as that format is enabled, every TIFF file
-// and every unknown one goes through the raw library, so ImageReader.cpp chooses it by itself.
-static const FREE_IMAGE_FORMAT kFormats[] = {
-    FIF_BMP, FIF_JPEG, FIF_PNG, FIF_TIFF,   FIF_GIF,    FIF_WEBP,
-    FIF_PBM, FIF_PGM,  FIF_PPM, FIF_PBMRAW, FIF_PGMRAW, FIF_PPMRAW,
-};
-
+// The formats are the same on every system, and FreeImage goes by the contents of a file whatever
+// its name: what has no row stays off. So does camera raw, which has one: as long as it is enabled,
+// every TIFF file and every unknown one goes through the raw library. ImageReader.cpp chooses it by
+// itself.
 static void EnableFormats()
 {
-    for (int i = 0; i < FreeImage_GetFIFCount(); ++i)
+    for (int code = 0; code < FreeImage_GetFIFCount(); ++code)
     {
-        const auto format = FREE_IMAGE_FORMAT(i);
-        const bool wanted =
-            std::find(std::begin(kFormats), std::end(kFormats), format) != std::end(kFormats);
-        FreeImage_SetPluginEnabled(format, wanted);
+        const FormatRow* row = FormatOfCode(code);
+        FreeImage_SetPluginEnabled(FREE_IMAGE_FORMAT(code), row && row->id != kFormatRaw);
     }
 }
 
@@ -299,17 +291,4 @@ FIBITMAP* BitmapFromPicture(const SBxPicBuf& picture, const SBxPicBuf* alpha)
             std::memcpy(dst8, src8, packedBytes);
     }
     return bitmap;
-}
-
-bool FormatHoldsPicture(int format, const SBxPicBuf& picture, bool withAlpha)
-{
-    InitImageLibrary();
-    const auto code = FREE_IMAGE_FORMAT(format);
-    const BitmapKind* kind = KindOfPicture(picture, withAlpha);
-    if (!kind || !FreeImage_FIFSupportsExportType(code, kind->type))
-        return false;
-    if (code == FIF_JPEG && kind->samples == 4)
-        return false; // it claims four samples, but means CMYK
-    return kind->type != FIT_BITMAP ||
-           FreeImage_FIFSupportsExportBPP(code, int(kind->bitsPerPixel));
 }

@@ -38,7 +38,3 @@ BitmapFit FitOfBitmap(FIBITMAP* bitmap);
 // is left out for one-component pictures, which have no kind with alpha. Null when memory is short
 // or the picture is none of the kinds above.
 [[nodiscard]] FIBITMAP* BitmapFromPicture(const SBxPicBuf& picture, const SBxPicBuf* alpha);
-
-// Whether files of the format (FreeImage's number) can hold a picture like this one, without and
-// with an alpha plane. FreeImage itself would write rubbish for 16 bits into BMP and JPEG.
-bool FormatHoldsPicture(int format, const SBxPicBuf& picture, bool withAlpha);

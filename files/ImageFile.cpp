@@ -8,19 +8,10 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <mutex>
 #include <string>
 
 int g_jpegQuality = 0;
 static const int kDefaultJpegQuality = 95;
-
-int FormatFromFileName(const char* name)
-{
-    InitImageLibrary();
-    static std::mutex oneAtATime; // FreeImage takes its extension lists apart with strtok
-    const std::lock_guard<std::mutex> lock(oneAtATime);
-    return FreeImage_GetFIFFromFilename(name);
-}
 
 // 32-bit BMP files mostly have an unused fourth byte, and zero in it. Taken for alpha, it would
 // make the whole picture invisible once it is saved as PNG.
@@ -68,7 +59,8 @@ static LoadProblem LoadPair(const char* path, SBxPicBuf* picture, SBxPicBuf* alp
         TiffNumber(file.get(), kTiffPhotometric) == 0)
         InvertSixteenBits(picture);
     const int orientation = OrientationOf(format, file.get());
-    if (MakeUpright(picture, orientation) && MakeUpright(alpha, orientation))
+    if (MakeUpright(picture, orientation) == Outcome::Done &&
+        MakeUpright(alpha, orientation) == Outcome::Done)
         return LoadProblem::None;
     CBxPicBufAPI::DoneHeap(picture);
     CBxPicBufAPI::DoneHeap(alpha);
@@ -84,9 +76,9 @@ bool LoadPicturePair(const char* path, SBxPicBuf* picture, SBxPicBuf* alpha, Loa
     const auto load = [&]
     {
         problem = LoadPair(path, picture, alpha);
-        return problem != LoadProblem::None;
+        return FailedIf(problem != LoadProblem::None);
     };
-    const bool failed = FailsOrLacksMemory(load);
+    const bool failed = FailWithoutMemory(load) != Outcome::Done;
     if (failed)
     {
         CBxPicBufAPI::DoneHeap(picture);
@@ -159,15 +151,14 @@ static void SayUpright(FIBITMAP* bitmap)
     }
 }
 
-static void TakeProfileAndMetadata(FIBITMAP* bitmap, FREE_IMAGE_FORMAT format, FIBITMAP* source,
+static void TakeProfileAndMetadata(FIBITMAP* bitmap, const FormatRow& format, FIBITMAP* source,
                                    const SBxPicBuf& picture)
 {
     FreeImage_CloneMetadata(bitmap, source);
     SayUpright(bitmap);
     // The samples count from black to white, whatever those of the source did.
     FreeImage_SetMetadata(FIMD_EXIF_MAIN, bitmap, "PhotometricInterpretation", nullptr);
-    // Of the captions the TIFF encoder writes a quarter.
-    if (format == FIF_TIFF)
+    if (!(format.carries & kCarriesCaptions))
         FreeImage_SetMetadata(FIMD_IPTC, bitmap, nullptr, nullptr);
     const FIICCPROFILE* profile = FreeImage_GetICCProfile(source);
     if (profile && profile->data && profile->size && ProfileFits(profile, picture))
@@ -188,16 +179,16 @@ static void SetExif(FIBITMAP* bitmap, const std::vector<uint8_t>& exif)
     FreeImage_DeleteTag(tag);
 }
 
-static void TakeFromSource(FIBITMAP* bitmap, FREE_IMAGE_FORMAT targetFormat, const char* path,
+static void TakeFromSource(FIBITMAP* bitmap, const FormatRow& targetFormat, const char* path,
                            const SBxPicBuf& picture, SaveReport* report)
 {
     const FileOwner file(OpenSavePath(path));
     ImageStream stream;
     stream.file = file.get();
-    auto format = FREE_IMAGE_FORMAT(FormatFromFileName(path));
+    FREE_IMAGE_FORMAT format = CodeFromFileName(path);
     if (file && FindReadableFormat(&format, &stream, path) != LoadProblem::None)
         format = FIF_UNKNOWN;
-    if (format == FIF_UNKNOWN || format == FIF_GIF || !FreeImage_FIFSupportsReading(format))
+    if (format == FIF_UNKNOWN || format == FIF_GIF)
     {
         report->problem = SaveProblem::SourceFormat;
         throw UnsupportedImageFormat();
@@ -213,7 +204,7 @@ static void TakeFromSource(FIBITMAP* bitmap, FREE_IMAGE_FORMAT targetFormat, con
         AttachPngProfile(source.get(), file.get());
     TakeProfileAndMetadata(bitmap, targetFormat, source.get(), picture);
     std::vector<uint8_t> exif;
-    if (format == FIF_JPEG)
+    if (format == FIF_JPEG && (targetFormat.carries & kCarriesExif))
         exif = SoundJpegExif(file.get());
     if (exif.empty())
         return;
@@ -259,11 +250,12 @@ static void WriteFile(FIBITMAP* bitmap, const char* target, FREE_IMAGE_FORMAT fo
     FreeImageIO io = StreamFunctions();
     ImageStream stream;
     stream.file = file.stream;
-    const auto encode = [&] {
-        return !Encode(format, bitmap, &io, &stream, flags) ||
-               !HeaderMatches(&stream, format, bitmap);
+    const auto encode = [&]
+    {
+        return FailedIf(!Encode(format, bitmap, &io, &stream, flags) ||
+                        !HeaderMatches(&stream, format, bitmap));
     };
-    const bool failed = FailsOrLacksMemory(encode);
+    const bool failed = FailWithoutMemory(encode) != Outcome::Done;
     file.error = stream.error;
     if (failed)
         CancelReplacing(&file);
@@ -285,30 +277,31 @@ static int SaveFlags(FREE_IMAGE_FORMAT format, bool passing)
     return g_jpegQuality >= 1 ? std::min(g_jpegQuality, 100) : kDefaultJpegQuality;
 }
 
-static FREE_IMAGE_FORMAT WritableFormat(int format, const char* target, SaveReport* report)
+static const FormatRow& WritableFormat(FormatId format, const char* target, SaveReport* report)
 {
-    const auto code =
-        FREE_IMAGE_FORMAT(format == kFormatFromName ? FormatFromFileName(target) : format);
-    if (code != FIF_UNKNOWN && code != FIF_GIF && FreeImage_FIFSupportsWriting(code))
-        return code;
+    const FormatRow* row =
+        FindFormat(format == kFormatFromName ? FormatFromFileName(target) : format);
+    if (row && row->written)
+        return *row;
     report->problem = SaveProblem::UnknownFormat;
     throw UnsupportedImageFormat();
 }
 
 static void SavePair(const SBxPicBuf& picture, const SBxPicBuf& alpha, const char* target,
-                     const char* source, int format, SaveReport* report, const SaveExtras* extras)
+                     const char* source, FormatId format, SaveReport* report,
+                     const SaveExtras* extras)
 {
     report->problem = SaveProblem::NoPicture;
     if (!picture.data || (picture.components != 1 && picture.components != 3) ||
         (picture.bitsPerComponent != 8 && picture.bitsPerComponent != 16))
         return;
 
-    const FREE_IMAGE_FORMAT code = WritableFormat(format, target, report);
+    const FormatRow& row = WritableFormat(format, target, report);
     const bool hasAlpha = alpha.data && picture.components == 3;
-    const bool withAlpha = hasAlpha && FormatHoldsPicture(code, picture, true);
+    const bool withAlpha = hasAlpha && FormatHoldsPicture(row.id, picture, true);
     report->alphaDropped = hasAlpha && !withAlpha;
     report->problem = SaveProblem::DepthNotHeld;
-    if (!FormatHoldsPicture(code, picture, withAlpha))
+    if (!FormatHoldsPicture(row.id, picture, withAlpha))
         return;
 
     report->problem = SaveProblem::OutOfMemory;
@@ -316,11 +309,12 @@ static void SavePair(const SBxPicBuf& picture, const SBxPicBuf& alpha, const cha
     if (!bitmap)
         return;
     if (source && *source)
-        TakeFromSource(bitmap.get(), code, source, picture, report);
+        TakeFromSource(bitmap.get(), row, source, picture, report);
     if (extras && !extras->exif.empty())
         SetExif(bitmap.get(), extras->exif);
 
     const bool passing = extras && extras->passing;
+    const auto code = FREE_IMAGE_FORMAT(*row.codes.begin());
     const int flags = SaveFlags(code, passing);
     WriteFile(bitmap.get(), target, code, flags, !passing, report);
     // Some encoders refuse profiles that are damaged; the picture is worth more than its profile.
@@ -333,7 +327,8 @@ static void SavePair(const SBxPicBuf& picture, const SBxPicBuf& alpha, const cha
 }
 
 bool SavePicturePair(const SBxPicBuf& picture, const SBxPicBuf& alpha, const char* target,
-                     const char* source, int format, SaveReport* report, const SaveExtras* extras)
+                     const char* source, FormatId format, SaveReport* report,
+                     const SaveExtras* extras)
 {
     InitImageLibrary();
     SaveReport unread;
@@ -343,9 +338,9 @@ bool SavePicturePair(const SBxPicBuf& picture, const SBxPicBuf& alpha, const cha
     const auto save = [&]
     {
         SavePair(picture, alpha, target, source, format, report, extras);
-        return false;
+        return Outcome::Done;
     };
-    if (FailsOrLacksMemory(save))
+    if (FailWithoutMemory(save) != Outcome::Done)
     {
         report->written = false;
         report->problem = SaveProblem::OutOfMemory;

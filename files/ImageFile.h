@@ -1,5 +1,6 @@
 #pragma once
 
+#include "files/Formats.h"
 #include "picture/PicBuf.h"
 
 #include <cstdint>
@@ -21,14 +22,6 @@ class ImageReadError : public std::runtime_error
 public:
     ImageReadError() : std::runtime_error("") {}
 };
-
-// FreeImage's numbers of the formats that the program offers.
-constexpr int kFormatFromName = -1;
-constexpr int kFormatBmp = 0;
-constexpr int kFormatJpeg = 2;
-constexpr int kFormatPng = 13;
-constexpr int kFormatTiff = 18;
-constexpr int kFormatGif = 25;
 
 // Quality of JPEG files, 1..100, for the whole program; below 1 it is unset and 95 is used. Set by
 // whoever asks the user; not to be changed while a picture is being saved.
@@ -98,19 +91,14 @@ struct SaveExtras
 };
 
 // Writes the pair to `target`; with a non-empty `source`, its colour profile and metadata go along.
-// Paths are save paths (SystemFiles.h). The format is one of FreeImage's numbers or
-// kFormatFromName. Target and source may be the same file.
+// Paths are save paths (SystemFiles.h). Target and source may be the same file.
 //
 // Always returns false. Throws UnsupportedImageFormat for a target or source format that is
 // unknown, cannot be written or read, or is GIF, and ImageReadError when the source does not load.
 // Every other failure is silent except for `report`, and every failure leaves the target as it was.
 //
-// EXIF goes from JPEG to JPEG only, byte for byte, preview picture included, except that it says
-// upright: FreeImage's other encoders do not write it. TIFF and PNG results keep the profile and
-// XMP.
+// EXIF goes from JPEG files into those that carry it (Formats.h), byte for byte, preview picture
+// included, except that it says upright.
 bool SavePicturePair(const SBxPicBuf& picture, const SBxPicBuf& alpha, const char* target,
-                     const char* source, int format, SaveReport* report = nullptr,
+                     const char* source, FormatId format, SaveReport* report = nullptr,
                      const SaveExtras* extras = nullptr);
-
-// The format that a file name asks for by its extension, or kFormatFromName when it names none.
-int FormatFromFileName(const char* name);

@@ -4,8 +4,6 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <cstring>
-#include <string>
 
 // Files are opened here and handed to FreeImage as streams: on Windows it takes wide names, on
 // other systems narrow ones only, and a stream shows every short write, which FreeImage does not
@@ -51,17 +49,18 @@ FreeImageIO StreamFunctions()
     return {ReadStream, WriteStream, SeekStream, TellStream};
 }
 
+FREE_IMAGE_FORMAT CodeFromFileName(const char* name)
+{
+    const FormatRow* row = FindFormat(FormatFromFileName(name));
+    return row ? FREE_IMAGE_FORMAT(*row->codes.begin()) : FIF_UNKNOWN;
+}
+
 // Camera raw files mostly look like TIFF files: their names have to say so, too.
 static bool IsRaw(FILE* file, const char* name)
 {
-    const char* point = std::strrchr(name, '.');
-    if (!point || !LooksLikeRaw(file))
-        return false;
-    std::string ending = point + 1;
-    for (char& letter : ending)
-        letter = letter >= 'A' && letter <= 'Z' ? char(letter - 'A' + 'a') : letter;
-    const std::string known = std::string(",") + FreeImage_GetFIFExtensionList(FIF_RAW) + ",";
-    return known.find("," + ending + ",") != known.npos;
+    const FormatRow& raw = kFormats[kFormatRaw];
+    return (HasEnding(name, raw.endings) || HasEnding(name, raw.furtherEndings)) &&
+           LooksLikeRaw(file);
 }
 
 LoadProblem FindReadableFormat(FREE_IMAGE_FORMAT* format, ImageStream* stream, const char* name)
@@ -71,24 +70,17 @@ LoadProblem FindReadableFormat(FREE_IMAGE_FORMAT* format, ImageStream* stream, c
     std::rewind(stream->file);
     *format = raw ? FIF_RAW : FreeImage_GetFileTypeFromHandle(&io, stream, 0);
     if (*format == FIF_UNKNOWN)
-        *format = FREE_IMAGE_FORMAT(FormatFromFileName(name));
-    if (*format == FIF_UNKNOWN)
+        *format = CodeFromFileName(name);
+    const FormatRow* row = FormatOfCode(*format);
+    if (!row)
         return LoadProblem::UnknownFormat;
-    return FreeImage_FIFSupportsReading(*format) ? LoadProblem::None : LoadProblem::NotReadable;
+    return row->read ? LoadProblem::None : LoadProblem::NotReadable;
 }
 
 static std::vector<MaskedByte> MaskedBytes(FREE_IMAGE_FORMAT format, FILE* file)
 {
-    switch (format)
-    {
-    case FIF_JPEG:
-    case FIF_WEBP:
-    case FIF_RAW: return MaskedExif(file); // of the preview
-    case FIF_BMP: return MaskedBmpHeader(file);
-    case FIF_TIFF: return MaskedTiffEntries(file);
-    case FIF_PNG: return MaskedPngProfiles(file);
-    default: return {};
-    }
+    const FormatRow* row = FormatOfCode(format);
+    return row && row->masked ? row->masked(file) : std::vector<MaskedByte>();
 }
 
 BitmapOwner Decode(FREE_IMAGE_FORMAT format, ImageStream* stream, int flags)
@@ -117,12 +109,6 @@ LoadProblem ProblemOf(BitmapFit fit)
     case BitmapFit::KindNotSupported: break;
     }
     return LoadProblem::KindNotSupported;
-}
-
-static bool IsPortableMap(FREE_IMAGE_FORMAT format)
-{
-    return format == FIF_PBM || format == FIF_PGM || format == FIF_PPM || format == FIF_PBMRAW ||
-           format == FIF_PGMRAW || format == FIF_PPMRAW;
 }
 
 // Portable maps are not packed. FreeImage asks for each of their samples in turn, without noticing
@@ -154,7 +140,9 @@ LoadProblem CheckHeader(FREE_IMAGE_FORMAT format, ImageStream* stream)
     const LoadProblem problem = ProblemOf(FitOfBitmap(header.get()));
     if (problem != LoadProblem::None)
         return problem;
-    const bool empty = IsPortableMap(format) && !HasItsPixels(stream, header.get());
+    const FormatRow* row = FormatOfCode(format);
+    const bool portableMap = row && row->id == kFormatPnm;
+    const bool empty = portableMap && !HasItsPixels(stream, header.get());
     return empty ? LoadProblem::DecoderFailed : LoadProblem::None;
 }
 

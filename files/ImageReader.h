@@ -34,6 +34,9 @@ struct ImageStream
 };
 FreeImageIO StreamFunctions(); // their handle is an ImageStream
 
+// The number of the format that a name asks for, FIF_UNKNOWN for none.
+FREE_IMAGE_FORMAT CodeFromFileName(const char* name);
+
 // The format of a stream: its contents decide, then the name.
 LoadProblem FindReadableFormat(FREE_IMAGE_FORMAT* format, ImageStream* stream, const char* name);
 

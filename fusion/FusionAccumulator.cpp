@@ -1,10 +1,12 @@
 #include "fusion/FusionAccumulator.h"
 
+#include "base/Outcome.h"
 #include "base/ParallelRows.h"
 #include "fusion/FusionFilter.h"
 #include "fusion/FusionKernels.h"
 #include "fusion/FusionPyramid.h"
 #include "picture/FloatPlane.h"
+#include "picture/Picture.h"
 
 #include <algorithm>
 #include <cstdlib>
@@ -99,29 +101,23 @@ static bool FitsAccumulator(const VcFusionAccumulator& acc, const SBxPicBuf& pic
 }
 
 // One component of the picture as a plane of its own; empty when memory is short.
-static SBxPicBuf ComponentPlane(const SBxPicBuf& picture, unsigned index)
+static Picture ComponentPlane(const SBxPicBuf& picture, unsigned index)
 {
-    SBxPicBuf plane;
-    CBxPicBufAPI::Init(&plane);
-    CBxPicBufAPI::ReinitHeap(&plane, picture.width, picture.height, 1, picture.bitsPerComponent);
-    if (plane.data)
-        CBxPicBufAPI::ExtractComponent(&plane, index, picture);
+    Picture plane(picture.width, picture.height, 1, picture.bitsPerComponent);
+    if (!plane.Empty())
+        CBxPicBufAPI::ExtractComponent(plane.Record(), index, picture);
     return plane;
 }
 
-// The three components, taken apart in one pass. True when memory is short.
-static bool SplitPicture(SBxPicBuf planes[3], const SBxPicBuf& picture)
+// The three components, taken apart in one pass. Fails when memory is short.
+static Outcome SplitPicture(Picture planes[3], const SBxPicBuf& picture)
 {
-    bool failed = false;
     for (int c = 0; c < 3; ++c)
     {
-        CBxPicBufAPI::Init(&planes[c]);
-        CBxPicBufAPI::ReinitHeap(&planes[c], picture.width, picture.height, 1,
-                                 picture.bitsPerComponent);
-        failed |= !planes[c].data;
+        planes[c] = Picture(picture.width, picture.height, 1, picture.bitsPerComponent);
+        if (planes[c].Empty())
+            return Outcome::Failed;
     }
-    if (failed)
-        return true;
     const auto split =
         VcFusionKernels().splitRow[picture.bitsPerComponent == 8 ? kFusionBytes : kFusionWords];
     VcParallelRows(picture.height, picture.width,
@@ -135,17 +131,16 @@ static bool SplitPicture(SBxPicBuf planes[3], const SBxPicBuf& picture)
                            split(to, PicRow<const void>(picture, y), picture.width);
                        }
                    });
-    return false;
+    return Outcome::Done;
 }
 
 static bool AccumulateThree(VcFusionAccumulator* acc, const SBxPicBuf& picture, FusionStop stop)
 {
-    SBxPicBuf planes[3];
-    const bool failed =
-        SplitPicture(planes, picture) || VcAccumulatePlanes3(acc->planes, planes, *acc, stop);
-    for (SBxPicBuf& plane : planes)
-        CBxPicBufAPI::DoneHeap(&plane);
-    return failed;
+    Picture planes[3];
+    if (SplitPicture(planes, picture) != Outcome::Done)
+        return true;
+    const SBxPicBuf headers[3] = {planes[0], planes[1], planes[2]};
+    return VcAccumulatePlanes3(acc->planes, headers, *acc, stop);
 }
 
 bool VcAccumulateImage(VcFusionAccumulator* acc, const SBxPicBuf& picture, FusionStop stop)
@@ -160,9 +155,8 @@ bool VcAccumulateImage(VcFusionAccumulator* acc, const SBxPicBuf& picture, Fusio
     bool failed = false;
     for (unsigned c = 0; c < acc->channels; ++c)
     {
-        SBxPicBuf plane = ComponentPlane(picture, c);
-        failed |= !plane.data || VcAccumulatePlane(acc->planes + c, plane, *acc, stop);
-        CBxPicBufAPI::DoneHeap(&plane);
+        const Picture plane = ComponentPlane(picture, c);
+        failed |= plane.Empty() || VcAccumulatePlane(acc->planes + c, plane, *acc, stop);
     }
     return failed;
 }
@@ -200,17 +194,14 @@ bool VcComposeResult(SBxPicBuf* picture, const VcFusionAccumulator& acc)
     if (acc.channels == 3 && picture->components == 3)
         return VcComposePlanes3(picture, acc);
 
-    SBxPicBuf plane;
-    CBxPicBufAPI::Init(&plane);
-    CBxPicBufAPI::ReinitHeap(&plane, picture->width, picture->height, 1, picture->bitsPerComponent);
-    bool failed = !plane.data;
-    for (unsigned c = 0; c < acc.channels && plane.data; ++c)
+    Picture plane(picture->width, picture->height, 1, picture->bitsPerComponent);
+    bool failed = plane.Empty();
+    for (unsigned c = 0; c < acc.channels && !plane.Empty(); ++c)
     {
-        if (VcComposePlane(&plane, acc, c))
+        if (VcComposePlane(plane.Record(), acc, c))
             failed = true;
         else
             CBxPicBufAPI::InsertComponent(picture, c, plane);
     }
-    CBxPicBufAPI::DoneHeap(&plane);
     return failed;
 }

@@ -43,8 +43,6 @@ struct FusionBandJob
 
 struct FusionKernels
 {
-    const char* name;
-
     // A row of three-component samples to a row of each component (bytes and words).
     void (*splitRow[kFusionSampleKinds])(void* const to[3], const void* from, int width);
 
@@ -69,20 +67,5 @@ struct FusionKernels
                                        int endColumn);
 };
 
-enum class FusionVariant
-{
-    Plain,
-    Sse2,
-    Avx2,
-    Avx512,
-};
-constexpr int kFusionVariants = 4;
-
-// The set of a variant, or null when this processor cannot run it.
-const FusionKernels* VcFusionKernelsOf(FusionVariant variant);
-
-// The set in use: the best that the processor can run, unless one was forced.
+// Those of the instruction set in use.
 const FusionKernels& VcFusionKernels();
-
-// Forces a set (tests, benchmarks); null goes back to the best one. Not while a fusion runs.
-void VcForceFusionKernels(const FusionKernels* kernels);

@@ -21,7 +21,7 @@ FusionSamples SamplesOfLevel(const VcFusionAccumulator& acc, unsigned level)
     return acc.bitsPerComponent == 8 ? kFusionBytes : kFusionWords;
 }
 
-bool AllocateLevels(SourceLevels* source, const VcFusionAccumulator& acc)
+Outcome AllocateLevels(SourceLevels* source, const VcFusionAccumulator& acc)
 {
     for (int c = 0; c < source->count; ++c)
         for (unsigned k = acc.levels > 0 ? 1 : 0; k <= acc.levels; ++k)
@@ -31,11 +31,11 @@ bool AllocateLevels(SourceLevels* source, const VcFusionAccumulator& acc)
             FloatPlane& plane = source->gauss[c][k];
             plane.reset(VcAllocUnsetPlane(samples));
             if (!plane)
-                return true;
+                return Outcome::Failed;
             if (k == 0 || !CarriesBand(size))
                 std::fill_n(plane.get(), samples, 0.0f);
         }
-    return false;
+    return Outcome::Done;
 }
 
 static FusionPlane GaussPlane(const SourceLevels& source, int plane, const CBxSize<int>& size,

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "base/Outcome.h"
 #include "fusion/FusionAccumulator.h"
 #include "fusion/FusionKernels.h"
 #include "picture/FloatPlane.h"
@@ -19,14 +20,14 @@ FusionSamples SamplesOfLevel(const VcFusionAccumulator& acc, unsigned level);
 struct SourceLevels
 {
     int count = 0;                          // planes
-    SBxPicBuf finest[3] = {};               // level 0, a component each; not freed with the record
+    SBxPicBuf finest[3] = {};               // level 0, a component each; somebody else frees it
     FloatPlane gauss[3][kFusionLevelSlots]; // the others, in floats
 };
 
-// Makes room for all levels but the finest; those that nothing is reduced into are zero. True when
+// Makes room for all levels but the finest; those that nothing is reduced into are zero. Fails when
 // memory is short. Without any reduction the finest level would be the coarsest as well: it counts
 // as zero then, and whoever asks for fusions refuses such pictures.
-[[nodiscard]] bool AllocateLevels(SourceLevels* source, const VcFusionAccumulator& acc);
+Outcome AllocateLevels(SourceLevels* source, const VcFusionAccumulator& acc);
 
 // Reduces a level into the next. Rows are spread over the task pool.
 void MakeCoarser(SourceLevels* source, const VcFusionAccumulator& acc, unsigned level);

@@ -18,9 +18,9 @@
 #include <utility>
 #include <vector>
 
-// Weights a level, in strips of rows when somebody may want to stop. True when that is so.
-static bool WeighLevel(const FusionBandJob& job, FusionSamples samples, int channels, unsigned bits,
-                       FusionStop stop)
+// Weights a level, in strips of rows when somebody may want to stop.
+static Outcome WeighLevel(const FusionBandJob& job, FusionSamples samples, int channels,
+                          unsigned bits, FusionStop stop)
 {
     constexpr int kStripPixels = 1 << 20; // some hundredths of a second
     const int width = job.gauss[0].width, height = job.gauss[0].height;
@@ -28,47 +28,48 @@ static bool WeighLevel(const FusionBandJob& job, FusionSamples samples, int chan
     for (int row = 0; row < height; row += strip)
     {
         if (stop && stop())
-            return true;
+            return Outcome::Cancelled;
         VcWeighBand(job, samples, unsigned(channels), bits, row, std::min(row + strip, height));
     }
-    return false;
+    return Outcome::Done;
 }
 
-static bool AccumulatePlanes(float* const (*channelPlanes)[kFusionPlanes], const SBxPicBuf* planes,
-                             int count, const VcFusionAccumulator& acc, FusionStop stop)
+static Outcome AccumulatePlanes(float* const (*channelPlanes)[kFusionPlanes],
+                                const SBxPicBuf* planes, int count, const VcFusionAccumulator& acc,
+                                FusionStop stop)
 {
     SourceLevels source;
     source.count = count;
     std::copy_n(planes, count, source.finest);
-    if (AllocateLevels(&source, acc))
-        return true;
+    if (AllocateLevels(&source, acc) != Outcome::Done)
+        return Outcome::Failed;
     for (unsigned k = 0; k < acc.levels; ++k)
     {
         MakeCoarser(&source, acc, k);
         if (CarriesBand(FusionLevelSize(acc, k)) &&
             WeighLevel(BandJobOf(source, channelPlanes, acc, k), SamplesOfLevel(acc, k), count,
-                       acc.bitsPerComponent, stop))
-            return true;
+                       acc.bitsPerComponent, stop) != Outcome::Done)
+            return Outcome::Cancelled;
         for (int c = 0; c < count; ++c)
             source.gauss[c][k].reset();
     }
     VcWeighTop(BandJobOf(source, channelPlanes, acc, acc.levels), unsigned(count),
                acc.bitsPerComponent);
-    return false;
+    return Outcome::Done;
 }
 
 bool VcAccumulatePlane(float* const (*channelPlanes)[kFusionPlanes], const SBxPicBuf& plane,
                        const VcFusionAccumulator& acc, FusionStop stop)
 {
-    return FailsOrLacksMemory([&]
-                              { return AccumulatePlanes(channelPlanes, &plane, 1, acc, stop); });
+    const auto add = [&] { return AccumulatePlanes(channelPlanes, &plane, 1, acc, stop); };
+    return FailWithoutMemory(add) != Outcome::Done;
 }
 
 bool VcAccumulatePlanes3(float* const (*channelPlanes)[kFusionPlanes], const SBxPicBuf planes[3],
                          const VcFusionAccumulator& acc, FusionStop stop)
 {
-    return FailsOrLacksMemory([&]
-                              { return AccumulatePlanes(channelPlanes, planes, 3, acc, stop); });
+    const auto add = [&] { return AccumulatePlanes(channelPlanes, planes, 3, acc, stop); };
+    return FailWithoutMemory(add) != Outcome::Done;
 }
 
 // Rows [first, end) of a level of the blend: the coarser level expanded, plus what the sources have
@@ -116,15 +117,15 @@ static void ComposeFinestRow(float* out, const VcFusionAccumulator& acc, unsigne
     ComposeRows(acc, channel, 0, coarse, y, y + 1, [&](int) { return out; });
 }
 
-// All levels but the finest put together. True when memory is short.
-static bool ComposeCoarse(FloatPlane* coarse, const VcFusionAccumulator& acc, unsigned channel)
+// All levels but the finest put together. Fails when memory is short.
+static Outcome ComposeCoarse(FloatPlane* coarse, const VcFusionAccumulator& acc, unsigned channel)
 {
     for (unsigned k = acc.levels; k > 0; --k)
     {
         const CBxSize<int> size = FusionLevelSize(acc, k);
         FloatPlane fine(VcAllocUnsetPlane(int64_t(size.cx) * size.cy));
         if (!fine)
-            return true;
+            return Outcome::Failed;
         VcParallelRows(size.cy, size.cx,
                        [&](int first, int end)
                        {
@@ -134,14 +135,14 @@ static bool ComposeCoarse(FloatPlane* coarse, const VcFusionAccumulator& acc, un
                        });
         *coarse = std::move(fine);
     }
-    return false;
+    return Outcome::Done;
 }
 
-static bool ComposePlane(SBxPicBuf* plane, const VcFusionAccumulator& acc, unsigned channel)
+static Outcome ComposePlane(SBxPicBuf* plane, const VcFusionAccumulator& acc, unsigned channel)
 {
     FloatPlane coarse;
-    if (ComposeCoarse(&coarse, acc, channel))
-        return true;
+    if (ComposeCoarse(&coarse, acc, channel) != Outcome::Done)
+        return Outcome::Failed;
     VcParallelRows(plane->height, plane->width,
                    [&](int first, int end)
                    {
@@ -155,20 +156,21 @@ static bool ComposePlane(SBxPicBuf* plane, const VcFusionAccumulator& acc, unsig
                                WriteSamples(PicRow<uint16_t>(*plane, y), row.data(), plane->width);
                        }
                    });
-    return false;
+    return Outcome::Done;
 }
 
 bool VcComposePlane(SBxPicBuf* plane, const VcFusionAccumulator& acc, unsigned channel)
 {
-    return FailsOrLacksMemory([&] { return ComposePlane(plane, acc, channel); });
+    const auto compose = [&] { return ComposePlane(plane, acc, channel); };
+    return FailWithoutMemory(compose) != Outcome::Done;
 }
 
-static bool ComposePlanes3(SBxPicBuf* picture, const VcFusionAccumulator& acc)
+static Outcome ComposePlanes3(SBxPicBuf* picture, const VcFusionAccumulator& acc)
 {
     FloatPlane coarse[3];
     for (unsigned c = 0; c < 3; ++c)
-        if (ComposeCoarse(&coarse[c], acc, c))
-            return true;
+        if (ComposeCoarse(&coarse[c], acc, c) != Outcome::Done)
+            return Outcome::Failed;
     const auto join =
         VcFusionKernels().joinRow[acc.bitsPerComponent == 8 ? kFusionBytes : kFusionWords];
     const size_t width = size_t(picture->width);
@@ -185,10 +187,11 @@ static bool ComposePlanes3(SBxPicBuf* picture, const VcFusionAccumulator& acc)
                            join(PicRow<void>(*picture, y), rows, picture->width);
                        }
                    });
-    return false;
+    return Outcome::Done;
 }
 
 bool VcComposePlanes3(SBxPicBuf* picture, const VcFusionAccumulator& acc)
 {
-    return FailsOrLacksMemory([&] { return ComposePlanes3(picture, acc); });
+    const auto compose = [&] { return ComposePlanes3(picture, acc); };
+    return FailWithoutMemory(compose) != Outcome::Done;
 }

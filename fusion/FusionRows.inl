@@ -257,10 +257,9 @@ static void JoinRow(void* to, const float* const from[3], int width)
 using Byte = unsigned char;
 using Word = unsigned short;
 
-constexpr FusionKernels TunedKernels(const char* name)
+constexpr FusionKernels TunedKernels()
 {
-    return {name,
-            {nullptr, SplitRow<Byte>, SplitRow<Word>},
+    return {{nullptr, SplitRow<Byte>, SplitRow<Word>},
             {nullptr, JoinRow<Byte>, JoinRow<Word>},
             {ReduceRows<float>, ReduceRows<Byte>, ReduceRows<Word>},
             ExpandRow,

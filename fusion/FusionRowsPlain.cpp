@@ -150,7 +150,6 @@ static void JoinRow(void* to, const float* const from[3], int width)
 
 extern const FusionKernels kFusionKernelsPlain;
 const FusionKernels kFusionKernelsPlain = {
-    "plain",
     {nullptr, SplitRow<uint8_t>, SplitRow<uint16_t>},
     {nullptr, JoinRow<uint8_t>, JoinRow<uint16_t>},
     {ReduceRows<float>, ReduceRows<uint8_t>, ReduceRows<uint16_t>},

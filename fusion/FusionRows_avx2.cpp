@@ -8,4 +8,4 @@ namespace
 }
 
 extern const FusionKernels kFusionKernelsAvx2;
-const FusionKernels kFusionKernelsAvx2 = TunedKernels("AVX2");
+const FusionKernels kFusionKernelsAvx2 = TunedKernels();

@@ -8,4 +8,4 @@ namespace
 }
 
 extern const FusionKernels kFusionKernelsAvx512;
-const FusionKernels kFusionKernelsAvx512 = TunedKernels("AVX-512");
+const FusionKernels kFusionKernelsAvx512 = TunedKernels();

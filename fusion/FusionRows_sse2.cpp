@@ -8,4 +8,4 @@ namespace
 }
 
 extern const FusionKernels kFusionKernelsSse2;
-const FusionKernels kFusionKernelsSse2 = TunedKernels("SSE2");
+const FusionKernels kFusionKernelsSse2 = TunedKernels();

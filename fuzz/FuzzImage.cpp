@@ -2,12 +2,14 @@
 
 #include "base/SystemFiles.h"
 #include "files/ImageFile.h"
+#include "picture/Picture.h"
 
 #include <sys/mman.h>
 #include <unistd.h>
 
 #include <numeric>
 #include <string>
+#include <vector>
 
 // A picture file of any kind: loaded as the program loads it, and then taken as the source of
 // colour profile and metadata of another picture. The file is one in memory.
@@ -49,25 +51,18 @@ static void CheckPair(const SBxPicBuf& picture, const SBxPicBuf& alpha, bool fai
 
 static void Load(const std::string& path)
 {
-    SBxPicBuf picture, alpha;
-    CBxPicBufAPI::Init(&picture);
-    CBxPicBufAPI::Init(&alpha);
+    Picture picture, alpha;
     LoadReport report;
-    const bool failed = LoadPicturePair(path.c_str(), &picture, &alpha, &report);
+    const bool failed = LoadPicturePair(path.c_str(), picture.Record(), alpha.Record(), &report);
     Promise(failed == (report.problem != LoadProblem::None));
     CheckPair(picture, alpha, failed);
-    CBxPicBufAPI::DoneHeap(&picture);
-    CBxPicBufAPI::DoneHeap(&alpha);
 }
 
-static void SaveWithSource(const std::string& source, int format)
+static void SaveWithSource(const std::string& source, FormatId format)
 {
     static const std::string target = "/dev/shm/plenoviz-fuzz-" + std::to_string(getpid());
-    SBxPicBuf picture, alpha;
-    CBxPicBufAPI::Init(&picture);
-    CBxPicBufAPI::Init(&alpha);
-    CBxPicBufAPI::ReinitHeap(&picture, 9, 7, 3, 8);
-    CBxPicBufAPI::SetConst(&picture, 77);
+    Picture picture(9, 7, 3, 8), alpha;
+    CBxPicBufAPI::SetConst(picture.Record(), 77);
     SaveReport report;
     bool thrown = false;
     try
@@ -82,9 +77,8 @@ static void SaveWithSource(const std::string& source, int format)
     Promise(thrown == (report.problem == SaveProblem::SourceFormat ||
                        report.problem == SaveProblem::SourceUnreadable));
     if (report.written)
-        Promise(!LoadPicturePair(target.c_str(), &picture, &alpha) && picture.width == 9);
-    CBxPicBufAPI::DoneHeap(&picture);
-    CBxPicBufAPI::DoneHeap(&alpha);
+        Promise(!LoadPicturePair(target.c_str(), picture.Record(), alpha.Record()) &&
+                picture->width == 9);
     unlink(target.c_str());
 }
 
@@ -101,8 +95,8 @@ int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
         Load(raw);
         unlink(raw.c_str());
     }
-    const int formats[] = {kFormatJpeg, kFormatPng, kFormatTiff, kFormatBmp};
-    SaveWithSource(path, formats[size % 4]);
+    const std::vector<const FormatRow*> formats = SaveFormats();
+    SaveWithSource(path, formats[size % formats.size()]->id);
     close(file);
     return 0;
 }

@@ -1,7 +1,8 @@
 #include "fuzz/FuzzTarget.h"
 
 #include "app/FileNames.h"
-#include "cli/CommandLine.h"
+#include "cli/CommandHelp.h"
+#include "cli/Commands.h"
 #include "text/LanguageFile.h"
 #include "text/Strings.h"
 #include "tools/Settings.h"
@@ -57,6 +58,15 @@ static ProfileStore StoreOf(std::map<WideText, WideText>* values, const WideText
     return store;
 }
 
+static void PromiseRanges(const ToolNumbers& numbers)
+{
+    for (const ParameterRow& row : AllParameters())
+    {
+        const int number = NumberOf(numbers, row);
+        Promise(number >= row.stored.range.low && number <= row.stored.range.high);
+    }
+}
+
 static void TrySettings(const WideText& file)
 {
     std::map<WideText, WideText> values;
@@ -71,14 +81,7 @@ static void TrySettings(const WideText& file)
             int(languages.languages.size()) == languages.count);
     for (const SettingGroup group : groups)
         ReadSettings(store, group, &settings);
-    for (int i = 0; i < kSettingCount; ++i)
-    {
-        const SettingRange& range = kSettings[i].range;
-        const int value =
-            *reinterpret_cast<int*>(reinterpret_cast<char*>(&settings) + kSettings[i].field);
-        if (range.outOfRange != OutOfRange::Keep && kSettings[i].group != SettingGroup::StartOnly)
-            Promise(value >= range.lowest && value <= range.highest);
-    }
+    PromiseRanges(settings);
     // What was written is what comes back.
     for (const SettingGroup group : {SettingGroup::FusionTool, SettingGroup::LevelsOfDetail})
     {
@@ -142,15 +145,13 @@ static void TryCommandLine(const std::string& text)
     if (line.action != ParsedAction::Run)
         return;
     Promise(int(line.options.inputs.size()) >= line.command->minInputs);
-    for (const OptionRow* row : OptionsOf(*line.command))
+    for (const OptionRow& row : OptionsOf(*line.command))
     {
-        Promise(!row->required || !(line.options.*row->text).empty());
-        if (row->number)
-            Promise(line.options.*row->number >= row->low &&
-                    line.options.*row->number <= row->high);
+        Promise(!row.required || !(line.options.*row.text).empty());
+        if (row.number)
+            Promise(line.options.*row.number >= row.low && line.options.*row.number <= row.high);
     }
-    for (const int level : line.options.lod)
-        Promise(level >= 0 && level <= 30);
+    PromiseRanges(line.options.numbers);
 }
 
 int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)

@@ -1,4 +1,4 @@
-#include "cli/CommandLine.h"
+#include "cli/Commands.h"
 #include "files/ExifBlock.h"
 #include "files/ImageFile.h"
 #include "text/LanguageFile.h"
@@ -253,8 +253,12 @@ static std::string Narrow(const std::wstring& text)
 static void WriteTexts(const fs::path& folder)
 {
     std::string settings = "[General]\n", texts = settings;
+    const auto add = [&](const StoredNumber& stored)
+    { settings += Narrow(stored.key) + "=" + std::to_string(stored.standard) + "\n"; };
     for (int i = 0; i < kSettingCount; ++i)
-        settings += Narrow(kSettings[i].key) + "=" + std::to_string(kSettings[i].standard) + "\n";
+        add(kSettings[i].stored);
+    for (const ParameterRow& row : AllParameters())
+        add(row.stored);
     texts += "Languages No=2\nLanguage Current=1\n[1]\nLanguage=Deutsch\nAcronym=de\n";
     for (int number = 1; number <= kStringCount; ++number)
         texts += "string" + std::to_string(number) + "=" + Narrow(EnglishText(number)) + "\n";
@@ -267,9 +271,9 @@ static void WriteTexts(const fs::path& folder)
     {
         const CommandRow& command = Commands().rows[i];
         std::string line = command.name;
-        for (const OptionRow* row : OptionsOf(command))
-            if (std::string(row->name) != "--help")
-                line += std::string("\n") + row->name + (row->argument ? "\n10" : "");
+        for (const OptionRow& row : OptionsOf(command))
+            if (std::string(row.name) != "--help")
+                line += std::string("\n") + row.name + (TakesValue(row) ? "\n10" : "");
         const std::string inputs = *command.arguments ? "\n--\nsingle\n-a.jpg" : "";
         WriteText(folder / command.name, 'c', line + inputs);
         WriteText(folder / (std::string(command.name) + "-help"), 'c',

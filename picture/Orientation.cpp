@@ -1,6 +1,7 @@
 #include "picture/Orientation.h"
 
 #include "base/ParallelRows.h"
+#include "picture/Picture.h"
 
 #include <algorithm>
 #include <cstring>
@@ -54,27 +55,25 @@ static void CopyPixels(SBxPicBuf* upright, const SBxPicBuf& picture, const Walk&
         });
 }
 
-bool MakeUpright(SBxPicBuf* picture, int orientation)
+Outcome MakeUpright(SBxPicBuf* picture, int orientation)
 {
     if (!picture->data || orientation < 2 || orientation > 8)
-        return true;
+        return Outcome::Done;
     const bool sideways = orientation >= 5;
-    SBxPicBuf upright;
-    CBxPicBufAPI::Init(&upright);
-    CBxPicBufAPI::ReinitHeap(&upright, sideways ? picture->height : picture->width,
-                             sideways ? picture->width : picture->height, picture->components,
-                             picture->bitsPerComponent);
-    if (!upright.data)
-        return false;
+    Picture upright(sideways ? picture->height : picture->width,
+                    sideways ? picture->width : picture->height, picture->components,
+                    picture->bitsPerComponent);
+    if (upright.Empty())
+        return Outcome::Failed;
     const Walk walk = WalkOf(*picture, orientation);
     switch (picture->components * picture->bitsPerComponent / 8)
     {
-    case 1: CopyPixels<1>(&upright, *picture, walk); break;
-    case 2: CopyPixels<2>(&upright, *picture, walk); break;
-    case 3: CopyPixels<3>(&upright, *picture, walk); break;
-    default: CopyPixels<6>(&upright, *picture, walk); break;
+    case 1: CopyPixels<1>(upright.Record(), *picture, walk); break;
+    case 2: CopyPixels<2>(upright.Record(), *picture, walk); break;
+    case 3: CopyPixels<3>(upright.Record(), *picture, walk); break;
+    default: CopyPixels<6>(upright.Record(), *picture, walk); break;
     }
     CBxPicBufAPI::DoneHeap(picture);
-    *picture = upright;
-    return true;
+    *picture = upright.Release();
+    return Outcome::Done;
 }

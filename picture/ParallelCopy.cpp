@@ -11,8 +11,8 @@ void VcCopyPixels(SBxPicBuf* dst, const SBxPicBuf& src, const CBxSize<int>& size
     const auto inParallel = [&]
     {
         VcParallelRows(size.cy, size.cx * src.components, copy);
-        return false;
+        return Outcome::Done;
     };
-    if (FailsOrLacksMemory(inParallel)) // of the task pool
+    if (FailWithoutMemory(inParallel) != Outcome::Done) // of the task pool
         copy(0, size.cy);
 }

@@ -1,6 +1,9 @@
 #include "picture/PicBuf.h"
 
 #include "base/LargeBlocks.h"
+#include "picture/PicColor.h"
+#include "picture/PicConvert.h"
+#include "picture/PicTransform.h"
 
 #include <algorithm>
 #include <cstring>
@@ -167,4 +170,34 @@ void CBxPicBufAPI::SetConst(SBxPicBuf* buffer, const CBxRect<int>& rect, unsigne
                                            int64_t(rect.left) * buffer->components,
                                        count, T(value));
                    });
+}
+
+bool CBxPicBufAPI::ConvertBpcComp(SBxPicBuf* buffer, unsigned bitsPerComponent, unsigned components)
+{
+    return ConvertPicture(buffer, bitsPerComponent, components);
+}
+
+bool CBxPicBufAPI::ConvertRGBtoYUV(SBxPicBuf* dst, const SBxPicBuf& src)
+{
+    return RgbToYuv(dst, src);
+}
+
+bool CBxPicBufAPI::ConvertYUVtoRGB(SBxPicBuf* dst, const SBxPicBuf& src)
+{
+    return YuvToRgb(dst, src);
+}
+
+void CBxPicBufAPI::TransformConstantFast(SBxPicBuf* dst, const SBxPicBuf& src, const CBxPicMap& map)
+{
+    TransformNearest(dst, src, map);
+}
+
+void CBxPicBufAPI::TransformBilinearFast(SBxPicBuf* dst, const SBxPicBuf& src, const CBxPicMap& map)
+{
+    TransformBilinear(dst, src, map);
+}
+
+void CBxPicBufAPI::TransformBicubicFast(SBxPicBuf* dst, const SBxPicBuf& src, const CBxPicMap& map)
+{
+    TransformBicubic(dst, src, map);
 }

@@ -1,4 +1,4 @@
-#include "picture/PicBuf.h"
+#include "picture/PicColor.h"
 
 #include <type_traits>
 
@@ -50,12 +50,12 @@ static bool ForRows(SBxPicBuf* dst, const SBxPicBuf& src, RowFn8 row8, RowFn16 r
     return true;
 }
 
-bool CBxPicBufAPI::ConvertRGBtoYUV(SBxPicBuf* dst, const SBxPicBuf& src)
+bool RgbToYuv(SBxPicBuf* dst, const SBxPicBuf& src)
 {
     return ForRows(dst, src, RgbRowToYuv<uint8_t>, RgbRowToYuv<uint16_t>);
 }
 
-bool CBxPicBufAPI::ConvertYUVtoRGB(SBxPicBuf* dst, const SBxPicBuf& src)
+bool YuvToRgb(SBxPicBuf* dst, const SBxPicBuf& src)
 {
     return ForRows(dst, src, YuvRowToRgb<uint8_t>, YuvRowToRgb<uint16_t>);
 }

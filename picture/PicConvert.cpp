@@ -1,4 +1,6 @@
-#include "picture/PicBuf.h"
+#include "picture/PicConvert.h"
+
+#include "picture/Picture.h"
 
 #include <type_traits>
 
@@ -66,7 +68,7 @@ static void ConvertTo(SBxPicBuf* dst, const SBxPicBuf& src)
     }
 }
 
-bool CBxPicBufAPI::ConvertBpcComp(SBxPicBuf* buffer, unsigned bitsPerComponent, unsigned components)
+bool ConvertPicture(SBxPicBuf* buffer, unsigned bitsPerComponent, unsigned components)
 {
     if (!buffer->data)
         return false;
@@ -79,18 +81,16 @@ bool CBxPicBufAPI::ConvertBpcComp(SBxPicBuf* buffer, unsigned bitsPerComponent, 
     if (!known || PictureBytes(1, 1, int(components), int(bitsPerComponent)) < 0)
         return false;
 
-    SBxPicBuf converted;
-    Init(&converted);
-    ReinitHeap(&converted, buffer->width, buffer->height, int(components), int(bitsPerComponent));
-    if (!converted.data)
+    Picture converted(buffer->width, buffer->height, int(components), int(bitsPerComponent));
+    if (converted.Empty())
         return false;
     if (bitsPerComponent == 8)
-        ConvertTo<uint8_t>(&converted, *buffer);
+        ConvertTo<uint8_t>(converted.Record(), *buffer);
     else if (bitsPerComponent == 16)
-        ConvertTo<uint16_t>(&converted, *buffer);
+        ConvertTo<uint16_t>(converted.Record(), *buffer);
     else
-        ConvertTo<float>(&converted, *buffer);
-    DoneHeap(buffer);
-    *buffer = converted;
+        ConvertTo<float>(converted.Record(), *buffer);
+    CBxPicBufAPI::DoneHeap(buffer);
+    *buffer = converted.Release();
     return true;
 }

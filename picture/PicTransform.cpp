@@ -1,6 +1,6 @@
+#include "picture/PicTransform.h"
+
 #include "base/ParallelRows.h"
-#include "picture/PicBuf.h"
-#include "picture/PicMap.h"
 #include "picture/PicTransformFilters.h"
 
 #include <algorithm>
@@ -200,17 +200,17 @@ static void Transform(SBxPicBuf* dst, const SBxPicBuf& src, const CBxPicMap& map
                : TransformSamples<Filter16, uint16_t, 1>(dst, src, inverse);
 }
 
-void CBxPicBufAPI::TransformConstantFast(SBxPicBuf* dst, const SBxPicBuf& src, const CBxPicMap& map)
+void TransformNearest(SBxPicBuf* dst, const SBxPicBuf& src, const CBxPicMap& map)
 {
     Transform<NearestFilter>(dst, src, map);
 }
 
-void CBxPicBufAPI::TransformBilinearFast(SBxPicBuf* dst, const SBxPicBuf& src, const CBxPicMap& map)
+void TransformBilinear(SBxPicBuf* dst, const SBxPicBuf& src, const CBxPicMap& map)
 {
     Transform<BilinearFilter>(dst, src, map);
 }
 
-void CBxPicBufAPI::TransformBicubicFast(SBxPicBuf* dst, const SBxPicBuf& src, const CBxPicMap& map)
+void TransformBicubic(SBxPicBuf* dst, const SBxPicBuf& src, const CBxPicMap& map)
 {
     Transform<BicubicFilter8, BicubicFilter16>(dst, src, map);
 }

@@ -1,6 +1,6 @@
 #include "picture/PicTransformRows.h"
 
-#include <atomic>
+#include "base/InstructionSet.h"
 
 extern const TransformRows kTransformRowsAvx2;
 
@@ -11,30 +11,9 @@ static void Blend(uint8_t* over, const uint8_t* under, const uint8_t* alpha, int
             over[c] = uint8_t(((255u - alpha[x]) * under[c] + unsigned(over[c]) * alpha[x]) / 255);
 }
 
-static const TransformRows kPlainRows = {"plain", 0, 0, 0, nullptr, nullptr, nullptr, Blend};
-static std::atomic<const TransformRows*> g_forcedRows{nullptr};
-
-const TransformRows* VcTransformRowsOf(TransformVariant variant)
-{
-    if (variant == TransformVariant::Plain)
-        return &kPlainRows;
-    return __builtin_cpu_supports("avx2") ? &kTransformRowsAvx2 : nullptr;
-}
-
-static const TransformRows* BestRows()
-{
-    const TransformRows* tuned = VcTransformRowsOf(TransformVariant::Avx2);
-    return tuned ? tuned : &kPlainRows;
-}
+static const TransformRows kPlainRows = {0, 0, 0, nullptr, nullptr, nullptr, Blend};
 
 const TransformRows& VcTransformRows()
 {
-    static const TransformRows* const best = BestRows();
-    const TransformRows* forced = g_forcedRows.load(std::memory_order_relaxed);
-    return forced ? *forced : *best;
-}
-
-void VcForceTransformRows(const TransformRows* rows)
-{
-    g_forcedRows.store(rows, std::memory_order_relaxed);
+    return LoopsInUse<TransformRows>({&kPlainRows, nullptr, &kTransformRowsAvx2, nullptr});
 }

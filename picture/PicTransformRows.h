@@ -36,7 +36,6 @@ struct BicubicTap
 // means that there is only the plain loop, which also does what lies outside of the inner part.
 struct TransformRows
 {
-    const char* name;
     int bilinearReach;
     int bicubicReach;
     int bilinearGreyReach;
@@ -54,18 +53,5 @@ struct TransformRows
 };
 constexpr int kLeastTunedPixels = 8;
 
-enum class TransformVariant
-{
-    Plain,
-    Avx2,
-};
-constexpr int kTransformVariants = 2;
-
-// The set of a variant, or null when this processor cannot run it.
-const TransformRows* VcTransformRowsOf(TransformVariant variant);
-
-// The set in use: the best that the processor can run, unless one was forced.
+// Those of the instruction set in use.
 const TransformRows& VcTransformRows();
-
-// Forces a set (tests, benchmarks); null goes back to the best one. Not while a transform runs.
-void VcForceTransformRows(const TransformRows* rows);

@@ -212,4 +212,4 @@ void Bicubic(uint8_t* out, const uint8_t* const rows[4], const BicubicTap* colum
 
 // The reach covers the 8, 16 and 4 bytes that are read from a tap's first sample on.
 extern const TransformRows kTransformRowsAvx2;
-const TransformRows kTransformRowsAvx2 = {"AVX2", 3, 6, 4, Bilinear, Bicubic, BilinearGrey, Blend};
+const TransformRows kTransformRowsAvx2 = {3, 6, 4, Bilinear, Bicubic, BilinearGrey, Blend};

@@ -50,6 +50,7 @@ public:
     operator const SBxPicBuf&() const { return record; }
     const SBxPicBuf* operator->() const { return &record; }
     SBxPicBuf* Record() { return &record; }
+    const SBxPicBuf* Record() const { return &record; }
 
     bool Empty() const { return !record.data; }
     void Free() { CBxPicBufAPI::DoneHeap(&record); }

@@ -1,7 +1,6 @@
 #include "pipeline/FusionJob.h"
 
 #include "base/ShortMemory.h"
-#include "fusion/FusionAccumulator.h"
 
 #include <algorithm>
 #include <atomic>
@@ -37,20 +36,21 @@ struct FusionShare
 {
     SourceRange range = {0, 0};
     std::unique_ptr<FusionSums> sums = std::make_unique<FusionSums>();
-    bool filled = false;
-    bool failed = false;
+    Outcome outcome = Outcome::Done;
 };
 
-// An accumulator for the region. One of the last preview still has its planes.
-static bool SetUpSums(FusionSums* sums, const FusionSources& sources, const FusionTask& task)
+// Sums for the region. Those of the last preview still have their planes.
+static Outcome SetUpSums(FusionSums* sums, const FusionSources& sources, const FusionTask& task)
 {
-    sums->acc.exposureMid = task.exposureMid;
     if (sums->acc.planes)
-        return false;
+    {
+        sums->acc.exposureMid = task.exposureMid;
+        return Outcome::Done;
+    }
     SBxPicBuf like = sources.geometry;
     like.width = task.region.right - task.region.left;
     like.height = task.region.bottom - task.region.top;
-    return VcInitAccumulator(&sums->acc, like, task.exposureMid);
+    return StartSums(sums, like, task.exposureMid);
 }
 
 using GivenUp = std::function<bool()>;
@@ -62,40 +62,45 @@ static bool LacksMemory(FusionSources* sources, int index)
     return sources->problems[size_t(index)] == SourceProblem::None;
 }
 
-// One source in memory at a time.
-static void AddSources(FusionShare* share, FusionSources* sources, const FusionTask& task,
-                       const GivenUp& givenUp)
+// That region of the sources, one in memory at a time.
+static SourceFeed FeedOf(FusionSources* sources, const SourceRange& range,
+                         const CBxRect<int>& region, const GivenUp& givenUp)
 {
-    for (int i = share->range.first; i < share->range.end && !share->failed; ++i)
+    return [=](const SourceTaker& take)
     {
-        if (givenUp && givenUp())
-            return;
-        if (const SourceRegionPtr source = LoadFusionSource(sources, i, task.region))
+        for (int i = range.first; i < range.end; ++i)
         {
-            share->failed = VcAccumulateImage(&share->sums->acc, source->picture);
-            share->filled = true;
+            if (givenUp())
+                return Outcome::Cancelled;
+            const SourceRegionPtr source = LoadFusionSource(sources, i, region);
+            if (!source && LacksMemory(sources, i))
+                return Outcome::Failed;
+            const Outcome taken = source ? take(*source) : Outcome::Done;
+            if (taken != Outcome::Done)
+                return taken;
         }
-        else
-            share->failed = LacksMemory(sources, i);
-    }
+        return Outcome::Done;
+    };
 }
 
-static void AddPrepared(FusionShare* share, FusionSources* sources, const GivenUp& givenUp)
+static Outcome AddPrepared(FusionShare* share, FusionSources* sources, const GivenUp& givenUp)
 {
+    FusionSums* sums = share->sums.get();
     std::vector<PreparedSourcePtr> loaded;
     for (int i = share->range.first; i < share->range.end; ++i)
     {
         if (givenUp())
-            return;
-        if (PreparedSourcePtr source = LoadPreparedSource(sources, i, share->sums->acc))
+            return Outcome::Cancelled;
+        if (PreparedSourcePtr source = LoadPreparedSource(sources, i, sums->acc))
             loaded.push_back(std::move(source));
         else if (LacksMemory(sources, i))
-        {
-            share->failed = true;
-            return;
-        }
+            return Outcome::Failed;
     }
-    share->filled = !loaded.empty() && !VcSumPrepared(&share->sums->acc, loaded, givenUp);
+    sums->sources = int(loaded.size());
+    if (loaded.empty())
+        return Outcome::Done;
+    const bool stopped = VcSumPrepared(&sums->acc, loaded, givenUp);
+    return stopped ? Outcome::Cancelled : Outcome::Done;
 }
 
 static void AddShare(FusionShare* share, FusionSources* sources, const FusionTask& task,
@@ -103,36 +108,26 @@ static void AddShare(FusionShare* share, FusionSources* sources, const FusionTas
 {
     const auto add = [&]
     {
-        share->failed = SetUpSums(share->sums.get(), *sources, task);
-        if (share->failed)
-            return true;
-        if (sources->prepared.empty())
-            AddSources(share, sources, task, givenUp);
-        else
-            AddPrepared(share, sources, givenUp);
-        return share->failed;
+        if (SetUpSums(share->sums.get(), *sources, task) != Outcome::Done)
+            return Outcome::Failed;
+        if (!sources->prepared.empty())
+            return AddPrepared(share, sources, givenUp);
+        return AddFeed(share->sums.get(), FeedOf(sources, share->range, task.region, givenUp));
     };
-    share->failed = FailsOrLacksMemory(add); // an exception would end a helper, and all with it
+    share->outcome = FailWithoutMemory(add); // an exception would end a helper, and all with it
 }
 
-// The shares in the order of their sources, into the first that has anything.
-static FusionOutcome ComposeShares(SBxPicBuf* result, std::vector<FusionShare>* shares)
+// The shares in the order of their sources.
+static Outcome BlendShares(SBxPicBuf* result, const std::vector<FusionShare>& shares)
 {
-    VcFusionAccumulator* sum = nullptr;
-    for (FusionShare& share : *shares)
+    std::vector<FusionSums*> sums;
+    for (const FusionShare& share : shares)
     {
-        if (share.failed)
-            return FusionOutcome::Failed;
-        if (!share.filled)
-            continue;
-        if (sum)
-            VcMergeAccumulator(sum, share.sums->acc);
-        else
-            sum = &share.sums->acc;
+        if (share.outcome != Outcome::Done)
+            return share.outcome;
+        sums.push_back(share.sums.get());
     }
-    if (!sum || uint32_t(result->components) != sum->channels || VcComposeResult(result, *sum))
-        return FusionOutcome::Failed;
-    return FusionOutcome::Done;
+    return BlendSums(result, sums);
 }
 
 // Accumulators of the preview before, as far as there are any, and back when it is done. They stay
@@ -201,8 +196,8 @@ static bool StartHelper(std::vector<std::thread>* threads, Work work)
     }
 }
 
-static FusionOutcome FuseShares(SBxPicBuf* result, FusionSources* sources, const FusionTask& task,
-                                const std::function<bool()>& outdated)
+static Outcome FuseShares(SBxPicBuf* result, FusionSources* sources, const FusionTask& task,
+                          const std::function<bool()>& outdated)
 {
     std::atomic<bool> stop = false;
     const GivenUp stopped = [&stop] { return stop.load(); };
@@ -235,29 +230,26 @@ static FusionOutcome FuseShares(SBxPicBuf* result, FusionSources* sources, const
     WaitForHelpers(&helpers, askAround);
     for (std::thread& thread : threads)
         thread.join();
-    const FusionOutcome outcome = stop ? FusionOutcome::Outdated : ComposeShares(result, &shares);
+    const Outcome outcome = stop ? Outcome::Cancelled : BlendShares(result, shares);
     KeepSums(sources, &shares);
     return outcome;
 }
 
-FusionOutcome FuseRegion(SBxPicBuf* result, FusionSources* sources, const FusionTask& task,
-                         const std::function<bool()>& outdated)
+Outcome FuseRegion(SBxPicBuf* result, FusionSources* sources, const FusionTask& task,
+                   const std::function<bool()>& outdated)
 {
-    FusionOutcome outcome = FusionOutcome::Failed;
-    const auto fuse = [&]
-    {
-        if (CanFuse(task))
-            outcome = FuseShares(result, sources, task, outdated);
-        return outcome == FusionOutcome::Failed;
-    };
-    return FailsOrLacksMemory(fuse) ? FusionOutcome::Failed : outcome;
+    if (!CanFuse(task))
+        return Outcome::Failed;
+    return FailWithoutMemory([&] { return FuseShares(result, sources, task, outdated); });
 }
 
-FusionOutcome FuseWhole(SBxPicBuf* result, FusionSources* sources, const FusionTask& task,
-                        const std::function<void(int)>& comes)
+Outcome FuseWhole(SBxPicBuf* result, FusionSources* sources, const FusionTask& task,
+                  const std::function<void(int)>& comes)
 {
     FusionTask whole = task;
     whole.region = {0, 0, sources->geometry.width, sources->geometry.height};
+    if (!CanFuse(whole))
+        return Outcome::Failed;
     int next = 0;
     const GivenUp tellAndGoOn = [&]
     {
@@ -267,14 +259,8 @@ FusionOutcome FuseWhole(SBxPicBuf* result, FusionSources* sources, const FusionT
     };
     const auto fuse = [&]
     {
-        if (!CanFuse(whole))
-            return true;
-        std::vector<FusionShare> shares(1);
-        shares[0].range = {0, whole.sources};
-        shares[0].failed = SetUpSums(shares[0].sums.get(), *sources, whole);
-        if (!shares[0].failed)
-            AddSources(&shares[0], sources, whole, tellAndGoOn);
-        return ComposeShares(result, &shares) == FusionOutcome::Failed;
+        return FuseFeed(result, sources->geometry, whole.exposureMid,
+                        FeedOf(sources, {0, whole.sources}, whole.region, tellAndGoOn));
     };
-    return FailsOrLacksMemory(fuse) ? FusionOutcome::Failed : FusionOutcome::Done;
+    return FailWithoutMemory(fuse);
 }

@@ -31,20 +31,14 @@ struct FusionTask
 // Nothing would change by doing the one after the other.
 bool SameTask(const FusionTask& a, const FusionTask& b);
 
-enum class FusionOutcome
-{
-    Done,
-    Outdated, // given up: the result is as it was
-    Failed,   // nothing to fuse, or memory is short: the result is as it was
-};
-
 // Writes the fusion of the region into `result`, a picture of the region's size. `outdated` may be
 // empty; it is asked on the calling thread between sources and while others are waited for, and
-// true gives up. Sources that do not load contribute nothing.
-FusionOutcome FuseRegion(SBxPicBuf* result, FusionSources* sources, const FusionTask& task,
-                         const std::function<bool()>& outdated);
+// true cancels. Sources that do not load contribute nothing. Fails when there is nothing to fuse or
+// memory is short. After anything but Done the result is as it was.
+Outcome FuseRegion(SBxPicBuf* result, FusionSources* sources, const FusionTask& task,
+                   const std::function<bool()>& outdated);
 
 // The same on whole pictures and on the calling thread alone, one source after the other. `comes`
 // may be empty; it is told the number of each source before that is loaded.
-FusionOutcome FuseWhole(SBxPicBuf* result, FusionSources* sources, const FusionTask& task,
-                        const std::function<void(int)>& comes = nullptr);
+Outcome FuseWhole(SBxPicBuf* result, FusionSources* sources, const FusionTask& task,
+                  const std::function<void(int)>& comes = nullptr);

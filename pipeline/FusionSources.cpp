@@ -2,7 +2,6 @@
 
 #include "base/FreeMemory.h"
 #include "base/ShortMemory.h"
-#include "files/ImageFile.h"
 
 #include <algorithm>
 #include <atomic>
@@ -68,14 +67,13 @@ void OpenFusionSources(FusionSources* sources, const std::vector<std::string>& p
 static SourceRegionPtr CutOut(const SBxPicBuf& from, const CBxPoint<int>& origin,
                               const CBxRect<int>& region)
 {
-    const auto cut = std::make_shared<SourceRegion>();
     const int width = region.right - region.left, height = region.bottom - region.top;
-    CBxPicBufAPI::ReinitHeap(&cut->picture, width, height, from.components, from.bitsPerComponent);
-    if (!cut->picture.data)
+    Picture cut(width, height, from.components, from.bitsPerComponent);
+    if (cut.Empty())
         return nullptr;
-    CBxPicBufAPI::CopyRect(&cut->picture, from, {0, 0},
+    CBxPicBufAPI::CopyRect(cut.Record(), from, {0, 0},
                            {region.left - origin.x, region.top - origin.y}, {width, height});
-    return cut;
+    return std::make_shared<Picture>(std::move(cut));
 }
 
 // The region from what has been kept of this state of the file; null when it has to be read.
@@ -91,7 +89,7 @@ static SourceRegionPtr FindKept(FusionSources* sources, int index, const FileSta
     }
     if (!found.pixels || SameRect(found.region, region))
         return found.pixels;
-    return CutOut(found.pixels->picture, {found.region.left, found.region.top}, region);
+    return CutOut(*found.pixels, {found.region.left, found.region.top}, region);
 }
 
 // Keeps the pixels if there is room. Regions that are no longer asked for, and old states of the
@@ -100,13 +98,13 @@ static SourceRegionPtr FindKept(FusionSources* sources, int index, const FileSta
 static void Keep(FusionSources* sources, const KeptSource& fresh)
 {
     const std::lock_guard<std::mutex> lock(sources->mutex);
-    const int64_t bytes = fresh.pixels->picture.size;
+    const int64_t bytes = (*fresh.pixels)->size;
     for (auto kept = sources->kept.begin(); kept != sources->kept.end();)
     {
         const bool full = sources->keptBytes + bytes > sources->budget;
         if (kept->index == fresh.index || (full && !SameRect(kept->region, fresh.region)))
         {
-            sources->keptBytes -= kept->pixels->picture.size;
+            sources->keptBytes -= (*kept->pixels)->size;
             kept = sources->kept.erase(kept);
         }
         else
@@ -124,16 +122,9 @@ static void ForgetKept(FusionSources* sources, int index)
     for (auto kept = sources->kept.begin(); kept != sources->kept.end();)
     {
         const bool forget = kept->index == index;
-        sources->keptBytes -= forget ? kept->pixels->picture.size : 0;
+        sources->keptBytes -= forget ? (*kept->pixels)->size : 0;
         kept = forget ? sources->kept.erase(kept) : std::next(kept);
     }
-}
-
-static bool Fits(const SBxPicBuf& picture, const SBxPicBuf& geometry)
-{
-    return picture.width == geometry.width && picture.height == geometry.height &&
-           picture.components == geometry.components &&
-           picture.bitsPerComponent == geometry.bitsPerComponent;
 }
 
 static int64_t BytesOfSeries(const FusionSources& sources, const CBxRect<int>& region)
@@ -155,23 +146,21 @@ static void NoteProblem(FusionSources* sources, int index, SourceProblem problem
     sources->problems[size_t(index)] = problem;
 }
 
-static std::shared_ptr<SourceRegion> ReadWhole(FusionSources* sources, int index)
+static SourceRegionPtr ReadWhole(FusionSources* sources, int index)
 {
-    const auto whole = std::make_shared<SourceRegion>();
-    SBxPicBuf alpha;
-    CBxPicBufAPI::Init(&alpha);
-    LoadReport report;
-    const bool failed =
-        LoadPicturePair(sources->paths[size_t(index)].c_str(), &whole->picture, &alpha, &report);
-    CBxPicBufAPI::DoneHeap(&alpha);
+    DecodedSource source = DecodeSource(sources->paths[size_t(index)], index, sources->step);
+    source.alpha.Free();
+    const bool failed = source.problem != LoadProblem::None;
     const std::lock_guard<std::mutex> lock(sources->mutex);
     ++sources->filesRead;
     SourceProblem* problem = &sources->problems[size_t(index)];
-    if (failed && report.problem != LoadProblem::OutOfMemory)
+    if (failed && source.problem != LoadProblem::OutOfMemory)
         *problem = SourceProblem::Unreadable;
-    else if (!failed && !Fits(whole->picture, sources->geometry))
+    else if (!failed && !IsLike(source.picture, sources->geometry))
         *problem = SourceProblem::Different;
-    return !failed && *problem == SourceProblem::None ? whole : nullptr;
+    if (failed || *problem != SourceProblem::None)
+        return nullptr;
+    return std::make_shared<Picture>(std::move(source.picture));
 }
 
 static SourceRegionPtr FindOrRead(FusionSources* sources, int index, const FileState& state,
@@ -182,10 +171,9 @@ static SourceRegionPtr FindOrRead(FusionSources* sources, int index, const FileS
     const SourceRegionPtr whole = ReadWhole(sources, index);
     if (!whole)
         return nullptr;
-    const CBxRect<int> all = WholeOf(whole->picture);
+    const CBxRect<int> all = WholeOf(*whole);
     const bool keepWhole = KeepsWholePictures(*sources);
-    const SourceRegionPtr cut =
-        SameRect(all, region) ? whole : CutOut(whole->picture, {0, 0}, region);
+    const SourceRegionPtr cut = SameRect(all, region) ? whole : CutOut(*whole, {0, 0}, region);
     if (keepWhole)
         Keep(sources, {index, state, all, whole});
     else if (cut)
@@ -235,7 +223,7 @@ PreparedSourcePtr LoadPreparedSource(FusionSources* sources, int index,
         return kept->source;
     kept->source.reset();
     if (const SourceRegionPtr cut = FindOrRead(sources, index, state, sources->preparedRegion))
-        *kept = {state, VcPrepareSource(acc, cut->picture)};
+        *kept = {state, VcPrepareSource(acc, *cut)};
     if (kept->source && !KeepsWholePictures(*sources))
         ForgetKept(sources, index); // one copy is enough
     return kept->source;
@@ -256,8 +244,10 @@ void ReadFusionSources(FusionSources* sources, const SBxPicBuf& first, const CBx
 {
     KeepFirst(sources, first, region);
     std::atomic<int> next = 1;
-    const auto readOne = [&](int index)
-    { return FailsOrLacksMemory([&] { return !LoadFusionSource(sources, index, region); }); };
+    const auto readOne = [&](int index) {
+        return FailWithoutMemory([&]
+                                 { return FailedIf(!LoadFusionSource(sources, index, region)); });
+    };
     const auto read = [&](const std::function<void(int)>& tell)
     {
         for (int i = next++; i < int(sources->paths.size()); i = next++)

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "pipeline/DecodeSource.h"
+#include "pipeline/FusionFeed.h"
 #include "pipeline/PreparedSource.h"
 
 #include <cstdint>
@@ -16,16 +18,7 @@
 // A file that has changed since (size or time) is read again; one that has gone is gone.
 
 // Pixels of one source. Shared with whoever is fusing them, so that they may be dropped meanwhile.
-struct SourceRegion
-{
-    SBxPicBuf picture = {};
-
-    SourceRegion() = default;
-    SourceRegion(const SourceRegion&) = delete;
-    SourceRegion& operator=(const SourceRegion&) = delete;
-    ~SourceRegion() { CBxPicBufAPI::DoneHeap(&picture); }
-};
-using SourceRegionPtr = std::shared_ptr<const SourceRegion>;
+using SourceRegionPtr = std::shared_ptr<const Picture>;
 
 // What tells one state of a file from another.
 struct FileState
@@ -48,17 +41,6 @@ struct KeptPrepared
     PreparedSourcePtr source; // null = not made yet
 };
 
-// An accumulator that frees itself.
-struct FusionSums
-{
-    VcFusionAccumulator acc = {};
-
-    FusionSums() = default;
-    FusionSums(const FusionSums&) = delete;
-    FusionSums& operator=(const FusionSums&) = delete;
-    ~FusionSums() { VcFreeAccumulator(&acc); }
-};
-
 // Why a source takes no part.
 enum class SourceProblem
 {
@@ -72,6 +54,7 @@ struct FusionSources
     std::vector<std::string> paths; // UTF-8
     SBxPicBuf geometry = {};        // what every source has to look like; no data
     int64_t budget = 0;             // bytes of pixels that may stay
+    SourceStep step;                // what is kept has been through it
 
     std::mutex mutex; // of all that follows
     std::list<KeptSource> kept;

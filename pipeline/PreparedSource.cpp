@@ -7,12 +7,6 @@
 
 #include <algorithm>
 
-PreparedSource::~PreparedSource()
-{
-    for (SBxPicBuf& plane : levels.finest)
-        CBxPicBufAPI::DoneHeap(&plane);
-}
-
 // All levels together have a third more samples than the finest.
 static int64_t SamplesOfAllLevels(const SBxPicBuf& geometry)
 {
@@ -39,13 +33,14 @@ PreparedSourcePtr VcPrepareSource(const VcFusionAccumulator& acc, const SBxPicBu
     levels->count = int(acc.channels);
     for (unsigned c = 0; c < acc.channels; ++c)
     {
-        SBxPicBuf* plane = &levels->finest[c];
-        CBxPicBufAPI::ReinitHeap(plane, picture.width, picture.height, 1, picture.bitsPerComponent);
-        if (!plane->data)
+        Picture& plane = source->finest[c];
+        plane = Picture(picture.width, picture.height, 1, picture.bitsPerComponent);
+        if (plane.Empty())
             return nullptr;
-        CBxPicBufAPI::ExtractComponent(plane, c, picture);
+        CBxPicBufAPI::ExtractComponent(plane.Record(), c, picture);
+        levels->finest[c] = plane;
     }
-    if (AllocateLevels(levels, acc))
+    if (AllocateLevels(levels, acc) != Outcome::Done)
         return nullptr;
     for (unsigned k = 0; k < acc.levels; ++k)
         MakeCoarser(levels, acc, k);

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "fusion/FusionLevels.h"
+#include "picture/Picture.h"
 
 #include <functional>
 #include <memory>
@@ -11,12 +12,8 @@
 
 struct PreparedSource
 {
-    SourceLevels levels; // with planes of its own
-
-    PreparedSource() = default;
-    PreparedSource(const PreparedSource&) = delete;
-    PreparedSource& operator=(const PreparedSource&) = delete;
-    ~PreparedSource();
+    Picture finest[3]; // a plane of each component
+    SourceLevels levels;
 };
 using PreparedSourcePtr = std::shared_ptr<const PreparedSource>;
 

@@ -1,6 +1,4 @@
-#include "sample/Scene.h"
-
-#include "sample/Math.h"
+#include "sample/Exposure.h"
 
 #include <algorithm>
 
@@ -14,23 +12,19 @@ constexpr float kElectronsAtWhite = 40000.0f;
 constexpr float kReadNoise = 4.0f; // electrons
 constexpr int kCurveSteps = 65535;
 
-// v to the power 1 / 2.4, by cube root (Newton) and square roots, which round alike everywhere:
-// 5/12 = (1 + 2/3) / 4.
-static double CurvePower(double v)
-{
-    double root = 1.0;
-    for (int i = 0; i < 60; i++)
-        root -= (root - v / (root * root)) / 3.0;
-    return std::sqrt(std::sqrt(v * root * root));
-}
-
 static std::vector<uint8_t> MakeCurve()
 {
     std::vector<uint8_t> curve(kCurveSteps + 1);
     for (int i = 0; i <= kCurveSteps; i++)
     {
+        // The power 1 / 2.4 by a cube root (Newton) and square roots, which round alike everywhere:
+        // 5/12 = (1 + 2/3) / 4.
         const double v = double(i) / kCurveSteps;
-        const double code = v <= 0.0031308 ? 12.92 * v : 1.055 * CurvePower(v) - 0.055;
+        double root = 1.0;
+        for (int round = 0; round < 60; round++)
+            root -= (root - v / (root * root)) / 3.0;
+        const double power = std::sqrt(std::sqrt(v * root * root));
+        const double code = v <= 0.0031308 ? 12.92 * v : 1.055 * power - 0.055;
         curve[size_t(i)] = uint8_t(code * 255.0 + 0.5);
     }
     return curve;
@@ -43,23 +37,16 @@ static float Deviate(uint32_t hash)
     return (float(sum) - 510.0f) * (1.0f / 147.8f);
 }
 
-bool ExposeSample(SBxPicBuf* picture, const SampleRadiance& scene, int stops)
+Picture ExposeSample(const SampleRadiance& scene, int stops)
 {
-    CBxPicBufAPI::ReinitHeap(picture, scene.width, scene.height, 3, 8);
-    if (!picture->data)
-        return true;
-    float gain = kMiddleExposure;
-    for (int i = 0; i < stops; i++)
-        gain *= 2.0f;
-    for (int i = 0; i > stops; i--)
-        gain *= 0.5f;
-
+    Picture picture(scene.width, scene.height, 3, 8);
     const std::vector<uint8_t> curve = MakeCurve();
+    const float gain = std::ldexp(kMiddleExposure, stops);
     const size_t rowSamples = size_t(scene.width) * 3;
-    for (int y = 0; y < scene.height; y++)
+    for (int y = 0; !picture.Empty() && y < scene.height; y++)
     {
         const float* light = &scene.light[size_t(y) * rowSamples];
-        uint8_t* row = PicRow<uint8_t>(*picture, y);
+        uint8_t* row = PicRow<uint8_t>(picture, y);
         const uint32_t seed = sample::Hash(uint32_t(y), uint32_t(stops + 100));
         for (size_t x = 0; x < rowSamples; x++)
         {
@@ -70,5 +57,5 @@ bool ExposeSample(SBxPicBuf* picture, const SampleRadiance& scene, int stops)
             row[x] = curve[size_t(seen * float(kCurveSteps) + 0.5f)];
         }
     }
-    return false;
+    return picture;
 }

@@ -1,7 +1,9 @@
 #pragma once
 
-#include "sample/Geometry.h"
+#include "sample/Tree.h"
 
+// The patterns of the scene's materials. Details finer than a picture element are averaged away
+// rather than left to flicker.
 namespace sample
 {
 
@@ -9,18 +11,27 @@ namespace sample
 struct Look
 {
     Vec3 color;  // diffuse reflectance
-    Vec3 normal; // smooth normal, tilted by the relief of the material
-    Vec3 glow;   // light of its own, as radiance
-    Vec3 mirror; // reflectance straight on of the polished layer, black where there is none
+    float shine; // reflectance of the polished layer, looked at straight
+    float glow;  // light of its own, as a share of lamp light
 };
 
-// footprint: width in metres that one picture element covers on the surface; finer patterns are
-// averaged away rather than left to flicker.
-Look LookAt(const Material& material, const SurfacePoint& point, float footprint);
+// One colour that varies by so many percent, with so many clouds per metre.
+template <int kPercent, int kPerMetre>
+Look Cloudy(const Material& m, const SurfacePoint& p, float footprint)
+{
+    const float cloud = Fractal(p.position * kPerMetre, m.seed, 4, footprint * kPerMetre) - 0.5f;
+    return {m.color * (1.0f + kPercent * 0.01f * cloud), 0.045f * m.gloss, 0.0f};
+}
+constexpr Pattern Plaster = Cloudy<24, 6>, Painted = Cloudy<15, 12>, Mottled = Cloudy<50, 48>;
 
-// The landscape outside, as radiance from a direction (it is far away, so nothing else matters),
-// and its smooth summary for lighting the room.
-Vec3 Landscape(Vec3 dir, float footprint);
-Vec3 LandscapeLight(Vec3 dir);
+Look Bricks(const Material& m, const SurfacePoint& p, float footprint);
+Look Planks(const Material& m, const SurfacePoint& p, float footprint);
+Look Wood(const Material& m, const SurfacePoint& p, float footprint); // the seed turns its grain
+Look Rug(const Material& m, const SurfacePoint& p, float footprint);
+Look BookSpine(const Material& m, const SurfacePoint& p, float footprint);
+Look Canvas(const Material& m, const SurfacePoint& p, float footprint); // a painting
+Look Petal(const Material& m, const SurfacePoint& p, float footprint);  // veins run along v
+Look Striped(const Material& m, const SurfacePoint& p, float footprint);
+Look Lampshade(const Material& m, const SurfacePoint& p, float footprint);
 
 } // namespace sample

@@ -14,71 +14,36 @@ namespace sample
 struct Vec3
 {
     float x, y, z;
+
+    float operator[](int axis) const { return axis == 0 ? x : axis == 1 ? y : z; }
+    friend Vec3 operator+(Vec3 a, Vec3 b) { return {a.x + b.x, a.y + b.y, a.z + b.z}; }
+    friend Vec3 operator-(Vec3 a, Vec3 b) { return {a.x - b.x, a.y - b.y, a.z - b.z}; }
+    friend Vec3 operator*(Vec3 a, Vec3 b) { return {a.x * b.x, a.y * b.y, a.z * b.z}; }
+    friend Vec3 operator*(Vec3 a, float s) { return {a.x * s, a.y * s, a.z * s}; }
+    friend Vec3 operator-(Vec3 a) { return {-a.x, -a.y, -a.z}; }
+    void operator+=(Vec3 b) { *this = *this + b; }
+
+    friend float Dot(Vec3 a, Vec3 b) { return a.x * b.x + a.y * b.y + a.z * b.z; }
+    friend float Length(Vec3 a) { return std::sqrt(Dot(a, a)); }
+    friend Vec3 Normalize(Vec3 a) { return a * (1.0f / Length(a)); }
+    friend float Luminance(Vec3 c) { return 0.2126f * c.x + 0.7152f * c.y + 0.0722f * c.z; }
+    friend Vec3 Cross(Vec3 a, Vec3 b)
+    {
+        return {a.y * b.z - a.z * b.y, a.z * b.x - a.x * b.z, a.x * b.y - a.y * b.x};
+    }
 };
 
-inline Vec3 operator+(Vec3 a, Vec3 b)
-{
-    return {a.x + b.x, a.y + b.y, a.z + b.z};
-}
-inline Vec3 operator-(Vec3 a, Vec3 b)
-{
-    return {a.x - b.x, a.y - b.y, a.z - b.z};
-}
-inline Vec3 operator-(Vec3 a)
-{
-    return {-a.x, -a.y, -a.z};
-}
-inline Vec3 operator*(Vec3 a, Vec3 b)
-{
-    return {a.x * b.x, a.y * b.y, a.z * b.z};
-}
-inline Vec3 operator*(Vec3 a, float s)
-{
-    return {a.x * s, a.y * s, a.z * s};
-}
-inline Vec3 operator*(float s, Vec3 a)
-{
-    return a * s;
-}
-inline Vec3& operator+=(Vec3& a, Vec3 b)
-{
-    return a = a + b;
-}
-
-inline float Dot(Vec3 a, Vec3 b)
-{
-    return a.x * b.x + a.y * b.y + a.z * b.z;
-}
-inline Vec3 Cross(Vec3 a, Vec3 b)
-{
-    return {a.y * b.z - a.z * b.y, a.z * b.x - a.x * b.z, a.x * b.y - a.y * b.x};
-}
-inline float Length(Vec3 a)
-{
-    return std::sqrt(Dot(a, a));
-}
-inline Vec3 Normalize(Vec3 a)
-{
-    return a * (1.0f / Length(a));
-}
-inline float Luminance(Vec3 c)
-{
-    return 0.2126f * c.x + 0.7152f * c.y + 0.0722f * c.z;
-}
-
-inline float Clamp(float v, float lo, float hi)
-{
-    return v < lo ? lo : v > hi ? hi : v;
-}
 inline float Saturate(float v)
 {
-    return Clamp(v, 0.0f, 1.0f);
+    return v < 0.0f ? 0.0f : v > 1.0f ? 1.0f : v;
 }
-inline float Mix(float a, float b, float t)
+inline float SmoothStep(float lo, float hi, float v)
 {
-    return a + (b - a) * t;
+    const float t = Saturate((v - lo) / (hi - lo));
+    return t * t * (3.0f - 2.0f * t);
 }
-inline Vec3 Mix(Vec3 a, Vec3 b, float t)
+template <typename T>
+T Mix(T a, T b, float t)
 {
     return a + (b - a) * t;
 }
@@ -89,30 +54,16 @@ inline int FloorInt(float v)
     const int whole = int(v);
     return whole - (float(whole) > v ? 1 : 0);
 }
-inline float Floor(float v)
-{
-    return float(FloorInt(v));
-}
 inline float Fract(float v)
 {
-    return v - Floor(v);
+    return v - float(FloorInt(v));
 }
-inline float SmoothStep(float lo, float hi, float v)
-{
-    const float t = Saturate((v - lo) / (hi - lo));
-    return t * t * (3.0f - 2.0f * t);
-}
-
+// Cosine and sine of an angle in turns, to float accuracy.
 struct CosSin
 {
     float cos, sin;
 };
-
-// Cosine and sine of an angle in turns, to float accuracy.
 CosSin Turn(float turns);
-
-// Two unit vectors that make a right-angled frame with the unit vector n.
-void MakeBasis(Vec3 n, Vec3* tangent, Vec3* bitangent);
 
 // Scrambles 32 bits (a finaliser with full avalanche); 0..1 from a hash.
 inline uint32_t Hash(uint32_t h)

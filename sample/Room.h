@@ -1,6 +1,6 @@
 #pragma once
 
-#include "sample/Geometry.h"
+#include "sample/Shapes.h"
 
 // The room of the sample scene: a sitting room with one tall window into a summer landscape, built
 // so that sunlit clouds and the inside of the bookcase beside the window share one picture.
@@ -24,21 +24,7 @@ constexpr float kBlindBottom = 0.9f, kBlindTop = 2.1f;
 constexpr Vec3 kLampBulb = {-2.02f, 1.56f, 3.78f};
 constexpr float kShadeBottom = 1.40f, kShadeTop = 1.72f, kShadeRadius = 0.19f;
 
-// Materials 0 to kRoomPlanes - 1 are, in this order:
-enum RoomPlane
-{
-    kFloor,
-    kCeiling,
-    kLeftWall,
-    kRightWall,
-    kFarWall,
-    kNearWall,
-};
-
-// Everything: walls first, then what the other functions add.
+// Everything: walls, window, furniture.
 void BuildRoom(Geometry* g);
-void AddBookcase(Geometry* g);
-void AddSittingCorner(Geometry* g); // chair, lamp, rug, balls
-void AddTable(Geometry* g);         // the table in front with all that stands on it
 
 } // namespace sample

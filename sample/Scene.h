@@ -1,6 +1,6 @@
 #pragma once
 
-#include "picture/PicBuf.h"
+#include "sample/Math.h"
 
 #include <vector>
 
@@ -15,10 +15,14 @@ struct SampleRadiance
     std::vector<float> light;
 };
 
-// Renders the scene; throws std::bad_alloc when memory is short.
-SampleRadiance RenderSampleScene(int width, int height, int threads);
+// Where the photographer stands. Like in an architectural photograph the camera is level, so that
+// verticals stay vertical, and the view is shifted down instead.
+struct SampleCamera
+{
+    sample::Vec3 eye = {1.0f, 1.32f, -0.95f}; // metres, in the room
+    float yaw = -0.030f;                      // turns, to the right
+    float roll = 0.0f;                        // turns about the line of sight
+};
 
-// Takes one photograph, as 8-bit sRGB: `stops` is the exposure relative to the middle of the
-// series. Light beyond white is cut off, a little noise as of a sensor is added (the same in
-// every run, different in every exposure). Fails when the picture cannot be allocated.
-[[nodiscard]] bool ExposeSample(SBxPicBuf* picture, const SampleRadiance& scene, int stops);
+// Renders the scene; throws std::bad_alloc when memory is short.
+SampleRadiance RenderSampleScene(int width, int height, const SampleCamera& camera = {});

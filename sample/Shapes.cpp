@@ -1,8 +1,7 @@
-#include "sample/Geometry.h"
+#include "sample/Shapes.h"
 
 #include <algorithm>
 
-// Builders of shapes: everything curved becomes triangles with smooth normals, but for ellipsoids.
 namespace sample
 {
 
@@ -12,250 +11,147 @@ Placement PlaceAt(Vec3 origin, float turnAboutY)
     return {origin, {t.cos, 0.0f, -t.sin}, {0.0f, 1.0f, 0.0f}, {t.sin, 0.0f, t.cos}};
 }
 
-Placement TipAboutX(const Placement& place, float turns)
+Placement Tipped(const Placement& p, float aboutX, float aboutZ)
 {
-    const CosSin t = Turn(turns);
-    return {place.origin, place.x, place.y * t.cos + place.z * t.sin,
-            place.z * t.cos - place.y * t.sin};
+    const CosSin a = Turn(aboutX), b = Turn(aboutZ);
+    const Vec3 y = p.y * a.cos + p.z * a.sin, z = p.z * a.cos - p.y * a.sin;
+    return {p.origin, p.x * b.cos + y * b.sin, y * b.cos - p.x * b.sin, z};
 }
 
-Placement TipAboutZ(const Placement& place, float turns)
+Vec3 ToRoom(const Placement& p, Vec3 v)
 {
-    const CosSin t = Turn(turns);
-    return {place.origin, place.x * t.cos + place.y * t.sin, place.y * t.cos - place.x * t.sin,
-            place.z};
+    return p.origin + p.x * v.x + p.y * v.y + p.z * v.z;
 }
 
-int AddMaterial(Geometry* g, Surface surface, Vec3 color, float gloss, uint32_t seed)
+Placement Moved(const Placement& p, Vec3 by)
 {
-    g->materials.push_back({surface, color, gloss, seed});
-    return int(g->materials.size()) - 1;
+    return {ToRoom(p, by), p.x, p.y, p.z};
 }
 
-void AddQuad(Geometry* g, Vec3 corner, Vec3 a, Vec3 b, int material)
+void AddQuad(Geometry* g, Vec3 corner, Vec3 a, Vec3 b, const Material& material)
 {
     if (Dot(a, a) < Dot(b, b))
         std::swap(a, b);
-    const float la = Length(a), lb = Length(b);
-    const Vec3 n = Normalize(Cross(a, b));
-    g->triangles.push_back(
-        {corner, a, a + b, {n, n, n}, {0.0f, la, la}, {0.0f, 0.0f, lb}, material});
-    g->triangles.push_back(
-        {corner, a + b, b, {n, n, n}, {0.0f, la, 0.0f}, {0.0f, lb, lb}, material});
+    AddSheet(g, PlaceAt(corner), 1, 1, material, [&](float u, float v) { return a * u + b * v; });
 }
 
-void AddBox(Geometry* g, const Placement& place, Vec3 low, Vec3 high, int material)
+void AddBox(Geometry* g, const Placement& place, Vec3 low, Vec3 high, const Material& material)
 {
-    const Vec3 x = place.x * (high.x - low.x);
-    const Vec3 y = place.y * (high.y - low.y);
-    const Vec3 z = place.z * (high.z - low.z);
-    const Vec3 corner = ToRoom(place, low), opposite = ToRoom(place, high);
-    AddQuad(g, corner, x, y, material);
-    AddQuad(g, corner, y, z, material);
-    AddQuad(g, corner, z, x, material);
-    AddQuad(g, opposite, -x, -y, material);
-    AddQuad(g, opposite, -y, -z, material);
-    AddQuad(g, opposite, -z, -x, material);
-}
-
-// Triangles over a grid of points; normals come from the neighbouring points. Where normals are
-// given, those at the border are taken as they are and the others tell which side is outside.
-// Rows that end where they began (closed) continue there.
-static void AddGrid(Geometry* g, const std::vector<Vec3>& points, int rows, int columns,
-                    bool closed, int material, const std::vector<Vec3>* given = nullptr)
-{
-    std::vector<Vec3> normals(points.size());
-    for (int r = 0; r < rows; r++)
-        for (int c = 0; c < columns; c++)
-        {
-            const int before = closed && c == 0 ? columns - 2 : std::max(c - 1, 0);
-            const int after = closed && c == columns - 1 ? 1 : std::min(c + 1, columns - 1);
-            const int above = std::max(r - 1, 0), below = std::min(r + 1, rows - 1);
-            const Vec3 across =
-                points[size_t(r * columns + after)] - points[size_t(r * columns + before)];
-            const Vec3 along =
-                points[size_t(below * columns + c)] - points[size_t(above * columns + c)];
-            Vec3 n = Cross(across, along);
-            if (given)
-            {
-                const Vec3 out = (*given)[size_t(r * columns + c)];
-                const bool border = r == 0 || c == 0 || r == rows - 1 || c == columns - 1;
-                n = border ? out : Dot(n, out) < 0.0f ? -n : n;
-            }
-            const float square = Dot(n, n);
-            normals[size_t(r * columns + c)] =
-                square > 1e-16f ? n * (1.0f / std::sqrt(square)) : Vec3{0, 0, 0};
-        }
-    // A pole, where a whole row is one point, faces the way of the row beside it on average.
-    for (int r = 0; r < rows; r += rows - 1)
+    const Vec3 size = high - low, corner = ToRoom(place, low), opposite = ToRoom(place, high);
+    const Vec3 side[3] = {place.x * size.x, place.y * size.y, place.z * size.z};
+    for (int i = 0; i < 3; i++)
     {
-        if (Dot(normals[size_t(r * columns)], normals[size_t(r * columns)]) > 0.0f)
-            continue;
-        Vec3 sum = {0, 0, 0};
-        for (int c = 0; c < columns; c++)
-            sum += normals[size_t((r == 0 ? 1 : rows - 2) * columns + c)];
-        for (int c = 0; c < columns; c++)
-            normals[size_t(r * columns + c)] = Normalize(sum);
+        const Vec3 a = side[i], b = side[(i + 1) % 3];
+        AddQuad(g, corner, a, b, material);
+        AddQuad(g, opposite, -a, -b, material);
     }
+}
 
-    const auto add = [&](int a, int b, int c)
+static void AddTriangle(Geometry* g, const Vertex& a, const Vertex& b, const Vertex& c,
+                        int material)
+{
+    const Vec3 edge1 = b.position - a.position, edge2 = c.position - a.position;
+    if (Length(Cross(edge1, edge2)) > 1e-9f)
+        g->triangles.push_back({edge1, edge2, {a, b, c}, material});
+}
+
+void AddSheet(Geometry* g, const Placement& place, int across, int along, const Material& material,
+              const std::function<Vec3(float u, float v)>& point)
+{
+    const int index = int(g->materials.size());
+    g->materials.push_back(material);
+    const auto vertex = [&](int column, int row)
     {
-        const Vec3 corner = points[size_t(a)];
-        const Vec3 edge1 = points[size_t(b)] - corner, edge2 = points[size_t(c)] - corner;
-        if (Dot(Cross(edge1, edge2), Cross(edge1, edge2)) < 1e-18f)
-            return;
-        Triangle t = {corner, edge1, edge2, {}, {}, {}, material};
-        const int index[3] = {a, b, c};
-        for (int i = 0; i < 3; i++)
-        {
-            t.normal[i] = normals[size_t(index[i])];
-            t.texU[i] = float(index[i] % columns) / float(columns - 1);
-            t.texV[i] = float(index[i] / columns) / float(rows - 1);
-        }
-        g->triangles.push_back(t);
+        const float du = 0.5f / float(across), dv = 0.5f / float(along);
+        const float u = float(column) / float(across), v = float(row) / float(along);
+        // At a pole, where a whole row is one point, the slope is taken beside it.
+        const float beside = std::clamp(v, dv, 1.0f - dv);
+        const auto at = [&](float s, float t) { return ToRoom(place, point(s, t)); };
+        const Vec3 n =
+            Cross(at(u + du, beside) - at(u - du, beside), at(u, beside + dv) - at(u, beside - dv));
+        return Vertex{at(u, v), n * (1.0f / (Length(n) + 1e-20f)), u, v};
     };
-    for (int r = 0; r + 1 < rows; r++)
-        for (int c = 0; c + 1 < columns; c++)
+    for (int row = 0; row < along; row++)
+        for (int column = 0; column < across; column++)
         {
-            const int i = r * columns + c;
-            add(i, i + 1, i + columns + 1);
-            add(i, i + columns + 1, i + columns);
+            const Vertex a = vertex(column, row), c = vertex(column + 1, row + 1);
+            AddTriangle(g, a, vertex(column + 1, row), c, index);
+            AddTriangle(g, a, c, vertex(column, row + 1), index);
         }
 }
 
-void AddSheet(Geometry* g, const std::vector<Vec3>& points, int rows, int columns, int material)
+// Sides of a polygon that looks round.
+static int SegmentsFor(float radius)
 {
-    AddGrid(g, points, rows, columns, false, material);
+    return 16 + int(110.0f * radius);
 }
 
-// One face of a rounded box before its sides are put in place: u and v run -1..1, the outer halves
-// of the grid go around the edges. `around` is the true normal there.
-static void CushionPoint(float u, float v, float bulge, Vec3* box, Vec3* around)
+void AddRound(Geometry* g, const Placement& place, Vec3 radius, const Material& material,
+              int around, int over)
 {
-    const float cu = Clamp(u * 2.0f, -1.0f, 1.0f), cv = Clamp(v * 2.0f, -1.0f, 1.0f);
-    const float ru = Clamp(u * 2.0f - cu, -1.0f, 1.0f), rv = Clamp(v * 2.0f - cv, -1.0f, 1.0f);
-    const float fu = 1.0f - cu * cu, fv = 1.0f - cv * cv;
-    *box = {cu, cv, bulge * fu * fu * fv * fv};
-    *around = Normalize({ru, rv, 1.0f});
-}
-
-void AddCushion(Geometry* g, const Placement& place, Vec3 centre, Vec3 half, float radius,
-                float bulge, int material)
-{
-    constexpr int kSteps = 17;
-    const Vec3 inner = half - Vec3{radius, radius, radius};
-    const float sizes[3] = {inner.x, inner.y, inner.z};
-    for (int face = 0; face < 6; face++)
+    // Repeated square roots push a coordinate of a circle out towards a square's.
+    const auto squared = [](float c, int times)
     {
-        const size_t axis = size_t(face / 2); // the one that the face looks along
-        const float side = face & 1 ? -1.0f : 1.0f;
-        const float narrow = std::min(sizes[(axis + 1) % 3], sizes[(axis + 2) % 3]);
-        const float swell = bulge * std::min(1.0f, narrow / 0.15f); // narrow faces stay flat
-        const auto turned = [&](Vec3 v) { // face coordinates to the placement's
-            v.z *= side;
-            return axis == 0 ? Vec3{v.z, v.x, v.y} : axis == 1 ? Vec3{v.y, v.z, v.x} : v;
-        };
-        std::vector<Vec3> points, normals;
-        for (int i = 0; i < kSteps * kSteps; i++)
-        {
-            const int r = i / kSteps, c = i % kSteps;
-            Vec3 box, around;
-            CushionPoint(float(c) * 2.0f / (kSteps - 1) - 1.0f,
-                         float(r) * 2.0f / (kSteps - 1) - 1.0f, swell, &box, &around);
-            box.x *= sizes[(axis + 1) % 3];
-            box.y *= sizes[(axis + 2) % 3];
-            box.z += sizes[axis];
-            points.push_back(ToRoom(place, centre + turned(box + around * radius)));
-            normals.push_back(TurnToRoom(place, turned(around)));
-        }
-        AddGrid(g, points, kSteps, kSteps, false, material, &normals);
-    }
+        float size = std::fabs(c);
+        for (int i = 0; i < times; i++)
+            size = std::sqrt(size);
+        return c < 0.0f ? -size : size;
+    };
+    const int segments = SegmentsFor(std::max({radius.x, radius.y, radius.z}));
+    AddSheet(g, place, segments, segments / 2, material,
+             [&](float u, float v)
+             {
+                 const CosSin lon = Turn(u), lat = Turn(0.5f * v - 0.25f);
+                 const float out = squared(lat.cos, over);
+                 return radius * Vec3{out * squared(lon.cos, around), squared(lat.sin, over),
+                                      out * squared(lon.sin, around)};
+             });
 }
 
-void AddPillow(Geometry* g, const Placement& place, float halfSide, float halfDepth, int material)
+// Point at t, 0..1, of the smooth curve through all points of the path.
+static Vec3 AlongPath(const std::vector<Vec3>& path, float t)
 {
-    constexpr int kSteps = 21;
-    for (const float side : {-1.0f, 1.0f})
-    {
-        std::vector<Vec3> points;
-        for (int i = 0; i < kSteps * kSteps; i++)
-        {
-            const float u = float(i % kSteps) * 2.0f / (kSteps - 1) - 1.0f;
-            const float v = float(i / kSteps) * 2.0f / (kSteps - 1) - 1.0f;
-            const float fu = 1.0f - u * u, fv = 1.0f - v * v;
-            // Filling draws the middle of the sides in; the corners stay out.
-            const float x = u * (1.0f - 0.10f * fv), y = v * (1.0f - 0.10f * fu);
-            const float depth = std::sqrt(std::sqrt(fu * fv)) * std::sqrt(fu * fv);
-            points.push_back(ToRoom(place, {x * halfSide, y * halfSide, side * halfDepth * depth}));
-        }
-        AddGrid(g, points, kSteps, kSteps, false, material);
-    }
+    const int last = int(path.size()) - 1, i = std::min(int(t * float(last)), last - 1);
+    const Vec3 a = path[size_t(std::max(i - 1, 0))], b = path[size_t(i)], c = path[size_t(i + 1)],
+               d = path[size_t(std::min(i + 2, last))];
+    const float s = t * float(last) - float(i);
+    return b + (c - a) * (0.5f * s) + (a * 2.0f - b * 5.0f + c * 4.0f - d) * (0.5f * s * s) +
+           (b * 3.0f - a - c * 3.0f + d) * (0.5f * s * s * s);
 }
 
-// Point at t (0..1 between b and c) of the smooth curve through four points.
-template <typename T>
-static T Spline(T a, T b, T c, T d, float t)
-{
-    return b + (c - a) * (0.5f * t) + (a * 2.0f - b * 5.0f + c * 4.0f - d) * (0.5f * t * t) +
-           (b * 3.0f - a - c * 3.0f + d) * (0.5f * t * t * t);
-}
-
-template <typename T>
-static std::vector<T> Smoothed(const std::vector<T>& in, int steps)
-{
-    const int last = int(in.size()) - 1;
-    std::vector<T> out;
-    for (int i = 0; i < last; i++)
-        for (int k = 0; k < steps; k++)
-            out.push_back(Spline(in[size_t(std::max(i - 1, 0))], in[size_t(i)], in[size_t(i + 1)],
-                                 in[size_t(std::min(i + 2, last))], float(k) / float(steps)));
-    out.push_back(in.back());
-    return out;
-}
-
-void AddTurned(Geometry* g, const Placement& place, const std::vector<ProfilePoint>& profile,
-               int segments, int material)
+void AddTurned(Geometry* g, const Placement& place, const std::vector<float>& profile,
+               const Material& material)
 {
     std::vector<Vec3> outline;
-    for (const ProfilePoint& p : profile)
-        outline.push_back({p.radius, p.height, 0.0f});
-    outline = Smoothed(outline, 3);
-
-    std::vector<Vec3> points;
-    for (const Vec3& p : outline)
-        for (int s = 0; s <= segments; s++)
-        {
-            const CosSin t = Turn(float(s % segments) / float(segments));
-            const float radius = std::max(p.x, 0.0f);
-            points.push_back(ToRoom(place, {radius * t.cos, p.y, radius * t.sin}));
-        }
-    AddGrid(g, points, int(outline.size()), segments + 1, true, material);
-}
-
-void AddBar(Geometry* g, const std::vector<Vec3>& path, const std::vector<float>& radii,
-            int segments, int material)
-{
-    const std::vector<Vec3> centres = Smoothed(path, 4);
-    const std::vector<float> widths = Smoothed(radii, 4);
-    std::vector<Vec3> points;
-    for (size_t i = 0; i < centres.size(); i++)
+    float widest = 0.0f;
+    for (size_t i = 0; i < profile.size(); i += 2)
     {
-        const Vec3 along =
-            Normalize(centres[std::min(i + 1, centres.size() - 1)] - centres[i == 0 ? 0 : i - 1]);
-        const Vec3 side = Normalize(Cross(along, Vec3{0.31f, 0.17f, 0.93f}));
-        const Vec3 up = Cross(along, side);
-        for (int s = 0; s <= segments; s++)
-        {
-            const CosSin t = Turn(float(s % segments) / float(segments));
-            points.push_back(centres[i] + (side * t.cos + up * t.sin) * widths[i]);
-        }
+        outline.push_back({profile[i] / 1000.0f, profile[i + 1] / 1000.0f, 0.0f});
+        widest = std::max(widest, outline.back().x);
     }
-    AddGrid(g, points, int(centres.size()), segments + 1, true, material);
+    AddSheet(g, place, SegmentsFor(widest), int(outline.size() - 1) * 3, material,
+             [&](float u, float v)
+             {
+                 const CosSin around = Turn(u);
+                 const Vec3 at = AlongPath(outline, v);
+                 const float radius = std::max(at.x, 0.0f);
+                 return Vec3{radius * around.cos, at.y, radius * around.sin};
+             });
 }
 
-void AddEllipsoid(Geometry* g, const Placement& place, Vec3 centre, Vec3 radius, int material)
+void AddBar(Geometry* g, const Placement& place, const std::vector<Vec3>& path, float from,
+            float to, const Material& material)
 {
-    g->ellipsoids.push_back({ToRoom(place, centre), {place.x, place.y, place.z}, radius, material});
+    AddSheet(g, place, 10, int(path.size() - 1) * 4, material,
+             [&](float u, float v)
+             {
+                 const Vec3 ahead = AlongPath(path, std::min(v + 0.02f, 1.0f));
+                 const Vec3 along = Normalize(ahead - AlongPath(path, std::max(v - 0.02f, 0.0f)));
+                 const Vec3 side = Normalize(Cross(along, Vec3{0.31f, 0.17f, 0.93f}));
+                 const CosSin around = Turn(u);
+                 const Vec3 out = side * around.cos + Cross(along, side) * around.sin;
+                 return AlongPath(path, v) + out * Mix(from, to, v);
+             });
 }
 
 } // namespace sample

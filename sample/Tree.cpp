@@ -1,235 +1,210 @@
-#include "sample/Geometry.h"
+#include "sample/Tree.h"
+
+#include <emmintrin.h>
 
 #include <algorithm>
 
-// Nested boxes over the shapes, split where the surface area heuristic (Goldsmith and Salmon,
-// 1987) expects the least work.
+// Boxes are divided where the surface area heuristic (Goldsmith and Salmon, 1987) expects the least
+// work; triangles are met as in Moller and Trumbore (1997).
 namespace sample
 {
 
-struct Bounds
+struct Box
 {
-    Vec3 low{1e30f, 1e30f, 1e30f}, high{-1e30f, -1e30f, -1e30f};
+    Vec3 low = {1e30f, 1e30f, 1e30f}, high = {-1e30f, -1e30f, -1e30f};
+    const Triangle* triangle = nullptr; // if it is the box of one
 };
 
-static Vec3 Min(Vec3 a, Vec3 b)
+static void Include(Box* b, Vec3 low, Vec3 high)
 {
-    return {std::min(a.x, b.x), std::min(a.y, b.y), std::min(a.z, b.z)};
+    b->low = {std::min(b->low.x, low.x), std::min(b->low.y, low.y), std::min(b->low.z, low.z)};
+    b->high = {std::max(b->high.x, high.x), std::max(b->high.y, high.y),
+               std::max(b->high.z, high.z)};
 }
 
-static Vec3 Max(Vec3 a, Vec3 b)
+static Box BoxAround(const Box* first, const Box* last)
 {
-    return {std::max(a.x, b.x), std::max(a.y, b.y), std::max(a.z, b.z)};
+    Box whole;
+    for (const Box* box = first; box < last; box++)
+        Include(&whole, box->low, box->high);
+    return whole;
 }
 
-static void Include(Bounds* b, const Bounds& other)
+// Divides the boxes in two across their longest side, and says where; at `first` when they had
+// better stay together.
+static Box* Divide(Box* first, Box* last)
 {
-    b->low = Min(b->low, other.low);
-    b->high = Max(b->high, other.high);
+    const auto centre = [](const Box& box) { return (box.low + box.high) * 0.5f; };
+    Box centres;
+    for (const Box* box = first; box < last; box++)
+        Include(&centres, centre(*box), centre(*box));
+    const Vec3 size = centres.high - centres.low;
+    const int axis = size.x > size.y && size.x > size.z ? 0 : size.y > size.z ? 1 : 2;
+    const float border = (centres.low[axis] + centres.high[axis]) * 0.5f;
+    return last - first < 4
+               ? first
+               : std::stable_partition(first, last,
+                                       [&](const Box& box) { return centre(box)[axis] < border; });
 }
 
-static float HalfArea(const Bounds& b)
+constexpr int kMaxDepth = 40; // bounds the stack that a ray needs
+
+// Puts what stands for the boxes, a node or a leaf, into a column of its parent. A column without
+// any gets a box that no ray meets.
+static void AddChild(Tree* tree, Box* all, Box* first, Box* last, int depth, TreeNode* parent,
+                     int column)
 {
-    const Vec3 d = b.high - b.low;
-    return d.x < 0.0f ? 0.0f : d.x * d.y + d.y * d.z + d.z * d.x;
-}
-
-static Bounds BoundsOf(const Geometry& g, int shape)
-{
-    Bounds b;
-    if (shape < int(g.triangles.size()))
-    {
-        const Triangle& t = g.triangles[size_t(shape)];
-        for (const Vec3& p : {t.corner, t.corner + t.edge1, t.corner + t.edge2})
-            Include(&b, {p, p});
-    }
-    else
-    {
-        const Ellipsoid& e = g.ellipsoids[size_t(shape) - g.triangles.size()];
-        const Vec3 ax = e.axis[0] * e.radius.x, ay = e.axis[1] * e.radius.y,
-                   az = e.axis[2] * e.radius.z;
-        const Vec3 reach = {Length({ax.x, ay.x, az.x}), Length({ax.y, ay.y, az.y}),
-                            Length({ax.z, ay.z, az.z})};
-        b = {e.centre - reach, e.centre + reach};
-    }
-    const Vec3 margin = {1e-5f, 1e-5f, 1e-5f}; // rays along a face still enter its box
-    return {b.low - margin, b.high + margin};
-}
-
-static float Along(Vec3 v, int axis)
-{
-    return axis == 0 ? v.x : axis == 1 ? v.y : v.z;
-}
-
-// The tree is built two by two first.
-struct PairNode
-{
-    Bounds bounds;
-    int first, count; // shapes in `order`; count 0 = inner node
-    int second;       // the second child; the first one follows its parent
-};
-
-struct Builder
-{
-    std::vector<PairNode> nodes;
-    std::vector<int> order;
-    std::vector<Bounds> bounds; // per shape
-};
-
-static constexpr int kBins = 16;
-
-// Best split of order[first, first + count): where it puts the border, or first when a leaf is
-// cheaper. The entries are rearranged accordingly.
-static int Split(Builder& b, int first, int count, const Bounds& whole)
-{
-    Bounds centres;
-    for (int i = first; i < first + count; i++)
-    {
-        const Bounds& s = b.bounds[size_t(b.order[size_t(i)])];
-        const Vec3 c = (s.low + s.high) * 0.5f;
-        Include(&centres, {c, c});
-    }
-
-    float best = HalfArea(whole) * float(count);
-    int bestAxis = -1, bestBin = 0;
-    const auto binOf = [&](int shape, int axis)
-    {
-        const Bounds& s = b.bounds[size_t(shape)];
-        const float c = Along((s.low + s.high) * 0.5f, axis), lo = Along(centres.low, axis);
-        return std::min(int((c - lo) / (Along(centres.high, axis) - lo) * kBins), kBins - 1);
-    };
+    const Box whole = BoxAround(first, last);
     for (int axis = 0; axis < 3; axis++)
     {
-        if (Along(centres.high, axis) - Along(centres.low, axis) < 1e-6f)
-            continue;
-        Bounds bin[kBins];
-        int inBin[kBins] = {};
-        for (int i = first; i < first + count; i++)
-        {
-            const int shape = b.order[size_t(i)];
-            const int k = binOf(shape, axis);
-            Include(&bin[k], b.bounds[size_t(shape)]);
-            inBin[k]++;
-        }
-        float rightCost[kBins];
-        Bounds right;
-        for (int k = kBins - 1, n = 0; k > 0; k--)
-        {
-            Include(&right, bin[k]);
-            n += inBin[k];
-            rightCost[k] = HalfArea(right) * float(n);
-        }
-        Bounds left;
-        for (int k = 0, n = 0; k + 1 < kBins; k++)
-        {
-            Include(&left, bin[k]);
-            n += inBin[k];
-            const float cost =
-                HalfArea(whole) * 0.7f + HalfArea(left) * float(n) + rightCost[k + 1];
-            if (n > 0 && n < count && cost < best)
-                best = cost, bestAxis = axis, bestBin = k;
-        }
+        parent->corner[0][axis][column] = whole.low[axis];
+        parent->corner[1][axis][column] = whole.high[axis];
     }
-    if (bestAxis < 0)
-        return first;
-    const auto begin = b.order.begin() + first;
-    const auto border = std::stable_partition(
-        begin, begin + count, [&](int shape) { return binOf(shape, bestAxis) <= bestBin; });
-    return first + int(border - begin);
-}
-
-constexpr int kMaxDepth = 48; // of the pairs; bounds the stack that a ray needs
-
-static void BuildPairs(Builder& b, int first, int count, int depth)
-{
-    Bounds whole;
-    for (int i = first; i < first + count; i++)
-        Include(&whole, b.bounds[size_t(b.order[size_t(i)])]);
-
-    const size_t self = b.nodes.size();
-    b.nodes.push_back({whole, first, count, 0});
-    const int border = count > 1 && depth < kMaxDepth ? Split(b, first, count, whole) : first;
-    if (border == first)
+    Box* middle = depth < kMaxDepth ? Divide(first, last) : first;
+    const bool leaf = middle == first;
+    parent->child[column] = leaf ? int(first - all) : int(tree->nodes.size());
+    parent->count[column] = leaf ? int(last - first) : 0;
+    if (leaf)
         return;
-    BuildPairs(b, first, border - first, depth + 1);
-    b.nodes[self].second = int(b.nodes.size());
-    b.nodes[self].count = 0;
-    BuildPairs(b, border, first + count - border, depth + 1);
+    Box* const cuts[5] = {first, Divide(first, middle), middle, Divide(middle, last), last};
+    TreeNode node = {};
+    const size_t self = tree->nodes.size();
+    tree->nodes.push_back(node);
+    for (int i = 0; i < 4; i++)
+        AddChild(tree, all, cuts[i], cuts[i + 1], depth + 1, &node, i);
+    tree->nodes[self] = node;
 }
 
-// Makes a node of four from a pair by opening the largest of its children until there are four.
-static int CollapsePairs(const Builder& b, int pair, Tree* tree)
+Tree BuildTree(const std::vector<Triangle>& triangles)
 {
-    int children[4] = {pair, 0, 0, 0};
-    int count = 1;
-    while (count < 4)
+    std::vector<Box> boxes;
+    for (const Triangle& t : triangles)
     {
-        int widest = -1;
-        for (int i = 0; i < count; i++)
-        {
-            const PairNode& n = b.nodes[size_t(children[i])];
-            if (n.count == 0 &&
-                (widest < 0 ||
-                 HalfArea(n.bounds) > HalfArea(b.nodes[size_t(children[widest])].bounds)))
-                widest = i;
-        }
-        if (widest < 0)
-            break;
-        const int opened = children[widest];
-        children[widest] = opened + 1;
-        children[count++] = b.nodes[size_t(opened)].second;
+        Box box;
+        box.triangle = &t;
+        for (const Vertex& v : t.corner) // rays along a face still enter its box
+            Include(&box, v.position - Vec3{1e-5f, 1e-5f, 1e-5f},
+                    v.position + Vec3{1e-5f, 1e-5f, 1e-5f});
+        boxes.push_back(box);
     }
+    Tree tree;
+    TreeNode above = {};
+    AddChild(&tree, boxes.data(), boxes.data(), boxes.data() + boxes.size(), 0, &above, 0);
+    for (const Box& box : boxes)
+        tree.triangles.push_back(*box.triangle);
+    return tree;
+}
 
-    const size_t self = tree->nodes.size();
-    tree->nodes.push_back({});
+struct Hit
+{
+    float distance;           // the limit when nothing was hit
+    const Triangle* triangle; // null = nothing
+    float u, v;               // position inside of the triangle
+};
+
+static inline bool Meets(const Triangle& t, const Ray& ray, Hit* hit)
+{
+    const Vec3 p = Cross(ray.dir, t.edge2);
+    const float det = Dot(t.edge1, p);
+    if (std::fabs(det) < 1e-12f)
+        return false;
+    const float inv = 1.0f / det;
+    const Vec3 s = ray.origin - t.corner[0].position;
+    const float u = Dot(s, p) * inv;
+    if (u < 0.0f || u > 1.0f)
+        return false;
+    const Vec3 q = Cross(s, t.edge1);
+    const float v = Dot(ray.dir, q) * inv, distance = Dot(t.edge2, q) * inv;
+    if (v < 0.0f || u + v > 1.0f || distance <= 0.0f || distance >= hit->distance)
+        return false;
+    *hit = {distance, &t, u, v};
+    return true;
+}
+
+struct Waiting
+{
+    int child, count;
+    float entry; // distance at which the ray enters
+};
+
+// Puts the children that the ray meets before `limit` onto the stack, the nearest on top. `steep`
+// is one over the ray's direction.
+static inline int PushChildren(const TreeNode& n, Vec3 origin, Vec3 steep, float limit,
+                               Waiting* stack, int depth)
+{
+    __m128 in = _mm_setzero_ps(), out = _mm_set1_ps(limit);
+    for (int axis = 0; axis < 3; axis++)
+    {
+        const bool back = steep[axis] < 0.0f;
+        const __m128 near = _mm_loadu_ps(n.corner[back][axis]);
+        const __m128 far = _mm_loadu_ps(n.corner[!back][axis]);
+        const __m128 from = _mm_set1_ps(origin[axis]), scale = _mm_set1_ps(steep[axis]);
+        in = _mm_max_ps(in, _mm_mul_ps(_mm_sub_ps(near, from), scale));
+        out = _mm_min_ps(out, _mm_mul_ps(_mm_sub_ps(far, from), scale));
+    }
+    const int met = _mm_movemask_ps(_mm_cmple_ps(in, out)), bottom = depth;
+    float entry[4];
+    _mm_storeu_ps(entry, in);
     for (int i = 0; i < 4; i++)
     {
-        const PairNode* n = i < count ? &b.nodes[size_t(children[i])] : nullptr;
-        const bool inner = n && n->count == 0;
-        const int child = inner ? CollapsePairs(b, children[i], tree) : n ? n->first : 0;
-        const Bounds bounds = n ? n->bounds : Bounds{};
-        TreeNode& node = tree->nodes[self];
-        for (int axis = 0; axis < 3; axis++)
-        {
-            node.bound[0][axis][i] = Along(bounds.low, axis);
-            node.bound[1][axis][i] = Along(bounds.high, axis);
-        }
-        node.child[i] = child;
-        node.count[i] = inner ? 0 : n ? n->count : -1;
+        if (!(met >> i & 1))
+            continue;
+        int at = depth++;
+        for (; at > bottom && stack[at - 1].entry < entry[i]; at--)
+            stack[at] = stack[at - 1];
+        stack[at] = {n.child[i], n.count[i], entry[i]};
     }
-    return int(self);
+    return depth;
 }
 
-void BuildTree(Tree* tree, const Geometry& geometry)
+static float Steepness(float v)
 {
-    const int triangles = int(geometry.triangles.size());
-    const int count = triangles + int(geometry.ellipsoids.size());
-    Builder b;
-    for (int i = 0; i < count; i++)
-    {
-        b.order.push_back(i);
-        b.bounds.push_back(BoundsOf(geometry, i));
-    }
-    BuildPairs(b, 0, count, 0);
+    return 1.0f / (std::fabs(v) > 1e-9f ? v : 1e-9f);
+}
 
-    tree->geometry = &geometry;
-    tree->nodes.clear();
-    tree->leaves.clear();
-    CollapsePairs(b, 0, tree);
-    for (const int shape : b.order)
+// The nearest triangle, or any when that is enough.
+static inline Hit Walk(const Tree& tree, const Ray& ray, float limit, bool any)
+{
+    const Vec3 steep = {Steepness(ray.dir.x), Steepness(ray.dir.y), Steepness(ray.dir.z)};
+    Hit hit = {limit, nullptr, 0.0f, 0.0f};
+    Waiting stack[3 * kMaxDepth + 4];
+    stack[0] = {0, 0, 0.0f};
+    for (int depth = 1; depth > 0;)
     {
-        LeafShape leaf = {};
-        leaf.shape = shape;
-        leaf.round = shape >= triangles;
-        leaf.shade =
-            geometry.materials[size_t(MaterialOf(geometry, shape))].surface == Surface::LampShade;
-        if (!leaf.round)
-        {
-            const Triangle& t = geometry.triangles[size_t(shape)];
-            leaf.corner = t.corner, leaf.edge1 = t.edge1, leaf.edge2 = t.edge2;
-        }
-        tree->leaves.push_back(leaf);
+        const Waiting next = stack[--depth];
+        if (next.entry >= hit.distance)
+            continue;
+        if (next.count == 0)
+            depth = PushChildren(tree.nodes[size_t(next.child)], ray.origin, steep, hit.distance,
+                                 stack, depth);
+        for (int i = 0; i < next.count; i++)
+            if (Meets(tree.triangles[size_t(next.child + i)], ray, &hit) && any)
+                return hit;
     }
+    return hit;
+}
+
+SurfacePoint Trace(const Tree& tree, const Ray& ray)
+{
+    const Hit hit = Walk(tree, ray, 100.0f, false);
+    if (!hit.triangle)
+        return {hit.distance, {}, {}, 0, 0, -1};
+    const auto& [a, b, c] = hit.triangle->corner;
+    const float u = hit.u, v = hit.v, w = 1.0f - u - v;
+    const Vec3 smooth = Normalize(a.normal * w + b.normal * u + c.normal * v);
+    const Vec3 facing = Cross(hit.triangle->edge1, hit.triangle->edge2);
+    const bool behind = (Dot(facing, ray.dir) > 0.0f) != (Dot(facing, smooth) < 0.0f);
+    return {hit.distance,
+            ray.origin + ray.dir * hit.distance,
+            behind ? -smooth : smooth,
+            a.u * w + b.u * u + c.u * v,
+            a.v * w + b.v * u + c.v * v,
+            hit.triangle->material};
+}
+
+bool Blocked(const Tree& tree, const Ray& ray, float limit)
+{
+    return Walk(tree, ray, limit, true).triangle;
 }
 
 } // namespace sample

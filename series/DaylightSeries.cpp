@@ -187,32 +187,33 @@ std::vector<int> DaylightOrder(DaylightMode mode, const std::vector<unsigned>& k
     return order;
 }
 
-// True when the series ended early.
-static bool MakeVariants(std::vector<unsigned>* keys, const SBxPicBuf& source, DaylightMode mode,
-                         const SeriesSink& sink, const SeriesControl& control)
+static Outcome MakeVariants(std::vector<unsigned>* keys, const SBxPicBuf& source, DaylightMode mode,
+                            const SeriesSink& sink, const SeriesControl& control)
 {
     Picture working = Picture::Like(source);
     if (working.Empty())
-        return true;
+        return Outcome::Failed;
     const std::vector<unsigned> all = DaylightKeys(source, mode);
     for (int number = 0; number < kDaylightVariants; ++number)
     {
         MakeDaylightVariant(working.Record(), source, mode, number);
-        if (sink(number, working, DaylightFileName(number).c_str()))
-            return true;
+        const Outcome taken = sink(number, working, DaylightFileName(number).c_str());
+        if (taken != Outcome::Done)
+            return taken;
         if (control.progress)
             control.progress({DaylightPercent(number), number + 1, !control.CancelRequested()});
         if (control.Ending())
-            return true;
+            return Outcome::Cancelled;
         keys->push_back(all[size_t(number)]);
     }
-    return false;
+    return Outcome::Done;
 }
 
 std::vector<unsigned> MakeDaylightSeries(const SBxPicBuf& source, DaylightMode mode,
                                          const SeriesSink& sink, const SeriesControl& control)
 {
     std::vector<unsigned> keys;
-    (void)FailsOrLacksMemory([&] { return MakeVariants(&keys, source, mode, sink, control); });
-    return keys; // their number tells how it went
+    const auto make = [&] { return MakeVariants(&keys, source, mode, sink, control); };
+    (void)FailWithoutMemory(make); // their number tells how it went
+    return keys;
 }

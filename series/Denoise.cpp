@@ -77,7 +77,7 @@ static int Mirrored(int index, int first, int end)
     return std::clamp(index, first, end - 1);
 }
 
-static bool AllocateTile(TilePlanes* tile, const CBxRect<int>& area, int components)
+static Outcome AllocateTile(TilePlanes* tile, const CBxRect<int>& area, int components)
 {
     tile->area = area;
     tile->x = AlignedDown(area.left - kRim, kOrigin);
@@ -90,7 +90,7 @@ static bool AllocateTile(TilePlanes* tile, const CBxRect<int>& area, int compone
         tile->plane[c].reset(VcAllocUnsetPlane(int64_t(tile->width) * tile->height));
         failed = failed || !tile->plane[c];
     }
-    return failed;
+    return FailedIf(failed);
 }
 
 template <typename T>
@@ -157,14 +157,14 @@ static void WriteRow(SBxPicBuf* dst, const TilePlanes& tile, const CBxRect<int>&
 }
 
 template <typename T>
-static bool DenoiseTile(const Job& job, const CBxRect<int>& own, const RunControl& control)
+static Outcome DenoiseTile(const Job& job, const CBxRect<int>& own, const RunControl& control)
 {
     TilePlanes tile;
     DenoisePyramid pyramid;
     const CBxRect<int> area = WidenedTile(own, job.src->width, job.src->height);
-    if (AllocateTile(&tile, area, job.src->components) ||
-        AllocateDenoisePyramid(&pyramid, tile.width, tile.height, job.threads))
-        return true;
+    if (AllocateTile(&tile, area, job.src->components) != Outcome::Done ||
+        AllocateDenoisePyramid(&pyramid, tile.width, tile.height, job.threads) != Outcome::Done)
+        return Outcome::Failed;
     SplitRows(job.threads, tile.height,
               [&](int, int first, int end)
               {
@@ -172,15 +172,16 @@ static bool DenoiseTile(const Job& job, const CBxRect<int>& own, const RunContro
                       ReadRow<T>(&tile, *job.src, y);
               });
     for (int c = 0; c < job.src->components; ++c)
-        if (SmoothPlane(&pyramid, tile.plane[c].get(), c == 0 ? job.luma : job.colour, control))
-            return true;
+        if (SmoothPlane(&pyramid, tile.plane[c].get(), c == 0 ? job.luma : job.colour, control) !=
+            Outcome::Done)
+            return Outcome::Cancelled;
     SplitRows(job.threads, own.bottom - own.top,
               [&](int, int first, int end)
               {
                   for (int y = own.top + first; y < own.top + end; ++y)
                       WriteRow<T>(job.dst, tile, own, y);
               });
-    return false;
+    return Outcome::Done;
 }
 
 // White noise in three channels is 1.4 to 1.65 times as strong in colour differences as in luma.
@@ -212,14 +213,14 @@ static DenoiseStrength StrengthOf(const double cache[3], double radius, bool col
     return strength;
 }
 
-bool DenoiseTiled(SBxPicBuf* dst, const SBxPicBuf& src, int radiusX, int radiusY, double strength,
-                  double cache[3], unsigned threads, const RunControl& control)
+Outcome DenoiseTiled(SBxPicBuf* dst, const SBxPicBuf& src, int radiusX, int radiusY,
+                     double strength, double cache[3], unsigned threads, const RunControl& control)
 {
     const double radius = 0.5 * (radiusX + radiusY);
     if (cache[0] < 0.0)
     {
-        if (EstimateNoise(cache, src))
-            return true;
+        if (EstimateNoise(cache, src) != Outcome::Done)
+            return Outcome::Failed;
         cache[2] = radius;
     }
     const double scale = strength * (src.bitsPerComponent == 8 ? 1.0 : 256.0);
@@ -233,14 +234,15 @@ bool DenoiseTiled(SBxPicBuf* dst, const SBxPicBuf& src, int radiusX, int radiusY
     if (job.luma.coarse * job.luma.cut <= 0.0)
     {
         CBxPicBufAPI::Copy(dst, src);
-        return control.Cancelled();
+        return control.Cancelled() ? Outcome::Cancelled : Outcome::Done;
     }
     for (const CBxRect<int>& tile : DenoiseTiles(src.width, src.height))
     {
-        const bool failed = src.bitsPerComponent == 8 ? DenoiseTile<uint8_t>(job, tile, control)
-                                                      : DenoiseTile<uint16_t>(job, tile, control);
-        if (failed)
-            return true;
+        const Outcome outcome = src.bitsPerComponent == 8
+                                    ? DenoiseTile<uint8_t>(job, tile, control)
+                                    : DenoiseTile<uint16_t>(job, tile, control);
+        if (outcome != Outcome::Done)
+            return outcome;
     }
-    return false;
+    return Outcome::Done;
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "base/Outcome.h"
 #include "base/RunControl.h"
 #include "picture/PicBuf.h"
 
@@ -21,10 +22,9 @@
 //
 // At most `threads` threads work (0: as many as there are processors), and the result has the same
 // bits whatever their number. The calling thread polls control.cancelled several times a tile.
-// True when it was stopped or memory is short.
-[[nodiscard]] bool DenoiseTiled(SBxPicBuf* dst, const SBxPicBuf& src, int radiusX, int radiusY,
-                                double strength, double cache[3], unsigned threads,
-                                const RunControl& control);
+// Fails when memory is short.
+Outcome DenoiseTiled(SBxPicBuf* dst, const SBxPicBuf& src, int radiusX, int radiusY,
+                     double strength, double cache[3], unsigned threads, const RunControl& control);
 
 // The areas of the tiles, row by row: one for a picture below 1000 pixels both ways, otherwise
 // about 1000 x 1000 each. A tile is filtered with 100 pixels more on every side where the picture

@@ -4,7 +4,6 @@
 
 #include "series/DenoiseNoise.h"
 
-#include "base/ShortMemory.h"
 #include "picture/Picture.h"
 
 #include <algorithm>
@@ -94,7 +93,7 @@ static double Quantile(std::vector<double>* values)
     return *at;
 }
 
-bool EstimateNoise(double noise[2], const SBxPicBuf& picture)
+Outcome EstimateNoise(double noise[2], const SBxPicBuf& picture)
 {
     std::vector<double> fine, coarse;
     const int width = std::min(kPatch, picture.width), height = std::min(kPatch, picture.height);
@@ -107,10 +106,11 @@ bool EstimateNoise(double noise[2], const SBxPicBuf& picture)
             CBxPicBufAPI::ReinitHeap(grey.Record(), width, height, picture.components,
                                      picture.bitsPerComponent);
             if (grey.Empty())
-                return true;
+                return Outcome::Failed;
             CBxPicBufAPI::CopyRect(grey.Record(), picture, {0, 0}, {x, y}, {width, height});
-            if (!CBxPicBufAPI::ConvertBpcComp(grey.Record(), 8, 1))
-                return true;
+            const bool done = CBxPicBufAPI::ConvertBpcComp(grey.Record(), 8, 1);
+            if (!done)
+                return Outcome::Failed;
             const Patch patch = PatchOf(grey);
             double here;
             if (ImmerkaerNoise(&here, patch))
@@ -120,5 +120,5 @@ bool EstimateNoise(double noise[2], const SBxPicBuf& picture)
         }
     noise[0] = Quantile(&fine);
     noise[1] = std::clamp(Quantile(&coarse), noise[0], kCoarsest * noise[0]);
-    return false;
+    return Outcome::Done;
 }

@@ -5,9 +5,9 @@
 
 #include "series/DenoisePyramid.h"
 
+#include "base/InstructionSet.h"
 #include "base/ParallelRows.h"
 #include "fusion/FusionFilter.h"
-#include "fusion/FusionKernels.h"
 
 #include <algorithm>
 #include <cmath>
@@ -26,7 +26,7 @@ void SplitRows(unsigned threads, int rows, const LoopBody<int, int, int>& rowRan
                    });
 }
 
-bool AllocateDenoisePyramid(DenoisePyramid* pyramid, int width, int height, unsigned threads)
+Outcome AllocateDenoisePyramid(DenoisePyramid* pyramid, int width, int height, unsigned threads)
 {
     pyramid->width = width;
     pyramid->height = height;
@@ -43,7 +43,7 @@ bool AllocateDenoisePyramid(DenoisePyramid* pyramid, int width, int height, unsi
         pyramid->smooth[l].reset(VcAllocUnsetPlane(samples >> (2 * l)));
         failed = failed || (l > 0 && !pyramid->noisy[l]) || !pyramid->smooth[l];
     }
-    return failed;
+    return FailedIf(failed);
 }
 
 // Correlation of samples `distance` apart in a row that was white noise before `level` halvings.
@@ -102,15 +102,6 @@ static void SetNoise(DenoiseBlockJob* job, const DenoiseStrength& strength, int 
     job->inverseNoise[0] = job->cut[0] = 0.0f;
 }
 
-// The loop for the instruction set that the filters use, forced or not.
-static DenoiseBlockFn BlockLoop()
-{
-    return &VcFusionKernels() == VcFusionKernelsOf(FusionVariant::Plain) ||
-                   &VcFusionKernels() == VcFusionKernelsOf(FusionVariant::Sse2)
-               ? kDenoiseBlocksSse2
-               : kDenoiseBlocksAvx2;
-}
-
 static void SmoothLevel(DenoisePyramid* pyramid, const float* src, int level,
                         const DenoiseStrength& strength)
 {
@@ -122,7 +113,8 @@ static void SmoothLevel(DenoisePyramid* pyramid, const float* src, int level,
     job.height = pyramid->height >> level;
     job.step = strength.step[level];
     SetNoise(&job, strength, level);
-    const DenoiseBlockFn blocks = BlockLoop();
+    const DenoiseBlockFn blocks =
+        LoopsInUse<DenoiseBlockFn>({nullptr, &kDenoiseBlocksSse2, &kDenoiseBlocksAvx2, nullptr});
     const int64_t scratchSamples = int64_t(kScratchPerColumn) * job.width;
     SplitRows(pyramid->threads, job.height,
               [&](int part, int first, int end)
@@ -182,14 +174,14 @@ static void TakeFromCoarser(DenoisePyramid* pyramid, int level)
             });
 }
 
-bool SmoothPlane(DenoisePyramid* pyramid, float* plane, const DenoiseStrength& strength,
-                 const RunControl& control)
+Outcome SmoothPlane(DenoisePyramid* pyramid, float* plane, const DenoiseStrength& strength,
+                    const RunControl& control)
 {
     const float* src = plane;
     for (int l = 0; l < strength.levels; ++l)
     {
         if (control.Cancelled())
-            return true;
+            return Outcome::Cancelled;
         SmoothLevel(pyramid, src, l, strength);
         if (l + 1 == strength.levels)
             break;
@@ -207,5 +199,5 @@ bool SmoothPlane(DenoisePyramid* pyramid, float* plane, const DenoiseStrength& s
                 for (int x = 0; x < width; ++x)
                     to[x] = smooth[x] + strength.share * (to[x] - smooth[x]);
             });
-    return false;
+    return Outcome::Done;
 }

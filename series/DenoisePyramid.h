@@ -1,5 +1,6 @@
 #pragma once
 
+#include "base/Outcome.h"
 #include "base/ParallelRows.h"
 #include "base/RunControl.h"
 #include "picture/FloatPlane.h"
@@ -25,9 +26,8 @@ struct DenoisePyramid
     FloatPlane blocks;                 // scratch of the block loop, for every thread
 };
 
-// True when memory is short.
-[[nodiscard]] bool AllocateDenoisePyramid(DenoisePyramid* pyramid, int width, int height,
-                                          unsigned threads);
+// Fails when memory is short.
+Outcome AllocateDenoisePyramid(DenoisePyramid* pyramid, int width, int height, unsigned threads);
 
 // How one plane is to be smoothed.
 struct DenoiseStrength
@@ -39,9 +39,9 @@ struct DenoiseStrength
     float share;              // of the original that stays in the result
 };
 
-// Smooths the plane in place. True when it was cancelled.
-[[nodiscard]] bool SmoothPlane(DenoisePyramid* pyramid, float* plane,
-                               const DenoiseStrength& strength, const RunControl& control);
+// Smooths the plane in place, or is cancelled.
+Outcome SmoothPlane(DenoisePyramid* pyramid, float* plane, const DenoiseStrength& strength,
+                    const RunControl& control);
 
 // Calls rowRange(part, first, end) for at most `threads` parts of the rows [0, rows), perhaps at
 // once, and waits for all. Parts count from 0.

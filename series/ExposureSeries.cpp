@@ -2,6 +2,7 @@
 
 #include "base/ShortMemory.h"
 #include "fusion/RangeStretch.h"
+#include "picture/Picture.h"
 #include "series/Denoise.h"
 
 #include <algorithm>
@@ -31,11 +32,6 @@ int ExposurePercent(int number)
     return number < kBrightened ? 25 * number - 20 : 82 + 2 * (number - kBrightened);
 }
 
-unsigned ClampNoiseLevel(int level)
-{
-    return unsigned(std::clamp(level, 0, int(kNoiseLevels) - 1));
-}
-
 int DenoiseRadius(int number, unsigned noiseLevel)
 {
     if (number < 2 || number >= kBrightened || 3 * noiseLevel <= 1)
@@ -52,35 +48,26 @@ void MakeExposure(SBxPicBuf* dst, const SBxPicBuf& source, int number)
         VcStretchRange16(dst, source, range.lo, range.hi);
 }
 
-namespace
-{
 struct SeriesPictures
 {
-    SBxPicBuf working = {}, scratch = {};
-
-    ~SeriesPictures()
-    {
-        CBxPicBufAPI::DoneHeap(&working);
-        CBxPicBufAPI::DoneHeap(&scratch);
-    }
+    Picture working, scratch;
 };
-} // namespace
 
 // The filter reads a copy. Whether it was stopped is of no interest: the picture is handed on as
-// far as it got, and the series finds the stop by itself. True when memory is short.
-static bool DenoiseExposure(SeriesPictures* pictures, int radius, double cache[3],
-                            const SeriesControl& control)
+// far as it got, and the series finds the stop by itself. Fails when memory is short.
+static Outcome DenoiseExposure(SeriesPictures* pictures, int radius, double cache[3],
+                               const SeriesControl& control)
 {
-    SBxPicBuf* scratch = &pictures->scratch;
-    CBxPicBufAPI::ReinitHeap(scratch, pictures->working);
-    if (!scratch->data)
-        return true;
-    CBxPicBufAPI::Copy(scratch, pictures->working);
+    Picture& scratch = pictures->scratch;
+    CBxPicBufAPI::ReinitHeap(scratch.Record(), pictures->working);
+    if (scratch.Empty())
+        return Outcome::Failed;
+    CBxPicBufAPI::Copy(scratch.Record(), pictures->working);
     RunControl stop;
     stop.cancelled = [&control] { return control.Ending(); };
-    return DenoiseTiled(&pictures->working, *scratch, radius, radius, 1.0, cache,
-                        control.denoiseThreads, stop) &&
-           !control.Ending();
+    const Outcome denoised = DenoiseTiled(pictures->working.Record(), scratch, radius, radius, 1.0,
+                                          cache, control.denoiseThreads, stop);
+    return denoised == Outcome::Cancelled ? Outcome::Done : denoised;
 }
 
 // A brightened exposure says nothing once a cancel has come; a darkened one still moves the bar.
@@ -93,36 +80,36 @@ static void ReportExposure(int number, const SeriesControl& control)
     control.progress({percent, percent, !cancelled});
 }
 
-// Counts the exposures in `made`; true when the series ended early.
-static bool MakeExposures(int* made, const SBxPicBuf& source, unsigned noiseLevel,
-                          const SeriesSink& sink, const SeriesControl& control)
+// Counts the exposures in `made`.
+static Outcome MakeExposures(int* made, const SBxPicBuf& source, unsigned noiseLevel,
+                             const SeriesSink& sink, const SeriesControl& control)
 {
-    SeriesPictures pictures;
-    CBxPicBufAPI::ReinitHeap(&pictures.working, source);
-    if (!pictures.working.data)
-        return true;
+    SeriesPictures pictures = {Picture::Like(source), {}};
+    if (pictures.working.Empty())
+        return Outcome::Failed;
     double noise[3] = {-1.0, -1.0, -1.0}; // estimated by the first denoising, for all three
     for (int k = 0; k < kExposures; *made = ++k)
     {
-        MakeExposure(&pictures.working, source, k);
+        MakeExposure(pictures.working.Record(), source, k);
         const int radius = DenoiseRadius(k, noiseLevel);
-        if (radius > 0 && DenoiseExposure(&pictures, radius, noise, control))
-            return true;
-        if (sink(k, pictures.working, ExposureFileName(k).c_str()))
-            return true;
+        if (radius > 0 && DenoiseExposure(&pictures, radius, noise, control) != Outcome::Done)
+            return Outcome::Failed;
+        const Outcome taken = sink(k, pictures.working, ExposureFileName(k).c_str());
+        if (taken != Outcome::Done)
+            return taken;
         ReportExposure(k, control);
         if (control.Ending())
-            return true;
+            return Outcome::Cancelled;
     }
-    return false;
+    return Outcome::Done;
 }
 
 int MakeExposureSeries(const SBxPicBuf& source, unsigned noiseLevel, const SeriesSink& sink,
                        const SeriesControl& control)
 {
     int made = 0;
-    (void)FailsOrLacksMemory([&]
-                             { return MakeExposures(&made, source, noiseLevel, sink, control); });
+    const auto make = [&] { return MakeExposures(&made, source, noiseLevel, sink, control); };
+    (void)FailWithoutMemory(make); // their number tells how it went
     return made;
 }
 

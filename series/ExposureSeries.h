@@ -24,7 +24,6 @@ int ExposurePercent(int number);
 
 // Noise reduction: 0 none, 1 low, 2 medium, 3 high.
 constexpr unsigned kNoiseLevels = 4;
-unsigned ClampNoiseLevel(int level);
 
 // Radius of the denoising filter for an exposure, or 0 where it is not applied. Only the three
 // brightest exposures are denoised: they amplify the noise that the others hide.

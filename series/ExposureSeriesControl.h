@@ -1,5 +1,6 @@
 #pragma once
 
+#include "base/Outcome.h"
 #include "picture/PicBuf.h"
 
 #include <functional>
@@ -28,5 +29,5 @@ struct SeriesControl
 };
 
 // Takes picture number `number` of a series (in order of making) with its file name. The picture
-// is valid during the call only. True when it could not be taken: the series ends.
-using SeriesSink = std::function<bool(int number, const SBxPicBuf& picture, const char* name)>;
+// is valid during the call only. After anything but Done the series ends.
+using SeriesSink = std::function<Outcome(int number, const SBxPicBuf& picture, const char* name)>;

@@ -3,6 +3,7 @@
 #include "base/ShortMemory.h"
 #include "base/SystemFiles.h"
 #include "files/ImageFile.h"
+#include "picture/Picture.h"
 
 SeriesBar SeriesBarOf(SeriesKind kind)
 {
@@ -15,11 +16,9 @@ static void WriteSeriesFile(const std::string& path, const SBxPicBuf& picture)
     std::string savePath;
     if (SavePathFromUtf8(&savePath, path.c_str(), PathUse::Target))
         return;
-    SBxPicBuf noAlpha;
-    CBxPicBufAPI::Init(&noAlpha);
     SaveExtras extras;
     extras.passing = true;
-    SavePicturePair(picture, noAlpha, savePath.c_str(), "", kFormatTiff, nullptr, &extras);
+    SavePicturePair(picture, Picture(), savePath.c_str(), "", kFormatTiff, nullptr, &extras);
 }
 
 // A series that nobody stopped ended early because memory was short. What there is of it would give
@@ -34,7 +33,7 @@ static void MakeFiles(SeriesRun* run)
     const SeriesSink write = [run](int, const SBxPicBuf& picture, const char* name)
     {
         WriteSeriesFile(run->folder + name, picture);
-        return false;
+        return Outcome::Done;
     };
     if (run->kind == SeriesKind::Single)
     {
@@ -57,12 +56,11 @@ static void MakeFiles(SeriesRun* run)
 void MakeSeriesFiles(SeriesRun* run)
 {
     run->files.clear();
-    const bool failed = FailsOrLacksMemory(
-        [run]
-        {
-            MakeFiles(run);
-            return false;
-        });
-    if (failed)
+    const auto make = [run]
+    {
+        MakeFiles(run);
+        return Outcome::Done;
+    };
+    if (FailWithoutMemory(make) != Outcome::Done)
         run->files.clear();
 }

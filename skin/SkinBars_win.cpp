@@ -1,14 +1,19 @@
-// Progress bars, track bars and the status bar.
+// The controls keep what they show (range and position, channel and thumb,
+// parts and texts), and tell it by messages; so nothing is remembered here, and
+// each painting asks anew.
 
-#include "skin/SkinColors.h"
+#include "skin/SkinBars_win.h"
+
+#include "skin/SkinColors_win.h"
 #include "skin/SkinDraw_win.h"
-#include "skin/SkinPaintings_win.h"
 
 #include <commctrl.h>
 
 #include <algorithm>
 
-// A piece that runs through the bar every two seconds; the control asks for the paintings.
+// A piece of a quarter's length that runs through the bar every two seconds,
+// while nobody knows how much is done. The control has itself painted again and
+// again; the clock says where the piece is.
 static RECT MarqueeChunk(const RECT& bar)
 {
     constexpr ULONGLONG kRoundMs = 2000;
@@ -24,8 +29,9 @@ static bool DrawProgress(const SkinCall& call, HDC dc, const RECT& client)
     SendMessageW(call.hwnd, PBM_GETRANGE, TRUE, reinterpret_cast<LPARAM>(&range));
     const int position = int(SendMessageW(call.hwnd, PBM_GETPOS, 0, 0));
     FillBox(dc, client, SkinShade::kGroove);
+    // A border is painted with the frame.
     if (!(call.window.style & WS_BORDER))
-        DrawPlate(dc, client, SkinShade::kGroove, SkinShade::kEdge, SkinColor(kSkinFace));
+        DrawRoundedBox(dc, client, SkinShade::kGroove, SkinShade::kEdge, SkinColor(kSkinFace));
     RECT done = client;
     InflateRect(&done, -1, -1);
     const int span = std::max(range.iHigh - range.iLow, 1);
@@ -46,6 +52,8 @@ bool PaintProgress(const SkinCall& call, LRESULT* answer)
     return PaintBuffered(call, DrawProgress);
 }
 
+// The thumb is a disc: with a ring around it when it has the focus, and hollow
+// when it is disabled.
 constexpr int kGrooveHeight = 4;
 constexpr float kThumbRadius = 5.5f, kRingRadius = 7.0f, kHoleRadius = 3.5f;
 
@@ -80,7 +88,8 @@ static TrackPlaces PlaceTrack(bool vertical, RECT channel, const RECT& thumb, co
     return places;
 }
 
-// The groove is lit up to the thumb; a ring around the thumb shows the focus.
+// The groove is lit up to the thumb. While it is dragged, the mouse may be
+// anywhere: the capture says that the thumb is still the one to light up.
 static bool DrawTrackbar(const SkinCall& call, HDC dc, const RECT& client)
 {
     RECT channel = {}, thumb = {};
@@ -94,10 +103,10 @@ static bool DrawTrackbar(const SkinCall& call, HDC dc, const RECT& client)
     const TrackPlaces places = PlaceTrack(vertical, channel, thumb, client);
 
     FillRect(dc, &client, ParentBrush(call.hwnd, dc));
-    DrawPlate(dc, places.groove, SkinShade::kGroove, SkinShade::kGroove, SkinColor(kSkinFace));
+    DrawRoundedBox(dc, places.groove, SkinShade::kGroove, SkinShade::kGroove, SkinColor(kSkinFace));
     const COLORREF light = enabled ? SkinShade::kAccent : SkinShade::kEdgeOff;
     if (!IsRectEmpty(&places.lit))
-        DrawPlate(dc, places.lit, light, light, SkinColor(kSkinFace));
+        DrawRoundedBox(dc, places.lit, light, light, SkinColor(kSkinFace));
     if (GetFocus() == call.hwnd && enabled)
         DrawDisc(dc, places.x, places.y, kRingRadius, SkinShade::kAccent);
     DrawDisc(dc, places.x, places.y, kThumbRadius,
@@ -113,7 +122,10 @@ bool PaintTrackbar(const SkinCall& call, LRESULT* answer)
     return PaintBuffered(call, DrawTrackbar);
 }
 
-constexpr int kMaxParts = 256;
+constexpr int kMaxParts = 256; // the most that a status bar takes
+
+// A status bar is divided into parts, or "simple" while it shows one text for
+// all.
 
 static void DrawStatusPart(HDC dc, HWND bar, int part, bool simple, HFONT font)
 {
@@ -144,6 +156,7 @@ static bool DrawStatusBar(const SkinCall& call, HDC dc, const RECT& client)
                : SendMessageW(call.hwnd, SB_GETPARTS, kMaxParts, reinterpret_cast<LPARAM>(ends));
     for (int i = 0; i < int(parts); ++i)
         DrawStatusPart(dc, call.hwnd, i, simple, font);
+    // A window that fills the screen cannot be sized.
     const bool sizes = (call.window.style & SBARS_SIZEGRIP) != 0;
     if (sizes && !IsZoomed(GetAncestor(call.hwnd, GA_ROOT)))
         DrawSizeGrip(dc, client);

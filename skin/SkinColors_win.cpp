@@ -1,10 +1,12 @@
-#include "skin/SkinColors.h"
+// One brush is made for each colour of the scheme and kept while the scheme
+// holds: answers to colour queries are brushes that their receiver does not
+// delete, so making one per query would leak.
 
-#include "skin/SkinBrushes_win.h"
+#include "skin/SkinColors_win.h"
 
 static SkinState g_state;
-static SkinTable g_table = EmptySkinTable();
-static HBRUSH g_brushes[kSkinColours];
+static SkinPalette g_palette = EmptySkinPalette();
+static HBRUSH g_brushes[kSkinColours]; // null where the system's colour stays
 
 int SkinScheme()
 {
@@ -16,9 +18,9 @@ bool SkinIsDark()
     return IsDark(g_state);
 }
 
-unsigned long SkinColor(int systemIndex)
+COLORREF SkinColor(int systemIndex)
 {
-    const uint32_t colour = SkinTableColour(g_table, systemIndex);
+    const uint32_t colour = SkinPaletteColour(g_palette, systemIndex);
     return colour == kNoSkinColour ? GetSysColor(systemIndex) : colour;
 }
 
@@ -38,7 +40,7 @@ static void ResetColours()
             DeleteObject(brush);
         brush = nullptr;
     }
-    g_table = EmptySkinTable();
+    g_palette = EmptySkinPalette();
 }
 
 void SetSkinState(const SkinState& state)
@@ -47,8 +49,8 @@ void SetSkinState(const SkinState& state)
     g_state = state;
     if (state.scheme == kNoScheme)
         return;
-    g_table = DarkSkinTable();
+    g_palette = DarkSkinPalette();
     for (int i = 0; i < kSkinColours; ++i)
-        if (g_table.colour[i] != kNoSkinColour)
-            g_brushes[i] = CreateSolidBrush(g_table.colour[i]);
+        if (g_palette.colour[i] != kNoSkinColour)
+            g_brushes[i] = CreateSolidBrush(g_palette.colour[i]);
 }

@@ -1,7 +1,11 @@
+// Everything is drawn without smoothing but the disc, in whole pixels and
+// one-pixel lines, so that a control looks the same at every place. Nothing is
+// scaled with the screen's resolution: the system enlarges the window as a
+// whole.
+
 #include "skin/SkinDraw_win.h"
 
-#include "skin/SkinBrushes_win.h"
-#include "skin/SkinColors.h"
+#include "skin/SkinColors_win.h"
 
 SkinCanvas::SkinCanvas(int width, int height)
 {
@@ -25,6 +29,26 @@ SkinCanvas::~SkinCanvas()
     DeleteObject(bitmap);
 }
 
+SkinPixels::SkinPixels(HDC like, int width, int height) : dc(CreateCompatibleDC(like))
+{
+    BITMAPINFO info = {};
+    info.bmiHeader = {sizeof info.bmiHeader, width, -height, 1, 32, BI_RGB, 0, 0, 0, 0, 0};
+    void* bits = nullptr;
+    bitmap = CreateDIBSection(dc, &info, DIB_RGB_COLORS, &bits, nullptr, 0);
+    if (bitmap)
+        firstBitmap = SelectObject(dc, bitmap);
+    if (firstBitmap)
+        pixels = static_cast<uint32_t*>(bits);
+}
+
+SkinPixels::~SkinPixels()
+{
+    if (firstBitmap)
+        SelectObject(dc, firstBitmap);
+    DeleteDC(dc);
+    DeleteObject(bitmap);
+}
+
 static void ExcludeBox(HDC dc, const RECT& box)
 {
     ExcludeClipRect(dc, box.left, box.top, box.right, box.bottom);
@@ -42,6 +66,8 @@ static void ExcludeChildren(HDC dc, HWND hwnd)
     }
 }
 
+// Children lie inside of their parent without being cut out of it (not all have
+// WS_CLIPCHILDREN).
 static void ShowCanvas(HDC dc, const SkinCall& call, const SkinCanvas& canvas, const RECT& client,
                        const RECT* hole)
 {
@@ -59,9 +85,12 @@ bool PaintBuffered(const SkinCall& call, SkinPainting painting, const RECT* hole
     if (!GetClientRect(call.hwnd, &client) || client.right <= 0 || client.bottom <= 0)
         return false;
     const SkinCanvas canvas(client.right, client.bottom);
-    // On the canvas first: the window is left unpainted for the previous procedure when it fails.
+    // On the canvas first: BeginPaint would end the need to paint, and a painting
+    // that fails would leave the previous procedure nothing to do.
     if (!canvas.dc || !painting(call, canvas.dc, client))
         return false;
+    // Whoever wants a picture of the control (WM_PRINTCLIENT) brings the context
+    // along.
     if (const HDC given = reinterpret_cast<HDC>(call.wParam))
     {
         ShowCanvas(given, call, canvas, client, hole);
@@ -102,7 +131,7 @@ static COLORREF Mix(COLORREF a, COLORREF b)
                (GetBValue(a) + GetBValue(b)) / 2);
 }
 
-void DrawPlate(HDC dc, const RECT& box, COLORREF fill, COLORREF edge, COLORREF around)
+void DrawRoundedBox(HDC dc, const RECT& box, COLORREF fill, COLORREF edge, COLORREF around)
 {
     FillBox(dc, box, fill);
     FrameBox(dc, box, edge);
@@ -126,6 +155,7 @@ COLORREF StateTextColour(bool enabled)
     return SkinColor(enabled ? kSkinText : kSkinGreyText);
 }
 
+// As alpha blending wants it: colours multiplied by alpha.
 static uint32_t PremultipliedPixel(COLORREF colour, float coverage)
 {
     const auto part = [coverage](int value) { return uint32_t(float(value) * coverage + 0.5f); };
@@ -133,29 +163,22 @@ static uint32_t PremultipliedPixel(COLORREF colour, float coverage)
            part(GetBValue(colour));
 }
 
+// The disc's square is blended over what is there already, pixel by pixel by
+// how much of it the disc covers.
 void DrawDisc(HDC dc, float x, float y, float radius, COLORREF colour)
 {
     const int left = int(x - radius) - 1, top = int(y - radius) - 1;
     const int side = int(2 * radius) + 4;
-    BITMAPINFO info = {};
-    info.bmiHeader = {sizeof info.bmiHeader, side, -side, 1, 32, BI_RGB, 0, 0, 0, 0, 0};
-    void* bits = nullptr;
-    const HDC source = CreateCompatibleDC(dc);
-    const HBITMAP bitmap = CreateDIBSection(source, &info, DIB_RGB_COLORS, &bits, nullptr, 0);
-    if (bitmap)
-    {
-        uint32_t* pixel = static_cast<uint32_t*>(bits);
-        for (int row = top; row < top + side; ++row)
-            for (int column = left; column < left + side; ++column)
-                *pixel++ = PremultipliedPixel(
-                    colour, DiscCoverage(float(column) - x, float(row) - y, radius));
-        const HGDIOBJ before = SelectObject(source, bitmap);
-        GdiAlphaBlend(dc, left, top, side, side, source, 0, 0, side, side,
-                      {AC_SRC_OVER, 0, 255, AC_SRC_ALPHA});
-        SelectObject(source, before);
-        DeleteObject(bitmap);
-    }
-    DeleteDC(source);
+    const SkinPixels disc(dc, side, side);
+    if (!disc.pixels)
+        return;
+    uint32_t* pixel = disc.pixels;
+    for (int row = top; row < top + side; ++row)
+        for (int column = left; column < left + side; ++column)
+            *pixel++ =
+                PremultipliedPixel(colour, DiscCoverage(float(column) - x, float(row) - y, radius));
+    GdiAlphaBlend(dc, left, top, side, side, disc.dc, 0, 0, side, side,
+                  {AC_SRC_OVER, 0, 255, AC_SRC_ALPHA});
 }
 
 void DrawSizeGrip(HDC dc, const RECT& client)
@@ -188,6 +211,7 @@ void DrawLabel(HDC dc, HFONT font, const std::wstring& text, RECT box, UINT flag
     SelectObject(dc, previous);
 }
 
+// Asked as a static control asks. A parent without an answer gets the face.
 HBRUSH ParentBrush(HWND hwnd, HDC dc)
 {
     const LRESULT brush =

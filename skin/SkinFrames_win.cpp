@@ -1,13 +1,17 @@
-// The part of a window outside of its client area: edges, and scroll bars that belong to a list.
+// However wide the system has made an edge, it becomes one line, and what
+// remains of it takes the colour of the inside. Nothing changes its size, so no
+// control has to be laid out again.
 
-#include "skin/SkinColors.h"
+#include "skin/SkinFrames_win.h"
+
+#include "skin/SkinColors_win.h"
 #include "skin/SkinDraw_win.h"
 #include "skin/SkinMenus_win.h"
-#include "skin/SkinPaintings_win.h"
 #include "skin/SkinScroll_win.h"
 #include "skin/SkinSubclass_win.h"
 
-// Client area in coordinates of the window's upper left corner.
+// Client area and, in `window`, the whole window, both in coordinates of the
+// window's upper left corner, as a window context has them.
 static RECT ClientInWindow(HWND hwnd, RECT* window)
 {
     RECT client;
@@ -46,7 +50,7 @@ bool PaintFrame(const SkinCall& call, LRESULT* answer)
     const bool vertical = (call.window.style & WS_VSCROLL) != 0;
     const bool horizontal = (call.window.style & WS_HSCROLL) != 0;
     if (EqualRect(&inner, &window))
-        return false;
+        return false; // no edge
     const HDC dc = GetWindowDC(call.hwnd);
     if (!dc)
         return false;
@@ -57,6 +61,7 @@ bool PaintFrame(const SkinCall& call, LRESULT* answer)
         DrawWindowScrollBar(dc, call.hwnd, OBJID_VSCROLL);
     if (horizontal)
         DrawWindowScrollBar(dc, call.hwnd, OBJID_HSCROLL);
+    // Last, since scroll bars reach up to the edge.
     FrameBox(dc, window, EdgeColour(call));
     RestoreDC(dc, saved);
     ReleaseDC(call.hwnd, dc);
@@ -64,10 +69,12 @@ bool PaintFrame(const SkinCall& call, LRESULT* answer)
     return true;
 }
 
-// Around the items, which are drawn one by one. Some systems count this as client area, some do
-// not.
+// Around the items, which are drawn one by one. Some systems count this as
+// client area, some do not; so the place of the items is asked for, and the
+// same is done for either message.
 bool PaintMenuFrame(const SkinCall& call, LRESULT* answer)
 {
+    // The system goes first: it lays the items out and has them drawn.
     *answer = CallPrevious(call.hwnd, call.message, call.wParam, call.lParam);
     RECT window, screen, items;
     ClientInWindow(call.hwnd, &window);

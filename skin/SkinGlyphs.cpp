@@ -4,10 +4,11 @@
 #include <cmath>
 #include <cstdint>
 
-constexpr int kSideBase = 7;
+constexpr int kSideBase = 7; // of arrows to the left and right, whatever base is asked for
 
 Glyph ArrowGlyph(ArrowTo to, int base)
 {
+    // Up and left are down and right with their lines in the opposite order.
     const bool vertical = to == ArrowTo::Left || to == ArrowTo::Right;
     const bool pointLast = to == ArrowTo::Down || to == ArrowTo::Right;
     const int longest = vertical ? kSideBase : base;
@@ -32,8 +33,11 @@ float DiscCoverage(float x, float y, float radius)
     return std::clamp(radius - distance + 0.5f, 0.0f, 1.0f);
 }
 
-constexpr int kShortestThumb = 12;
+constexpr int kShortestThumb = 12; // pixels that can still be hit with the mouse
 
+// The thumb is to its lane, the bar without the buttons, as the page is to
+// everything; and its place in what is left of the lane is as the position
+// among all that can be scrolled to.
 ThumbPlace PlaceThumb(const ScrollRange& range, int length, int button)
 {
     const int lane = length - 2 * button;

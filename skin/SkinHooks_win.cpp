@@ -1,14 +1,31 @@
-// Four hooks of this thread. A sent message that the skin takes finds the skin's procedure in place
-// of the control's own for as long as it is handled; a paint message from the queue is handled
-// inside the hook that sees it taken out, since no hook stands around its dispatch.
+// Four hooks of this thread.
+//
+//   before a procedure   a sent message that the skin takes finds the skin's
+//   procedure in place of
+//                        the control's own for as long as it is handled
+//   after a procedure    puts the control's own back; gives new windows their
+//   colours; follows
+//                        clicks on converted buttons and the opening of menus
+//   out of the queue     a paint message is handled right here, since no hook
+//   stands around its
+//                        dispatch; and the mouse tells which control is to
+//                        light up
+//   message filter       keys of modal dialogs, for converted buttons
+//
+// Replacing the procedure only while a message is handled leaves no trace
+// between messages: whoever subclasses a control, or asks for its procedure,
+// finds the control's own.
 
 #include "skin/SkinHooks_win.h"
 
-#include "skin/SkinBrushes_win.h"
-#include "skin/SkinColors.h"
+#include "skin/SkinButtonRules.h"
+#include "skin/SkinButtons_win.h"
+#include "skin/SkinColors_win.h"
 #include "skin/SkinImages_win.h"
 #include "skin/SkinKeyboard_win.h"
 #include "skin/SkinMenus_win.h"
+#include "skin/SkinNewWindow_win.h"
+#include "skin/SkinProcedure_win.h"
 #include "skin/SkinSubclass_win.h"
 #include "skin/SkinWindow_win.h"
 
@@ -27,6 +44,8 @@ static std::vector<Claim> g_claims;
 
 static HHOOK g_afterHook, g_beforeHook, g_queueHook, g_filterHook;
 
+// Cheap questions first: this is asked for every message that is sent in this
+// thread.
 static bool Claims(HWND hwnd, UINT message)
 {
     return SkinScheme() != kNoScheme && SkinMayTake(message) &&
@@ -44,7 +63,8 @@ static LRESULT CALLBACK BeforeProcedure(int code, WPARAM wParam, LPARAM lParam)
     return CallNextHookEx(g_beforeHook, code, wParam, lParam);
 }
 
-// Ends the claim on a message, and with it claims inside of it whose end was never told.
+// Ends the claim on a message, and with it claims inside of it whose end was
+// never told.
 static void EndClaim(const CWPRETSTRUCT& call)
 {
     for (size_t i = g_claims.size(); i-- > 0;)
@@ -62,6 +82,7 @@ static void EndClaim(const CWPRETSTRUCT& call)
     }
 }
 
+// The window is gone; its handle may soon be another's.
 static void ForgetWindow(HWND hwnd)
 {
     ForgetSkinnedWindow(hwnd);
@@ -76,8 +97,8 @@ static void OnSentMessage(const CWPRETSTRUCT& call)
     switch (call.message)
     {
     case WM_CREATE:
-        if (call.lResult != -1)
-            DressWindow(call.hwnd);
+        if (call.lResult != -1) // or the window has refused to be created
+            StyleNewWindow(call.hwnd);
         break;
     case WM_NCDESTROY: ForgetWindow(call.hwnd); break;
     case WM_COMMAND:
@@ -87,9 +108,9 @@ static void OnSentMessage(const CWPRETSTRUCT& call)
         break;
     case WM_INITMENUPOPUP:
         if (!HIWORD(call.lParam)) // the system's own menu keeps its look
-            DressMenu(reinterpret_cast<HMENU>(call.wParam));
+            OwnerDrawMenu(reinterpret_cast<HMENU>(call.wParam));
         break;
-    case WM_UNINITMENUPOPUP: UndressMenu(reinterpret_cast<HMENU>(call.wParam)); break;
+    case WM_UNINITMENUPOPUP: RestoreMenu(reinterpret_cast<HMENU>(call.wParam)); break;
     }
 }
 
@@ -105,6 +126,7 @@ static LRESULT CALLBACK AfterProcedure(int code, WPARAM wParam, LPARAM lParam)
     return CallNextHookEx(g_afterHook, code, wParam, lParam);
 }
 
+// Nothing is left to dispatch afterwards.
 static void PaintInHook(MSG* message)
 {
     const HWND hwnd = message->hwnd;
@@ -137,12 +159,15 @@ static void OnQueuedMessage(MSG* message)
             SetHotWindow(nullptr);
         break;
     case WM_LBUTTONDBLCLK:
-        // An owner-drawn button would tell of a double click what a push button takes for a click.
+        // An owner-drawn button would tell of a double click what a push button
+        // takes for a click.
         if (SkinClassOfWindow(hwnd) == SkinClass::Button &&
             IsConvertedButton(DescribeWindow(hwnd).style))
             message->message = WM_LBUTTONDOWN;
         break;
     }
+    // A scroll bar draws its thumb by itself while it is dragged, over the
+    // skin's.
     const bool moves = message->message == WM_MOUSEMOVE || message->message == WM_LBUTTONUP;
     if (moves && SkinIsDark() && SkinClassOfWindow(hwnd) == SkinClass::ScrollBar)
         InvalidateRect(hwnd, nullptr, FALSE);
@@ -151,7 +176,7 @@ static void OnQueuedMessage(MSG* message)
 static LRESULT CALLBACK QueueProcedure(int code, WPARAM wParam, LPARAM lParam)
 {
     MSG* message = reinterpret_cast<MSG*>(lParam);
-    // Also called for messages that are only looked at.
+    // Also called for messages that are only looked at and stay in the queue.
     const bool taken =
         code == HC_ACTION && wParam == PM_REMOVE && message->hwnd && SkinScheme() != kNoScheme;
     if (taken && message->message == WM_PAINT && Claims(message->hwnd, WM_PAINT))
@@ -190,6 +215,8 @@ void RemoveSkin()
     ReleaseMenuFont();
 }
 
+// The thread's own hooks alone: windows of other programs and threads are not
+// ours to paint.
 void InstallSkin()
 {
     RemoveSkin();

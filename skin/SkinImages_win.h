@@ -2,10 +2,14 @@
 
 #include "base/Win.h"
 
-// Images of check boxes and radio buttons, loaded at first use and kept until the skin goes.
+#include <string>
 
-constexpr int kCheckImageSize = 16;
+// Images of check boxes and radio buttons, loaded from the program's resources
+// at first use and kept until the skin goes. Names: CheckImageName in
+// SkinButtonRules.h.
 
-// False when there is no such image.
-bool DrawCheckImage(HDC dc, int x, int y, const wchar_t* name);
+constexpr int kCheckImageSize = 16; // pixels, both ways
+
+// False when there is no such image, or no drawing it.
+bool DrawCheckImage(HDC dc, int x, int y, const std::wstring& name);
 void ReleaseCheckImages();

@@ -1,5 +1,9 @@
+// Keys become what a mouse would have done: a press of the button, or the
+// command that its parent would have got.
+
 #include "skin/SkinKeyboard_win.h"
 
+#include "skin/SkinButtons_win.h"
 #include "skin/SkinDraw_win.h"
 
 #include <cwctype>
@@ -7,6 +11,8 @@
 // Somewhere inside of the button.
 constexpr LPARAM kInside = MAKELPARAM(1, 1);
 
+// Buttons may stand in a panel inside of the dialog: whoever answers first has
+// closed something.
 static bool CancelDialog(HWND button)
 {
     for (HWND parent = GetParent(button); parent; parent = GetParent(parent))
@@ -15,6 +21,7 @@ static bool CancelDialog(HWND button)
     return true;
 }
 
+// Whether the text underlines that letter (a capital).
 static bool HasLetter(HWND button, wchar_t letter)
 {
     const std::wstring text = TextOf(button);

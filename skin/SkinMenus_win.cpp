@@ -1,7 +1,11 @@
+// Each item of an open popup has a row here, which keeps what the item was
+// before and what is drawn of it; the item's data points at its row. A row is
+// laid out as mark, label, keys and arrow, from left to right, with the keys
+// ending in line.
+
 #include "skin/SkinMenus_win.h"
 
-#include "skin/SkinBrushes_win.h"
-#include "skin/SkinColors.h"
+#include "skin/SkinColors_win.h"
 #include "skin/SkinDraw_win.h"
 
 #include <commctrl.h>
@@ -14,17 +18,18 @@ struct MenuRow
 {
     HMENU menu;
     UINT position;
-    UINT type; // before
+    UINT type; // these two as they were before
     ULONG_PTR data;
-    std::wstring label, keys;
+    std::wstring label, keys; // left and right of the tab in the item's text
     bool submenu;
 };
 
 constexpr int kMarkWidth = 26, kKeysGap = 28, kArrowWidth = 18;
 constexpr int kRowPadding = 5, kSeparatorHeight = 9;
-constexpr UINT kGetMenuHandle = 0x01E1; // of an open popup's window
 
-static std::list<MenuRow> g_rows; // items point at theirs
+// A list, whose rows stay in their places: submenus come and go while items
+// point at their rows.
+static std::list<MenuRow> g_rows;
 static HFONT g_menuFont;
 
 static HFONT MenuFont()
@@ -43,6 +48,7 @@ void ReleaseMenuFont()
     g_menuFont = nullptr;
 }
 
+// By comparing, since an item's data may as well be a number of the program's.
 static MenuRow* RowOf(ULONG_PTR data)
 {
     for (MenuRow& row : g_rows)
@@ -51,7 +57,7 @@ static MenuRow* RowOf(ULONG_PTR data)
     return nullptr;
 }
 
-static void DressItem(HMENU menu, UINT position)
+static void OwnerDrawItem(HMENU menu, UINT position)
 {
     wchar_t text[512] = L"";
     MENUITEMINFOW info = {};
@@ -73,9 +79,9 @@ static void DressItem(HMENU menu, UINT position)
     SetMenuItemInfoW(menu, position, TRUE, &info);
 }
 
-void DressMenu(HMENU menu)
+void OwnerDrawMenu(HMENU menu)
 {
-    UndressMenu(menu);
+    RestoreMenu(menu); // where its closing was never told
     MENUINFO info = {};
     info.cbSize = sizeof info;
     info.fMask = MIM_BACKGROUND;
@@ -83,10 +89,10 @@ void DressMenu(HMENU menu)
     SetMenuInfo(menu, &info);
     const int count = GetMenuItemCount(menu);
     for (int i = 0; i < count; ++i)
-        DressItem(menu, UINT(i));
+        OwnerDrawItem(menu, UINT(i));
 }
 
-void UndressMenu(HMENU menu)
+void RestoreMenu(HMENU menu)
 {
     for (auto row = g_rows.begin(); row != g_rows.end();)
     {
@@ -125,7 +131,7 @@ bool MeasureMenuItem(const SkinCall& call, LRESULT* answer)
     const SIZE label = TextSize(dc, row->label), keys = TextSize(dc, row->keys);
     SelectObject(dc, before);
     ReleaseDC(nullptr, dc);
-    // The system adds the width of a check mark.
+    // The system adds the width of a check mark to whatever is answered.
     const int more = kMarkWidth + kArrowWidth - GetSystemMetrics(SM_CXMENUCHECK);
     item.itemWidth = UINT(std::max<int>(0, label.cx + (keys.cx ? kKeysGap + keys.cx : 0) + more));
     item.itemHeight =
@@ -147,8 +153,8 @@ static void DrawRow(HDC dc, const RECT& box, const MenuRow& row, UINT state)
     RECT plate = box;
     InflateRect(&plate, -2, 0);
     if (state & ODS_SELECTED)
-        DrawPlate(dc, plate, enabled ? COLORREF(SkinShade::kSelected) : SkinColor(kSkinMenu),
-                  enabled ? SkinShade::kAccent : SkinShade::kMenuEdge, SkinColor(kSkinMenu));
+        DrawRoundedBox(dc, plate, enabled ? COLORREF(SkinShade::kSelected) : SkinColor(kSkinMenu),
+                       enabled ? SkinShade::kAccent : SkinShade::kMenuEdge, SkinColor(kSkinMenu));
     RECT line = box;
     if (state & ODS_CHECKED)
         DrawDisc(dc, float(box.left) + float(kMarkWidth) / 2, float(box.top + box.bottom) / 2, 3,
@@ -167,7 +173,7 @@ static void DrawRow(HDC dc, const RECT& box, const MenuRow& row, UINT state)
 bool DrawMenuItem(const SkinCall& call, LRESULT* answer)
 {
     const DRAWITEMSTRUCT& item = *reinterpret_cast<const DRAWITEMSTRUCT*>(call.lParam);
-    const MenuRow* row = item.CtlType == ODT_MENU ? RowOf(item.itemData) : nullptr;
+    const MenuRow* row = RowOf(item.itemData);
     if (!row)
         return false;
     const RECT& place = item.rcItem;
@@ -181,7 +187,8 @@ bool DrawMenuItem(const SkinCall& call, LRESULT* answer)
     else
         DrawRow(canvas.dc, box, *row, item.itemState);
     BitBlt(item.hDC, place.left, place.top, box.right, box.bottom, canvas.dc, 0, 0, SRCCOPY);
-    // The system would now draw its own black arrow over ours.
+    // The system would now draw its own black arrow over ours: it is kept from
+    // the item's place.
     ExcludeClipRect(item.hDC, place.left, place.top, place.right, place.bottom);
     *answer = TRUE;
     return true;
@@ -205,7 +212,7 @@ bool FindMenuLetter(const SkinCall& call, LRESULT* answer)
 
 bool MenuItemsPlace(HWND popup, RECT* place)
 {
-    const HMENU menu = reinterpret_cast<HMENU>(SendMessageW(popup, kGetMenuHandle, 0, 0));
+    const HMENU menu = reinterpret_cast<HMENU>(SendMessageW(popup, MN_GETHMENU, 0, 0));
     RECT first, last;
     const int count = menu ? GetMenuItemCount(menu) : 0;
     const auto isOf = [menu](const MenuRow& row) { return row.menu == menu; };

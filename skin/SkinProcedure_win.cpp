@@ -1,120 +1,103 @@
-// Which painting answers which message of which class. What has no row, or whose painting fails,
-// goes to the procedure that the skin stands before.
+// From a task of the table (SkinRules.h) to the function of the same name.
+// There is nothing to decide here: which message of which control has which
+// task, the table says alone.
 
+#include "skin/SkinProcedure_win.h"
+
+#include "skin/SkinBars_win.h"
+#include "skin/SkinButtons_win.h"
+#include "skin/SkinChecks_win.h"
+#include "skin/SkinCombos_win.h"
+#include "skin/SkinFrames_win.h"
 #include "skin/SkinMenus_win.h"
-#include "skin/SkinPaintings_win.h"
+#include "skin/SkinScroll_win.h"
 #include "skin/SkinSubclass_win.h"
-
-#include <commctrl.h>
+#include "skin/SkinTabs_win.h"
+#include "skin/SkinText_win.h"
+#include "skin/SkinToolbar_win.h"
 
 // The painting covers everything: no background, which would flicker.
-static bool KeepBackground(const SkinCall&, LRESULT* answer)
+static bool KeepBackground(LRESULT* answer)
 {
     *answer = 1;
     return true;
 }
 
-// Controls draw themselves at once when their text, state or focus changes. They are kept from it,
-// and painted soon.
+// Controls draw themselves at once when their text, state or focus changes.
+// They are kept from it, and painted soon. (WM_SETREDRAW by the default
+// procedure only hides and shows the window for drawing; it repaints nothing.)
 static bool ChangeQuietly(const SkinCall& call, LRESULT* answer)
 {
     const bool visible = (call.window.style & WS_VISIBLE) != 0;
     if (visible)
         DefWindowProcW(call.hwnd, WM_SETREDRAW, FALSE, 0);
     *answer = CallPrevious(call.hwnd, call.message, call.wParam, call.lParam);
-    if (visible && IsWindow(call.hwnd))
+    if (visible && IsWindow(call.hwnd)) // the parent may have ended it when told of the change
         DefWindowProcW(call.hwnd, WM_SETREDRAW, TRUE, 0);
     InvalidateRect(call.hwnd, nullptr, FALSE);
     return true;
 }
 
-static const struct
+// Owners get one message for all that is owner-drawn.
+static bool DrawItem(const SkinCall& call, LRESULT* answer)
 {
-    SkinClass kind;
-    UINT message;
-    SkinHandler handler;
-} kHandlers[] = {
-    {SkinClass::Button, WM_PAINT, PaintButton},
-    {SkinClass::Button, WM_ERASEBKGND, KeepBackground},
-    {SkinClass::Button, WM_GETDLGCODE, AnswerButtonDialogCode},
-    {SkinClass::Button, BM_SETSTYLE, SetButtonStyle},
-    {SkinClass::Button, WM_SETTEXT, ChangeQuietly},
-    {SkinClass::Button, WM_ENABLE, ChangeQuietly},
-    {SkinClass::Button, WM_SETFOCUS, ChangeQuietly},
-    {SkinClass::Button, WM_KILLFOCUS, ChangeQuietly},
-    {SkinClass::Button, BM_SETCHECK, ChangeQuietly},
-    {SkinClass::Button, BM_SETSTATE, ChangeQuietly},
-    {SkinClass::Any, WM_DRAWITEM, DrawButtonItem},
+    switch (reinterpret_cast<const DRAWITEMSTRUCT*>(call.lParam)->CtlType)
+    {
+    case ODT_BUTTON: return DrawButtonItem(call, answer);
+    case ODT_MENU: return DrawMenuItem(call, answer);
+    case ODT_COMBOBOX: return DrawForeignItem(call, answer);
+    default: return false;
+    }
+}
 
-    {SkinClass::Static, WM_PAINT, PaintStatic},
-    {SkinClass::Static, WM_ERASEBKGND, KeepBackground},
-    {SkinClass::Static, WM_SETTEXT, ChangeQuietly},
-    {SkinClass::Static, WM_ENABLE, ChangeQuietly},
-    {SkinClass::Static, WM_NCPAINT, PaintFrame},
+// Without a default, so that the compiler finds a task that nothing is done
+// for.
+static bool Perform(SkinTask task, const SkinCall& call, LRESULT* answer)
+{
+    switch (task)
+    {
+    case SkinTask::None:
+    case SkinTask::PassOn: return false;
+    case SkinTask::KeepBackground: return KeepBackground(answer);
+    case SkinTask::ChangeQuietly: return ChangeQuietly(call, answer);
+    case SkinTask::PaintFrame: return PaintFrame(call, answer);
+    case SkinTask::PaintCheckOrGroup: return PaintCheckOrGroup(call, answer);
+    case SkinTask::AnswerButtonDialogCode: return AnswerButtonDialogCode(call, answer);
+    case SkinTask::SetButtonStyle: return SetButtonStyle(call, answer);
+    case SkinTask::PaintStatic: return PaintStatic(call, answer);
+    case SkinTask::PaintDisabledEdit: return PaintDisabledEdit(call, answer);
+    case SkinTask::PaintCombo: return PaintCombo(call, answer);
+    case SkinTask::PaintHeader: return PaintHeader(call, answer);
+    case SkinTask::PaintTab: return PaintTab(call, answer);
+    case SkinTask::PaintProgress: return PaintProgress(call, answer);
+    case SkinTask::PaintTrackbar: return PaintTrackbar(call, answer);
+    case SkinTask::PaintToolbar: return PaintToolbar(call, answer);
+    case SkinTask::PaintStatusBar: return PaintStatusBar(call, answer);
+    case SkinTask::PaintScrollBar: return PaintScrollBar(call, answer);
+    case SkinTask::PaintUpDown: return PaintUpDown(call, answer);
+    case SkinTask::PaintMenuFrame: return PaintMenuFrame(call, answer);
+    case SkinTask::FillWithWindowColour: return FillWithWindowColour(call, answer);
+    case SkinTask::DrawItem: return DrawItem(call, answer);
+    case SkinTask::MeasureMenuItem: return MeasureMenuItem(call, answer);
+    case SkinTask::FindMenuLetter: return FindMenuLetter(call, answer);
+    case SkinTask::AnswerFaceColours: return AnswerFaceColours(call, answer);
+    case SkinTask::AnswerFieldColours: return AnswerFieldColours(call, answer);
+    case SkinTask::AnswerListColours: return AnswerListColours(call, answer);
+    case SkinTask::AnswerTrackColours: return AnswerTrackColours(call, answer);
+    }
+    return false;
+}
 
-    {SkinClass::Edit, WM_PAINT, PaintDisabledEdit},
-    {SkinClass::Edit, WM_NCPAINT, PaintFrame},
-    {SkinClass::ListBox, WM_NCPAINT, PaintFrame},
-    {SkinClass::ComboList, WM_NCPAINT, PaintFrame},
-    {SkinClass::TreeView, WM_NCPAINT, PaintFrame},
-    {SkinClass::ListView, WM_NCPAINT, PaintFrame},
-    {SkinClass::Progress, WM_NCPAINT, PaintFrame},
-    {SkinClass::Toolbar, WM_NCPAINT, PaintFrame},
-
-    {SkinClass::ComboBox, WM_PAINT, PaintCombo},
-    {SkinClass::ComboBox, WM_ERASEBKGND, KeepBackground},
-    {SkinClass::ComboBox, WM_ENABLE, ChangeQuietly},
-    {SkinClass::ComboBox, WM_SETFOCUS, ChangeQuietly},
-    {SkinClass::ComboBox, WM_KILLFOCUS, ChangeQuietly},
-    {SkinClass::ComboBox, CB_SETCURSEL, ChangeQuietly},
-
-    {SkinClass::Header, WM_PAINT, PaintHeader},
-    {SkinClass::Header, WM_ERASEBKGND, KeepBackground},
-    {SkinClass::Tab, WM_PAINT, PaintTab},
-    {SkinClass::Tab, WM_ERASEBKGND, KeepBackground},
-    {SkinClass::Progress, WM_PAINT, PaintProgress},
-    {SkinClass::Progress, WM_ERASEBKGND, KeepBackground},
-    {SkinClass::Trackbar, WM_PAINT, PaintTrackbar},
-    {SkinClass::Trackbar, WM_ERASEBKGND, KeepBackground},
-    {SkinClass::ScrollBar, WM_PAINT, PaintScrollBar},
-    {SkinClass::ScrollBar, WM_ERASEBKGND, KeepBackground},
-    {SkinClass::UpDown, WM_PAINT, PaintUpDown},
-    {SkinClass::UpDown, WM_ERASEBKGND, KeepBackground},
-    {SkinClass::StatusBar, WM_PAINT, PaintStatusBar},
-    {SkinClass::Toolbar, WM_PAINT, PaintToolbar},
-
-    {SkinClass::Menu, WM_PAINT, PaintMenuFrame},
-    {SkinClass::Menu, WM_NCPAINT, PaintMenuFrame},
-    {SkinClass::Any, WM_DRAWITEM, DrawMenuItem},
-    {SkinClass::Dialog, WM_DRAWITEM, DrawForeignItem},
-    {SkinClass::Any, WM_MEASUREITEM, MeasureMenuItem},
-    {SkinClass::Any, WM_MENUCHAR, FindMenuLetter},
-
-    {SkinClass::Holder, WM_ERASEBKGND, FillWithWindowColour},
-
-    {SkinClass::Any, WM_CTLCOLORMSGBOX, AnswerColours},
-    {SkinClass::Any, WM_CTLCOLOREDIT, AnswerColours},
-    {SkinClass::Any, WM_CTLCOLORLISTBOX, AnswerColours},
-    {SkinClass::Any, WM_CTLCOLORBTN, AnswerColours},
-    {SkinClass::Any, WM_CTLCOLORDLG, AnswerColours},
-    {SkinClass::Any, WM_CTLCOLORSCROLLBAR, AnswerColours},
-    {SkinClass::Any, WM_CTLCOLORSTATIC, AnswerColours},
-};
-
-// Messages inside of one that was taken arrive here as well, taken or not: the rules decide again.
+// Messages inside of one that was taken arrive here as well, taken or not: the
+// rules decide again.
 LRESULT CALLBACK SkinProcedure(HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam)
 {
     LRESULT answer = 0;
-    const UINT rowMessage = message == WM_PRINTCLIENT ? UINT(WM_PAINT) : message;
     if (SkinMayTake(message))
     {
         const SkinCall call = {hwnd, message, wParam, lParam, DescribeWindow(hwnd)};
-        if (SkinTakes(call.window, message))
-            for (const auto& row : kHandlers)
-                if (row.message == rowMessage &&
-                    (row.kind == SkinClass::Any || row.kind == call.window.kind) &&
-                    row.handler(call, &answer))
-                    return answer;
+        if (Perform(SkinTaskFor(call.window, message), call, &answer))
+            return answer;
     }
     return CallPrevious(hwnd, message, wParam, lParam);
 }

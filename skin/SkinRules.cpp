@@ -1,38 +1,15 @@
+// The table is read from the top: the first row of a message that is of the
+// window's class, or of Any, decides alone. If its condition does not hold, the
+// control is left to itself, whatever rows follow. So a class is excepted from
+// a rule for all by a row of its own that stands before it.
+
 #include "skin/SkinRules.h"
 
-#include <algorithm>
+#include "skin/SkinButtonRules.h"
+
 #include <cwctype>
 
-// Messages by the system's numbers.
-enum : uint32_t
-{
-    kSetFocus = 0x07,
-    kKillFocus = 0x08,
-    kEnable = 0x0A,
-    kSetText = 0x0C,
-    kPaint = 0x0F,
-    kEraseBackground = 0x14,
-    kDrawItem = 0x2B,
-    kMeasureItem = 0x2C,
-    kWindowPosChanged = 0x47,
-    kNcPaint = 0x85,
-    kGetDialogCode = 0x87,
-    kScrollSetPos = 0xE0,
-    kScrollSetInfo = 0xE9,
-    kSetCheck = 0xF1,
-    kSetState = 0xF3,
-    kSetStyle = 0xF4,
-    kMenuChar = 0x120,
-    kColourBox = 0x132,
-    kColourEdit = 0x133,
-    kColourList = 0x134,
-    kColourButton = 0x135,
-    kColourDialog = 0x136,
-    kColourScrollBar = 0x137,
-    kColourStatic = 0x138,
-    kComboSelect = 0x14E,
-    kPrintClient = 0x318,
-};
+using namespace SkinMessage;
 
 static const struct
 {
@@ -77,117 +54,153 @@ SkinClass SkinClassOf(const wchar_t* name)
     return SkinClass::Other;
 }
 
-static bool IsFramed(const SkinWindow& window)
-{
-    constexpr uint32_t kBorder = 0x00800000, kEdges = 0x00020201; // dialog, client, static edge
-    return (window.style & kBorder) != 0 || (window.exStyle & kEdges) != 0;
-}
-static bool HasEdge(const SkinWindow& window)
-{
-    constexpr uint32_t kClientOrStaticEdge = 0x00020200;
-    return (window.exStyle & kClientOrStaticEdge) != 0 || (window.style & 0x00800000) != 0;
-}
-static bool IsFramedStatic(const SkinWindow& window)
-{
-    const uint32_t type = window.style & 0x1F;
-    const bool frameType = (type >= 7 && type <= 9) || (type >= 16 && type <= 18);
-    return frameType || IsFramed(window);
-}
+// Conditions of the table's rows.
+
 static bool IsDarkWindow(const SkinWindow& window)
 {
     return window.dark;
-}
-static bool IsOwnerDrawn(const SkinWindow& window)
-{
-    return ButtonType(window.style) == 0xB;
-}
-static bool IsConverted(const SkinWindow& window)
-{
-    return IsConvertedButton(window.style);
-}
-static bool IsPaintedButton(const SkinWindow& window)
-{
-    return ButtonType(window.style) != 0xB;
-}
-static bool IsQuietStatic(const SkinWindow& window)
-{
-    return !window.enabled || IsFramedStatic(window);
-}
-static bool HasRaisedMenus(const SkinWindow& window)
-{
-    return !window.flatMenus;
 }
 static bool IsDisabled(const SkinWindow& window)
 {
     return !window.enabled;
 }
+static bool HasRaisedMenus(const SkinWindow& window)
+{
+    return !window.flatMenus;
+}
 
-// First row of a class and a message decides; rows of Any come last.
+constexpr uint32_t kBorder = 0x00800000; // style
+constexpr uint32_t kDialogFrame = 0x1, kClientEdge = 0x200,
+                   kStaticEdge = 0x20000; // extended
+
+static bool HasEdge(const SkinWindow& window)
+{
+    return (window.style & kBorder) != 0 || (window.exStyle & (kClientEdge | kStaticEdge)) != 0;
+}
+static bool HasFrame(const SkinWindow& window)
+{
+    return HasEdge(window) || (window.exStyle & kDialogFrame) != 0;
+}
+// Static controls that are nothing but a frame: black, grey and white ones, and
+// etched ones.
+static bool IsFramedStatic(const SkinWindow& window)
+{
+    const uint32_t type = window.style & 0x1F;
+    const bool frameType = (type >= 7 && type <= 9) || (type >= 16 && type <= 18);
+    return frameType || HasFrame(window);
+}
+static bool IsDisabledOrFramedStatic(const SkinWindow& window)
+{
+    return IsDisabled(window) || IsFramedStatic(window);
+}
+static bool IsConverted(const SkinWindow& window)
+{
+    return IsConvertedButton(window.style);
+}
+static bool IsOwnerDrawn(const SkinWindow& window)
+{
+    return IsOwnerDrawnButton(window.style);
+}
+static bool IsNotOwnerDrawn(const SkinWindow& window)
+{
+    return !IsOwnerDrawnButton(window.style);
+}
+
+// What paints the whole of a control keeps the background from being erased
+// before, which would flicker. The bars at the window's edges are not even
+// subclassed for that: they erase nothing. What changes a control's look makes
+// many controls draw at once, without a paint message; these changes are made
+// quietly.
 static const struct
 {
     SkinClass kind;
     uint32_t message;
+    SkinTask task;
     bool (*when)(const SkinWindow&); // null: always
-} kTaken[] = {
-    {SkinClass::Tab, kEraseBackground, IsDarkWindow},
-    {SkinClass::Button, kEraseBackground, IsOwnerDrawn},
-    {SkinClass::Menu, kEraseBackground, HasRaisedMenus},
-    {SkinClass::Static, kEraseBackground, IsQuietStatic},
-    {SkinClass::Any, kEraseBackground, nullptr},
+} kRows[] = {
+    {SkinClass::Button, kPaint, SkinTask::PaintCheckOrGroup, IsNotOwnerDrawn},
+    {SkinClass::Button, kEraseBackground, SkinTask::KeepBackground, IsOwnerDrawn},
+    {SkinClass::Button, kGetDialogCode, SkinTask::AnswerButtonDialogCode, IsConverted},
+    {SkinClass::Button, kSetStyle, SkinTask::SetButtonStyle, IsConverted},
+    {SkinClass::Button, kSetText, SkinTask::ChangeQuietly, nullptr},
+    {SkinClass::Button, kEnable, SkinTask::ChangeQuietly, nullptr},
+    {SkinClass::Button, kSetFocus, SkinTask::ChangeQuietly, nullptr},
+    {SkinClass::Button, kKillFocus, SkinTask::ChangeQuietly, nullptr},
+    {SkinClass::Button, kSetCheck, SkinTask::ChangeQuietly, nullptr},
+    {SkinClass::Button, kSetState, SkinTask::ChangeQuietly, nullptr},
 
-    {SkinClass::Edit, kNcPaint, HasEdge},
-    {SkinClass::ListBox, kNcPaint, nullptr},
-    {SkinClass::ComboBox, kNcPaint, nullptr},
-    {SkinClass::ComboList, kNcPaint, nullptr},
-    {SkinClass::TreeView, kNcPaint, nullptr},
-    {SkinClass::ListView, kNcPaint, nullptr},
-    {SkinClass::Progress, kNcPaint, nullptr},
-    {SkinClass::Menu, kNcPaint, nullptr},
-    {SkinClass::Static, kNcPaint, IsFramedStatic},
-    {SkinClass::Toolbar, kNcPaint, IsFramed},
+    {SkinClass::Static, kPaint, SkinTask::PaintStatic, nullptr},
+    {SkinClass::Static, kEraseBackground, SkinTask::KeepBackground, IsDisabledOrFramedStatic},
+    {SkinClass::Static, kFramePaint, SkinTask::PaintFrame, IsFramedStatic},
+    {SkinClass::Static, kSetText, SkinTask::ChangeQuietly, nullptr},
+    {SkinClass::Static, kEnable, SkinTask::ChangeQuietly, nullptr},
 
-    {SkinClass::Button, kPaint, IsPaintedButton},
-    {SkinClass::Static, kPaint, nullptr},
-    {SkinClass::Edit, kPaint, IsDisabled},
-    {SkinClass::ComboBox, kPaint, nullptr},
-    {SkinClass::Tab, kPaint, nullptr},
-    {SkinClass::Progress, kPaint, nullptr},
-    {SkinClass::Trackbar, kPaint, nullptr},
-    {SkinClass::Toolbar, kPaint, nullptr},
-    {SkinClass::StatusBar, kPaint, nullptr},
-    {SkinClass::Header, kPaint, nullptr},
-    {SkinClass::ScrollBar, kPaint, nullptr},
-    {SkinClass::UpDown, kPaint, nullptr},
-    {SkinClass::Menu, kPaint, nullptr},
+    {SkinClass::ComboBox, kPaint, SkinTask::PaintCombo, nullptr},
+    {SkinClass::ComboBox, kEraseBackground, SkinTask::KeepBackground, nullptr},
+    {SkinClass::ComboBox, kFramePaint, SkinTask::PassOn, nullptr},
+    {SkinClass::ComboBox, kEnable, SkinTask::ChangeQuietly, nullptr},
+    {SkinClass::ComboBox, kSetFocus, SkinTask::ChangeQuietly, nullptr},
+    {SkinClass::ComboBox, kKillFocus, SkinTask::ChangeQuietly, nullptr},
+    {SkinClass::ComboBox, kComboSelect, SkinTask::ChangeQuietly, nullptr},
 
-    {SkinClass::Button, kGetDialogCode, IsConverted},
-    {SkinClass::Button, kSetCheck, nullptr},
-    {SkinClass::Button, kSetStyle, IsConverted},
-    {SkinClass::Button, kSetFocus, nullptr},
-    {SkinClass::ComboBox, kSetFocus, nullptr},
-    {SkinClass::ComboBox, kComboSelect, nullptr},
+    {SkinClass::Edit, kPaint, SkinTask::PaintDisabledEdit, IsDisabled},
+    {SkinClass::Edit, kFramePaint, SkinTask::PaintFrame, HasEdge},
+    {SkinClass::ListBox, kFramePaint, SkinTask::PaintFrame, nullptr},
+    {SkinClass::ComboList, kFramePaint, SkinTask::PaintFrame, nullptr},
+    {SkinClass::TreeView, kFramePaint, SkinTask::PaintFrame, nullptr},
+    {SkinClass::ListView, kFramePaint, SkinTask::PaintFrame, nullptr},
 
-    // For every class: what changes a control's look behind the back of its paint message.
-    {SkinClass::Any, kKillFocus, nullptr},
-    {SkinClass::Any, kEnable, nullptr},
-    {SkinClass::Any, kSetText, nullptr},
-    {SkinClass::Any, kWindowPosChanged, nullptr},
-    {SkinClass::Any, kScrollSetPos, nullptr},
-    {SkinClass::Any, kScrollSetInfo, nullptr},
-    {SkinClass::Any, kSetState, nullptr},
-    {SkinClass::Any, kDrawItem, nullptr},
-    {SkinClass::Any, kMeasureItem, nullptr},
-    {SkinClass::Any, kMenuChar, nullptr},
-    {SkinClass::Any, kColourBox, nullptr},
-    {SkinClass::Any, kColourEdit, nullptr},
-    {SkinClass::Any, kColourList, nullptr},
-    {SkinClass::Any, kColourButton, nullptr},
-    {SkinClass::Any, kColourDialog, nullptr},
-    {SkinClass::Any, kColourScrollBar, nullptr},
-    {SkinClass::Any, kColourStatic, nullptr},
+    {SkinClass::Header, kPaint, SkinTask::PaintHeader, nullptr},
+    {SkinClass::Header, kEraseBackground, SkinTask::KeepBackground, nullptr},
+    {SkinClass::Tab, kPaint, SkinTask::PaintTab, nullptr},
+    {SkinClass::Tab, kEraseBackground, SkinTask::KeepBackground, IsDarkWindow},
+    {SkinClass::Progress, kPaint, SkinTask::PaintProgress, nullptr},
+    {SkinClass::Progress, kEraseBackground, SkinTask::KeepBackground, nullptr},
+    {SkinClass::Progress, kFramePaint, SkinTask::PaintFrame, nullptr},
+    {SkinClass::Trackbar, kPaint, SkinTask::PaintTrackbar, nullptr},
+    {SkinClass::Trackbar, kEraseBackground, SkinTask::KeepBackground, nullptr},
+    {SkinClass::ScrollBar, kPaint, SkinTask::PaintScrollBar, nullptr},
+    {SkinClass::ScrollBar, kEraseBackground, SkinTask::KeepBackground, nullptr},
+    {SkinClass::UpDown, kPaint, SkinTask::PaintUpDown, nullptr},
+    {SkinClass::UpDown, kEraseBackground, SkinTask::KeepBackground, nullptr},
+    {SkinClass::Toolbar, kPaint, SkinTask::PaintToolbar, nullptr},
+    {SkinClass::Toolbar, kEraseBackground, SkinTask::None, nullptr},
+    {SkinClass::Toolbar, kFramePaint, SkinTask::PaintFrame, HasFrame},
+    {SkinClass::StatusBar, kPaint, SkinTask::PaintStatusBar, nullptr},
+    {SkinClass::StatusBar, kEraseBackground, SkinTask::None, nullptr},
+
+    {SkinClass::Menu, kPaint, SkinTask::PaintMenuFrame, nullptr},
+    {SkinClass::Menu, kFramePaint, SkinTask::PaintMenuFrame, nullptr},
+    {SkinClass::Menu, kEraseBackground, SkinTask::PassOn, HasRaisedMenus},
+    {SkinClass::Holder, kEraseBackground, SkinTask::FillWithWindowColour, nullptr},
+
+    // What an owner answers for its menus and controls, whatever its own class.
+    {SkinClass::Any, kDrawItem, SkinTask::DrawItem, nullptr},
+    {SkinClass::Any, kMeasureItem, SkinTask::MeasureMenuItem, nullptr},
+    {SkinClass::Any, kMenuChar, SkinTask::FindMenuLetter, nullptr},
+    {SkinClass::Any, kColourMessageBox, SkinTask::AnswerFaceColours, nullptr},
+    {SkinClass::Any, kColourEdit, SkinTask::AnswerFieldColours, nullptr},
+    {SkinClass::Any, kColourListBox, SkinTask::AnswerListColours, nullptr},
+    {SkinClass::Any, kColourButton, SkinTask::AnswerFaceColours, nullptr},
+    {SkinClass::Any, kColourDialog, SkinTask::AnswerFaceColours, nullptr},
+    {SkinClass::Any, kColourScrollBar, SkinTask::AnswerTrackColours, nullptr},
+    {SkinClass::Any, kColourStatic, SkinTask::AnswerFaceColours, nullptr},
+
+    // While these are handled, a control may call its procedure for others,
+    // past all hooks. With the skin's procedure in front, those others find
+    // their rows above.
+    {SkinClass::Any, kEraseBackground, SkinTask::PassOn, nullptr},
+    {SkinClass::Any, kKillFocus, SkinTask::PassOn, nullptr},
+    {SkinClass::Any, kEnable, SkinTask::PassOn, nullptr},
+    {SkinClass::Any, kSetText, SkinTask::PassOn, nullptr},
+    {SkinClass::Any, kWindowPosChanged, SkinTask::PassOn, nullptr},
+    {SkinClass::Any, kScrollSetPos, SkinTask::PassOn, nullptr},
+    {SkinClass::Any, kScrollSetInfo, SkinTask::PassOn, nullptr},
+    {SkinClass::Any, kSetState, SkinTask::PassOn, nullptr},
 };
 
-// A picture of a control is painted as the control.
+// A picture of a control (PrintWindow and the like) is painted as the control
+// is.
 static uint32_t RowMessage(uint32_t message)
 {
     return message == kPrintClient ? uint32_t(kPaint) : message;
@@ -195,82 +208,17 @@ static uint32_t RowMessage(uint32_t message)
 
 bool SkinMayTake(uint32_t message)
 {
-    for (const auto& row : kTaken)
+    for (const auto& row : kRows)
         if (row.message == RowMessage(message))
             return true;
     return false;
 }
 
-bool SkinTakes(const SkinWindow& window, uint32_t message)
+SkinTask SkinTaskFor(const SkinWindow& window, uint32_t message)
 {
-    if (message == kEraseBackground &&
-        (window.kind == SkinClass::Toolbar || window.kind == SkinClass::StatusBar))
-        return false; // both paint their background with everything else
-    for (const auto& row : kTaken)
+    for (const auto& row : kRows)
         if (row.message == RowMessage(message) &&
             (row.kind == SkinClass::Any || row.kind == window.kind))
-            return !row.when || row.when(window);
-    return false;
-}
-
-enum : uint32_t
-{
-    kPushButton = 0,
-    kDefaultPushButton = 1,
-    kCheckBox = 2,
-    kAutoCheckBox = 3,
-    kRadioButton = 4,
-    kThreeState = 5,
-    kAutoThreeState = 6,
-    kAutoRadioButton = 9,
-};
-
-bool ConvertsButton(uint32_t style)
-{
-    const uint32_t type = ButtonType(style);
-    if (type == kPushButton || type == kDefaultPushButton)
-        return true;
-    return IsPushLike(style) && type <= kAutoRadioButton && type != 7 && type != 8; // group, user
-}
-
-bool IsRadioData(uint64_t data)
-{
-    return (data >> 4) == kRadioButton || (data >> 4) == kAutoRadioButton;
-}
-
-bool IsCheckData(uint64_t data)
-{
-    const uint64_t type = data >> 4;
-    return type == kCheckBox || type == kAutoCheckBox || type == kThreeState ||
-           type == kAutoThreeState;
-}
-
-std::pair<size_t, size_t> GroupAround(const std::vector<bool>& startsGroup, size_t index)
-{
-    size_t first = index, end = index + 1;
-    while (first > 0 && !startsGroup[first])
-        --first;
-    while (end < startsGroup.size() && !startsGroup[end])
-        ++end;
-    return {first, end};
-}
-
-const wchar_t* CheckImageName(bool radio, bool dark, int state, bool enabled)
-{
-    // Looks, then states 0 to 2, then disabled and enabled. A radio button has no third state.
-    static const wchar_t* const kNames[4][3][2] = {
-        {{L"CHECK_DESOFF", L"CHECK_DESON"},
-         {L"CHECK_SELOFF", L"CHECK_SELON"},
-         {L"CHECK_SEMIOFF", L"CHECK_SEMION"}},
-        {{L"CHECKD_DESOFF", L"CHECKD_DESON"},
-         {L"CHECKD_SELOFF", L"CHECKD_SELON"},
-         {L"CHECKD_SEMIOFF", L"CHECKD_SEMION"}},
-        {{L"RADIO_DESOFF", L"RADIO_DESON"},
-         {L"RADIO_SELOFF", L"RADIO_SELON"},
-         {L"RADIO_DESOFF", L"RADIO_DESON"}},
-        {{L"RADIOD_DESOFF", L"RADIOD_DESON"},
-         {L"RADIOD_SELOFF", L"RADIOD_SELON"},
-         {L"RADIOD_DESOFF", L"RADIOD_DESON"}},
-    };
-    return kNames[(radio ? 2 : 0) + (dark ? 1 : 0)][std::clamp(state, 0, 2)][enabled ? 1 : 0];
+            return !row.when || row.when(window) ? row.task : SkinTask::None;
+    return SkinTask::None;
 }

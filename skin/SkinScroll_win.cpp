@@ -1,16 +1,20 @@
+// The system tells where a scroll bar is and what it scrolls. Where the thumb
+// goes is a rule of our own (PlaceThumb), so that what is painted follows from
+// range and position alone.
+
 #include "skin/SkinScroll_win.h"
 
-#include "skin/SkinColors.h"
+#include "skin/SkinColors_win.h"
 #include "skin/SkinDraw_win.h"
-#include "skin/SkinPaintings_win.h"
 
 #include <commctrl.h>
 
 #include <algorithm>
 
-constexpr LONG kThumbInset = 3;
+constexpr LONG kThumbInset = 3; // the thumb is narrower than the bar by this on either side
+constexpr int kUpDownArrow = 5; // an up-down control is half as high as a scroll bar's button
 
-// Along the bar `from` to `to`, across it all.
+// The part of the bar between two places along it.
 static RECT Along(const RECT& bar, bool vertical, LONG from, LONG to)
 {
     if (vertical)
@@ -25,7 +29,7 @@ static void DrawThumb(HDC dc, RECT thumb, bool vertical, COLORREF colour)
     else
         InflateRect(&thumb, -1, -kThumbInset);
     if (thumb.right > thumb.left && thumb.bottom > thumb.top)
-        DrawPlate(dc, thumb, colour, colour, SkinColor(kSkinShadow));
+        DrawRoundedBox(dc, thumb, colour, colour, SkinColor(kSkinShadow));
 }
 
 static bool IsVertical(HWND hwnd, LONG object)
@@ -52,21 +56,28 @@ static ScrollRange RangeOf(HWND hwnd, LONG object)
     return {info.nMin, info.nMax, int(info.nPage), info.nPos};
 }
 
+// From screen coordinates into those that are painted in.
+static RECT BarInWindow(HWND hwnd, LONG object, RECT bar)
+{
+    RECT origin = {};
+    if (object == OBJID_CLIENT)
+        MapWindowPoints(hwnd, nullptr, reinterpret_cast<POINT*>(&origin), 1);
+    else
+        GetWindowRect(hwnd, &origin);
+    OffsetRect(&bar, -origin.left, -origin.top);
+    return bar;
+}
+
 bool DrawWindowScrollBar(HDC dc, HWND hwnd, LONG object)
 {
     SCROLLBARINFO info = {};
     info.cbSize = sizeof info;
     if (!GetScrollBarInfo(hwnd, object, &info) || (info.rgstate[0] & STATE_SYSTEM_INVISIBLE))
         return false;
-    RECT bar = info.rcScrollBar, origin = {};
-    if (object == OBJID_CLIENT)
-        MapWindowPoints(hwnd, nullptr, reinterpret_cast<POINT*>(&origin), 1);
-    else
-        GetWindowRect(hwnd, &origin);
-    OffsetRect(&bar, -origin.left, -origin.top);
-
+    const RECT bar = BarInWindow(hwnd, object, info.rcScrollBar);
     const bool vertical = IsVertical(hwnd, object);
     const int length = vertical ? bar.bottom - bar.top : bar.right - bar.left;
+    // The arrows' squares shrink when the bar is too short for both.
     const int button =
         std::min(length / 2, GetSystemMetrics(vertical ? SM_CYVSCROLL : SM_CXHSCROLL));
     const bool usable = !(info.rgstate[0] & STATE_SYSTEM_UNAVAILABLE);
@@ -88,6 +99,7 @@ static bool DrawScrollBar(const SkinCall& call, HDC dc, const RECT&)
     return DrawWindowScrollBar(dc, call.hwnd, OBJID_CLIENT);
 }
 
+// The corner between two scroll bars is a scroll bar too, by its class.
 static bool DrawGripBox(const SkinCall&, HDC dc, const RECT& client)
 {
     FillBox(dc, client, SkinColor(kSkinFace));
@@ -112,9 +124,9 @@ static bool DrawUpDown(const SkinCall& call, HDC dc, const RECT& client)
         first.bottom = second.top = client.bottom / 2;
     const COLORREF arrow = StateTextColour(call.window.enabled);
     for (const RECT& box : {first, second})
-        DrawPlate(dc, box, SkinShade::kButton, SkinShade::kEdge, SkinColor(kSkinFace));
-    DrawArrow(dc, first, horizontal ? ArrowTo::Left : ArrowTo::Up, arrow, 5);
-    DrawArrow(dc, second, horizontal ? ArrowTo::Right : ArrowTo::Down, arrow, 5);
+        DrawRoundedBox(dc, box, SkinShade::kButton, SkinShade::kEdge, SkinColor(kSkinFace));
+    DrawArrow(dc, first, horizontal ? ArrowTo::Left : ArrowTo::Up, arrow, kUpDownArrow);
+    DrawArrow(dc, second, horizontal ? ArrowTo::Right : ArrowTo::Down, arrow, kUpDownArrow);
     return true;
 }
 

@@ -1,3 +1,6 @@
+// The table of replaced procedures. What a window's own procedure is has to be kept outside of the
+// window: its user data and properties are other people's.
+
 #include "skin/SkinSubclass_win.h"
 
 #include <map>
@@ -7,7 +10,8 @@ struct SkinnedWindow
     WNDPROC previous;
     WNDPROC ours;
     int count;
-    bool unicode; // a window stays what it is, or its texts would arrive in the wrong form
+    bool unicode; // a window stays what it is, or its texts would arrive in the
+                  // wrong form
 };
 
 static std::map<HWND, SkinnedWindow> g_windows;
@@ -44,7 +48,8 @@ void UnsubclassWindowForSkin(HWND hwnd)
     if (found == g_windows.end() || --found->second.count > 0)
         return;
     const SkinnedWindow window = found->second;
-    // Somebody has put a procedure over ours meanwhile, and calls it: it stays, and passes on.
+    // Somebody has put a procedure over ours meanwhile, and calls it: it stays,
+    // and passes on.
     if (IsWindow(hwnd) && CurrentProcedure(hwnd, window.unicode) != window.ours)
         return;
     ReplaceProcedure(hwnd, window.previous, window.unicode);

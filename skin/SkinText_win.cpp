@@ -1,8 +1,16 @@
-#include "skin/SkinBrushes_win.h"
-#include "skin/SkinColors.h"
-#include "skin/SkinDraw_win.h"
-#include "skin/SkinPaintings_win.h"
+// Labels and edits that are enabled would be right with the colours that the
+// parent answers. What is painted here is what colours do not reach: the text
+// of a disabled control, which the system writes in a grey of its own, and the
+// frames among the static controls. Labels are painted in both states, so that
+// switching between them moves no letter.
 
+#include "skin/SkinText_win.h"
+
+#include "skin/SkinColors_win.h"
+#include "skin/SkinDraw_win.h"
+
+// As the system reads the styles: these three types wrap, the others do not,
+// and an ellipsis or centring from top to bottom asks for a single line.
 static UINT StaticTextFlags(uint32_t style)
 {
     UINT flags = (style & SS_NOPREFIX) ? UINT(DT_NOPREFIX) : 0U;
@@ -32,6 +40,7 @@ static bool DrawStaticText(const SkinCall& call, HDC dc, const RECT& client)
     return true;
 }
 
+// Etched lines are one edge of the box, all other frames four.
 static bool DrawStaticFrame(const SkinCall& call, HDC dc, const RECT& client)
 {
     FillRect(dc, &client, ParentBrush(call.hwnd, dc));
@@ -84,41 +93,42 @@ static bool DrawDisabledEdit(const SkinCall& call, HDC dc, const RECT& client)
 bool PaintDisabledEdit(const SkinCall& call, LRESULT* answer)
 {
     *answer = 0;
+    // The characters of a password stand for others; the control knows which.
     const bool hidden = (call.window.style & ES_PASSWORD) != 0;
     return !hidden && PaintBuffered(call, DrawDisabledEdit);
 }
 
-static const struct
-{
-    UINT message;
-    int background, text;
-} kColours[] = {
-    {WM_CTLCOLORMSGBOX, kSkinFace, kSkinText},
-    {WM_CTLCOLOREDIT, kSkinWindow, kSkinText},
-    {WM_CTLCOLORLISTBOX, kSkinWindow, kSkinWindowText},
-    {WM_CTLCOLORBTN, kSkinFace, kSkinText},
-    {WM_CTLCOLORDLG, kSkinFace, kSkinText},
-    {WM_CTLCOLORSCROLLBAR, kSkinShadow, kSkinText},
-    {WM_CTLCOLORSTATIC, kSkinFace, kSkinText},
-};
-
-bool AnswerColours(const SkinCall& call, LRESULT* answer)
+static bool AnswerColours(const SkinCall& call, LRESULT* answer, int background, int text)
 {
     const HWND control = reinterpret_cast<HWND>(call.lParam);
-    UINT message = call.message;
+    const HDC dc = reinterpret_cast<HDC>(call.wParam);
+    const bool disabled = control && !IsWindowEnabled(control);
+    SetTextColor(dc, SkinColor(disabled ? int(kSkinGreyText) : text));
+    SetBkColor(dc, SkinColor(background));
+    *answer = reinterpret_cast<LRESULT>(SkinBrush(background));
+    return true;
+}
+
+bool AnswerFieldColours(const SkinCall& call, LRESULT* answer)
+{
+    return AnswerColours(call, answer, kSkinWindow, kSkinText);
+}
+
+bool AnswerFaceColours(const SkinCall& call, LRESULT* answer)
+{
     // An edit that nobody can write into asks as a static control does.
-    if (message == WM_CTLCOLORSTATIC && SkinClassOfWindow(control) == SkinClass::Edit)
-        message = WM_CTLCOLOREDIT;
-    for (const auto& row : kColours)
-    {
-        if (row.message != message)
-            continue;
-        const HDC dc = reinterpret_cast<HDC>(call.wParam);
-        const bool disabled = control && !IsWindowEnabled(control);
-        SetTextColor(dc, SkinColor(disabled ? int(kSkinGreyText) : row.text));
-        SetBkColor(dc, SkinColor(row.background));
-        *answer = reinterpret_cast<LRESULT>(SkinBrush(row.background));
-        return true;
-    }
-    return false;
+    const HWND control = reinterpret_cast<HWND>(call.lParam);
+    if (call.message == WM_CTLCOLORSTATIC && SkinClassOfWindow(control) == SkinClass::Edit)
+        return AnswerFieldColours(call, answer);
+    return AnswerColours(call, answer, kSkinFace, kSkinText);
+}
+
+bool AnswerListColours(const SkinCall& call, LRESULT* answer)
+{
+    return AnswerColours(call, answer, kSkinWindow, kSkinWindowText);
+}
+
+bool AnswerTrackColours(const SkinCall& call, LRESULT* answer)
+{
+    return AnswerColours(call, answer, kSkinShadow, kSkinText);
 }

@@ -1,15 +1,17 @@
 #include "skin/SkinTitle_win.h"
 
-#include "skin/SkinBrushes_win.h"
+#include "skin/SkinColors_win.h"
 
 #include <cstring>
 
 using SetAttribute = HRESULT(WINAPI*)(HWND, DWORD, const void*, DWORD);
 
-// The number of the dark frame, since Windows 10 of 2020 and in its first two years.
+// The number of the attribute "dark frame", since Windows 10 of 2020 and in the
+// two years before.
 constexpr DWORD kDarkFrame = 20, kEarlyDarkFrame = 19;
 
-// Looked up while the program runs: it starts on systems without it.
+// Looked up while the program runs, which also starts on systems without the
+// function.
 static SetAttribute FindSetAttribute()
 {
     const HMODULE library = LoadLibraryExW(L"dwmapi.dll", nullptr, LOAD_LIBRARY_SEARCH_SYSTEM32);
@@ -23,6 +25,7 @@ static SetAttribute FindSetAttribute()
 void AskForDarkTitle(HWND hwnd)
 {
     static const SetAttribute setAttribute = FindSetAttribute();
+    // Children have no title bar, and neither has a popup without a caption.
     const LONG_PTR style = GetWindowLongPtrW(hwnd, GWL_STYLE);
     if (!setAttribute || (style & WS_CHILD) || (style & WS_CAPTION) != WS_CAPTION)
         return;

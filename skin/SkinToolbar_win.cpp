@@ -1,11 +1,18 @@
-#include "skin/SkinColors.h"
+// A toolbar lets its owner change colours of single items, but not what a
+// pressed or lit button looks like. So the bar is painted as a whole:
+// background, then each button in the place and the state that the bar tells,
+// with its image from the bar's lists.
+
+#include "skin/SkinToolbar_win.h"
+
+#include "skin/SkinColors_win.h"
 #include "skin/SkinDraw_win.h"
-#include "skin/SkinPaintings_win.h"
 
 #include <commctrl.h>
 
-constexpr int kImageGap = 4;
+constexpr int kImageGap = 4; // between image, text and the button's edge
 
+// Bars without greyed images show the usual ones.
 static HIMAGELIST ImagesOf(HWND bar, bool enabled)
 {
     if (!enabled)
@@ -14,6 +21,7 @@ static HIMAGELIST ImagesOf(HWND bar, bool enabled)
     return reinterpret_cast<HIMAGELIST>(SendMessageW(bar, TB_GETIMAGELIST, 0, 0));
 }
 
+// Two lines side by side, dark and light, as if carved.
 static void DrawSeparator(HDC dc, const TBBUTTON& button, const RECT& box)
 {
     constexpr LONG kWidestLine = 20; // wider ones hold a control or keep space free
@@ -56,14 +64,16 @@ static void DrawTool(HDC dc, HWND bar, const TBBUTTON& button, RECT box, bool ho
     const bool down = enabled && (button.fsState & (TBSTATE_PRESSED | TBSTATE_CHECKED)) != 0;
     InflateRect(&box, -1, -1);
     if (down)
-        DrawPlate(dc, box, SkinShade::kToolDown, SkinShade::kAccent, SkinColor(kSkinFace));
+        DrawRoundedBox(dc, box, SkinShade::kToolDown, SkinShade::kAccent, SkinColor(kSkinFace));
     else if (hot && enabled)
-        DrawPlate(dc, box, SkinShade::kToolHot, SkinShade::kEdgeHot, SkinColor(kSkinFace));
+        DrawRoundedBox(dc, box, SkinShade::kToolHot, SkinShade::kEdgeHot, SkinColor(kSkinFace));
     int width = 0, height = 0;
     const HIMAGELIST images = ImagesOf(bar, enabled);
     if (!images || button.iBitmap < 0 || !ImageList_GetIconSize(images, &width, &height))
         return;
     const std::wstring text = ToolText(bar, button);
+    // The image stands in the middle, unless there is a text to share the room
+    // with.
     int left = (box.left + box.right - width) / 2, top = (box.top + box.bottom - height) / 2;
     if (!text.empty() && (GetWindowLongPtrW(bar, GWL_STYLE) & TBSTYLE_LIST))
         left = box.left + kImageGap;
@@ -71,6 +81,8 @@ static void DrawTool(HDC dc, HWND bar, const TBBUTTON& button, RECT box, bool ho
         top = box.top + kImageGap;
     if (!text.empty())
         DrawToolText(dc, bar, text, box, {width, height}, enabled);
+    // The upper half of the number says which of several lists; the program has
+    // one.
     ImageList_Draw(images, LOWORD(button.iBitmap), dc, left, top, ILD_TRANSPARENT);
 }
 

@@ -1,7 +1,5 @@
 #include "text/LanguageFile.h"
 
-#include "tools/Settings.h"
-
 #include <algorithm>
 
 LanguageList g_languages;

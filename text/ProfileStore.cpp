@@ -5,6 +5,7 @@
 #include <cstdint>
 
 const char* g_productName = "Plenoviz";
+const wchar_t kGeneralSection[] = L"General";
 
 int DecimalNumber(const std::wstring& text)
 {

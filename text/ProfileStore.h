@@ -42,6 +42,9 @@ std::wstring ProgramFolder(); // where Plenoviz.exe lies; no backslash at the en
 // Name of the settings folder and file. Tests put their own here to stay away from the user's.
 extern const char* g_productName;
 
+// Section of the settings file, and of the localization file's own keys.
+extern const wchar_t kGeneralSection[];
+
 std::wstring ReadText(const ProfileStore& store, const std::wstring& section,
                       const std::wstring& key, const wchar_t* missing);
 int ReadNumber(const ProfileStore& store, const std::wstring& section, const std::wstring& key,

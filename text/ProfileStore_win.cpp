@@ -1,6 +1,7 @@
 #include "text/ProfileStore.h"
 
 #include "base/Format_win.h"
+#include "base/SystemFiles.h"
 #include "base/Win.h"
 
 #include <shlobj.h>
@@ -83,7 +84,7 @@ static std::vector<std::wstring> EverythingBut(const std::wstring& path,
         GetPrivateProfileSectionW(name.c_str(), lines.data(), kSectionChars, path.c_str());
         for (const std::wstring& line : Pieces(lines.data()))
             if (!changed || !IsLineOf(line, values))
-                all.push_back(name + L'\n' + line);
+                all.emplace_back(name).append(L"\n").append(line);
     }
     return all;
 }
@@ -110,24 +111,6 @@ static bool ToDisk(const std::wstring& path)
     CloseHandle(file);
     SetLastError(error);
     return flushed;
-}
-
-// Virus scanners and indexers hold new files open for a moment.
-static bool MoveOver(const std::wstring& from, const std::wstring& to)
-{
-    const int kAttempts = 10;
-    const DWORD kPauseMs = 50;
-    for (int attempt = 1;; ++attempt)
-    {
-        if (MoveFileExW(from.c_str(), to.c_str(),
-                        MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH))
-            return true;
-        const DWORD error = GetLastError();
-        if ((error != ERROR_ACCESS_DENIED && error != ERROR_SHARING_VIOLATION) ||
-            attempt == kAttempts)
-            return false;
-        Sleep(kPauseMs);
-    }
 }
 
 // A copy gets the values and takes the file's place when all of it is there: whatever happens
@@ -159,7 +142,11 @@ static bool ReplaceProfile(const std::wstring& path, const std::wstring& section
         SetLastError(ERROR_DISK_FULL);
         return false;
     }
-    return ToDisk(copy) && MoveOver(copy, path);
+    if (!ToDisk(copy))
+        return false;
+    const DWORD error = MoveOverFile(copy, path);
+    SetLastError(error);
+    return error == 0;
 }
 
 static ProfileFailure g_lastFailure;

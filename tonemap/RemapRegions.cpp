@@ -1,5 +1,6 @@
 #include "tonemap/RemapRegions.h"
 
+#include "base/InstructionSet.h"
 #include "tonemap/RemapRows.h"
 #include "tonemap/RemapWeights.h"
 
@@ -21,14 +22,14 @@ void LimitRemapThreads(int threads)
 #endif
 }
 
-RemapConstants RemapConstantsOf(double p1, double p2, double p3, double p4)
+RemapConstants RemapConstantsOf(const ToneMapParams& params)
 {
     RemapConstants constants;
-    constants.sigma = float(double(float(p1 * 255.0)) + 0.0001);
-    constants.noise = float(double(float(p2 * 5.0)) * 2.55);
+    constants.sigma = float(double(float(params.contrast * 255.0)) + 0.0001);
+    constants.noise = float(double(float(params.noiseAmplitude * 5.0)) * 2.55);
     constants.curveStep = constants.sigma / 1000.0f;
-    constants.beta = float(p4 * 2.0);
-    constants.alpha = p3;
+    constants.beta = float(params.equalization * 2.0);
+    constants.alpha = params.details;
     return constants;
 }
 
@@ -70,11 +71,8 @@ RemapGrid RemapGridOf(int level)
 }
 
 void RemapRegions(float* workJ, int J, const float* Gl, int l, int W, int H, int size, int step,
-                  int dx, int dy, double p1, double noiseAmplitude, double edgeGain,
-                  const float* curve)
+                  int dx, int dy, const RemapConstants& constants, const float* curve)
 {
-    const RemapConstants constants =
-        RemapConstantsOf(p1, noiseAmplitude / 5.0, 0.0, edgeGain / 2.0);
     const int shift = l - J, half = size / 2;
     const int levelWidth = W >> l, fineWidth = W >> J, fineHeight = H >> J;
     const int perRow = (levelWidth - dx) / step, rows = ((H >> l) - dy) / step;
@@ -94,28 +92,9 @@ void RemapRegions(float* workJ, int J, const float* Gl, int l, int W, int H, int
     }
 }
 
-static bool HasAvx512()
+static RemapRowFn RemapRowInUse()
 {
-    return __builtin_cpu_supports("avx512f") && __builtin_cpu_supports("avx512dq") &&
-           __builtin_cpu_supports("avx512bw") && __builtin_cpu_supports("avx512vl");
-}
-
-static RemapRowFn BestRemapRow()
-{
-    if (HasAvx512())
-        return kRemapRowAvx512;
-    return __builtin_cpu_supports("avx2") ? kRemapRowAvx2 : kRemapRowSse2;
-}
-
-static RemapRowFn g_remapRow = nullptr; // the forced loop, if any
-
-bool ForceRemapVariant(int variant)
-{
-    const RemapRowFn loops[] = {nullptr, kRemapRowSse2,
-                                __builtin_cpu_supports("avx2") ? kRemapRowAvx2 : nullptr,
-                                HasAvx512() ? kRemapRowAvx512 : nullptr};
-    g_remapRow = loops[variant];
-    return variant == 0 || g_remapRow;
+    return LoopsInUse<RemapRowFn>({nullptr, &kRemapRowSse2, &kRemapRowAvx2, &kRemapRowAvx512});
 }
 
 // Columns of a phase, with room for the mirrored ones on the left and for whole vectors on the
@@ -200,7 +179,7 @@ bool RemapLevel(PyramidSet* set, int level, const RemapConstants& constants, con
         job.weights[parity][1] = weights.table[parity][1].data();
     }
 
-    const RemapRowFn remapRow = g_remapRow ? g_remapRow : BestRemapRow();
+    const RemapRowFn remapRow = RemapRowInUse();
     // A row of a large photograph takes up to some thousandths of a second.
 #pragma omp parallel for schedule(dynamic)
     for (int y = 0; y < rows; ++y)

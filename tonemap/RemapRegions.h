@@ -2,6 +2,7 @@
 
 #include "base/RunControl.h"
 #include "tonemap/Pyramid.h"
+#include "tonemap/ToneMapParams.h"
 
 // The remapping of local Laplacian filters (Paris, Hasinoff and Kautz, 2011): every coefficient of
 // a Laplacian pyramid is taken from the pyramid of a remapped copy of its surroundings, remapped
@@ -20,8 +21,7 @@ struct RemapConstants
     double alpha;    // exponent of the power curve
 };
 
-// From the four parameters of the filter (contrast, noise amplitude, detail exponent, edge gain).
-RemapConstants RemapConstantsOf(double p1, double p2, double p3, double p4);
+RemapConstants RemapConstantsOf(const ToneMapParams& params);
 
 // curve[i] = (i / 1000)^alpha for kRemapCurveEntries entries.
 void FillRemapCurve(float* curve, double alpha);
@@ -44,11 +44,9 @@ RemapGrid RemapGridOf(int level);
 // The filter as it is defined, one phase: remaps in workJ (a copy of the Gaussian level J, rows of
 // W >> J samples) the neighbourhoods of every step-th coefficient of level l from (dx, dy) on.
 // Columns and rows of the last, partial step are left out on purpose. W and H are the sides of
-// level 0; p1, noiseAmplitude (5 * p2) and edgeGain (2 * p4) give the constants. Neighbourhoods do
-// not overlap, so they are spread over threads.
+// level 0. Neighbourhoods do not overlap, so they are spread over threads.
 void RemapRegions(float* workJ, int J, const float* Gl, int l, int W, int H, int size, int step,
-                  int dx, int dy, double p1, double noiseAmplitude, double edgeGain,
-                  const float* curve);
+                  int dx, int dy, const RemapConstants& constants, const float* curve);
 
 // The remapped coefficients of one level, straight into set->laplace[level]: what the phases give,
 // without working pyramids. Each coefficient is one weighted sum over its remapped neighbourhood.
@@ -56,10 +54,6 @@ void RemapRegions(float* workJ, int J, const float* Gl, int l, int W, int H, int
 // bits do not depend on their number. True when cancelled or short of memory.
 [[nodiscard]] bool RemapLevel(PyramidSet* set, int level, const RemapConstants& constants,
                               const float* curve, const RunControl& control);
-
-// Forces the loop of an instruction set (tests, benchmarks): 1 SSE2, 2 AVX2, 3 AVX-512; 0 goes back
-// to the best one. False when this processor cannot run it. Not while a run goes on.
-bool ForceRemapVariant(int variant);
 
 // Limits the loops of this thread and of threads that it starts later to that many threads; 0 goes
 // back to as many as there are processors.

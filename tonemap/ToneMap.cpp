@@ -8,17 +8,10 @@
 
 #include <algorithm>
 
-ToneMapParams ToneMapParamsOf(int contrast, int noiseAmplitude, int details, int equalization)
-{
-    // Quotients in single precision, then double: the settings mean these very numbers.
-    return {double(float(contrast + 1) / 50.0f), double(float(noiseAmplitude + 1) / 50.0f),
-            double(float(50 - details) / 80.0f), double(float(50 - equalization) / 50.0f)};
-}
-
 struct PlaneFilter
 {
     int levels;
-    double p1, p2, p3, p4;
+    ToneMapParams params;
     const RunControl* control;
     ToneMapMethod method;
 };
@@ -93,8 +86,8 @@ static int FilterComponent(const SBxPicBuf& padded, int component, const PlaneFi
                       : FloatToComponent<uint16_t>(picture, plane, component);
     };
     if (StopsInPair(padded, floats, control, there) ||
-        ToneMapPlane(floats.Record(), floats, filter.levels, filter.p1, filter.p2, filter.p3,
-                     filter.p4, control, filter.method) ||
+        ToneMapPlane(floats.Record(), floats, filter.levels, filter.params, control,
+                     filter.method) ||
         StopsInPair(padded, floats, control, back))
         return FailureOf(control);
     return kToneMapDone;
@@ -116,14 +109,14 @@ static int FilterColours(const SBxPicBuf& padded, const PlaneFilter& filter, int
     return stopped ? kToneMapCancelled : kToneMapDone;
 }
 
-static int FilterPicture(SBxPicBuf* out, const SBxPicBuf& in, const PlaneFilter& filter,
-                         bool useColors)
+static int FilterPicture(SBxPicBuf* out, const SBxPicBuf& in, const PlaneFilter& filter)
 {
     Picture padded;
     if (PadForPyramid(padded.Record(), in, filter.levels, *filter.control))
         return FailureOf(*filter.control);
+    const int planes = filter.params.useColors ? 3 : 1;
     const int result = in.components == 1 ? FilterComponent(padded, 0, filter)
-                                          : FilterColours(padded, filter, useColors ? 3 : 1);
+                                          : FilterColours(padded, filter, planes);
     if (result != kToneMapDone)
         return result;
     // As a whole or not at all: nobody asks from here on.
@@ -131,15 +124,15 @@ static int FilterPicture(SBxPicBuf* out, const SBxPicBuf& in, const PlaneFilter&
     return kToneMapDone;
 }
 
-int ToneMapPicture(SBxPicBuf* out, const SBxPicBuf& in, int levels, double p1, double p2, double p3,
-                   double p4, bool useColors, const RunControl& control, ToneMapMethod method)
+int ToneMapPicture(SBxPicBuf* out, const SBxPicBuf& in, int levels, const ToneMapParams& params,
+                   const RunControl& control, ToneMapMethod method)
 {
-    const PlaneFilter filter = {levels, p1, p2, p3, p4, &control, method};
+    const PlaneFilter filter = {levels, params, &control, method};
     int result = kToneMapOutOfMemory;
     const auto run = [&]
     {
-        result = FilterPicture(out, in, filter, useColors);
-        return false;
+        result = FilterPicture(out, in, filter);
+        return Outcome::Done;
     };
-    return FailsOrLacksMemory(run) ? kToneMapOutOfMemory : result;
+    return FailWithoutMemory(run) == Outcome::Done ? result : kToneMapOutOfMemory;
 }

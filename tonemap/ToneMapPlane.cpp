@@ -30,13 +30,13 @@ static bool AllocateWork(WorkingPyramid* work, const PyramidSet& set)
 // coefficients in the middle of the neighbourhoods. Only the Laplacian of the level is ever looked
 // at.
 static void RunPhase(PyramidSet* set, WorkingPyramid* work, int level, const RemapGrid& grid,
-                     int dx, int dy, double p1, double p2, double p4, const float* curve)
+                     int dx, int dy, const RemapConstants& constants, const float* curve)
 {
     const CBxSize<int> fine = LevelSize(*set, grid.fine), size = LevelSize(*set, level);
     std::memcpy(work->gauss[grid.fine].get(), set->gauss[grid.fine],
                 size_t(fine.cx) * size_t(fine.cy) * sizeof(float));
     RemapRegions(work->gauss[grid.fine].get(), grid.fine, set->gauss[level], level, set->size.cx,
-                 set->size.cy, grid.size, grid.step, dx, dy, p1, p2 * 5.0, p4 * 2.0, curve);
+                 set->size.cy, grid.size, grid.step, dx, dy, constants, curve);
     for (int m = grid.fine; m <= level; ++m)
         DownStep(set, work->gauss[m + 1].get(), work->gauss[m].get(), m);
     float* laplace = work->laplace[level].get();
@@ -47,7 +47,7 @@ static void RunPhase(PyramidSet* set, WorkingPyramid* work, int level, const Rem
             set->laplace[level].get()[int64_t(y) * size.cx + x] = laplace[int64_t(y) * size.cx + x];
 }
 
-static bool RemapByPhases(PyramidSet* set, double p1, double p2, double p4, const float* curve,
+static bool RemapByPhases(PyramidSet* set, const RemapConstants& constants, const float* curve,
                           const RunControl& control)
 {
     WorkingPyramid work;
@@ -60,7 +60,7 @@ static bool RemapByPhases(PyramidSet* set, double p1, double p2, double p4, cons
         for (int dy = 0; dy < grid.step; ++dy)
             for (int dx = 0; dx < grid.step; ++dx)
             {
-                RunPhase(set, &work, level, grid, dx, dy, p1, p2, p4, curve);
+                RunPhase(set, &work, level, grid, dx, dy, constants, curve);
                 if (control.Cancelled())
                     return true;
             }
@@ -80,8 +80,8 @@ static bool RemapDirectly(PyramidSet* set, const RemapConstants& constants, cons
     return false;
 }
 
-bool ToneMapPlane(SBxPicBuf* out, const SBxPicBuf& in, int levels, double p1, double p2, double p3,
-                  double p4, const RunControl& control, ToneMapMethod method)
+bool ToneMapPlane(SBxPicBuf* out, const SBxPicBuf& in, int levels, const ToneMapParams& params,
+                  const RunControl& control, ToneMapMethod method)
 {
     if (out->data != in.data)
         CBxPicBufAPI::Copy(out, in);
@@ -98,10 +98,8 @@ bool ToneMapPlane(SBxPicBuf* out, const SBxPicBuf& in, int levels, double p1, do
     const FloatPlane curve(VcAllocPlane(kRemapCurveEntries));
     if (!curve)
         return true;
-    FillRemapCurve(curve.get(), p3);
-    const bool failed =
-        method == ToneMapMethod::Phases
-            ? RemapByPhases(&set, p1, p2, p4, curve.get(), control)
-            : RemapDirectly(&set, RemapConstantsOf(p1, p2, p3, p4), curve.get(), control);
+    FillRemapCurve(curve.get(), params.details);
+    const auto remap = method == ToneMapMethod::Phases ? RemapByPhases : RemapDirectly;
+    const bool failed = remap(&set, RemapConstantsOf(params), curve.get(), control);
     return failed || CollapsePyramid(&set, control);
 }

@@ -1,40 +1,30 @@
 #include "tools/ExposureFusionModel.h"
 
-static constexpr int kDefaultStrength = 5, kDefaultExposure = 100;
 static constexpr unsigned kLeftArrow = 0x25, kRightArrow = 0x27;
 
-ExposureFusionModel OpenExposureFusion(const Settings& settings, int seriesCount)
+ExposureFusionModel OpenExposureFusion(const ToolNumbers& stored, int seriesCount)
 {
-    const auto& stored = settings.fusionTool;
-    return {stored.sharpStrength, stored.satStrength, stored.expStrength, stored.exposure,
-            seriesCount};
+    return {OpenedNumbers(Tool::ExposureFusion, stored), seriesCount};
 }
 
 bool MoveExposure(ExposureFusionModel* model, SliderMove move, int thumb)
 {
-    const int before = model->exposure;
-    model->exposure = MovedSlider(kTargetGreyRange, before, move, thumb);
-    return model->exposure != before;
+    return MoveNumber(&model->numbers, SliderRowOf(Tool::ExposureFusion), move, thumb);
 }
 
 void SetFusionDefaults(ExposureFusionModel* model)
 {
-    model->sharpStrength = model->satStrength = model->expStrength = kDefaultStrength;
-    model->exposure = kDefaultExposure;
+    CopyNumbers(&model->numbers, Tool::ExposureFusion, DefaultNumbers());
 }
 
 FusionTask ExposureTask(const ExposureFusionModel& model, const CBxRect<int>& region)
 {
-    return {region, model.seriesCount, unsigned(model.exposure)};
+    return {region, model.seriesCount, unsigned(model.numbers.fusionTool.exposure)};
 }
 
-void StoreExposureFusion(const ExposureFusionModel& model, Settings* settings)
+void StoreExposureFusion(const ExposureFusionModel& model, ToolNumbers* stored)
 {
-    auto* stored = &settings->fusionTool;
-    stored->sharpStrength = model.sharpStrength;
-    stored->satStrength = model.satStrength;
-    stored->expStrength = model.expStrength;
-    stored->exposure = model.exposure;
+    CopyNumbers(stored, Tool::ExposureFusion, model.numbers);
 }
 
 HookedKey KeyOfHook(int code, unsigned virtualKey, bool released)

@@ -1,16 +1,13 @@
 #include "tools/FusionToolWnd.h"
 
-#include "app/AppState.h"
-#include "app/AppWindows_win.h"
-#include "app/CommandIds.h"
-#include "app/CommandsWnd.h"
-#include "app/FrameView_win.h"
 #include "base/Format_win.h"
 #include "base/SystemFiles.h"
 #include "text/Strings.h"
 #include "tools/FusionDlgIds.h"
 #include "tools/Messages.h"
-#include "tools/Settings.h"
+#include "tools/Settings_win.h"
+#include "tools/ToolCommandIds.h"
+#include "view/ImageViewZoom.h"
 
 #include <algorithm>
 #include <filesystem>
@@ -23,40 +20,37 @@ static constexpr int kMostFilesTold = 12; // in one box
 // An open dialog.
 struct FusionTool
 {
+    const ToolHost* host;
     FusionToolKind kind;
     std::unique_ptr<FusionSources> sources;
     FusionTask last = {};   // of the preview on the screen; no sources = none yet
     std::vector<bool> told; // the user knows that this source cannot be used
-    SBxPicBuf working = {}; // the preview's region
+    Picture working;        // the preview's region
     bool computing = false;
-
-    FusionTool() = default;
-    FusionTool(const FusionTool&) = delete;
-    FusionTool& operator=(const FusionTool&) = delete;
-    ~FusionTool() { CBxPicBufAPI::DoneHeap(&working); }
 };
 
-static std::unique_ptr<FusionSources> SeriesOfFrame()
+static std::unique_ptr<FusionSources> SeriesOf(const Document& document)
 {
     std::vector<std::string> paths;
-    for (int32_t i = 0; i < g_sourceCount; ++i)
-        paths.push_back(std::filesystem::path(g_sourceFiles[i]).u8string());
+    for (const std::wstring& file : document.series.files)
+        paths.push_back(std::filesystem::path(file).u8string());
     auto sources = std::make_unique<FusionSources>();
-    OpenFusionSources(sources.get(), paths, g_sourcePicture, FusionSourceBudget());
+    OpenFusionSources(sources.get(), paths, document.source, FusionSourceBudget());
     return sources;
 }
 
-static CBxRect<int> RegionInView()
+static CBxRect<int> RegionInView(const ToolHost& host)
 {
-    UpdateViewArea();
-    return FusionRegionOf(g_view, g_sourcePicture.width, g_sourcePicture.height);
+    host.updateViewArea();
+    const Picture& source = host.document->source;
+    return FusionRegionOf(*host.view, source->width, source->height);
 }
 
-CBxRect<int> RegionAt100(const SBxPicBuf& picture)
+CBxRect<int> RegionAt100(const ToolHost& host, const SBxPicBuf& picture)
 {
-    UpdateViewArea();
+    host.updateViewArea();
     ImageView view;
-    view.area = g_view.area;
+    view.area = host.view->area;
     ZoomTo100(&view, picture);
     return FusionRegionOf(view, picture.width, picture.height);
 }
@@ -93,23 +87,24 @@ static void TellUnusable(FusionTool* tool)
                                  WideFromUtf8(tool->sources->paths[i].c_str()).c_str());
     }
     if (files > 0)
-        MessageBoxW(g_hwndMain, text.c_str(), Text(kTextWarning), MB_OK | MB_ICONASTERISK);
+        MessageBoxW(tool->host->frame, text.c_str(), Text(kTextWarning), MB_OK | MB_ICONASTERISK);
 }
 
-static FusionOutcome ComputePreview(HWND dlg, FusionTool* tool, const FusionTask& task)
+static Outcome ComputePreview(HWND dlg, FusionTool* tool, const FusionTask& task)
 {
     const CBxRect<int>& region = task.region;
     const CBxSize<int> size = {region.right - region.left, region.bottom - region.top};
-    CBxPicBufAPI::ReinitHeap(&tool->working, size.cx, size.cy, g_sourcePicture.components,
-                             g_sourcePicture.bitsPerComponent);
-    if (!tool->working.data)
-        return FusionOutcome::Failed;
-    const ToolWaitCursor wait;
-    const FusionOutcome outcome = FuseRegion(&tool->working, tool->sources.get(), task,
-                                             [&] { return NewerInputWaits(dlg, *tool); });
-    if (outcome == FusionOutcome::Done)
-        CBxPicBufAPI::CopyRect(&g_previewPicture, tool->working, {region.left, region.top}, {0, 0},
-                               size);
+    Document* document = tool->host->document;
+    CBxPicBufAPI::ReinitHeap(tool->working.Record(), size.cx, size.cy, document->source->components,
+                             document->source->bitsPerComponent);
+    if (tool->working.Empty())
+        return Outcome::Failed;
+    const ToolWaitCursor wait(*tool->host);
+    const Outcome outcome = FuseRegion(tool->working.Record(), tool->sources.get(), task,
+                                       [&] { return NewerInputWaits(dlg, *tool); });
+    if (outcome == Outcome::Done)
+        CBxPicBufAPI::CopyRect(document->preview.Record(), tool->working, {region.left, region.top},
+                               {0, 0}, size);
     return outcome;
 }
 
@@ -118,23 +113,23 @@ static FusionOutcome ComputePreview(HWND dlg, FusionTool* tool, const FusionTask
 static INT_PTR OnPreview(HWND dlg, FusionTool* tool)
 {
     KillTimer(dlg, kPreviewTimer);
-    const FusionTask task = tool->kind.task(RegionInView());
+    const FusionTask task = tool->kind.task(RegionInView(*tool->host));
     if (tool->computing || IsEmptyRect(task.region) || SameTask(task, tool->last))
         return TRUE;
     tool->computing = true;
     RedrawWindow(dlg, nullptr, nullptr, RDW_UPDATENOW | RDW_ALLCHILDREN);
-    const FusionOutcome outcome = ComputePreview(dlg, tool, task);
-    if (outcome == FusionOutcome::Outdated)
+    const Outcome outcome = ComputePreview(dlg, tool, task);
+    if (outcome == Outcome::Cancelled)
         SetTimer(dlg, kPreviewTimer, kRetryMs, nullptr);
-    if (outcome == FusionOutcome::Done)
+    if (outcome == Outcome::Done)
     {
         tool->last = task;
-        SendMessageW(g_hwndMain, WM_APP_PREVIEW_READY, 0, 0);
-        UpdateWindow(g_hwndMain);
+        SendMessageW(tool->host->frame, WM_APP_PREVIEW_READY, 0, 0);
+        UpdateWindow(tool->host->frame);
     }
     // A trackbar takes the mouse when the message of its press has been answered: after a box it
     // would wait for a button that is up already, and the next click would be lost there.
-    if (outcome != FusionOutcome::Outdated)
+    if (outcome != Outcome::Cancelled)
         SetTimer(dlg, kTellTimer, kRetryMs, nullptr);
     tool->computing = false;
     return TRUE;
@@ -167,7 +162,7 @@ static INT_PTR OnInit(HWND dlg, std::unique_ptr<FusionTool>* opening)
         SetDlgItemTextW(dlg, control, Text(text));
     SetUpSlider(dlg, tool->kind.slider, tool->kind.value());
     if (tool->kind.opened)
-        tool->kind.opened();
+        tool->kind.opened(dlg);
     return TRUE;
 }
 
@@ -181,40 +176,47 @@ static INT_PTR OnSlider(HWND dlg, FusionTool* tool, WPARAM wParam, LPARAM lParam
     return ValueChanged(dlg, tool);
 }
 
-static FusionOutcome FuseResult(FusionTool* tool)
+// In the preview's place, which nobody needs any more, and which is made anew after a failure.
+static Outcome FuseResult(FusionTool* tool)
 {
-    const ToolWaitCursor wait;
-    const ToolProgress progress;
+    const ToolWaitCursor wait(*tool->host);
+    const ToolProgress progress(*tool->host);
     const FusionTask task = tool->kind.task({});
-    return FuseWhole(&g_resultPicture, tool->sources.get(), task,
-                     [&](int source) { progress.Show(source, task.sources); });
+    Document* document = tool->host->document;
+    const Outcome outcome = FuseWhole(document->preview.Record(), tool->sources.get(), task,
+                                      [&](int source) { progress.Show(source, task.sources); });
+    if (outcome == Outcome::Done)
+        GiveResult(document, std::move(document->preview));
+    return outcome;
 }
 
 static void MakeResult(HWND dlg, FusionTool* tool)
 {
     tool->computing = true; // nothing else until the dialog has gone
-    const FusionOutcome outcome = FuseResult(tool);
-    if (outcome != FusionOutcome::Done) // it has told of them, but not that OK needs them
+    const Outcome outcome = FuseResult(tool);
+    if (outcome != Outcome::Done) // it has told of them, but not that OK needs them
         tool->told.assign(tool->told.size(), false);
     TellUnusable(tool);
-    if (outcome != FusionOutcome::Done)
+    if (outcome != Outcome::Done)
     {
         MessageBeep(MB_ICONHAND);
-        GiveUpTool(dlg);
+        GiveUpTool(*tool->host, dlg);
         return;
     }
-    SetStatusText(Text(g_multiImageMode ? kTextPressF5 : kTextCompareHint));
+    const ToolHost& host = *tool->host; // the tool goes with its dialog
+    host.setStatusText(Text(host.document->series.chosenByUser ? kTextPressF5 : kTextCompareHint));
     DestroyWindow(dlg);
-    SetFocus(g_hwndMain);
-    SendMessageW(g_hwndMain, WM_APP_TOOL_DONE, 0, 0);
+    SetFocus(host.frame);
+    SendMessageW(host.frame, WM_APP_TOOL_DONE, 0, 0);
 }
 
 static void Finish(HWND dlg, FusionTool* tool)
 {
+    const HWND frame = tool->host->frame;
     const bool stored = tool->kind.store();
     MakeResult(dlg, tool);
     if (!stored)
-        TellSettingsUnsaved();
+        TellSettingsUnsaved(frame);
 }
 
 static INT_PTR OnButton(HWND dlg, FusionTool* tool, int id)
@@ -224,7 +226,7 @@ static INT_PTR OnButton(HWND dlg, FusionTool* tool, int id)
     if (id == IDOK)
         Finish(dlg, tool);
     else if (id == IDCANCEL)
-        GiveUpTool(dlg);
+        GiveUpTool(*tool->host, dlg);
     else if (id == IDC_FUSION_DEFAULT && tool->kind.setDefaults)
     {
         tool->kind.setDefaults();
@@ -240,14 +242,9 @@ static INT_PTR OnDestroyed(HWND dlg, FusionTool* tool)
     if (tool->kind.ended)
         tool->kind.ended();
     SetWindowLongPtrW(dlg, DWLP_USER, 0);
+    const ToolHost& host = *tool->host;
     delete tool;
-    ToolDialogDestroyed(dlg);
-    return TRUE;
-}
-
-static INT_PTR SendOn(UINT message, WPARAM wParam, LPARAM lParam)
-{
-    SendMessageW(g_hwndMain, message, wParam, lParam);
+    ToolDialogDestroyed(host, dlg);
     return TRUE;
 }
 
@@ -266,9 +263,9 @@ static INT_PTR CALLBACK FusionToolProc(HWND dlg, UINT message, WPARAM wParam, LP
     case WM_TIMER: return OnTimer(dlg, tool, wParam);
     case WM_COMMAND: return OnButton(dlg, tool, LOWORD(wParam));
     case WM_CLOSE: return OnButton(dlg, tool, IDOK);
-    case WM_MOUSEWHEEL: return SendOn(message, wParam, lParam);
+    case WM_MOUSEWHEEL: return SendToFrame(*tool->host, message, wParam, lParam);
     case ID_SOURCE_PREV:
-    case ID_SOURCE_NEXT: return SendOn(WM_COMMAND, message, 0);
+    case ID_SOURCE_NEXT: return SendToFrame(*tool->host, WM_COMMAND, message, 0);
     case WM_DESTROY: return OnDestroyed(dlg, tool);
     default: return FALSE;
     }
@@ -280,29 +277,32 @@ static bool NothingUsable(const FusionSources& sources)
                        [](SourceProblem problem) { return problem != SourceProblem::None; });
 }
 
-bool ShowFusionTool(const FusionToolKind& kind, std::unique_ptr<FusionSources> sources)
+bool ShowFusionTool(const ToolHost& host, const FusionToolKind& kind,
+                    std::unique_ptr<FusionSources> sources)
 {
-    if (!PrepareToolPictures())
+    if (!PrepareToolPictures(host.document))
     {
-        WarnOfShortMemory();
+        WarnOfShortMemory(host.frame);
         return false;
     }
     auto tool = std::make_unique<FusionTool>();
+    tool->host = &host;
     tool->kind = kind;
-    tool->sources = sources ? std::move(sources) : SeriesOfFrame();
+    tool->sources = sources ? std::move(sources) : SeriesOf(*host.document);
     tool->told.assign(tool->sources->paths.size(), false);
     CheckFusionSources(tool->sources.get()); // of all, though the slider may begin with fewer
-    const HWND dlg = OpenToolDialog(kind.dialogId, FusionToolProc, reinterpret_cast<LPARAM>(&tool));
+    const HWND dlg =
+        OpenToolDialog(host, kind.dialogId, FusionToolProc, reinterpret_cast<LPARAM>(&tool));
     if (!dlg)
         return false;
     SetFocus(GetDlgItem(dlg, kind.slider.slider));
-    UpdateWindow(g_hwndMain);
+    UpdateWindow(host.frame);
     SendMessageW(dlg, WM_LBUTTONUP, 0, 0);
     // Told now, as the dialog may have to close. It may have been closed already, even by then.
     if (FusionTool* shown = DialogData<FusionTool>(dlg))
         TellUnusable(shown);
     const FusionTool* open = DialogData<FusionTool>(dlg);
     if (open && NothingUsable(*open->sources))
-        GiveUpTool(dlg); // with no slider that could change anything
+        GiveUpTool(host, dlg); // with no slider that could change anything
     return true;
 }

@@ -23,16 +23,18 @@ struct FusionToolKind
     std::function<void(SliderMove, int thumb)> move;
     std::function<void()> setDefaults; // empty = there is no such button
     std::function<FusionTask(const CBxRect<int>& region)> task;
-    std::function<bool()> store;         // into the settings, at OK; false = not written
-    std::function<void()> opened, ended; // may be empty
+    std::function<bool()> store;             // into the settings, at OK; false = not written
+    std::function<void(HWND dialog)> opened; // this and the next may be empty
+    std::function<void()> ended;
 
     bool peeksAtKeys; // waiting keys make a preview outdated, too
 };
 
-// Opens the dialog over the series that the frame holds. `sources` is that series as far as it has
-// been read already, or null. Makes result and preview from the source first. False when memory is
-// short or the dialog cannot be made, which the user has been told.
-bool ShowFusionTool(const FusionToolKind& kind, std::unique_ptr<FusionSources> sources);
+// Opens the dialog over the document's series. `sources` is that series as far as it has been read
+// already, or null. Makes result and preview from the source first. False when memory is short or
+// the dialog cannot be made, which the user has been told.
+bool ShowFusionTool(const ToolHost& host, const FusionToolKind& kind,
+                    std::unique_ptr<FusionSources> sources);
 
 // The region that the dialog will begin with when that picture has been opened at 100 %.
-CBxRect<int> RegionAt100(const SBxPicBuf& picture);
+CBxRect<int> RegionAt100(const ToolHost& host, const SBxPicBuf& picture);

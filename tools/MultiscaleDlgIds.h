@@ -8,15 +8,15 @@
 
 #define IDC_TOOL_FRAME 1100
 
-// One slider and one value per level, finest first.
+// Controls of a tool's first number; those of its next rows follow (tools/Parameters.cpp).
 #define IDC_LEVEL_SLIDER 1110
 #define IDC_LEVEL_VALUE 1120
 
-// One label, slider and value per parameter.
 #define IDC_TONE_LABEL 1130
 #define IDC_TONE_SLIDER 1140
 #define IDC_TONE_VALUE 1150
-#define IDC_TONE_COLORS 1160
-#define IDC_TONE_PREVIEW 1161
-#define IDC_TONE_STOP 1162
-#define IDC_TONE_PROGRESS 1163
+#define IDC_TONE_BOX 1160
+#define IDC_TONE_COLORS 1164
+#define IDC_TONE_PREVIEW 1170
+#define IDC_TONE_STOP 1171
+#define IDC_TONE_PROGRESS 1172

@@ -1,42 +1,50 @@
 #include "tools/NoisePromptDlg.h"
 
-#include "app/AppWindows_win.h"
-#include "app/FrameView_win.h"
-#include "series/ExposureSeries.h"
 #include "text/Strings.h"
 #include "tools/SeriesDlgIds.h"
-#include "tools/Settings.h"
+#include "tools/Settings_win.h"
 #include "tools/ToolDialogWnd.h"
 
-// By strength.
-static constexpr TextId kLevelTexts[] = {kTextNoiseNone, kTextNoiseLow, kTextNoiseMedium,
-                                         kTextNoiseHigh};
+static const ParameterRow& NoiseRow()
+{
+    return ParametersOf(Tool::NoisePrompt)[0];
+}
 
-static int g_answer; // of the prompt that is open
+// The prompt that is open; it outlives its dialog, since whoever asked waits for the answer.
+struct NoisePrompt
+{
+    const ToolHost* host;
+    unsigned* level;
+    int answer = kPromptConfirmed;
+};
 
 static const ControlText kTexts[] = {
     {0, kTextNoiseQuestion},
     {IDC_SERIES_TITLE, kTextNoiseQuestion},
-    {IDC_NOISE_LABEL, kTextNoiseReduction},
     {IDOK, kTextOk},
     {IDCANCEL, kTextCancel},
 };
 
-static unsigned* LevelOf(HWND dlg)
+static NoisePrompt* PromptOf(HWND dlg)
 {
-    return DialogData<unsigned>(dlg);
+    return DialogData<NoisePrompt>(dlg);
 }
 
-static INT_PTR OnInit(HWND dlg, LPARAM lParam)
+static unsigned* LevelOf(HWND dlg)
 {
-    SetWindowLongPtrW(dlg, DWLP_USER, lParam);
+    return PromptOf(dlg)->level;
+}
+
+static INT_PTR OnInit(HWND dlg)
+{
     ReadSettings(SettingGroup::NoisePrompt);
-    *LevelOf(dlg) = ClampNoiseLevel(g_settings.denoiseStrength);
+    *LevelOf(dlg) = unsigned(g_settings.denoiseStrength);
     ShowTexts(dlg, kTexts);
+    SetDlgItemTextW(dlg, IDC_NOISE_LABEL, Text(NoiseRow().text));
     SendDlgItemMessageW(dlg, IDC_NOISE_LEVEL, CB_RESETCONTENT, 0, 0);
-    for (unsigned level = 0; level < kNoiseLevels; ++level)
+    for (int level = 0; level <= NoiseRow().stored.range.high; ++level)
         SendDlgItemMessageW(dlg, IDC_NOISE_LEVEL, CB_ADDSTRING, 0,
-                            reinterpret_cast<LPARAM>(Text(kLevelTexts[level])));
+                            reinterpret_cast<LPARAM>(Text(NoiseRow().choices[level].text)));
     SendDlgItemMessageW(dlg, IDC_NOISE_LEVEL, CB_SETCURSEL, *LevelOf(dlg), 0);
     return TRUE;
 }
@@ -55,27 +63,28 @@ static INT_PTR OnButton(HWND dlg, int id)
 {
     if (id != IDOK && id != IDCANCEL)
         return FALSE;
-    g_answer = id == IDOK ? kPromptConfirmed : kPromptCancelled;
+    NoisePrompt* prompt = PromptOf(dlg);
+    prompt->answer = id == IDOK ? kPromptConfirmed : kPromptCancelled;
     const bool stored = id != IDOK || StoreLevel(dlg);
     DestroyWindow(dlg);
     if (!stored)
-        TellSettingsUnsaved();
+        TellSettingsUnsaved(prompt->host->frame);
     return TRUE;
 }
 
-static INT_PTR CALLBACK NoisePromptProc(HWND dlg, UINT message, WPARAM wParam, LPARAM lParam)
+static INT_PTR OnMessage(HWND dlg, UINT message, WPARAM wParam, LPARAM)
 {
     switch (message)
     {
-    case WM_INITDIALOG: return OnInit(dlg, lParam);
+    case WM_INITDIALOG: return OnInit(dlg);
     case WM_COMMAND: return OnButton(dlg, LOWORD(wParam));
-    case WM_DESTROY: DockedDestroyed(dlg); return TRUE;
+    case WM_DESTROY: DockedDestroyed(*PromptOf(dlg)->host, dlg); return TRUE;
     default: return FALSE;
     }
 }
 
 // Cancel counts from the press on, as the user means it, unless OK is what follows.
-static void WaitForAnswer(HWND dlg)
+static void WaitForAnswer(HWND dlg, NoisePrompt* prompt)
 {
     MSG message;
     while (IsWindow(dlg))
@@ -86,23 +95,25 @@ static void WaitForAnswer(HWND dlg)
             return;
         }
         if (message.message == WM_LBUTTONDOWN && message.hwnd == GetDlgItem(dlg, IDCANCEL))
-            g_answer = kPromptCancelled;
+            prompt->answer = kPromptCancelled;
         TranslateMessage(&message);
         DispatchMessageW(&message);
     }
 }
 
-int RunNoiseLevelPrompt(unsigned* noiseLevel)
+int RunNoiseLevelPrompt(const ToolHost& host, unsigned* noiseLevel)
 {
-    const HWND dlg =
-        OpenDocked(IDD_NOISE_PROMPT, NoisePromptProc, reinterpret_cast<LPARAM>(noiseLevel));
+    NoisePrompt prompt = {&host, noiseLevel};
+    const HWND dlg = OpenDocked(host, IDD_NOISE_PROMPT, DialogProc<NoisePrompt, OnMessage>,
+                                reinterpret_cast<LPARAM>(&prompt));
     if (!dlg)
         return kPromptCancelled;
-    g_answer = kPromptConfirmed;
-    RedrawView();
+    host.redrawView();
     SetFocus(GetDlgItem(dlg, IDC_NOISE_LEVEL));
-    WaitForAnswer(dlg);
-    if (IsWindow(g_hwndMain))
-        RedrawView();
-    return g_answer;
+    WaitForAnswer(dlg, &prompt);
+    if (IsWindow(dlg)) // the program ends: what it looks at goes now
+        DestroyWindow(dlg);
+    if (IsWindow(host.frame))
+        host.redrawView();
+    return prompt.answer;
 }

@@ -1,11 +1,10 @@
 #include "tools/PowerFusionDlg.h"
 
-#include "app/AppState.h"
-#include "app/CommandsWnd.h"
 #include "text/Strings.h"
 #include "tools/FusionDlgIds.h"
 #include "tools/FusionToolWnd.h"
 #include "tools/PowerFusionModel.h"
+#include "tools/Settings.h"
 
 // The text is that of the menu, where dots say that a dialog follows.
 static std::wstring WithoutDots(const wchar_t* text)
@@ -14,17 +13,20 @@ static std::wstring WithoutDots(const wchar_t* text)
     return whole.substr(0, whole.find_last_not_of(L".\x2026 ") + 1);
 }
 
-bool ShowPowerFusionDialog(TextId title)
+bool ShowPowerFusionDialog(const ToolHost& host, TextId title)
 {
     ReadSettings(SettingGroup::PowerTool);
-    const auto model =
-        std::make_shared<PowerFusionModel>(OpenPowerFusion(g_settings, g_sourceCount));
+    const auto model = std::make_shared<PowerFusionModel>(
+        OpenPowerFusion(g_settings, int(host.document->series.files.size())));
     FusionToolKind kind = {};
     kind.dialogId = IDD_POWER_FUSION;
-    kind.slider = {IDC_FUSION_SLIDER, IDC_FUSION_VALUE, kPowerRange};
+    kind.slider = {IDC_FUSION_SLIDER, IDC_FUSION_VALUE,
+                   SliderRowOf(Tool::PowerFusion).stored.range};
     kind.title = WithoutDots(Text(title));
-    kind.texts = {{IDC_FUSION_LABEL, kTextPower}, {IDOK, kTextOk}, {IDCANCEL, kTextCancel}};
-    kind.value = [=] { return model->power; };
+    kind.texts = {{IDC_FUSION_LABEL, SliderRowOf(Tool::PowerFusion).text},
+                  {IDOK, kTextOk},
+                  {IDCANCEL, kTextCancel}};
+    kind.value = [=] { return model->numbers.powerTool.power; };
     kind.move = [=](SliderMove move, int thumb) { MovePower(model.get(), move, thumb); };
     kind.task = [=](const CBxRect<int>& region) { return PowerTask(*model, region); };
     kind.store = [=]
@@ -32,7 +34,7 @@ bool ShowPowerFusionDialog(TextId title)
         StorePower(*model, &g_settings);
         return WriteSettings(SettingGroup::PowerTool);
     };
-    kind.opened = [] { SetStatusText(Text(kTextCompareHint)); };
+    kind.opened = [&host](HWND) { host.setStatusText(Text(kTextCompareHint)); };
     kind.peeksAtKeys = true;
-    return ShowFusionTool(kind, nullptr);
+    return ShowFusionTool(host, kind, nullptr);
 }

@@ -2,24 +2,22 @@
 
 #include <algorithm>
 
-PowerFusionModel OpenPowerFusion(const Settings& settings, int seriesCount)
+PowerFusionModel OpenPowerFusion(const ToolNumbers& stored, int seriesCount)
 {
-    return {settings.powerTool.power, seriesCount};
+    return {OpenedNumbers(Tool::PowerFusion, stored), seriesCount};
 }
 
 bool MovePower(PowerFusionModel* model, SliderMove move, int thumb)
 {
-    const int before = model->power;
-    model->power = MovedSlider(kPowerRange, before, move, thumb);
-    return model->power != before;
+    return MoveNumber(&model->numbers, SliderRowOf(Tool::PowerFusion), move, thumb);
 }
 
 FusionTask PowerTask(const PowerFusionModel& model, const CBxRect<int>& region)
 {
-    return {region, std::min(model.power, model.seriesCount), kPowerTargetGrey};
+    return {region, std::min(model.numbers.powerTool.power, model.seriesCount), kPowerTargetGrey};
 }
 
-void StorePower(const PowerFusionModel& model, Settings* settings)
+void StorePower(const PowerFusionModel& model, ToolNumbers* stored)
 {
-    settings->powerTool.power = model.power;
+    CopyNumbers(stored, Tool::PowerFusion, model.numbers);
 }

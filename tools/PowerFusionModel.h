@@ -1,22 +1,19 @@
 #pragma once
 
 #include "pipeline/FusionJob.h"
-#include "tools/Settings.h"
-#include "tools/SliderRules.h"
+#include "tools/Parameters.h"
 
 // What the fusion dialog with the Power slider knows: how many of the series' sources are fused.
 
-constexpr SliderRange kPowerRange = {3, 39};
 constexpr unsigned kPowerTargetGrey = 128; // whatever the file says
 
 struct PowerFusionModel
 {
-    int power;
+    ToolNumbers numbers;
     int seriesCount; // sources that there are; a series that was stopped has fewer than 39
 };
 
-// From settings as they are read, which is within the slider's range.
-PowerFusionModel OpenPowerFusion(const Settings& settings, int seriesCount);
+PowerFusionModel OpenPowerFusion(const ToolNumbers& stored, int seriesCount);
 
 // True when the value is another one now, and the preview with it.
 bool MovePower(PowerFusionModel* model, SliderMove move, int thumb);
@@ -25,4 +22,4 @@ FusionTask PowerTask(const PowerFusionModel& model, const CBxRect<int>& region);
 
 // OK keeps the slider's value. The other two of the group go back to the file as they were read:
 // the target grey that is used here is not the one that is stored.
-void StorePower(const PowerFusionModel& model, Settings* settings);
+void StorePower(const PowerFusionModel& model, ToolNumbers* stored);

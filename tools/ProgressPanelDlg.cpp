@@ -1,9 +1,5 @@
 #include "tools/ProgressPanelDlg.h"
 
-#include "app/AppState.h"
-#include "app/AppWindows_win.h"
-#include "app/CommandsWnd.h"
-#include "app/FrameView_win.h"
 #include "base/Format_win.h"
 #include "text/Strings.h"
 #include "tools/Messages.h"
@@ -11,6 +7,8 @@
 #include "tools/ToolDialogWnd.h"
 
 #include <commctrl.h>
+
+#include <memory>
 
 // A report in a posted message: wParam holds the percentage, or nothing when the text stays.
 static constexpr WPARAM kKeepText = 1000;
@@ -20,21 +18,33 @@ static const ControlText kTexts[] = {{0, kTextPreparing},
                                      {IDC_PROGRESS_TEXT, kTextProgressFivePercent},
                                      {IDCANCEL, kTextAbort}};
 
-static INT_PTR OnInit(HWND dlg, LPARAM kind)
+struct ProgressPanel
 {
-    const SeriesBar bar = SeriesBarOf(SeriesKind(kind));
+    const ToolHost* host;
+    SeriesKind kind;
+    std::atomic<bool>* aborted;
+};
+
+static ProgressPanel* PanelOf(HWND dlg)
+{
+    return DialogData<ProgressPanel>(dlg);
+}
+
+static INT_PTR OnInit(HWND dlg)
+{
+    const SeriesBar bar = SeriesBarOf(PanelOf(dlg)->kind);
     ShowTexts(dlg, kTexts);
     SendDlgItemMessageW(dlg, IDC_PROGRESS_BAR, PBM_SETRANGE, 0, MAKELPARAM(0, bar.length));
     SendDlgItemMessageW(dlg, IDC_PROGRESS_BAR, PBM_SETSTEP, 1, 0);
     SendDlgItemMessageW(dlg, IDC_PROGRESS_BAR, PBM_SETPOS, WPARAM(bar.start), 0);
-    EnableToolCommands(false);
+    PanelOf(dlg)->host->enableToolCommands(false);
     return TRUE;
 }
 
 // A report that was on its way when the user aborted does not take the text back.
 static INT_PTR OnReport(HWND dlg, WPARAM percent, LPARAM position)
 {
-    if (percent != kKeepText && !g_cancelRequested)
+    if (percent != kKeepText && !*PanelOf(dlg)->aborted)
         SetDlgItemTextW(dlg, IDC_PROGRESS_TEXT,
                         VcFormatText(L"%s%i%%", Text(kTextProgress), int(percent)).c_str());
     SendDlgItemMessageW(dlg, IDC_PROGRESS_BAR, PBM_SETPOS, WPARAM(position), 0);
@@ -48,7 +58,7 @@ static INT_PTR OnButton(HWND dlg, int id)
         DestroyWindow(dlg);
     else if (id == IDCANCEL)
     {
-        g_cancelRequested = true;
+        *PanelOf(dlg)->aborted = true;
         SetDlgItemTextW(dlg, IDC_PROGRESS_TEXT, Text(kTextCancelling));
     }
     return TRUE;
@@ -56,30 +66,34 @@ static INT_PTR OnButton(HWND dlg, int id)
 
 static INT_PTR OnDestroyed(HWND dlg)
 {
-    DockedDestroyed(dlg);
-    EnableToolCommands(true);
+    const auto panel = TakeDialogData<ProgressPanel>(dlg);
+    DockedDestroyed(*panel->host, dlg);
+    panel->host->enableToolCommands(true);
     return TRUE;
 }
 
-static INT_PTR CALLBACK PanelProc(HWND dlg, UINT message, WPARAM wParam, LPARAM lParam)
+static INT_PTR OnMessage(HWND dlg, UINT message, WPARAM wParam, LPARAM lParam)
 {
     switch (message)
     {
-    case WM_INITDIALOG: return OnInit(dlg, lParam);
+    case WM_INITDIALOG: return OnInit(dlg);
     case WM_APP_SERIES_PROGRESS: return OnReport(dlg, wParam, lParam);
     case WM_COMMAND: return OnButton(dlg, LOWORD(wParam));
-    case WM_MOUSEWHEEL: SendMessageW(g_hwndMain, message, wParam, lParam); return TRUE;
+    case WM_MOUSEWHEEL: return SendToFrame(*PanelOf(dlg)->host, message, wParam, lParam);
     case WM_DESTROY: return OnDestroyed(dlg);
     default: return FALSE;
     }
 }
 
-HWND OpenProgressPanel(SeriesKind kind)
+HWND OpenProgressPanel(const ToolHost& host, SeriesKind kind, std::atomic<bool>* aborted)
 {
-    const HWND panel = OpenDocked(IDD_PROGRESS_PANEL, PanelProc, LPARAM(kind));
+    auto data = std::make_unique<ProgressPanel>(ProgressPanel{&host, kind, aborted});
+    const HWND panel = OpenDocked(host, IDD_PROGRESS_PANEL, DialogProc<ProgressPanel, OnMessage>,
+                                  reinterpret_cast<LPARAM>(data.get()));
     if (!panel)
         return nullptr;
-    RedrawView();
+    (void)data.release(); // the dialog's from here on
+    host.redrawView();
     UpdateWindow(panel);
     return panel;
 }

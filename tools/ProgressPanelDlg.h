@@ -1,11 +1,13 @@
 #pragma once
 
-#include "base/Win.h"
 #include "series/SeriesRun.h"
+#include "tools/ToolHost_win.h"
 
-// The panel in the docker that shows how far a series is and lets the user abort it. Window thread
-// only, except for the report, which any thread may send.
+#include <atomic>
 
-HWND OpenProgressPanel(SeriesKind kind);
+// The panel in the docker that shows how far a series is and lets the user abort it: that sets
+// `aborted`. Window thread only, except for the report, which any thread may send.
+
+HWND OpenProgressPanel(const ToolHost& host, SeriesKind kind, std::atomic<bool>* aborted);
 void ReportToPanel(HWND panel, const SeriesProgress& progress);
 void CloseProgressPanel(HWND panel); // by the panel's own OK; null is fine

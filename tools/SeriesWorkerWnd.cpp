@@ -1,21 +1,22 @@
 #include "tools/SeriesWorkerWnd.h"
 
-#include "app/AppState.h"
-#include "app/AppWindows_win.h"
-#include "app/CommandIds.h"
-#include "app/CommandsWnd.h"
 #include "base/Format_win.h"
 #include "text/Strings.h"
 #include "tools/Messages.h"
 #include "tools/ProgressPanelDlg.h"
 #include "tools/SeriesFolder_win.h"
+#include "tools/ToolCommandIds.h"
 #include "tools/ToolDialogWnd.h"
 
+#include <atomic>
 #include <filesystem>
 
-// The one series at a time. While the worker runs, only it touches the job.
+// The one series at a time. While the worker runs, only it touches the job, but for the wishes.
 struct SeriesJob
 {
+    const ToolHost* host = nullptr;
+    std::atomic<bool> aborted{false}; // by the panel's button, or since the program closes
+    std::atomic<bool> stopped{false}; // since the program closes: denoising is given up, too
     SeriesRun run;
     std::wstring folder;
     HWND panel = nullptr;
@@ -39,12 +40,13 @@ static DWORD WINAPI SeriesThread(void*)
     run->folder = std::filesystem::path(g_job.folder).u8string();
     if (!g_job.folderFailed)
         MakeSeriesFiles(run);
-    if (g_cancelRequested || run->files.empty())
-        PostMessageW(g_hwndMain, WM_APP_SERIES_CANCELLED, 0, 0);
+    const HWND frame = g_job.host->frame;
+    if (g_job.aborted || run->files.empty())
+        PostMessageW(frame, WM_APP_SERIES_CANCELLED, 0, 0);
     else if (run->kind == SeriesKind::Single)
-        PostMessageW(g_hwndMain, WM_COMMAND, ID_OPEN_EXPOSURE_FUSION, 0);
+        PostMessageW(frame, WM_COMMAND, ID_OPEN_EXPOSURE_FUSION, 0);
     else
-        SendMessageW(g_hwndMain, WM_COMMAND, ID_OPEN_POWER_FUSION, 0);
+        SendMessageW(frame, WM_COMMAND, ID_OPEN_POWER_FUSION, 0);
     return 0;
 }
 
@@ -52,62 +54,67 @@ static void SetUpRun(SeriesKind kind, unsigned noiseLevel)
 {
     SeriesRun* run = &g_job.run;
     run->kind = kind;
-    run->source = g_sourcePicture;
+    run->source = g_job.host->document->source;
     run->noiseLevel = noiseLevel;
     run->files.clear();
     run->control.denoiseThreads = AllowedProcessors();
-    run->control.cancelRequested = [] { return g_cancelRequested.load(); };
-    run->control.stopped = [] { return g_stopRequested.load(); };
+    run->control.cancelRequested = [] { return g_job.aborted.load(); };
+    run->control.stopped = [] { return g_job.stopped.load(); };
     run->control.progress = [panel = g_job.panel](const SeriesProgress& progress)
     { ReportToPanel(panel, progress); };
 }
 
-void StartSeries(SeriesKind kind, unsigned noiseLevel)
+// For good: the program closes.
+static void StopSeries()
 {
-    g_cancelRequested = false;
-    g_stopRequested = false;
-    g_workerBusy = true;
-    g_toolBusy = true;
+    g_job.aborted = true;
+    g_job.stopped = true;
+}
+
+void StartSeries(const ToolHost& host, SeriesKind kind, unsigned noiseLevel)
+{
+    g_job.host = &host;
+    g_job.aborted = false;
+    g_job.stopped = false;
+    BeginJob(host.document, StopSeries);
     g_job.running = true;
-    SetStatusText(L"");
-    g_job.panel = OpenProgressPanel(kind);
+    host.setStatusText(L"");
+    g_job.panel = OpenProgressPanel(host, kind, &g_job.aborted);
     SetUpRun(kind, noiseLevel);
-    SendMessageW(g_hwndMain, WM_APP_CURSOR_WAIT, 0, 0);
+    SendMessageW(host.frame, WM_APP_CURSOR_WAIT, 0, 0);
     const HANDLE thread = CreateThread(nullptr, 0, SeriesThread, nullptr, 0, nullptr);
     if (thread)
         CloseHandle(thread);
     else
-        PostMessageW(g_hwndMain, WM_APP_SERIES_CANCELLED, 0, 0);
+        PostMessageW(host.frame, WM_APP_SERIES_CANCELLED, 0, 0);
 }
 
-static void TakeSeries()
+static void GiveSeries()
 {
-    g_sourceCount = 0;
-    g_sourceIndex = 0;
+    std::vector<std::wstring> files;
     for (const std::string& name : g_job.run.files)
-    {
-        const std::wstring path = g_job.folder + std::wstring(name.begin(), name.end());
-        VcFormat(g_sourceFiles[g_sourceCount++], kSourcePathChars, L"%s", path.c_str());
-    }
+        files.push_back(g_job.folder + std::wstring(name.begin(), name.end()));
+    TakeSeries(g_job.host->document, std::move(files));
     g_job.run.files.clear();
 }
 
 // Why there is no series although nobody wanted it to stop.
 static void TellFailure()
 {
-    if (g_cancelRequested || g_stopRequested)
+    const HWND frame = g_job.host->frame;
+    if (g_job.aborted || g_job.stopped)
         return;
     if (g_job.folderFailed)
-        MessageBoxW(g_hwndMain,
+        MessageBoxW(frame,
                     VcFormatText(L"%s %s", Text(kTextCannotOpenFile), g_job.folder.c_str()).c_str(),
                     Text(kTextWarning), MB_OK | MB_ICONASTERISK);
     else
-        WarnOfShortMemory();
+        WarnOfShortMemory(frame);
 }
 
 bool SeriesWasAborted()
 {
-    return g_job.running && g_cancelRequested;
+    return g_job.running && g_job.aborted;
 }
 
 void EndSeries(bool ready)
@@ -115,17 +122,14 @@ void EndSeries(bool ready)
     if (!g_job.running)
         return;
     g_job.running = false;
-    g_toolBusy = false;
-    g_workerBusy = false;
-    SendMessageW(g_hwndMain, WM_APP_CURSOR_ARROW, 0, 0);
+    EndWork(g_job.host->document);
+    SendMessageW(g_job.host->frame, WM_APP_CURSOR_ARROW, 0, 0);
     CloseProgressPanel(g_job.panel);
     g_job.panel = nullptr;
     if (ready)
-        TakeSeries();
+        GiveSeries();
     else
         TellFailure();
-    g_cancelRequested = false;
-    g_stopRequested = false;
 }
 
 TextId SeriesTitle()

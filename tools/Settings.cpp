@@ -2,90 +2,67 @@
 
 #include "text/LanguageFile.h"
 
-#include <algorithm>
 #include <climits>
-#include <cstddef>
+#include <iterator>
 
 Settings g_settings = {};
 
-const wchar_t kGeneralSection[] = L"General";
-
-static const SettingRange kAnyNumber = {OutOfRange::Keep, 0, 0};
-static const SettingRange kToneSlider = {OutOfRange::Clamp, 1, 50};
-static const SettingRange kFromTwenty = {OutOfRange::UseDefault, 20, INT_MAX};
-static const SettingRange kSourceCount = {OutOfRange::UseDefault, 3, 39};
-static const SettingRange kStrength = {OutOfRange::Clamp, 0, 10};
-static const SettingRange kTargetGrey = {OutOfRange::Clamp, 48, 160};
-static const SettingRange kGainTenths = {OutOfRange::Clamp, 0, 30};
-static const SettingRange kNoiseLevel = {OutOfRange::Clamp, 0, 3};
-
 using Group = SettingGroup;
-#define FIELD(name) offsetof(Settings, name)
 
-// The two fusion dialogs share the key "Exposure" but not its default and range. "power" and
-// "Power" are one key in the file as well: a number that the slider cannot show, such as the 1 of
-// a first run without the tool, counts as none.
 const SettingRow kSettings[] = {
-    {Group::CrashMarker, L"Crashed Last Time", 0, FIELD(crashedLastTime), kAnyNumber},
-    {Group::Run, L"method", 0, FIELD(method), kAnyNumber},
-    {Group::Run, L"power", 1, FIELD(power), kAnyNumber},
-    {Group::Run, L"noise", 1, FIELD(noise), kAnyNumber},
-    {Group::Run, L"uiPowerT1", 10, FIELD(uiPowerT[0]), kToneSlider},
-    {Group::Run, L"uiPowerT2", 10, FIELD(uiPowerT[1]), kToneSlider},
-    {Group::Run, L"uiPowerT3", 10, FIELD(uiPowerT[2]), kToneSlider},
-    {Group::Run, L"uiPowerT4", 10, FIELD(uiPowerT[3]), kToneSlider},
-    {Group::Run, L"uiUseColors", 10, FIELD(uiUseColors), kAnyNumber},
-    {Group::StartOnly, L"jpeg", 90, FIELD(jpegQuality), kFromTwenty},
-    {Group::SaveDialog, L"jpeg", 85, FIELD(jpegQuality), kAnyNumber},
-    {Group::PowerTool, L"Exposure", 128, FIELD(powerTool.exposure), kAnyNumber},
-    {Group::PowerTool, L"Flatness", 3, FIELD(powerTool.flatness), kAnyNumber},
-    {Group::PowerTool, L"Power", 15, FIELD(powerTool.power), kSourceCount},
-    {Group::FusionTool, L"Sharp Strength", 5, FIELD(fusionTool.sharpStrength), kStrength},
-    {Group::FusionTool, L"Sat Strength", 5, FIELD(fusionTool.satStrength), kStrength},
-    {Group::FusionTool, L"Exp Strength", 5, FIELD(fusionTool.expStrength), kStrength},
-    {Group::FusionTool, L"Exposure", 100, FIELD(fusionTool.exposure), kTargetGrey},
-    {Group::LevelsOfDetail, L"LOD_0", 10, FIELD(levelsOfDetail[0]), kGainTenths},
-    {Group::LevelsOfDetail, L"LOD_1", 10, FIELD(levelsOfDetail[1]), kGainTenths},
-    {Group::LevelsOfDetail, L"LOD_2", 10, FIELD(levelsOfDetail[2]), kGainTenths},
-    {Group::LevelsOfDetail, L"LOD_3", 10, FIELD(levelsOfDetail[3]), kGainTenths},
-    {Group::LevelsOfDetail, L"LOD_4", 10, FIELD(levelsOfDetail[4]), kGainTenths},
-    {Group::LevelsOfDetail, L"LOD_5", 10, FIELD(levelsOfDetail[5]), kGainTenths},
-    {Group::LevelsOfDetail, L"LOD_6", 10, FIELD(levelsOfDetail[6]), kGainTenths},
-    {Group::LevelsOfDetail, L"LOD_7", 10, FIELD(levelsOfDetail[7]), kGainTenths},
-    {Group::NoisePrompt, L"Denoise Strength", 1, FIELD(denoiseStrength), kNoiseLevel},
+    {Group::CrashMarker, &Settings::crashedLastTime, {L"Crashed Last Time", 0, kAnyNumber}},
+    {Group::Run, &Settings::method, {L"method", 0, kAnyNumber}},
+    {Group::Run, &Settings::power, {L"power", 1, kAnyNumber}},
+    {Group::Run, &Settings::noise, {L"noise", 1, kAnyNumber}},
+    {Group::StartOnly,
+     &Settings::jpegQuality,
+     {L"jpeg", 90, {20, INT_MAX}, OutOfRange::UseDefault}},
+    {Group::SaveDialog, &Settings::jpegQuality, {L"jpeg", 85, kAnyNumber}},
 };
-const int kSettingCount = int(sizeof kSettings / sizeof kSettings[0]);
+const int kSettingCount = int(std::size(kSettings));
 
-#undef FIELD
-
-static int* FieldOf(Settings* settings, const SettingRow& row)
+static Group GroupOf(Tool tool)
 {
-    return reinterpret_cast<int*>(reinterpret_cast<char*>(settings) + row.field);
+    switch (tool)
+    {
+    case Tool::PowerFusion: return Group::PowerTool;
+    case Tool::ExposureFusion: return Group::FusionTool;
+    case Tool::SmartContrast: return Group::LevelsOfDetail;
+    case Tool::NoisePrompt: return Group::NoisePrompt;
+    default: return Group::Run;
+    }
 }
 
-static int Allowed(const SettingRow& row, int number)
+// Calls body with each number of a group, in the order of writing: where it is kept, and how it is
+// stored.
+template <typename Body>
+static void ForEachNumber(SettingGroup group, Settings* settings, Body body)
 {
-    const SettingRange& range = row.range;
-    if (range.outOfRange == OutOfRange::Keep)
-        return number;
-    const int allowed = std::clamp(number, range.lowest, range.highest);
-    return range.outOfRange == OutOfRange::Clamp || allowed == number ? allowed : row.standard;
+    for (const SettingRow& row : kSettings)
+        if (row.group == group)
+            body(&(settings->*row.field), row.stored);
+    for (const ParameterRow& row : AllParameters())
+        if (GroupOf(row.tool) == group)
+            body(NumberAt(settings, row), row.stored);
 }
 
 void ReadSettings(const ProfileStore& store, SettingGroup group, Settings* settings)
 {
-    for (const SettingRow& row : kSettings)
-        if (row.group == group)
-            *FieldOf(settings, row) =
-                Allowed(row, ReadNumber(store, kGeneralSection, row.key, row.standard));
+    ForEachNumber(group, settings,
+                  [&](int* number, const StoredNumber& stored)
+                  {
+                      *number = AllowedNumber(
+                          stored, ReadNumber(store, kGeneralSection, stored.key, stored.standard));
+                  });
 }
 
 static std::vector<ProfileValue> ValuesOf(SettingGroup group, Settings* settings)
 {
     std::vector<ProfileValue> values;
-    for (const SettingRow& row : kSettings)
-        if (row.group == group)
-            values.push_back({row.key, std::to_wstring(*FieldOf(settings, row))});
+    ForEachNumber(group, settings,
+                  [&](const int* number, const StoredNumber& stored) {
+                      values.push_back({stored.key, std::to_wstring(*number)});
+                  });
     return values;
 }
 

@@ -1,50 +1,25 @@
 #pragma once
 
 #include "text/ProfileStore.h"
-
-#include <cstddef>
+#include "tools/Parameters.h"
 
 struct LanguageList;
 
-// Everything that outlives a run, as numbers. One table (Settings.cpp) knows the keys, defaults
-// and ranges; every part of the program reads and writes its own group of them.
+// Everything that outlives a run, as numbers. Two tables know the keys, defaults and ranges: that
+// of Parameters.h those of the tools, kSettings all others. Every part of the program reads and
+// writes its own group of them.
 
-struct Settings
+struct Settings : ToolNumbers
 {
     int crashedLastTime;
-
-    // Kept while the program runs, written when it ends.
-    int method; // this one and the noise are only handed on
-    int power;
-    int noise;
-    int uiPowerT[4]; // sliders of tone mapping, from 1
-    int uiUseColors; // its check box; any number but 0 is checked
-
-    int jpegQuality; // percent
-
-    struct // the fusion dialog with the Power slider
-    {
-        int exposure;
-        int flatness;
-        int power; // also the number of sources fused
-    } powerTool;
-
-    struct // the fusion dialog with the Exposure slider
-    {
-        int sharpStrength;
-        int satStrength;
-        int expStrength;
-        int exposure;
-    } fusionTool;
-
-    int levelsOfDetail[8]; // tenths of a gain, finest level first
-    int denoiseStrength;   // 0 none, 1 low, 2 medium, 3 high
+    int method, power, noise; // kept while the program runs, written when it ends
+    int jpegQuality;          // percent
 };
 
 enum class SettingGroup
 {
     CrashMarker,
-    Run,        // read at start, written at exit
+    Run,        // read at start, written at exit; the numbers of tone mapping among them
     StartOnly,  // read at start, written by others
     SaveDialog, // the quality of JPEG files again, with a default of its own
     PowerTool,
@@ -53,36 +28,18 @@ enum class SettingGroup
     NoisePrompt,
 };
 
-enum class OutOfRange
-{
-    Keep, // all numbers are fine
-    Clamp,
-    UseDefault,
-};
-
-struct SettingRange
-{
-    OutOfRange outOfRange;
-    int lowest, highest;
-};
-
 struct SettingRow
 {
     SettingGroup group;
-    const wchar_t* key;
-    int standard; // when the key is missing
-    size_t field; // offset in Settings
-    SettingRange range;
+    int Settings::*field;
+    StoredNumber stored;
 };
 
-// In the order in which each group is written.
+// In the order in which each group is written; its tool's rows follow.
 extern const SettingRow kSettings[];
 extern const int kSettingCount;
 
 extern Settings g_settings;
-
-// Section of the settings file, and of the localization file's own keys.
-extern const wchar_t kGeneralSection[];
 
 void ReadSettings(const ProfileStore& store, SettingGroup group, Settings* settings);
 
@@ -105,7 +62,3 @@ void ReadSettings(SettingGroup group);
 [[nodiscard]] bool WriteSettings(SettingGroup group);
 void LoadSettings();
 bool SaveSettingsOnExit();
-
-// Tells the user which file was not written last, and why. The last step of whatever it ends, since
-// messages are handled meanwhile. Windows only.
-void TellSettingsUnsaved();

@@ -1,6 +1,5 @@
-#include "tools/Settings.h"
+#include "tools/Settings_win.h"
 
-#include "app/AppWindows_win.h"
 #include "base/Format_win.h"
 #include "files/ImageFile.h"
 #include "text/LanguageFile.h"
@@ -27,11 +26,11 @@ bool SaveSettingsOnExit()
     return SaveSettingsOnExit(UserSettingsFile(), &g_settings);
 }
 
-void TellSettingsUnsaved()
+void TellSettingsUnsaved(HWND owner)
 {
-    const HWND owner = IsWindow(g_hwndMain) ? g_hwndMain : nullptr; // gone at the end of the run
+    const HWND present = IsWindow(owner) ? owner : nullptr; // gone at the end of the run
     const ProfileFailure& failure = LastProfileFailure();
     const std::wstring text = VcFormatText(L"%s\n%s\n%s", Text(kTextSettings), failure.path.c_str(),
                                            SystemErrorText(failure.error).c_str());
-    MessageBoxW(owner, text.c_str(), Text(kTextWarning), MB_OK | MB_ICONASTERISK);
+    MessageBoxW(present, text.c_str(), Text(kTextWarning), MB_OK | MB_ICONASTERISK);
 }

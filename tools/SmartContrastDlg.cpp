@@ -1,19 +1,15 @@
 #include "tools/SmartContrastDlg.h"
 
-#include "app/AppState.h"
-#include "app/AppWindows_win.h"
-#include "app/CommandsWnd.h"
-#include "app/FrameView_win.h"
 #include "text/Strings.h"
 #include "tools/Messages.h"
 #include "tools/MultiscaleDlgIds.h"
-#include "tools/Settings.h"
+#include "tools/ParameterControlsWnd.h"
+#include "tools/Settings_win.h"
 #include "tools/SmartContrastModel.h"
 #include "tools/ToolDialogWnd.h"
 
 #include <commctrl.h>
 
-#include <algorithm>
 #include <memory>
 
 static const ControlText kTexts[] = {{0, kTextLevelsOfDetail},
@@ -21,84 +17,95 @@ static const ControlText kTexts[] = {{0, kTextLevelsOfDetail},
                                      {IDOK, kTextOk},
                                      {IDCANCEL, kTextCancel}};
 
-static SliderControl LevelControl(int level)
+// Its labels are sizes in pixels, its sliders the only controls with numbers.
+static const ParameterControls kControls = {Tool::SmartContrast, 0, IDC_LEVEL_SLIDER,
+                                            IDC_LEVEL_VALUE, 0};
+
+// An open dialog.
+struct SmartContrastTool
 {
-    return {IDC_LEVEL_SLIDER + level, IDC_LEVEL_VALUE + level, kLevelOfDetailRange};
+    const ToolHost* host;
+    SmartContrastModel model;
+
+    explicit SmartContrastTool(const ToolHost& frame) : host(&frame) {}
+    SmartContrastTool(const SmartContrastTool&) = delete;
+    SmartContrastTool& operator=(const SmartContrastTool&) = delete;
+    ~SmartContrastTool() { ReleaseSmartContrast(&model); }
+};
+
+static SmartContrastTool* ToolOf(HWND dlg)
+{
+    return DialogData<SmartContrastTool>(dlg);
 }
 
-static SmartContrastModel* ModelOf(HWND dlg)
+static CBxRect<int> VisiblePart(const SmartContrastTool& tool)
 {
-    return DialogData<SmartContrastModel>(dlg);
+    tool.host->updateViewArea();
+    return SmartContrastVisible(*tool.host->view, tool.model.size);
 }
 
-static CBxRect<int> VisiblePart(const SmartContrastModel& model)
+static void Show(SmartContrastTool* tool, const CBxRect<int>& visible)
 {
-    UpdateViewArea();
-    return SmartContrastVisible(g_view, model.size);
+    SBxPicBuf* preview = tool->host->document->preview.Record();
+    if (RecomposeSmartContrast(preview, &tool->model, visible) == Outcome::Done)
+        SendMessageW(tool->host->frame, WM_APP_PREVIEW_READY, 0, 0);
 }
 
-static void Show(SmartContrastModel* model, const CBxRect<int>& visible)
+static void ShowRecomposed(SmartContrastTool* tool)
 {
-    if (!RecomposeSmartContrast(&g_previewPicture, model, visible))
-        SendMessageW(g_hwndMain, WM_APP_PREVIEW_READY, 0, 0);
-}
-
-static void ShowRecomposed(SmartContrastModel* model)
-{
-    const ToolWaitCursor wait;
-    Show(model, VisiblePart(*model));
+    const ToolWaitCursor wait(*tool->host);
+    Show(tool, VisiblePart(*tool));
 }
 
 // While the picture is being dragged, the hand stays as it is.
 static INT_PTR OnViewMoved(HWND dlg)
 {
-    SmartContrastModel* model = ModelOf(dlg);
-    const CBxRect<int> visible = VisiblePart(*model);
-    if (!HasSmartContrast(*model, visible))
-        Show(model, visible);
+    SmartContrastTool* tool = ToolOf(dlg);
+    const CBxRect<int> visible = VisiblePart(*tool);
+    if (!HasSmartContrast(tool->model, visible))
+        Show(tool, visible);
     return TRUE;
 }
 
-static INT_PTR OnInit(HWND dlg, LPARAM lParam)
+static INT_PTR OnInit(HWND dlg)
 {
-    SetWindowLongPtrW(dlg, DWLP_USER, lParam);
-    const SmartContrastModel* model = ModelOf(dlg);
-    for (int level = 0; level < kDetailLevels; ++level)
-        SetUpSlider(dlg, LevelControl(level), model->lod[level]);
+    SetUpControls(dlg, kControls, ToolOf(dlg)->model.numbers);
     ShowTexts(dlg, kTexts);
     return FALSE; // the frame keeps the focus until the user takes it
 }
 
 static INT_PTR OnSlider(HWND dlg, WPARAM wParam, LPARAM lParam)
 {
-    SmartContrastModel* model = ModelOf(dlg);
+    SmartContrastTool* tool = ToolOf(dlg);
     const HWND slider = reinterpret_cast<HWND>(lParam);
-    const int level = GetDlgCtrlID(slider) - IDC_LEVEL_SLIDER;
-    if (!model || level < 0 || level >= kDetailLevels)
+    const ParameterRow* level = SliderOf(kControls, GetDlgCtrlID(slider));
+    if (!level)
         return FALSE;
+    SmartContrastModel* model = &tool->model;
     const bool recompose =
-        SmartContrastSliderMoved(model, level, MoveOfScroll(wParam), ThumbOfScroll(wParam));
-    ShowSlider(dlg, LevelControl(level), model->lod[level]);
+        SmartContrastSliderMoved(model, *level, MoveOfScroll(wParam), ThumbOfScroll(wParam));
+    ShowNumber(dlg, kControls, *level, model->numbers);
     if (recompose && !NewerSliderInputWaits(slider))
-        ShowRecomposed(model);
+        ShowRecomposed(tool);
     return TRUE;
 }
 
 static INT_PTR OnOk(HWND dlg)
 {
-    SmartContrastModel* model = ModelOf(dlg);
+    const ToolHost& host = *ToolOf(dlg)->host;
+    SmartContrastModel* model = &ToolOf(dlg)->model;
     {
-        const ToolWaitCursor wait;
+        const ToolWaitCursor wait(host);
         // Refused only when there is no preview to show either.
-        (void)CompleteSmartContrast(&g_previewPicture, model);
+        (void)CompleteSmartContrast(host.document->preview.Record(), model);
     }
-    std::copy_n(model->lod, kDetailLevels, g_settings.levelsOfDetail);
+    CopyNumbers(&g_settings, Tool::SmartContrast, model->numbers);
     const bool stored = WriteSettings(SettingGroup::LevelsOfDetail);
-    CBxPicBufAPI::Copy(&g_resultPicture, g_previewPicture);
+    GiveResult(host.document, std::move(host.document->preview));
     DestroyWindow(dlg);
-    SendMessageW(g_hwndMain, WM_APP_TOOL_DONE, 0, 0);
+    SendMessageW(host.frame, WM_APP_TOOL_DONE, 0, 0);
     if (!stored)
-        TellSettingsUnsaved();
+        TellSettingsUnsaved(host.frame);
     return TRUE;
 }
 
@@ -107,60 +114,54 @@ static INT_PTR OnCommand(HWND dlg, int id)
     switch (id)
     {
     case IDOK: return OnOk(dlg);
-    case IDCANCEL: GiveUpTool(dlg); return TRUE;
+    case IDCANCEL: GiveUpTool(*ToolOf(dlg)->host, dlg); return TRUE;
     default: return FALSE;
     }
 }
 
 static INT_PTR OnDestroy(HWND dlg)
 {
-    ToolDialogDestroyed(dlg);
-    const std::unique_ptr<SmartContrastModel> model(ModelOf(dlg));
-    SetWindowLongPtrW(dlg, DWLP_USER, 0);
-    if (model)
-        ReleaseSmartContrast(model.get());
+    const auto tool = TakeDialogData<SmartContrastTool>(dlg);
+    ToolDialogDestroyed(*tool->host, dlg);
     return TRUE;
 }
 
-static INT_PTR CALLBACK SmartContrastProc(HWND dlg, UINT message, WPARAM wParam, LPARAM lParam)
+static INT_PTR OnMessage(HWND dlg, UINT message, WPARAM wParam, LPARAM lParam)
 {
     switch (message)
     {
-    case WM_INITDIALOG: return OnInit(dlg, lParam);
+    case WM_INITDIALOG: return OnInit(dlg);
     case WM_HSCROLL: return OnSlider(dlg, wParam, lParam);
     case WM_COMMAND: return OnCommand(dlg, LOWORD(wParam));
     case WM_APP_VIEW_MOVING:
-    case WM_APP_VIEW_MOVED: return ModelOf(dlg) ? OnViewMoved(dlg) : FALSE;
-    case WM_MOUSEWHEEL: SendMessageW(g_hwndMain, message, wParam, lParam); return TRUE;
+    case WM_APP_VIEW_MOVED: return OnViewMoved(dlg);
+    case WM_MOUSEWHEEL: return SendToFrame(*ToolOf(dlg)->host, message, wParam, lParam);
     case WM_DESTROY: return OnDestroy(dlg);
     default: return FALSE;
     }
 }
 
 // Taken apart before there is a dialog, so that a failure has nothing to close.
-static bool Prepare(SmartContrastModel* model)
+static bool Prepare(SmartContrastTool* tool)
 {
-    const ToolWaitCursor wait;
-    g_resultUnsaved = false;
+    const ToolWaitCursor wait(*tool->host);
+    Document* document = tool->host->document;
     ReadSettings(SettingGroup::LevelsOfDetail);
-    return PrepareToolPictures() &&
-           !OpenSmartContrast(model, g_sourcePicture, g_settings.levelsOfDetail);
+    return PrepareToolPictures(document) &&
+           OpenSmartContrast(&tool->model, document->source, g_settings) == Outcome::Done;
 }
 
-void OpenSmartContrastDialog()
+void OpenSmartContrastDialog(const ToolHost& host)
 {
-    auto model = std::make_unique<SmartContrastModel>();
-    if (!Prepare(model.get()))
+    auto tool = std::make_unique<SmartContrastTool>(host);
+    if (!Prepare(tool.get()))
     {
-        RefuseTool();
+        RefuseTool(host);
         return;
     }
-    if (!OpenToolDialog(IDD_SMART_CONTRAST, SmartContrastProc,
-                        reinterpret_cast<LPARAM>(model.get())))
-    {
-        ReleaseSmartContrast(model.get());
+    if (!OpenToolDialog(host, IDD_SMART_CONTRAST, DialogProc<SmartContrastTool, OnMessage>,
+                        reinterpret_cast<LPARAM>(tool.get())))
         return;
-    }
-    SetStatusText(Text(kTextCompareHint));
-    ShowRecomposed(model.release()); // the dialog's from here on
+    host.setStatusText(Text(kTextCompareHint));
+    ShowRecomposed(tool.release()); // the dialog's from here on
 }

@@ -4,49 +4,49 @@
 
 // The padded picture is also the one that the record is put together into: once it has been taken
 // apart, nobody needs its pixels any more.
-static bool TakeApart(SmartContrastModel* model, const SBxPicBuf& picture)
+static Outcome TakeApart(SmartContrastModel* model, const SBxPicBuf& picture)
 {
     const DetailPadding& at = model->padding;
-    CBxPicBufAPI::ReinitHeap(&model->padded, at.width, at.height, picture.components,
+    CBxPicBufAPI::ReinitHeap(model->padded.Record(), at.width, at.height, picture.components,
                              picture.bitsPerComponent);
-    if (!model->padded.data)
-        return true;
-    CBxPicBufAPI::CopyRect(&model->padded, picture, {at.x, at.y}, {0, 0}, model->size);
+    if (model->padded.Empty())
+        return Outcome::Failed;
+    CBxPicBufAPI::CopyRect(model->padded.Record(), picture, {at.x, at.y}, {0, 0}, model->size);
     if (picture.bitsPerComponent == 8)
-        ReplicateBorder8(&model->padded, at.x, at.y, model->size.cx, model->size.cy);
+        ReplicateBorder8(model->padded.Record(), at.x, at.y, model->size.cx, model->size.cy);
     else
-        ReplicateBorder16(&model->padded, at.x, at.y, model->size.cx, model->size.cy);
+        ReplicateBorder16(model->padded.Record(), at.x, at.y, model->size.cx, model->size.cy);
     return Decompose(&model->record, model->padded, at.levels);
 }
 
-bool OpenSmartContrast(SmartContrastModel* model, const SBxPicBuf& picture,
-                       const int lod[kDetailLevels])
+Outcome OpenSmartContrast(SmartContrastModel* model, const SBxPicBuf& picture,
+                          const ToolNumbers& stored)
 {
     ReleaseSmartContrast(model);
-    std::transform(lod, lod + kDetailLevels, model->lod, ClampLevelOfDetail);
+    model->numbers = OpenedNumbers(Tool::SmartContrast, stored);
     model->size = {picture.width, picture.height};
     model->padding = DetailPaddingOf(picture.width, picture.height);
-    if (!TakeApart(model, picture))
-        return false;
-    ReleaseSmartContrast(model);
-    return true;
+    const Outcome outcome = TakeApart(model, picture);
+    if (outcome != Outcome::Done)
+        ReleaseSmartContrast(model);
+    return outcome;
 }
 
 void ReleaseSmartContrast(SmartContrastModel* model)
 {
-    CBxPicBufAPI::DoneHeap(&model->padded);
     *model = SmartContrastModel();
 }
 
 static bool HasItsNumbers(const SmartContrastModel& model)
 {
     return !IsEmptyRect(model.madePart) &&
-           std::equal(model.lod, model.lod + kDetailLevels, model.made);
+           SameNumbers(Tool::SmartContrast, model.numbers, model.made);
 }
 
-bool SmartContrastSliderMoved(SmartContrastModel* model, int level, SliderMove move, int thumb)
+bool SmartContrastSliderMoved(SmartContrastModel* model, const ParameterRow& level, SliderMove move,
+                              int thumb)
 {
-    model->lod[level] = MovedSlider(kLevelOfDetailRange, model->lod[level], move, thumb);
+    MoveNumber(&model->numbers, level, move, thumb);
     if (move == SliderMove::Drag)
         return false;
     return move == SliderMove::Drop || !HasItsNumbers(*model);
@@ -64,26 +64,29 @@ bool HasSmartContrast(const SmartContrastModel& model, const CBxRect<int>& part)
            part.right <= made.right && part.bottom <= made.bottom;
 }
 
-static bool RecomposePart(SBxPicBuf* out, SmartContrastModel* model, const CBxRect<int>& part)
+static Outcome RecomposePart(SBxPicBuf* out, SmartContrastModel* model, const CBxRect<int>& part)
 {
     const SBxPicBuf& padded = model->padded;
     if (!out->data || out->width != model->size.cx || out->height != model->size.cy ||
         out->components != padded.components || out->bitsPerComponent != padded.bitsPerComponent)
-        return true;
+        return Outcome::Failed;
     float gains[kDetailLevels];
-    std::transform(model->lod, model->lod + kDetailLevels, gains, LevelGain);
+    const int* lod = model->numbers.levelsOfDetail;
+    std::transform(lod, lod + kDetailLevels, gains, LevelGain);
     const int x = model->padding.x, y = model->padding.y;
-    if (RecomposeRegion(&model->padded, &model->record, gains,
-                        {part.left + x, part.top + y, part.right + x, part.bottom + y}))
-        return true;
+    if (RecomposeRegion(model->padded.Record(), &model->record, gains,
+                        {part.left + x, part.top + y, part.right + x, part.bottom + y}) !=
+        Outcome::Done)
+        return Outcome::Failed;
     CBxPicBufAPI::CopyRect(out, padded, {part.left, part.top}, {part.left + x, part.top + y},
                            {part.right - part.left, part.bottom - part.top});
-    std::copy_n(model->lod, kDetailLevels, model->made);
+    model->made = model->numbers;
     model->madePart = part;
-    return false;
+    return Outcome::Done;
 }
 
-bool RecomposeSmartContrast(SBxPicBuf* out, SmartContrastModel* model, const CBxRect<int>& visible)
+Outcome RecomposeSmartContrast(SBxPicBuf* out, SmartContrastModel* model,
+                               const CBxRect<int>& visible)
 {
     const int x = (visible.right - visible.left) / 8, y = (visible.bottom - visible.top) / 8;
     return RecomposePart(out, model,
@@ -92,8 +95,8 @@ bool RecomposeSmartContrast(SBxPicBuf* out, SmartContrastModel* model, const CBx
                           std::min(visible.bottom + y, model->size.cy)});
 }
 
-bool CompleteSmartContrast(SBxPicBuf* out, SmartContrastModel* model)
+Outcome CompleteSmartContrast(SBxPicBuf* out, SmartContrastModel* model)
 {
     const CBxRect<int> whole = {0, 0, model->size.cx, model->size.cy};
-    return !HasSmartContrast(*model, whole) && RecomposePart(out, model, whole);
+    return HasSmartContrast(*model, whole) ? Outcome::Done : RecomposePart(out, model, whole);
 }

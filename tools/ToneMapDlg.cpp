@@ -1,43 +1,50 @@
 #include "tools/ToneMapDlg.h"
 
-#include "app/AppState.h"
-#include "app/AppWindows_win.h"
-#include "app/CommandsWnd.h"
-#include "app/FrameView_win.h"
 #include "text/Strings.h"
 #include "tools/Messages.h"
 #include "tools/MultiscaleDlgIds.h"
-#include "tools/Settings.h"
+#include "tools/ParameterControlsWnd.h"
+#include "tools/Settings_win.h"
 #include "tools/ToneMapModel.h"
-#include "tools/ToneMapWorker_win.h"
+#include "tools/ToneMapRun_win.h"
 #include "tools/ToolDialogWnd.h"
 
 #include <commctrl.h>
 #include <windowsx.h>
 
-#include <algorithm>
 #include <memory>
 
 static const ControlText kToneTexts[] = {
-    {IDC_TONE_LABEL + 0, kTextContrast},
-    {IDC_TONE_LABEL + 1, kTextNoiseAmplitude},
-    {IDC_TONE_LABEL + 2, kTextDetails},
-    {IDC_TONE_LABEL + 3, kTextEqualization},
-    {IDC_TONE_COLORS, kTextUseColors},
     {IDC_TONE_PREVIEW, kTextPreview},
     {IDC_TONE_STOP, kTextAbort},
     {IDOK, kTextOk},
     {IDCANCEL, kTextCancel},
 };
 
-static SliderControl ToneControl(int slider)
+static const ParameterControls kControls = {Tool::ToneMap, IDC_TONE_LABEL, IDC_TONE_SLIDER,
+                                            IDC_TONE_VALUE, IDC_TONE_BOX};
+
+// An open dialog.
+struct ToneMapTool
 {
-    return {IDC_TONE_SLIDER + slider, IDC_TONE_VALUE + slider, kToneMapRange};
+    const ToolHost* host;
+    ToneMapModel model;
+    std::shared_ptr<ToneMapRun> run; // while there is one
+};
+
+static ToneMapTool* ToolOf(HWND dlg)
+{
+    return DialogData<ToneMapTool>(dlg);
 }
 
 static ToneMapModel* ModelOf(HWND dlg)
 {
-    return DialogData<ToneMapModel>(dlg);
+    return &ToolOf(dlg)->model;
+}
+
+static const ToolHost& HostOf(HWND dlg)
+{
+    return *ToolOf(dlg)->host;
 }
 
 // The string is also the command's, whose dots promise this dialog. The blank keeps it off the
@@ -48,40 +55,41 @@ static std::wstring ToneTitle()
     return L" " + title.substr(0, title.find_last_not_of(L'.') + 1);
 }
 
-static CBxPoint<double> ToPicture(int clientX, int clientY)
+static CBxPoint<double> ToPicture(const ImageView& view, int clientX, int clientY)
 {
     CBxPoint<double> point;
-    MapOfView(g_view.state).MapPointDstToSrc(&point.x, &point.y, clientX, clientY);
+    MapOfView(view.state).MapPointDstToSrc(&point.x, &point.y, clientX, clientY);
     return point;
 }
 
-static CBxPoint<double> ViewCentre()
+static CBxPoint<double> ViewCentre(const ToolHost& host)
 {
-    UpdateViewArea();
-    const CBxRect<int>& area = g_view.area;
-    return ToPicture((area.left + area.right) / 2, (area.top + area.bottom) / 2);
+    host.updateViewArea();
+    const CBxRect<int>& area = host.view->area;
+    return ToPicture(*host.view, (area.left + area.right) / 2, (area.top + area.bottom) / 2);
 }
 
-static CBxRect<int> VisiblePart()
+static CBxRect<int> VisiblePart(const ImageView& view)
 {
-    const CBxPoint<double> first = ToPicture(g_view.area.left, g_view.area.top);
-    const CBxPoint<double> end = ToPicture(g_view.area.right, g_view.area.bottom);
+    const CBxPoint<double> first = ToPicture(view, view.area.left, view.area.top);
+    const CBxPoint<double> end = ToPicture(view, view.area.right, view.area.bottom);
     return {int(first.x), int(first.y), int(end.x), int(end.y)};
 }
 
-static void ShowRectangle(const ToneMapModel& model)
+static void ShowRectangle(const ToneMapTool& tool)
 {
-    g_view.previewRect = IsPreviewShown(model) ? &model.previewRect : nullptr;
+    tool.host->view->previewRect = IsPreviewShown(tool.model) ? &tool.model.previewRect : nullptr;
 }
 
-static void ShowToneMapPreview(ToneMapModel* model)
+static void ShowToneMapPreview(ToneMapTool* tool)
 {
-    const ToolWaitCursor wait;
-    ShowRectangle(*model);
+    const ToolWaitCursor wait(*tool->host);
+    ShowRectangle(*tool);
     // When memory is short the source shows inside of the rectangle.
-    if (HasPicture(g_previewPicture))
-        (void)RenderToneMapPreview(&g_previewPicture, model, g_sourcePicture);
-    SendMessageW(g_hwndMain, WM_APP_PREVIEW_READY, 0, 0);
+    Document* document = tool->host->document;
+    if (HasPicture(document->preview))
+        (void)RenderToneMapPreview(document->preview.Record(), &tool->model, document->source);
+    SendMessageW(tool->host->frame, WM_APP_PREVIEW_READY, 0, 0);
 }
 
 // What can be used and seen in which state.
@@ -90,10 +98,7 @@ static void ShowState(HWND dlg)
     const ToneMapModel& model = *ModelOf(dlg);
     const bool editing = model.state == ToneMapState::Editing;
     const bool running = model.state == ToneMapState::Running;
-    for (int i = 0; i < kToneMapSliders; ++i)
-        for (int id : {IDC_TONE_LABEL + i, IDC_TONE_SLIDER + i, IDC_TONE_VALUE + i})
-            EnableWindow(GetDlgItem(dlg, id), editing);
-    EnableWindow(GetDlgItem(dlg, IDC_TONE_COLORS), editing);
+    EnableControls(dlg, kControls, editing);
     EnableWindow(GetDlgItem(dlg, IDC_TONE_PREVIEW), editing);
     EnableWindow(GetDlgItem(dlg, IDOK), !running);
     EnableWindow(GetDlgItem(dlg, IDCANCEL), editing);
@@ -107,16 +112,13 @@ static void ShowState(HWND dlg)
     RedrawWindow(dlg, nullptr, nullptr, RDW_ALLCHILDREN | RDW_UPDATENOW);
 }
 
-static INT_PTR OnInit(HWND dlg, LPARAM lParam)
+static INT_PTR OnInit(HWND dlg)
 {
-    SetWindowLongPtrW(dlg, DWLP_USER, lParam);
     const ToneMapModel& model = *ModelOf(dlg);
     SetWindowTextW(dlg, ToneTitle().c_str());
     SetDlgItemTextW(dlg, IDC_TOOL_FRAME, ToneTitle().c_str());
     ShowTexts(dlg, kToneTexts);
-    for (int i = 0; i < kToneMapSliders; ++i)
-        SetUpSlider(dlg, ToneControl(i), model.choice.slider[i]);
-    CheckDlgButton(dlg, IDC_TONE_COLORS, model.choice.useColors ? BST_CHECKED : BST_UNCHECKED);
+    SetUpControls(dlg, kControls, model.numbers);
     if (!model.hasColors)
         ShowWindow(GetDlgItem(dlg, IDC_TONE_COLORS), SW_HIDE);
     ShowState(dlg);
@@ -127,14 +129,14 @@ static INT_PTR OnSlider(HWND dlg, WPARAM wParam, LPARAM lParam)
 {
     ToneMapModel* model = ModelOf(dlg);
     const HWND control = reinterpret_cast<HWND>(lParam);
-    const int slider = GetDlgCtrlID(control) - IDC_TONE_SLIDER;
-    if (slider < 0 || slider >= kToneMapSliders)
+    const ParameterRow* slider = SliderOf(kControls, GetDlgCtrlID(control));
+    if (!slider)
         return FALSE;
     const bool render =
-        ToneMapSliderMoved(model, slider, MoveOfScroll(wParam), ThumbOfScroll(wParam));
-    ShowSlider(dlg, ToneControl(slider), model->choice.slider[slider]);
+        ToneMapSliderMoved(model, *slider, MoveOfScroll(wParam), ThumbOfScroll(wParam));
+    ShowNumber(dlg, kControls, *slider, model->numbers);
     if (render && !NewerSliderInputWaits(control))
-        ShowToneMapPreview(model);
+        ShowToneMapPreview(ToolOf(dlg));
     return TRUE;
 }
 
@@ -143,58 +145,83 @@ static bool IsChecked(HWND dlg, int id)
     return IsDlgButtonChecked(dlg, id) == BST_CHECKED;
 }
 
-static void OnColors(HWND dlg)
+static INT_PTR OnBox(HWND dlg, int id)
 {
-    if (ToneMapColorsToggled(ModelOf(dlg), IsChecked(dlg, IDC_TONE_COLORS)))
-        ShowToneMapPreview(ModelOf(dlg));
+    const ParameterRow* box = BoxOf(kControls, id);
+    if (!box)
+        return FALSE;
+    if (ToneMapBoxToggled(ModelOf(dlg), *box, IsChecked(dlg, id)))
+        ShowToneMapPreview(ToolOf(dlg));
+    return TRUE;
 }
 
 static void OnPreviewBox(HWND dlg)
 {
+    const ToolHost& host = HostOf(dlg);
     const bool on =
-        ToneMapPreviewToggled(ModelOf(dlg), IsChecked(dlg, IDC_TONE_PREVIEW), ViewCentre());
-    SetStatusText(Text(on ? kTextDragHint : kTextNothing));
-    ShowToneMapPreview(ModelOf(dlg));
+        ToneMapPreviewToggled(ModelOf(dlg), IsChecked(dlg, IDC_TONE_PREVIEW), ViewCentre(host));
+    host.setStatusText(Text(on ? kTextDragHint : kTextNothing));
+    ShowToneMapPreview(ToolOf(dlg));
 }
 
-static void StoreChoice(const ToneMapChoice& choice)
+static void StoreNumbers(const ToolNumbers& numbers)
 {
-    // Written either way: only this thread ever changes them.
-    const bool locked = LockToneMapSettings();
-    std::copy_n(choice.slider, kToneMapSliders, g_settings.uiPowerT);
-    g_settings.uiUseColors = choice.useColors;
-    if (locked)
-        UnlockToneMapSettings();
+    CopyNumbers(&g_settings, Tool::ToneMap, numbers);
 }
 
 static void StartRun(HWND dlg)
 {
     ToneMapModel* model = ModelOf(dlg);
-    StoreChoice(model->choice);
+    StoreNumbers(model->numbers);
     const int end = ToneMapProgressEnd(*model);
     SendDlgItemMessageW(dlg, IDC_TONE_PROGRESS, PBM_SETRANGE, 0, MAKELPARAM(0, end));
     SendDlgItemMessageW(dlg, IDC_TONE_PROGRESS, PBM_SETPOS, 0, 0);
     ToneMapRunStarted(model);
     ShowState(dlg);
-    ShowRectangle(*model);
-    SetStatusText(Text(kTextNothing));
-    SendMessageW(g_hwndMain, WM_APP_START_WORKER, 0, 0);
-    SendMessageW(g_hwndMain, WM_APP_PREVIEW_READY, 0, 0); // the source again
+    ShowRectangle(*ToolOf(dlg));
+    const ToolHost& host = HostOf(dlg);
+    host.setStatusText(Text(kTextNothing));
+    SendMessageW(host.frame, WM_APP_START_WORKER, 0, 0);
+    SendMessageW(host.frame, WM_APP_PREVIEW_READY, 0, 0); // the source again
+}
+
+// There is no preview while the run goes on: the output takes its block.
+static std::shared_ptr<ToneMapRun> MakeRun(HWND dlg, Document* document)
+{
+    auto run = std::make_shared<ToneMapRun>();
+    run->input = document->source;
+    run->output = std::move(document->preview);
+    CBxPicBufAPI::ReinitHeap(run->output.Record(), run->input);
+    run->numbers = ModelOf(dlg)->numbers.toneMap;
+    run->dialog = dlg;
+    return run;
+}
+
+static INT_PTR OnStartRun(HWND dlg)
+{
+    Document* document = HostOf(dlg).document;
+    const auto run = MakeRun(dlg, document);
+    ToolOf(dlg)->run = run;
+    BeginJob(document, [run] { run->stop = true; });
+    if (run->output.Empty() || !StartToneMapThread(run))
+        PostMessageW(dlg, WM_TONE_CANCELLED, 1, 0);
+    return TRUE;
 }
 
 static void TakeStep(HWND dlg, ToneMapStep step)
 {
+    const ToolHost& host = HostOf(dlg);
     switch (step)
     {
     case ToneMapStep::StartRun: StartRun(dlg); break;
-    case ToneMapStep::GiveUp: GiveUpTool(dlg); break;
+    case ToneMapStep::GiveUp: GiveUpTool(HostOf(dlg), dlg); break;
     case ToneMapStep::Stop:
-        g_stopRequested = true;
+        StopJob(*host.document);
         EnableWindow(GetDlgItem(dlg, IDC_TONE_STOP), FALSE); // heard, until the worker has
         break;
     case ToneMapStep::Close:
         DestroyWindow(dlg);
-        SendMessageW(g_hwndMain, WM_APP_SHOW_RESULT_FIT, 0, 0);
+        SendMessageW(host.frame, WM_APP_SHOW_RESULT_FIT, 0, 0);
         break;
     case ToneMapStep::Nothing: break;
     }
@@ -207,9 +234,8 @@ static INT_PTR OnCommand(HWND dlg, int id)
     case IDOK: TakeStep(dlg, ToneMapOk(*ModelOf(dlg))); return TRUE;
     case IDCANCEL: TakeStep(dlg, ToneMapCancel(*ModelOf(dlg))); return TRUE;
     case IDC_TONE_STOP: TakeStep(dlg, ToneMapStop(*ModelOf(dlg))); return TRUE;
-    case IDC_TONE_COLORS: OnColors(dlg); return TRUE;
     case IDC_TONE_PREVIEW: OnPreviewBox(dlg); return TRUE;
-    default: return FALSE;
+    default: return OnBox(dlg, id);
     }
 }
 
@@ -222,81 +248,95 @@ static INT_PTR OnAdvanced(HWND dlg, WPARAM steps)
 // The frame may close, and this dialog with it, inside of the messages that end a run.
 static INT_PTR OnFinished(HWND dlg)
 {
-    ToneMapRunEnded(ModelOf(dlg), true);
+    ToneMapTool* tool = ToolOf(dlg);
+    const ToolHost& host = *tool->host;
+    GiveResult(host.document, std::move(tool->run->output));
+    tool->run = nullptr;
+    ToneMapRunEnded(&tool->model, true);
     ShowState(dlg);
-    SetStatusText(Text(kTextCompareHint));
-    SendMessageW(g_hwndMain, WM_APP_TOOL_DONE, 0, 0);
+    host.setStatusText(Text(kTextCompareHint));
+    SendMessageW(host.frame, WM_APP_TOOL_DONE, 0, 0);
     return TRUE;
+}
+
+static void TakePreviewBack(ToneMapTool* tool)
+{
+    Document* document = tool->host->document;
+    document->preview = std::move(tool->run->output);
+    CopyPicture(&document->preview, document->source);
+    tool->run = nullptr;
 }
 
 static INT_PTR OnCancelled(HWND dlg, bool memoryShort)
 {
-    g_stopRequested = false;
-    ToneMapRunEnded(ModelOf(dlg), false);
+    ToneMapTool* tool = ToolOf(dlg);
+    const ToolHost& host = *tool->host;
+    TakePreviewBack(tool);
+    ToneMapRunEnded(&tool->model, false);
     ShowState(dlg);
     SendDlgItemMessageW(dlg, IDC_TONE_PROGRESS, PBM_SETPOS, 0, 0);
-    SendMessageW(g_hwndMain, WM_APP_TOOL_CANCELLED, 0, 0);
+    SendMessageW(host.frame, WM_APP_TOOL_CANCELLED, 0, 0);
     if (!IsWindow(dlg))
         return TRUE;
-    g_workerBusy = true; // the dialog is still open
-    if (IsPreviewShown(*ModelOf(dlg)))
+    host.document->phase = DocumentPhase::ToolOpen; // still
+    if (IsPreviewShown(tool->model))
     {
-        UpdateWindow(g_hwndMain); // the photograph first
-        ShowToneMapPreview(ModelOf(dlg));
+        UpdateWindow(host.frame); // the photograph first
+        ShowToneMapPreview(tool);
     }
     if (memoryShort)
-        WarnOfShortMemory();
+        WarnOfShortMemory(host.frame);
     return TRUE;
 }
 
 static INT_PTR OnViewMoved(HWND dlg)
 {
-    if (ToneMapViewMoved(ModelOf(dlg), ViewCentre()))
-        ShowToneMapPreview(ModelOf(dlg));
+    if (ToneMapViewMoved(ModelOf(dlg), ViewCentre(HostOf(dlg))))
+        ShowToneMapPreview(ToolOf(dlg));
     return TRUE;
 }
 
 static INT_PTR OnGrab(HWND dlg, LPARAM lParam)
 {
-    const bool grabbed = GrabPreviewRect(
-        ModelOf(dlg), ToPicture(GET_X_LPARAM(lParam), GET_Y_LPARAM(lParam)), VisiblePart());
+    const ImageView& view = *HostOf(dlg).view;
+    const CBxPoint<double> at = ToPicture(view, GET_X_LPARAM(lParam), GET_Y_LPARAM(lParam));
+    const bool grabbed = GrabPreviewRect(ModelOf(dlg), at, VisiblePart(view));
     SetWindowLongPtrW(dlg, DWLP_MSGRESULT, grabbed);
     return TRUE;
 }
 
 static INT_PTR OnMouseMove(HWND dlg, LPARAM lParam)
 {
-    if (DragPreviewRect(ModelOf(dlg), ToPicture(GET_X_LPARAM(lParam), GET_Y_LPARAM(lParam))))
-        SendMessageW(g_hwndMain, WM_APP_VIEW_REFRESH, 0, 0);
+    const ToolHost& host = HostOf(dlg);
+    const CBxPoint<double> at = ToPicture(*host.view, GET_X_LPARAM(lParam), GET_Y_LPARAM(lParam));
+    if (DragPreviewRect(ModelOf(dlg), at))
+        SendMessageW(host.frame, WM_APP_VIEW_REFRESH, 0, 0);
     return TRUE;
 }
 
 static INT_PTR OnDrop(HWND dlg)
 {
     if (DropPreviewRect(ModelOf(dlg)))
-        ShowToneMapPreview(ModelOf(dlg));
+        ShowToneMapPreview(ToolOf(dlg));
     return TRUE;
 }
 
 static INT_PTR OnDestroy(HWND dlg)
 {
-    const std::unique_ptr<ToneMapModel> model(ModelOf(dlg));
-    SetWindowLongPtrW(dlg, DWLP_USER, 0);
-    g_view.previewRect = nullptr;
-    ToolDialogDestroyed(dlg);
+    const auto tool = TakeDialogData<ToneMapTool>(dlg);
+    tool->host->view->previewRect = nullptr;
+    ToolDialogDestroyed(*tool->host, dlg);
     return TRUE;
 }
 
-static INT_PTR CALLBACK ToneMapProc(HWND dlg, UINT message, WPARAM wParam, LPARAM lParam)
+static INT_PTR OnMessage(HWND dlg, UINT message, WPARAM wParam, LPARAM lParam)
 {
-    if (message == WM_INITDIALOG)
-        return OnInit(dlg, lParam);
-    if (!ModelOf(dlg))
-        return FALSE; // not yet, or no more
     switch (message)
     {
+    case WM_INITDIALOG: return OnInit(dlg);
     case WM_HSCROLL: return OnSlider(dlg, wParam, lParam);
     case WM_COMMAND: return OnCommand(dlg, LOWORD(wParam));
+    case WM_TONE_START: return OnStartRun(dlg);
     case WM_TONE_ADVANCED: return OnAdvanced(dlg, wParam);
     case WM_TONE_FINISHED: return OnFinished(dlg);
     case WM_TONE_CANCELLED: return OnCancelled(dlg, wParam != 0);
@@ -304,25 +344,25 @@ static INT_PTR CALLBACK ToneMapProc(HWND dlg, UINT message, WPARAM wParam, LPARA
     case WM_APP_PREVIEW_GRAB: return OnGrab(dlg, lParam);
     case WM_MOUSEMOVE: return OnMouseMove(dlg, lParam);
     case WM_APP_PREVIEW_DROP: return OnDrop(dlg);
-    case WM_MOUSEWHEEL: SendMessageW(g_hwndMain, message, wParam, lParam); return TRUE;
+    case WM_MOUSEWHEEL: return SendToFrame(HostOf(dlg), message, wParam, lParam);
     case WM_DESTROY: return OnDestroy(dlg);
     default: return FALSE;
     }
 }
 
-void OpenToneMapDialog()
+void OpenToneMapDialog(const ToolHost& host)
 {
-    g_resultUnsaved = false;
-    if (!PrepareToolPictures())
+    if (!PrepareToolPictures(host.document))
     {
-        RefuseTool();
+        RefuseTool(host);
         return;
     }
-    auto model = std::make_unique<ToneMapModel>();
-    StartToneMapModel(model.get(), g_sourcePicture, g_settings.uiPowerT,
-                      g_settings.uiUseColors != 0);
-    if (!OpenToolDialog(IDD_TONE_MAPPING, ToneMapProc, reinterpret_cast<LPARAM>(model.get())))
+    auto tool = std::make_unique<ToneMapTool>();
+    tool->host = &host;
+    StartToneMapModel(&tool->model, host.document->source, g_settings);
+    if (!OpenToolDialog(host, IDD_TONE_MAPPING, DialogProc<ToneMapTool, OnMessage>,
+                        reinterpret_cast<LPARAM>(tool.get())))
         return;
-    model.release(); // the dialog's from here on
-    SendMessageW(g_hwndMain, WM_APP_PREVIEW_READY, 0, 0);
+    (void)tool.release(); // the dialog's from here on
+    SendMessageW(host.frame, WM_APP_PREVIEW_READY, 0, 0);
 }

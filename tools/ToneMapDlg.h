@@ -1,5 +1,7 @@
 #pragma once
 
+#include "tools/ToolHost_win.h"
+
 // Opens the tone mapping dialog over the opened photograph. Tells the user and opens nothing when
 // memory is short.
-void OpenToneMapDialog();
+void OpenToneMapDialog(const ToolHost& host);

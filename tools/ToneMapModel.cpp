@@ -1,17 +1,14 @@
 #include "tools/ToneMapModel.h"
 
+#include "picture/Picture.h"
+
 #include <algorithm>
 #include <cmath>
-
-static bool SameChoice(const ToneMapChoice& a, const ToneMapChoice& b)
-{
-    return std::equal(a.slider, a.slider + kToneMapSliders, b.slider) && a.useColors == b.useColors;
-}
 
 static bool IsBehind(const ToneMapModel& model)
 {
     return IsPreviewShown(model) && !(SameRect(model.renderedRect, model.previewRect) &&
-                                      SameChoice(model.rendered, model.choice));
+                                      SameNumbers(Tool::ToneMap, model.rendered, model.numbers));
 }
 
 static void MoveRectTo(ToneMapModel* model, CBxPoint<double> centre)
@@ -21,32 +18,27 @@ static void MoveRectTo(ToneMapModel* model, CBxPoint<double> centre)
     model->previewRect = PreviewRectAround(model->centre, model->picture);
 }
 
-void StartToneMapModel(ToneMapModel* model, const SBxPicBuf& picture,
-                       const int sliders[kToneMapSliders], bool useColors)
+void StartToneMapModel(ToneMapModel* model, const SBxPicBuf& picture, const ToolNumbers& stored)
 {
     *model = ToneMapModel();
     model->picture = {picture.width, picture.height};
     model->hasColors = picture.components == 3;
-    std::transform(sliders, sliders + kToneMapSliders, model->choice.slider,
-                   [](int value)
-                   { return std::clamp(value, kToneMapRange.low, kToneMapRange.high); });
-    model->choice.useColors = useColors;
+    model->numbers = OpenedNumbers(Tool::ToneMap, stored);
 }
 
-bool ToneMapSliderMoved(ToneMapModel* model, int slider, SliderMove move, int thumb)
+bool ToneMapSliderMoved(ToneMapModel* model, const ParameterRow& slider, SliderMove move, int thumb)
 {
     if (model->state != ToneMapState::Editing)
         return false;
-    int* value = &model->choice.slider[slider];
-    *value = MovedSlider(kToneMapRange, *value, move, thumb);
+    MoveNumber(&model->numbers, slider, move, thumb);
     if (move == SliderMove::Drag)
         return false;
     return move == SliderMove::Drop ? IsPreviewShown(*model) : IsBehind(*model);
 }
 
-bool ToneMapColorsToggled(ToneMapModel* model, bool useColors)
+bool ToneMapBoxToggled(ToneMapModel* model, const ParameterRow& box, bool on)
 {
-    model->choice.useColors = useColors;
+    *NumberAt(&model->numbers, box) = on;
     return IsBehind(*model);
 }
 
@@ -137,19 +129,14 @@ static int FilterRect(SBxPicBuf* preview, const ToneMapModel& model, const SBxPi
 {
     const CBxRect<int>& rect = model.previewRect;
     const CBxSize<int> size = {rect.right - rect.left, rect.bottom - rect.top};
-    SBxPicBuf crop;
-    CBxPicBufAPI::Init(&crop);
-    CBxPicBufAPI::ReinitHeap(&crop, size.cx, size.cy, source.components, source.bitsPerComponent);
-    if (!crop.data)
+    Picture crop(size.cx, size.cy, source.components, source.bitsPerComponent);
+    if (crop.Empty())
         return kToneMapOutOfMemory;
-    CBxPicBufAPI::CopyRect(&crop, source, {0, 0}, {rect.left, rect.top}, size);
-    const int* slider = model.choice.slider;
-    const ToneMapParams p = ToneMapParamsOf(slider[0], slider[1], slider[2], slider[3]);
-    const int outcome =
-        ToneMapPicture(&crop, crop, kToneMapLevels, p.p1, p.p2, p.p3, p.p4, model.choice.useColors);
+    CBxPicBufAPI::CopyRect(crop.Record(), source, {0, 0}, {rect.left, rect.top}, size);
+    const ToneMapParams params = ToneMapParamsOf(model.numbers.toneMap);
+    const int outcome = ToneMapPicture(crop.Record(), crop, kToneMapLevels, params);
     if (outcome == kToneMapDone)
         CBxPicBufAPI::CopyRect(preview, crop, {rect.left, rect.top}, {0, 0}, size);
-    CBxPicBufAPI::DoneHeap(&crop);
     return outcome;
 }
 
@@ -160,7 +147,7 @@ bool RenderToneMapPreview(SBxPicBuf* preview, ToneMapModel* model, const SBxPicB
         return false;
     if (FilterRect(preview, *model, source) != kToneMapDone)
         return true;
-    model->rendered = model->choice;
+    model->rendered = model->numbers;
     model->renderedRect = model->previewRect;
     return false;
 }
@@ -193,7 +180,7 @@ ToneMapStep ToneMapStop(const ToneMapModel& model)
 int ToneMapProgressEnd(const ToneMapModel& model)
 {
     constexpr int kStepsPerPlane = 3 * kToneMapLevels, kRest = 2;
-    return (model.hasColors && model.choice.useColors ? 3 : 1) * kStepsPerPlane + kRest;
+    return (model.hasColors && model.numbers.toneMap.useColors ? 3 : 1) * kStepsPerPlane + kRest;
 }
 
 void ToneMapRunStarted(ToneMapModel* model)

@@ -2,20 +2,12 @@
 
 #include "base/Geometry.h"
 #include "tonemap/ToneMap.h"
-#include "tools/SliderRules.h"
+#include "tools/Parameters.h"
 
 // What the Tone Mapping dialog knows and decides: the numbers, the preview rectangle, and whether
 // the filter runs. No windows here. All coordinates are those of the picture.
 
-constexpr int kToneMapSliders = 4; // contrast, noise amplitude, details, equalization
-constexpr SliderRange kToneMapRange = {1, 50};
 constexpr int kPreviewReach = 256; // of the preview rectangle, from its centre
-
-struct ToneMapChoice
-{
-    int slider[kToneMapSliders] = {};
-    bool useColors = false;
-};
 
 enum class ToneMapState
 {
@@ -38,8 +30,8 @@ struct ToneMapModel
 {
     ToneMapState state = ToneMapState::Editing;
     CBxSize<int> picture = {0, 0};
-    bool hasColors = false; // three components: the chroma planes may be filtered too
-    ToneMapChoice choice;   // what the controls show
+    bool hasColors = false;   // three components: the chroma planes may be filtered too
+    ToolNumbers numbers = {}; // what the controls show; those of other tools do not matter
 
     bool previewOn = false;
     CBxPoint<double> centre = {0, 0};     // of the preview rectangle
@@ -47,20 +39,20 @@ struct ToneMapModel
     CBxPoint<double> viewCentre = {0, 0}; // when the rectangle last followed the view
 
     // What the preview picture holds; outside of this rectangle it is the source.
-    ToneMapChoice rendered;
+    ToolNumbers rendered = {};
     CBxRect<int> renderedRect = {};
 
     bool dragging = false; // of the rectangle, by its inside
     CBxPoint<double> grabOffset = {0, 0};
 };
 
-void StartToneMapModel(ToneMapModel* model, const SBxPicBuf& picture,
-                       const int sliders[kToneMapSliders], bool useColors);
+void StartToneMapModel(ToneMapModel* model, const SBxPicBuf& picture, const ToolNumbers& stored);
 
 // These four answer whether the preview is to be rendered anew. A slider asks for it as soon as it
-// is not being dragged, and always when it is let go.
-bool ToneMapSliderMoved(ToneMapModel* model, int slider, SliderMove move, int thumb);
-bool ToneMapColorsToggled(ToneMapModel* model, bool useColors);
+// is not being dragged, and always when it is let go. Sliders and boxes are rows of the tool.
+bool ToneMapSliderMoved(ToneMapModel* model, const ParameterRow& slider, SliderMove move,
+                        int thumb);
+bool ToneMapBoxToggled(ToneMapModel* model, const ParameterRow& box, bool on);
 bool ToneMapPreviewToggled(ToneMapModel* model, bool on, CBxPoint<double> viewCentre);
 bool ToneMapViewMoved(ToneMapModel* model, CBxPoint<double> viewCentre);
 

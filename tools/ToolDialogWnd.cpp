@@ -1,10 +1,5 @@
 #include "tools/ToolDialogWnd.h"
 
-#include "app/AppState.h"
-#include "app/AppWindows_win.h"
-#include "app/CommandsWnd.h"
-#include "app/DockerWnd.h"
-#include "app/FrameView_win.h"
 #include "base/Format_win.h"
 #include "text/Strings.h"
 #include "tools/Messages.h"
@@ -17,102 +12,101 @@ void ShowTexts(HWND dialog, const ControlText* rows, int count)
         SetWindowTextW(row->control ? GetDlgItem(dialog, row->control) : dialog, Text(row->text));
 }
 
-HWND OpenDocked(int dialogId, DLGPROC procedure, LPARAM parameter)
+HWND OpenDocked(const ToolHost& host, int dialogId, DLGPROC procedure, LPARAM parameter)
 {
-    const HWND dialog =
-        CreateDialogParamW(g_hInst, MAKEINTRESOURCEW(dialogId), g_hwndDocker, procedure, parameter);
+    const HWND dialog = CreateDialogParamW(host.instance, MAKEINTRESOURCEW(dialogId), host.docker,
+                                           procedure, parameter);
     if (!dialog)
         return nullptr;
-    DockWindow(dialog);
+    host.dock(dialog);
     ShowWindow(dialog, SW_SHOW);
     return dialog;
 }
 
 // The docker would keep the keys, and accelerators would find nobody there.
-void DockedDestroyed(HWND dialog)
+void DockedDestroyed(const ToolHost& host, HWND dialog)
 {
-    UndockWindow(dialog);
-    SetFocus(g_hwndMain);
+    host.undock(dialog);
+    SetFocus(host.frame);
 }
 
-HWND OpenToolDialog(int dialogId, DLGPROC procedure, LPARAM parameter)
+INT_PTR SendToFrame(const ToolHost& host, UINT message, WPARAM wParam, LPARAM lParam)
 {
-    const HWND dialog = OpenDocked(dialogId, procedure, parameter);
-    if (!dialog)
-        return nullptr;
-    g_hwndActiveTool = dialog;
-    g_workerBusy = true;
-    EnableToolCommands(false);
+    SendMessageW(host.frame, message, wParam, lParam);
+    return TRUE;
+}
+
+HWND OpenToolDialog(const ToolHost& host, int dialogId, DLGPROC procedure, LPARAM parameter)
+{
+    const HWND dialog = OpenDocked(host, dialogId, procedure, parameter);
+    if (dialog)
+        host.toolOpened(dialog);
     return dialog;
 }
 
-void ToolDialogDestroyed(HWND dialog)
+void ToolDialogDestroyed(const ToolHost& host, HWND dialog)
 {
-    DockedDestroyed(dialog);
-    if (g_hwndActiveTool != dialog)
-        return;
-    g_hwndActiveTool = nullptr;
-    g_workerBusy = false;
-    EnableToolCommands(true);
+    DockedDestroyed(host, dialog);
+    host.toolClosed(dialog);
 }
 
 // The preview is refreshed first: the frame puts it over the result when a tool is cancelled. The
 // frame hears of the end when the dialog has gone and the view has its place back.
-void GiveUpTool(HWND dialog)
+void GiveUpTool(const ToolHost& host, HWND dialog)
 {
-    CopyPicture(&g_previewPicture, g_sourcePicture);
-    SetStatusText(Text(kTextNothing));
+    Document* document = host.document;
+    CopyPicture(&document->preview, document->source);
+    host.setStatusText(Text(kTextNothing));
     DestroyWindow(dialog);
-    SendMessageW(g_hwndMain, WM_APP_TOOL_CANCELLED, 0, 0);
+    SendMessageW(host.frame, WM_APP_TOOL_CANCELLED, 0, 0);
 }
 
-ToolWaitCursor::ToolWaitCursor()
+ToolWaitCursor::ToolWaitCursor(const ToolHost& ofTool) : host(ofTool)
 {
-    SendMessageW(g_hwndMain, WM_APP_CURSOR_WAIT, 0, 0);
+    SendMessageW(host.frame, WM_APP_CURSOR_WAIT, 0, 0);
     before = SetCursor(LoadCursorW(nullptr, MAKEINTRESOURCEW(32514))); // the hourglass
 }
 
 ToolWaitCursor::~ToolWaitCursor()
 {
-    SendMessageW(g_hwndMain, WM_APP_CURSOR_ARROW, 0, 0);
+    SendMessageW(host.frame, WM_APP_CURSOR_ARROW, 0, 0);
     SetCursor(before);
 }
 
-ToolProgress::ToolProgress()
+ToolProgress::ToolProgress(const ToolHost& ofTool) : host(ofTool)
 {
     wchar_t text[kStringChars] = L"";
-    if (LOWORD(SendMessageW(g_hwndStatus, SB_GETTEXTLENGTHW, 0, 0)) < kStringChars)
-        SendMessageW(g_hwndStatus, SB_GETTEXTW, 0, reinterpret_cast<LPARAM>(text));
+    if (LOWORD(SendMessageW(host.status, SB_GETTEXTLENGTHW, 0, 0)) < kStringChars)
+        SendMessageW(host.status, SB_GETTEXTW, 0, reinterpret_cast<LPARAM>(text));
     before = text;
 }
 
 ToolProgress::~ToolProgress()
 {
-    SetStatusText(before.c_str());
+    host.setStatusText(before.c_str());
 }
 
 // A window that does not even look at its messages for some seconds is taken for dead and replaced
 // by the system's image of it.
 void ToolProgress::Show(int done, int count) const
 {
-    SetStatusText(VcFormatText(L"%s%i%%", Text(kTextProgress), 100 * done / count).c_str());
-    UpdateWindow(g_hwndStatus);
+    host.setStatusText(VcFormatText(L"%s%i%%", Text(kTextProgress), 100 * done / count).c_str());
+    UpdateWindow(host.status);
     MSG message;
     PeekMessageW(&message, nullptr, 0, 0, PM_NOREMOVE);
 }
 
-void WarnOfShortMemory()
+void WarnOfShortMemory(HWND frame)
 {
     const std::wstring text = SystemErrorText(ERROR_NOT_ENOUGH_MEMORY);
-    MessageBoxW(g_hwndMain, text.c_str(), Text(kTextWarning), MB_OK | MB_ICONASTERISK);
+    MessageBoxW(frame, text.c_str(), Text(kTextWarning), MB_OK | MB_ICONASTERISK);
 }
 
-void RefuseTool()
+void RefuseTool(const ToolHost& host)
 {
-    CBxPicBufAPI::DoneHeap(&g_resultPicture);
-    CBxPicBufAPI::DoneHeap(&g_previewPicture);
-    ShowSource(g_sourcePicture);
-    WarnOfShortMemory();
+    DropResult(host.document);
+    host.showSource();
+    WarnOfShortMemory(host.frame);
 }
 
 void SetUpSlider(HWND dialog, const SliderControl& control, int value)

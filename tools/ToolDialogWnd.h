@@ -3,7 +3,9 @@
 #include "base/Win.h"
 #include "text/Strings.h"
 #include "tools/SliderRules.h"
+#include "tools/ToolHost_win.h"
 
+#include <memory>
 #include <string>
 
 // What the tools' dialogs have in common. Window thread only.
@@ -28,27 +30,48 @@ T* DialogData(HWND dialog)
     return reinterpret_cast<T*>(GetWindowLongPtrW(dialog, DWLP_USER));
 }
 
+// The procedure of a dialog that has a T, which is the parameter that it was opened with: what
+// comes before that is there, or when it is no more, is nobody's.
+template <typename T, INT_PTR (*OnMessage)(HWND, UINT, WPARAM, LPARAM)>
+INT_PTR CALLBACK DialogProc(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam)
+{
+    if (message == WM_INITDIALOG)
+        SetWindowLongPtrW(dialog, DWLP_USER, lParam);
+    return DialogData<T>(dialog) ? OnMessage(dialog, message, wParam, lParam) : FALSE;
+}
+
+// Ends T with its dialog, on WM_DESTROY.
+template <typename T>
+std::unique_ptr<T> TakeDialogData(HWND dialog)
+{
+    return std::unique_ptr<T>(reinterpret_cast<T*>(SetWindowLongPtrW(dialog, DWLP_USER, 0)));
+}
+
 // Makes a dialog in the docker and shows it; null when it cannot be made. Closing, on WM_DESTROY,
 // takes it out of the docker and gives the keys back to the frame.
-HWND OpenDocked(int dialogId, DLGPROC procedure, LPARAM parameter);
-void DockedDestroyed(HWND dialog);
+HWND OpenDocked(const ToolHost& host, int dialogId, DLGPROC procedure, LPARAM parameter);
+void DockedDestroyed(const ToolHost& host, HWND dialog);
 
 // Makes a tool's dialog in the docker, shows it and makes it the active tool; the commands that a
 // running tool forbids go off. Null when it cannot be made: nothing has changed then.
-HWND OpenToolDialog(int dialogId, DLGPROC procedure, LPARAM parameter);
+HWND OpenToolDialog(const ToolHost& host, int dialogId, DLGPROC procedure, LPARAM parameter);
+
+// For what a tool has no use for, such as the wheel.
+INT_PTR SendToFrame(const ToolHost& host, UINT message, WPARAM wParam, LPARAM lParam);
 
 // On WM_DESTROY of such a dialog, whatever way it goes: out of the docker, commands on again.
-void ToolDialogDestroyed(HWND dialog);
+void ToolDialogDestroyed(const ToolHost& host, HWND dialog);
 
 // Cancel: dialog and result go, the photograph shows again.
-void GiveUpTool(HWND dialog);
+void GiveUpTool(const ToolHost& host, HWND dialog);
 
 // The hourglass, for as long as a computation holds the window thread.
 struct ToolWaitCursor
 {
+    const ToolHost& host;
     HCURSOR before;
 
-    ToolWaitCursor();
+    explicit ToolWaitCursor(const ToolHost& ofTool);
     ~ToolWaitCursor();
     ToolWaitCursor(const ToolWaitCursor&) = delete;
     ToolWaitCursor& operator=(const ToolWaitCursor&) = delete;
@@ -57,9 +80,10 @@ struct ToolWaitCursor
 // How far such a computation is, in the status bar, which then says again what it said before.
 struct ToolProgress
 {
+    const ToolHost& host;
     std::wstring before;
 
-    ToolProgress();
+    explicit ToolProgress(const ToolHost& ofTool);
     ~ToolProgress();
     ToolProgress(const ToolProgress&) = delete;
     ToolProgress& operator=(const ToolProgress&) = delete;
@@ -68,10 +92,10 @@ struct ToolProgress
 };
 
 // Tells the user, in the system's own words, that memory is short.
-void WarnOfShortMemory();
+void WarnOfShortMemory(HWND frame);
 
 // The same when a tool could not even open: the photograph shows again, without a result.
-void RefuseTool();
+void RefuseTool(const ToolHost& host);
 
 // A slider with the label that shows its value; the label may be missing from the dialog, and so
 // may the slider, which then does nothing.

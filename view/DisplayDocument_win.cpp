@@ -1,7 +1,5 @@
 #include "view/DisplayDocument_win.h"
 
-#include "skin/SkinColors.h"
-
 #include <algorithm>
 #include <cstring>
 
@@ -21,13 +19,7 @@ static HBITMAP CreateTopDownBitmap(HDC dc, int width, int height, void** bits)
     return CreateDIBSection(dc, &info, DIB_RGB_COLORS, bits, nullptr, 0);
 }
 
-// Seen until the view renders for the first time.
-static void FillWithWorkSpace(const SBxPicBuf& display)
-{
-    std::memset(display.data, int(SkinColor(COLOR_APPWORKSPACE) & 0xFF), size_t(display.size));
-}
-
-static void CreateDisplayBitmap(DisplayDocument* document)
+static void CreateDisplayBitmap(DisplayDocument* document, uint8_t background)
 {
     document->memoryDc = CreateCompatibleDC(nullptr);
     if (!document->memoryDc)
@@ -51,7 +43,7 @@ static void CreateDisplayBitmap(DisplayDocument* document)
                          document->maxHeight,
                          3,
                          8};
-    FillWithWorkSpace(document->display);
+    std::memset(document->display.data, background, size_t(document->display.size));
 }
 
 static void StartGdiplus(DisplayDocument* document)
@@ -61,28 +53,19 @@ static void StartGdiplus(DisplayDocument* document)
         document->gdiplusToken = 0;
 }
 
-bool CreateDisplayDocument(DisplayDocument* document, HWND owner, SBxPicBuf* source,
-                           SBxPicBuf* result, SBxPicBuf* alpha)
+bool CreateDisplayDocument(DisplayDocument* document, HWND owner, uint8_t background)
 {
     *document = {};
     document->owner = owner;
     document->maxWidth = kDisplayWidth;
     document->maxHeight = kDisplayHeight;
-    document->source = source;
-    document->result = result;
-    document->alpha = alpha;
-    for (SBxPicBuf* picture : {source, result, alpha})
-        CBxPicBufAPI::Init(picture);
-    CreateDisplayBitmap(document);
+    CreateDisplayBitmap(document, background);
     StartGdiplus(document);
     return !document->bitmap;
 }
 
 void ReleaseDisplayDocument(DisplayDocument* document)
 {
-    for (SBxPicBuf* picture : {document->source, document->result, document->alpha})
-        if (picture)
-            CBxPicBufAPI::DoneHeap(picture);
     if (document->memoryDc)
     {
         if (document->previousBitmap)

@@ -3,8 +3,7 @@
 #include "base/Win.h"
 #include "view/ImageView.h"
 
-// The off-screen bitmap into which the view renders, with the pictures that it shows. One per main
-// window. Window thread only.
+// The off-screen bitmap into which the view renders. One per main window. Window thread only.
 
 constexpr int kDisplayWidth = 3000, kDisplayHeight = 2000;
 
@@ -16,18 +15,15 @@ struct DisplayDocument
     HGDIOBJ previousBitmap; // back into the context on release
     int maxWidth, maxHeight;
     SBxPicBuf display; // wrapper over the bitmap's bits; empty when there is no bitmap
-    SBxPicBuf* source; // the application's pictures: made empty here, freed by release
-    SBxPicBuf* result;
-    SBxPicBuf* alpha; // of the source
     ULONG_PTR gdiplusToken;
 };
 
-// Fills in all fields and starts GDI+. True on failure: there is no bitmap to render into. The
-// document wants to be released in either case.
-[[nodiscard]] bool CreateDisplayDocument(DisplayDocument* document, HWND owner, SBxPicBuf* source,
-                                         SBxPicBuf* result, SBxPicBuf* alpha);
+// Fills in all fields and starts GDI+. The background is the grey that is seen until the view
+// renders for the first time. True on failure: there is no bitmap to render into. The document
+// wants to be released in either case.
+[[nodiscard]] bool CreateDisplayDocument(DisplayDocument* document, HWND owner, uint8_t background);
 
-// Frees the pictures and the bitmap and shuts GDI+ down. Releasing again does nothing.
+// Frees the bitmap and shuts GDI+ down. Releasing again does nothing.
 void ReleaseDisplayDocument(DisplayDocument* document);
 
 // Shows in dc (of the owner's client area) what the view has rendered, where the view area lies.

@@ -28,7 +28,7 @@ static CBxPicMap MapOfDisplay(const ImageView& view)
 void ReleaseImageView(ImageView* view)
 {
     ForgetViewPicture(view);
-    CBxPicBufAPI::Init(&view->display); // a wrapper
+    view->display = {}; // a wrapper
 }
 
 CBxRect<int> ViewAreaOf(int clientHeight, int toolbarClientHeight, int dockerLeft)
@@ -129,15 +129,15 @@ static TransformFn TransformOf(ViewFilter filter)
 // What lies outside of the picture is opaque: the background shows there, not the checkerboard.
 static bool RenderAlpha(ImageView* view, const CBxPicMap& map)
 {
-    if (SizeLike(&view->alphaScreen, SizeOfArea(view->area), 1))
+    if (SizeLike(view->alphaScreen.Record(), SizeOfArea(view->area), 1))
         return true;
-    FillRows(&view->alphaScreen, 255);
-    TransformOf(view->filter)(&view->alphaScreen, view->alphaCache, map);
-    BlendOverChecker(&view->rendered, view->alphaScreen);
+    FillRows(view->alphaScreen.Record(), 255);
+    TransformOf(view->filter)(view->alphaScreen.Record(), view->alphaCache, map);
+    BlendOverChecker(view->rendered.Record(), view->alphaScreen);
     return false;
 }
 
-static SBxPicBuf* CacheOf(ImageView* view, ViewShows which)
+static Picture* CacheOf(ImageView* view, ViewShows which)
 {
     switch (which)
     {
@@ -155,14 +155,14 @@ static bool HasPixels(const SBxPicBuf* picture)
 // The checkerboard is blended before the copy, so that what CopyOnly brings back has it too.
 static bool RenderPicture(ImageView* view, const SBxPicBuf* cache, bool withAlpha)
 {
-    if (IsEmptyRect(view->area) || SizeLike(&view->rendered, SizeOfArea(view->area), 3))
+    if (IsEmptyRect(view->area) || SizeLike(view->rendered.Record(), SizeOfArea(view->area), 3))
         return true;
-    FillRows(&view->rendered, ViewBackground(view->colourScheme));
+    FillRows(view->rendered.Record(), ViewBackground(view->colourScheme));
     bool failed = false;
     if (HasPixels(cache))
     {
         const CBxPicMap map = MapOfDisplay(*view);
-        TransformOf(view->filter)(&view->rendered, *cache, map);
+        TransformOf(view->filter)(view->rendered.Record(), *cache, map);
         failed = withAlpha && RenderAlpha(view, map);
     }
     CopyToDisplay(*view);
@@ -186,19 +186,19 @@ bool VcRenderView(ImageView* view, ViewRebuild rebuild, const SBxPicBuf* picture
     if (rebuild == ViewRebuild::CopyOnly)
         return CopyRendered(*view);
 
-    SBxPicBuf* cache = CacheOf(view, which);
+    Picture* cache = CacheOf(view, which);
     bool failed = false;
     if (cache && rebuild == ViewRebuild::Rebuild)
-        failed = RebuildViewCache(cache, picture, 3);
+        failed = RebuildViewCache(cache, picture, 3) != Outcome::Done;
     bool withAlpha = cache && HasPixels(alpha);
     // A caller may show the alpha plane for the first time while keeping the picture.
-    if (withAlpha && (rebuild == ViewRebuild::Rebuild || !view->alphaCache.data))
-        withAlpha = !RebuildViewCache(&view->alphaCache, alpha, 1);
+    if (withAlpha && (rebuild == ViewRebuild::Rebuild || view->alphaCache.Empty()))
+        withAlpha = RebuildViewCache(&view->alphaCache, alpha, 1) == Outcome::Done;
     if (!draw)
         return failed;
-    if (RenderPicture(view, cache, withAlpha))
+    if (RenderPicture(view, cache ? cache->Record() : nullptr, withAlpha))
         return true;
-    return cache && !cache->data;
+    return cache && cache->Empty();
 }
 
 void UpdatePointPositions(ImageView* view)
@@ -237,9 +237,9 @@ void DrawViewOverlays(ImageView* view)
 
 void ForgetViewPicture(ImageView* view)
 {
-    for (SBxPicBuf* buffer : {&view->sourceCache, &view->resultCache, &view->alphaCache,
-                              &view->alphaScreen, &view->rendered})
-        CBxPicBufAPI::DoneHeap(buffer);
+    for (Picture* picture : {&view->sourceCache, &view->resultCache, &view->alphaCache,
+                             &view->alphaScreen, &view->rendered})
+        picture->Free();
     view->points.clear();
     view->screenPoints.clear();
     view->previewRect = nullptr;

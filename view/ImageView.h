@@ -1,8 +1,8 @@
 #pragma once
 
 #include "base/Geometry.h"
-#include "picture/PicBuf.h"
 #include "picture/PicMap.h"
+#include "picture/Picture.h"
 
 #include <vector>
 
@@ -51,17 +51,17 @@ struct ImageView
     void* owner = nullptr;  // handle of the frame window
     SBxPicBuf display = {}; // wrapper of the display document's bitmap
     ViewFilter filter = ViewFilter::Bilinear;
-    SBxPicBuf sourceCache = {}, resultCache = {}; // 8 bits, 3 components
-    SBxPicBuf alphaCache = {};                    // 8 bits, 1 component
-    SBxPicBuf rendered = {};                      // size of the view area, without overlays
+    Picture sourceCache, resultCache; // 8 bits, 3 components
+    Picture alphaCache;               // 8 bits, 1 component
+    Picture rendered;                 // size of the view area, without overlays
     std::vector<ViewPoint> points;
     std::vector<ScreenPoint> screenPoints;     // client coordinates
     const CBxRect<int>* previewRect = nullptr; // picture coordinates; belongs to a tool
     bool showPoints = false;                   // the point overlay
     CBxRect<int> area = {0, 0, 0, 0};          // the view area, client coordinates
     ViewState state;
-    int colourScheme = 0;       // of the controls: 2 and 3 are dark
-    SBxPicBuf alphaScreen = {}; // scratch of rendering
+    int colourScheme = 0; // of the controls: 2 and 3 are dark
+    Picture alphaScreen;  // scratch of rendering
 };
 
 void ReleaseImageView(ImageView* view);

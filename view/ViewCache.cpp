@@ -44,34 +44,33 @@ static void CacheRows(SBxPicBuf* cache, const SBxPicBuf& picture)
                    });
 }
 
-static void ConvertedCopy(SBxPicBuf* cache, const SBxPicBuf& picture, int components)
+static Outcome ConvertedCopy(Picture* cache, const SBxPicBuf& picture, int components)
 {
-    CBxPicBufAPI::ReinitHeap(cache, picture);
-    if (!cache->data)
-        return;
-    CBxPicBufAPI::Copy(cache, picture);
-    if (!CBxPicBufAPI::ConvertBpcComp(cache, 8, unsigned(components)))
-        CBxPicBufAPI::DoneHeap(cache);
+    CBxPicBufAPI::ReinitHeap(cache->Record(), picture);
+    if (cache->Empty())
+        return Outcome::Failed;
+    CBxPicBufAPI::Copy(cache->Record(), picture);
+    const bool done = CBxPicBufAPI::ConvertBpcComp(cache->Record(), 8, unsigned(components));
+    if (!done)
+        cache->Free();
+    return FailedIf(!done);
 }
 
-bool RebuildViewCache(SBxPicBuf* cache, const SBxPicBuf* picture, int components)
+Outcome RebuildViewCache(Picture* cache, const SBxPicBuf* picture, int components)
 {
     if (!picture || !picture->data)
     {
-        CBxPicBufAPI::DoneHeap(cache);
-        return true;
+        cache->Free();
+        return Outcome::Failed;
     }
     if (picture->bitsPerComponent > 16 || picture->components > components)
-    {
-        ConvertedCopy(cache, *picture, components);
-        return !cache->data;
-    }
-    CBxPicBufAPI::ReinitHeap(cache, picture->width, picture->height, components, 8);
-    if (!cache->data)
-        return true;
+        return ConvertedCopy(cache, *picture, components);
+    CBxPicBufAPI::ReinitHeap(cache->Record(), picture->width, picture->height, components, 8);
+    if (cache->Empty())
+        return Outcome::Failed;
     if (picture->bitsPerComponent == 8)
-        CacheRows<uint8_t>(cache, *picture);
+        CacheRows<uint8_t>(cache->Record(), *picture);
     else
-        CacheRows<uint16_t>(cache, *picture);
-    return false;
+        CacheRows<uint16_t>(cache->Record(), *picture);
+    return Outcome::Done;
 }

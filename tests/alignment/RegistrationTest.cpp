@@ -10,7 +10,7 @@ constexpr CBxSize<int> kFrame = {720, 520};
 
 static Registration Register(const TestPicture& stays, const TestPicture& moving)
 {
-    return RegisterFrame(LookAt(stays.pic), LookAt(moving.pic));
+    return RegisterFrame(LookAt(stays), LookAt(moving));
 }
 
 TEST(Registration, FindsWhatAHandDoesAcrossExposures)
@@ -131,9 +131,9 @@ TEST(SeriesRegistration, GoesFromNeighbourToNeighbour)
     for (int i = 0; i < 7; ++i)
     {
         meant.push_back(MapOfMotion({0.1 * i - 0.3, 1, 2.0 * i, -1.5 * i + 3, 0}, kFrame));
-        frames.push_back(LookAt(Photograph(scene, kFrame, meant.back(), ev[i], uint32_t(i)).pic));
+        frames.push_back(LookAt(Photograph(scene, kFrame, meant.back(), ev[i], uint32_t(i))));
     }
-    frames.push_back(LookAt(Photograph(other, kFrame, {}, -3, 9).pic));
+    frames.push_back(LookAt(Photograph(other, kFrame, {}, -3, 9)));
     const SeriesRegistration series = RegisterSeries(frames);
     ASSERT_LT(series.stays, 7);
     const Homography toScene = Inverse(meant[size_t(series.stays)]);

@@ -11,14 +11,14 @@ TEST(Warp, ByNothingAndByWholePixelsCopies)
         {
             const TestPicture source = ScenePicture(61, 47, components, bits, 0);
             TestPicture out(61, 47, components, bits);
-            WarpPicture(&out.pic, source.pic, {}, {0, 0});
-            ExpectSamePicture(out.pic, source.pic);
+            WarpPicture(out.Record(), source, {}, {0, 0});
+            ExpectSamePicture(out, source);
             TestPicture part(30, 20, components, bits);
-            WarpPicture(&part.pic, source.pic, Translation(-2, 5), {7, 3});
+            WarpPicture(part.Record(), source, Translation(-2, 5), {7, 3});
             const TestPicture meant =
                 PictureOf(30, 20, components, bits,
                           [&](int x, int y, int c) { return source.At(x + 5, y + 8, c); });
-            ExpectSamePicture(part.pic, meant.pic);
+            ExpectSamePicture(part, meant);
         }
 }
 
@@ -30,7 +30,7 @@ TEST(Warp, KeepsARampARamp)
         PictureOf(90, 80, 1, 16, [&](int x, int y, int) { return ramp(x, y); });
     const Homography map = {{0.9998, -0.02, 3.37, 0.02, 0.9998, -1.81, 1e-6, -2e-6, 1}};
     TestPicture out(70, 60, 1, 16);
-    WarpPicture(&out.pic, source.pic, map, {8, 8});
+    WarpPicture(out.Record(), source, map, {8, 8});
     for (int y = 0; y < 60; ++y)
         for (int x = 0; x < 70; ++x)
         {
@@ -44,13 +44,13 @@ TEST(Warp, MirrorsWhatLiesBeyondTheBorder)
 {
     const TestPicture source = ScenePicture(20, 15, 3, 8, 0);
     TestPicture out(20, 15, 3, 8);
-    WarpPicture(&out.pic, source.pic, Translation(-6, 3), {0, 0});
+    WarpPicture(out.Record(), source, Translation(-6, 3), {0, 0});
     for (int c = 0; c < 3; ++c)
     {
         EXPECT_EQ(out.At(1, 2, c), source.At(5, 5, c));
         EXPECT_EQ(out.At(10, 14, c), source.At(4, 11, c));
     }
-    WarpPicture(&out.pic, source.pic, Translation(1e9, -1e9), {0, 0}); // far out: no crash
+    WarpPicture(out.Record(), source, Translation(1e9, -1e9), {0, 0}); // far out: no crash
 }
 
 // Edges overshoot into the range's ends and no farther.
@@ -59,7 +59,7 @@ TEST(Warp, ClampsAtBlackAndWhite)
     const TestPicture source =
         PictureOf(32, 8, 1, 8, [](int x, int, int) { return x < 16 ? 0.0 : 255.0; });
     TestPicture out(32, 8, 1, 8);
-    WarpPicture(&out.pic, source.pic, Translation(0.5, 0), {0, 0});
+    WarpPicture(out.Record(), source, Translation(0.5, 0), {0, 0});
     EXPECT_EQ(out.At(12, 4), 0);
     EXPECT_EQ(out.At(14, 4), 0);
     EXPECT_NEAR(out.At(15, 4), 128, 1);

@@ -1,6 +1,7 @@
 #include "app/CommandRules.h"
 
 #include "app/CommandIds.h"
+#include "app/DockerLayout.h"
 #include "app/Invitation.h"
 
 #include <gtest/gtest.h>
@@ -54,12 +55,56 @@ TEST(CommandTable, KnowsEveryCommandOnce)
 {
     std::set<int> ids;
     for (int i = 0; i < kCommandCount; ++i)
+    {
         EXPECT_TRUE(ids.insert(kCommands[i].id).second) << kCommands[i].id;
-    EXPECT_EQ(ids.size(), 22u);
+        EXPECT_EQ(FindCommand(kCommands[i].id), &kCommands[i]);
+    }
     EXPECT_EQ(FindCommand(ID_TOOLBAR_SPACER), nullptr);
     ASSERT_NE(FindCommand(ID_SMART_CONTRAST), nullptr);
     EXPECT_EQ(FindCommand(ID_SMART_CONTRAST)->tooltipText, kTextSmartContrastItem);
     EXPECT_FALSE(IsCommandEnabled(CommandStates(), 4242)) << "not a command";
+}
+
+TEST(CommandTable, HasRowsThatAgreeWithThemselves)
+{
+    std::set<std::pair<int, int>> keys;
+    std::set<std::wstring> images;
+    for (int i = 0; i < kCommandCount; ++i)
+    {
+        const FrameCommand& row = kCommands[i];
+        SCOPED_TRACE(row.id);
+        EXPECT_EQ(row.menu != MenuPlace::None, row.menuText != kNoText);
+        EXPECT_TRUE(row.toolbar != ToolbarPlace::None ||
+                    (!row.image && row.tooltipText == kNoText));
+        EXPECT_TRUE(!row.image || images.insert(row.image).second);
+        EXPECT_TRUE(row.key.kind == CommandKey::None ||
+                    keys.insert({row.key.kind, row.key.code}).second);
+        const std::wstring named = std::wstring(L"\tCtrl+") + wchar_t(row.key.code);
+        EXPECT_EQ(row.keys, row.key.kind == CommandKey::Control ? named : L"");
+    }
+}
+
+TEST(Docker, IsAPixelWiderThanItsWidestWindowAndEndsAPixelBeforeTheFrame)
+{
+    const struct
+    {
+        std::vector<CBxSize<int>> windows;
+        int left, width;
+    } cases[] = {
+        {{}, 998, 1}, {{{200, 100}}, 798, 201}, {{{200, 100}, {260, 50}, {7, 9}}, 738, 261}};
+    for (const auto& c : cases)
+    {
+        const DockerLayout layout = LayOutDocked(c.windows, 1000);
+        EXPECT_EQ(layout.left, c.left);
+        EXPECT_EQ(layout.width, c.width);
+        ASSERT_EQ(layout.origins.size(), c.windows.size());
+        int top = 0;
+        for (size_t i = 0; i < c.windows.size(); top += c.windows[i++].cy)
+        {
+            EXPECT_EQ(layout.origins[i].x, 1);
+            EXPECT_EQ(layout.origins[i].y, top);
+        }
+    }
 }
 
 // How much light a grey gives on a screen, seen against black.

@@ -1,7 +1,5 @@
 #include "app/FileNames.h"
 
-#include "files/ImageFile.h"
-
 #include <gtest/gtest.h>
 
 TEST(SaveNames, AreCutAtTheFirstDot)
@@ -28,6 +26,12 @@ TEST(SaveTypes, ArePreselectedByWhatFollowsTheFirstDot)
     }
 }
 
+TEST(OpenDialogs, ShowTheUsualFormatsAndForASeriesGif)
+{
+    EXPECT_EQ(OpenPattern(false), L"*.bmp;*.jpg;*.tif;*.png");
+    EXPECT_EQ(OpenPattern(true), L"*.bmp;*.jpg;*.gif;*.tif;*.png");
+}
+
 TEST(SaveTargets, TakeTheirFormatFromTheNameOrTheType)
 {
     const struct
@@ -35,7 +39,7 @@ TEST(SaveTargets, TakeTheirFormatFromTheNameOrTheType)
         const wchar_t* name;
         int type, bits;
         const wchar_t* path;
-        int format;
+        FormatId format;
     } cases[] = {{L"photo.PNG", 1, 8, L"photo.PNG", kFormatPng},
                  {L"photo", 1, 8, L"photo.bmp", kFormatBmp},
                  {L"photo", 2, 8, L"photo.tif", kFormatTiff},

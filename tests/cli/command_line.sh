@@ -126,6 +126,7 @@ Fails 2 'a series is made from one picture' series single --out-dir d mid.ppm mi
 Works --help && Says 'smart-contrast'
 Works --version && Says 'plenoviz-cli '
 Works sample -h && Says '--frames N'
+Works fuse -h && Says 'file to write: .jpg .jpeg .png .tif .tiff or .bmp'
 Works smart-contrast -h && Says '--jpeg-quality N'
 awk 'length > 80 { exit 1 }' out || Complain "the help is wider than a terminal: $(<out)"
 Fails 2 "unknown option '--jpeg-quality'" series --jpeg-quality 90 --out-dir d single mid.ppm
@@ -142,7 +143,8 @@ Fails 1 'deep.ppm: the picture is 40 x 30, 16-bit colour' fuse -o old.jpg mid.pp
 Fails 1 'grey.pgm: the picture is 40 x 30, 8-bit grey' fuse -o old.jpg mid.ppm grey.pgm
 Fails 1 'old.jpg: JPEG files cannot hold 16-bit pictures; use .tif or .png' \
     fuse -o old.jpg deep.ppm deep.ppm
-Fails 1 'old.gif: the name must end in' fuse -o old.gif mid.ppm
+Fails 1 'old.gif: the name must end in .bmp, .jpg, .jpeg, .tif, .tiff or .png' \
+    fuse -o old.gif mid.ppm
 Fails 1 'missing/o.jpg: the file cannot be created' fuse -o missing/o.jpg mid.ppm
 [[ $(<old.jpg) == old && $(<old.gif) == old ]] || Complain "a failed command touched its output"
 

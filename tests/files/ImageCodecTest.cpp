@@ -25,9 +25,9 @@ Bitmap NewBitmap(FREE_IMAGE_TYPE type, int width, int height, int bitsPerPixel)
 bool IsRefused(FIBITMAP* bitmap)
 {
     TestPicture picture(2, 2, 3, 8), alpha(2, 2, 1, 8); // released, not kept
-    const bool refused = PictureFromBitmap(bitmap, &picture.pic, &alpha.pic);
-    EXPECT_EQ(picture.pic.data == nullptr, refused || !bitmap);
-    EXPECT_TRUE(alpha.pic.data == nullptr || (bitmap && !refused));
+    const bool refused = PictureFromBitmap(bitmap, picture.Record(), alpha.Record());
+    EXPECT_EQ(picture->data == nullptr, refused || !bitmap);
+    EXPECT_TRUE(alpha->data == nullptr || (bitmap && !refused));
     return refused;
 }
 
@@ -68,7 +68,7 @@ Bitmap GreyBitmap(int first, int last, bool coloured = false)
 TEST(EightBitPalette, OfAllGreysIsReadAsTheGreysThatItShows)
 {
     TestPicture picture, alpha;
-    ASSERT_FALSE(PictureFromBitmap(GreyBitmap(255, 0).get(), &picture.pic, &alpha.pic));
+    ASSERT_FALSE(PictureFromBitmap(GreyBitmap(255, 0).get(), picture.Record(), alpha.Record()));
     for (int x = 0; x < 256; ++x)
         EXPECT_EQ(picture.At(x, 0), 255 - x);
     EXPECT_FALSE(IsRefused(GreyBitmap(0, 255).get()));
@@ -79,7 +79,7 @@ TEST(EightBitPalette, OfAllGreysIsReadAsTheGreysThatItShows)
 TEST(PictureToBitmap, LeavesAnAlphaPlaneOutOfAGreyPicture)
 {
     const TestPicture grey = FlatPicture(3, 3, 8, {77}), alpha = FlatPicture(3, 3, 8, {1});
-    const Bitmap bitmap = Own(BitmapFromPicture(grey.pic, &alpha.pic));
+    const Bitmap bitmap = Own(BitmapFromPicture(grey, alpha.Record()));
     ASSERT_TRUE(bitmap);
     EXPECT_EQ(FreeImage_GetBPP(bitmap.get()), 8u);
 }

@@ -130,7 +130,7 @@ TEST(Source, GivesItsProfileToEveryFormatThatHoldsOne)
     {
         const TestPicture other = ScenePicture(width, 10, 3, 8, 0);
         ASSERT_TRUE(Save(other, same, kFormatFromName, same).written);
-        ExpectSamePicture(LoadedPair(same).picture.pic, other.pic);
+        ExpectSamePicture(LoadedPair(same).picture, other);
         EXPECT_EQ(ProfileOf(same), profile);
     }
 }
@@ -200,7 +200,7 @@ TEST(Orientation, TurnsThePictureOnceAndForAll)
         SCOPED_TRACE(int(number));
         const LoadedPair turned(folder.Write(
             "a.tif", MakeTiff({2, 3, 1, 8, 1, 1, {1, 2, 3, 4, 5, 6}, {{274, 3, 1, number}}})));
-        ASSERT_EQ(turned.picture.pic.width, number < 5 ? 2 : 3);
+        ASSERT_EQ(turned.picture->width, number < 5 ? 2 : 3);
         EXPECT_EQ(turned.picture.At(0, 0), corners[number][0]);
         EXPECT_EQ(turned.picture.At(1, 0), corners[number][1]);
 
@@ -208,11 +208,11 @@ TEST(Orientation, TurnsThePictureOnceAndForAll)
                             0x12, 1,   3,   0,   1, 0, 0,   0,   number, 0, 0, 0, 99, 0, 0, 0};
         const std::string from = WriteSource(folder, "s.jpg", {}, exif); // 24 x 16
         const LoadedPair photo(from);
-        ASSERT_EQ(photo.picture.pic.width, number < 5 ? 24 : 16);
+        ASSERT_EQ(photo.picture->width, number < 5 ? 24 : 16);
         for (const char* target : {"t.jpg", "t.tif", "t.png", "t.bmp"})
         {
             ASSERT_TRUE(Save(photo.picture, folder.File(target), kFormatFromName, from).written);
-            ExpectSamePicture(LoadedPair(folder.File(target)).picture.pic, photo.picture.pic, 2);
+            ExpectSamePicture(LoadedPair(folder.File(target)).picture, photo.picture, 2);
         }
         EXPECT_EQ(TagsOf(folder.File("t.jpg"), FIMD_EXIF_MAIN)["Orientation"], "top, left side");
         EXPECT_EQ(TagsOf(folder.File("t.tif"), FIMD_XMP)["XMLPacket"], kXmp);
@@ -237,7 +237,7 @@ TEST(Orientation, TurnsEverySampleOfALargePicture)
                              << orientation << ", " << components << ", " << bits);
                 const auto turn = turns[orientation - 2];
                 TestPicture picture = PictureOf(70, 45, components, bits, value);
-                ASSERT_TRUE(MakeUpright(&picture.pic, orientation));
+                ASSERT_EQ(MakeUpright(picture.Record(), orientation), Outcome::Done);
                 const TestPicture expected =
                     PictureOf(turn.sideways ? 45 : 70, turn.sideways ? 70 : 45, components, bits,
                               [&](int x, int y, int c)
@@ -247,7 +247,7 @@ TEST(Orientation, TurnsEverySampleOfALargePicture)
                                   return value(turn.mirrorsColumns ? 69 - column : column,
                                                turn.mirrorsRows ? 44 - row : row, c);
                               });
-                ExpectSamePicture(picture.pic, expected.pic);
+                ExpectSamePicture(picture, expected);
             }
 }
 
@@ -327,10 +327,39 @@ TEST(Captions, GoFromJpegToJpegAndNeitherIntoNorOutOfTiff)
     const TiffEntry captions = {33723, 4, 2, place};
     const std::string tiff =
         folder.Write("s.tif", MakeTiff({2, 2, 1, 8, 1, 1, samples, {captions}}));
-    ExpectSamePicture(LoadedPair(tiff).picture.pic,
-                      PictureOf(2, 2, 1, 8, [](int x, int y, int) { return 1 + x + 2 * y; }).pic);
+    ExpectSamePicture(LoadedPair(tiff).picture,
+                      PictureOf(2, 2, 1, 8, [](int x, int y, int) { return 1 + x + 2 * y; }));
     ASSERT_TRUE(Save(picture, folder.File("u.jpg"), kFormatFromName, tiff).written);
     EXPECT_TRUE(TagsOf(folder.File("u.jpg"), FIMD_IPTC).empty());
+}
+
+TEST(Formats, CarryWhatTheyPromiseAndNothingElse)
+{
+    const TempFolder folder;
+    const std::string from = folder.File("s.jpg"), text = "a caption";
+    const Bytes profile = MakeProfile(3144, "RGB "), exif = MakeExifBlock(SomeExposure());
+    FIBITMAP* bitmap = FreeImage_Allocate(24, 16, 24);
+    FreeImage_CreateICCProfile(bitmap, const_cast<uint8_t*>(profile.data()), long(profile.size()));
+    SetTag(bitmap, FIMD_XMP, "XMLPacket", FIDT_ASCII, kXmp.data(), kXmp.size());
+    SetTag(bitmap, FIMD_IPTC, "Caption-Abstract", FIDT_ASCII, text.data(), text.size(), 0x278);
+    SetTag(bitmap, FIMD_EXIF_RAW, "ExifRaw", FIDT_BYTE, exif.data(), exif.size());
+    EXPECT_TRUE(FreeImage_Save(FIF_JPEG, bitmap, from.c_str(), 0));
+    FreeImage_Unload(bitmap);
+    const TestPicture picture = ScenePicture(24, 16, 3, 8, 0);
+    for (const FormatRow& row : kFormats)
+    {
+        if (!row.written)
+            continue;
+        SCOPED_TRACE(row.name);
+        const std::string file = folder.File("t" + EndingsIn(row.endings).front());
+        ASSERT_TRUE(Save(picture, file, row.id, from).written);
+        ASSERT_TRUE(Save(picture, folder.File("copy.tif"), kFormatFromName, file).written);
+        EXPECT_EQ(!ProfileOf(folder.File("copy.tif")).empty(),
+                  (row.carries & kCarriesProfile) != 0);
+        EXPECT_EQ(!TagsOf(file, FIMD_XMP).empty(), (row.carries & kCarriesXmp) != 0);
+        EXPECT_EQ(!TagsOf(file, FIMD_IPTC).empty(), (row.carries & kCarriesCaptions) != 0);
+        EXPECT_EQ(!TagsOf(file, FIMD_EXIF_RAW).empty(), (row.carries & kCarriesExif) != 0);
+    }
 }
 
 TEST(Profile, OfOtherColourChannelsStaysBehind)
@@ -366,7 +395,7 @@ TEST(Profile, ThatIsDamagedDoesNotCostThePicture)
     const SaveReport png = Save(picture, folder.File("t.png"), kFormatFromName, from);
     EXPECT_TRUE(png.written); // its encoder looks inside
     EXPECT_TRUE(png.profileDropped);
-    ExpectSamePicture(LoadedPair(folder.File("t.png")).picture.pic, picture.pic);
+    ExpectSamePicture(LoadedPair(folder.File("t.png")).picture, picture);
 }
 
 } // namespace

@@ -40,10 +40,10 @@ TEST(SavedFiles, OpenAgainAsTheSamePair)
             Save(picture, file, kFormatFromName, "", row.alpha ? &alpha : nullptr);
         ASSERT_TRUE(report.written) << SaveReportText(report);
         const LoadedPair pair(file);
-        ExpectSamePicture(pair.picture.pic, picture.pic);
-        ASSERT_EQ(pair.alpha.pic.data != nullptr, row.alpha);
+        ExpectSamePicture(pair.picture, picture);
+        ASSERT_EQ(pair.alpha->data != nullptr, row.alpha);
         if (row.alpha)
-            ExpectSamePicture(pair.alpha.pic, alpha.pic);
+            ExpectSamePicture(pair.alpha, alpha);
     }
     EXPECT_EQ(folder.FileCount(), int(std::size(cases))); // and nothing beside them
 }
@@ -98,18 +98,18 @@ TEST(SaveErrors, AreThrownForFormatsAndSourcesOnly)
     folder.Write("old.tif", {'o', 'l', 'd'});
     const int files = folder.FileCount();
 
-    const auto save = [&](const char* to, int format, const char* source)
+    const auto save = [&](const char* to, FormatId format, const char* source)
     { return Save(picture, folder.File(to), format, folder.File(source)); };
     const struct
     {
         const char* target;
-        int format;
+        FormatId format;
         const char* source;
     } unsupported[] = {{"out.xyz", kFormatFromName, "good.png"},
                        {"out.gif", kFormatFromName, "good.png"},
                        {"old.tif", kFormatGif, "good.png"},
-                       {"old.tif", FIF_RAW, "good.png"}, // read, but never written
-                       {"old.tif", 999, "good.png"},
+                       {"old.tif", kFormatRaw, "good.png"}, // read, but never written
+                       {"old.tif", FormatId(999), "good.png"},
                        {"old.tif", kFormatTiff, "garbage.xyz"},
                        {"old.tif", kFormatTiff, "none.xyz"},
                        {"old.tif", kFormatTiff, "grey.gif"}};

@@ -110,7 +110,7 @@ TEST(ReduceAndExpand, TunedAgreeWithThePlainLoopsAtEverySize)
         for (float& v : coarse)
             v = float(random() % 65536);
 
-        VcForceFusionKernels(VcFusionKernelsOf(FusionVariant::Plain));
+        ForceInstructionSet(InstructionSet::Plain);
         const Samples reduced = Reduced(fine, w, h), expanded = Expanded(coarse, w, h);
         Samples firstReduced, firstExpanded;
         ForEachVariant(
@@ -122,7 +122,7 @@ TEST(ReduceAndExpand, TunedAgreeWithThePlainLoopsAtEverySize)
                     ASSERT_NEAR(r[i], reduced[i], 0.05) << w << "x" << h << " at " << i;
                 for (size_t i = 0; i < e.size(); ++i)
                     ASSERT_NEAR(e[i], expanded[i], 0.05) << w << "x" << h << " at " << i;
-                if (&VcFusionKernels() == VcFusionKernelsOf(FusionVariant::Plain))
+                if (InstructionSetInUse() == InstructionSet::Plain)
                     return;
                 if (firstReduced.empty())
                     firstReduced = r, firstExpanded = e;

@@ -10,14 +10,14 @@ double Stretched8(int value, unsigned lo, unsigned hi)
 {
     const TestPicture source = FlatPicture(3, 2, 8, {double(value), 0, 255});
     TestPicture result(3, 2, 3, 8);
-    EXPECT_FALSE(VcStretchRange8(&result.pic, source.pic, lo, hi));
+    EXPECT_FALSE(VcStretchRange8(result.Record(), source, lo, hi));
     return result.At(2, 1, 0);
 }
 
 double Stretched16(int value, unsigned lo, unsigned hi)
 {
     TestPicture picture = FlatPicture(3, 2, 16, {double(value)});
-    EXPECT_FALSE(VcStretchRange16(&picture.pic, picture.pic, lo, hi)); // in place
+    EXPECT_FALSE(VcStretchRange16(picture.Record(), picture, lo, hi)); // in place
     return picture.At(2, 1);
 }
 } // namespace

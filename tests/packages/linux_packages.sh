@@ -30,6 +30,7 @@ for program in "$system/usr/bin/plenoviz-cli" "$scratch"/plenoviz-cli-*/bin/plen
 done
 
 manual=$(zcat "$system/usr/share/man/man1/plenoviz-cli.1.gz" | sed 's/\\-/-/g')
+[[ $manual != *@* ]] || Complain "the manual has gaps"
 commands=$("$system/usr/bin/plenoviz-cli" --help | sed -n '/^Commands/,/^$/s/^  \([a-z-]*\) .*/\1/p')
 [[ $commands == *fuse*sample* ]] || Complain "no commands in the help"
 for command in $commands; do

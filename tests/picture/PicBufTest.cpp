@@ -12,10 +12,10 @@
 TEST(PictureRecord, HasPackedRowsAndRefusesWhatItCannotDescribe)
 {
     TestPicture odd(7, 3, 3, 16);
-    EXPECT_EQ(odd.pic.stride, 42);
-    EXPECT_EQ(odd.pic.size, 126);
+    EXPECT_EQ(odd->stride, 42);
+    EXPECT_EQ(odd->size, 126);
     odd.Set(0, 0, 0, 12345);
-    CBxPicBufAPI::ReinitHeap(&odd.pic, 7, 3, 3, 16);
+    CBxPicBufAPI::ReinitHeap(odd.Record(), 7, 3, 3, 16);
     EXPECT_EQ(odd.At(0, 0), 12345) << "the same geometry again keeps the block";
     const int impossible[][4] = {{40000, 20000, 3, 8},           {0, 5, 3, 8},  {5, -1, 1, 8},
                                  {65536, 65536, 1, 8},           {5, 5, 3, 12}, {5, 5, 0, 8},
@@ -23,14 +23,14 @@ TEST(PictureRecord, HasPackedRowsAndRefusesWhatItCannotDescribe)
     for (const auto& [width, height, components, bits] : impossible)
     {
         TestPicture picture(4, 4, 1, 8);
-        CBxPicBufAPI::ReinitHeap(&picture.pic, width, height, components, bits);
-        EXPECT_EQ(picture.pic.data, nullptr) << width << "x" << height;
-        EXPECT_EQ(picture.pic.size, 0);
-        EXPECT_EQ(picture.pic.width, 0);
+        CBxPicBufAPI::ReinitHeap(picture.Record(), width, height, components, bits);
+        EXPECT_EQ(picture->data, nullptr) << width << "x" << height;
+        EXPECT_EQ(picture->size, 0);
+        EXPECT_EQ(picture->width, 0);
     }
-    CBxPicBufAPI::DoneHeap(&odd.pic);
-    CBxPicBufAPI::DoneHeap(&odd.pic);
-    EXPECT_EQ(odd.pic.data, nullptr);
+    CBxPicBufAPI::DoneHeap(odd.Record());
+    CBxPicBufAPI::DoneHeap(odd.Record());
+    EXPECT_EQ(odd->data, nullptr);
 }
 
 TEST(PictureOwner, HandsItsBlockOnAndFreesItOnce)
@@ -38,8 +38,9 @@ TEST(PictureOwner, HandsItsBlockOnAndFreesItOnce)
     Picture first(4, 3, 1, 8);
     uint8_t* const block = first->data;
     ASSERT_NE(block, nullptr);
+    const Picture& emptied = first;
     Picture second = std::move(first);
-    EXPECT_TRUE(first.Empty()) << "or both would free it";
+    EXPECT_TRUE(emptied.Empty()) << "or both would free it";
     EXPECT_EQ(second->data, block);
     Picture& same = second;
     second = std::move(same);
@@ -70,15 +71,15 @@ TEST(PictureCopies, TouchNothingOutsideTheirRectangle)
     {
         TestPicture copied = FlatPicture(8, 8, 8, {7, 7, 7}),
                     moved = FlatPicture(8, 8, 8, {7, 7, 7});
-        CBxPicBufAPI::Copy(&copied.pic, flat.pic, r);
+        CBxPicBufAPI::Copy(copied.Record(), flat, r);
         expectWithin(copied, r, 1);
-        CBxPicBufAPI::CopyRect(&moved.pic, flat.pic, {r.left, r.top}, {0, 0},
+        CBxPicBufAPI::CopyRect(moved.Record(), flat, {r.left, r.top}, {0, 0},
                                {r.right - r.left, r.bottom - r.top});
         expectWithin(moved, r, 1);
-        CBxPicBufAPI::SetConst(&moved.pic, r, 7);
-        ExpectSamePicture(moved.pic, FlatPicture(8, 8, 8, {7, 7, 7}).pic);
-        CBxPicBufAPI::Copy(&moved.pic, flat.pic);
-        ExpectSamePicture(moved.pic, flat.pic);
+        CBxPicBufAPI::SetConst(moved.Record(), r, 7);
+        ExpectSamePicture(moved, FlatPicture(8, 8, 8, {7, 7, 7}));
+        CBxPicBufAPI::Copy(moved.Record(), flat);
+        ExpectSamePicture(moved, flat);
     }
 }
 
@@ -87,14 +88,14 @@ TEST(PictureCopies, WorkOnAWrapperWithLongerRows)
     uint8_t memory[4 * 12];
     std::memset(memory, 5, sizeof memory);
     SBxPicBuf wrapper = {memory, sizeof memory, 12, 3, 4, 3, 8}; // 9 of 12 bytes used
-    CBxPicBufAPI::Copy(&wrapper, FlatPicture(3, 4, 8, {10, 20, 30}).pic);
+    CBxPicBufAPI::Copy(&wrapper, FlatPicture(3, 4, 8, {10, 20, 30}));
     for (int y = 0; y < 4; ++y)
     {
         EXPECT_EQ(memory[12 * y + 8], 30);
         EXPECT_EQ(memory[12 * y + 9], 5) << "beyond the picture's row";
     }
     TestPicture deep(3, 2, 1, 16);
-    CBxPicBufAPI::SetConst(&deep.pic, 255); // to the byte as a number
+    CBxPicBufAPI::SetConst(deep.Record(), 255); // to the byte as a number
     EXPECT_EQ(deep.At(2, 1), 255);
 }
 
@@ -107,18 +108,18 @@ TEST(Components, ComeBackWhereTheyWereTaken)
         TestPicture copy(13, 7, 3, bits), plane(13, 7, 1, bits);
         for (unsigned c = 0; c < 3; ++c)
         {
-            EXPECT_TRUE(CBxPicBufAPI::ExtractComponent(&plane.pic, c, source.pic));
+            EXPECT_TRUE(CBxPicBufAPI::ExtractComponent(plane.Record(), c, source));
             EXPECT_EQ(plane.At(12, 6), source.At(12, 6, int(c)));
-            EXPECT_TRUE(CBxPicBufAPI::InsertComponent(&copy.pic, c, plane.pic));
+            EXPECT_TRUE(CBxPicBufAPI::InsertComponent(copy.Record(), c, plane));
         }
-        ExpectSamePicture(copy.pic, source.pic);
+        ExpectSamePicture(copy, source);
     }
 }
 
 static double Converted(double sample, int bits, unsigned newBits)
 {
     TestPicture picture = FlatPicture(1, 1, bits, {sample});
-    EXPECT_TRUE(CBxPicBufAPI::ConvertBpcComp(&picture.pic, newBits, 1));
+    EXPECT_TRUE(CBxPicBufAPI::ConvertBpcComp(picture.Record(), newBits, 1));
     return picture.At(0, 0);
 }
 
@@ -146,10 +147,10 @@ TEST(Conversion, ThroughFloatKeepsEveryIntegerValue)
         const int count = 1 << bits;
         const TestPicture source = PictureOf(count, 1, 1, bits, [](int x, int, int) { return x; });
         TestPicture picture = PictureOf(count, 1, 1, bits, [](int x, int, int) { return x; });
-        ASSERT_TRUE(CBxPicBufAPI::ConvertBpcComp(&picture.pic, 32, 1));
+        ASSERT_TRUE(CBxPicBufAPI::ConvertBpcComp(picture.Record(), 32, 1));
         EXPECT_EQ(picture.At(count - 1, 0), count - 1);
-        ASSERT_TRUE(CBxPicBufAPI::ConvertBpcComp(&picture.pic, unsigned(bits), 1));
-        ExpectSamePicture(picture.pic, source.pic);
+        ASSERT_TRUE(CBxPicBufAPI::ConvertBpcComp(picture.Record(), unsigned(bits), 1));
+        ExpectSamePicture(picture, source);
     }
 }
 
@@ -160,13 +161,13 @@ TEST(Conversion, BetweenGreyAndColourTakesLuma)
     for (int i = 0; i < 3; ++i)
     {
         TestPicture picture = FlatPicture(2, 2, 8, {pure[i][0], pure[i][1], pure[i][2]});
-        ASSERT_TRUE(CBxPicBufAPI::ConvertBpcComp(&picture.pic, 8, 1));
+        ASSERT_TRUE(CBxPicBufAPI::ConvertBpcComp(picture.Record(), 8, 1));
         EXPECT_EQ(picture.At(1, 1), grey[i]);
-        ASSERT_TRUE(CBxPicBufAPI::ConvertBpcComp(&picture.pic, 8, 3));
+        ASSERT_TRUE(CBxPicBufAPI::ConvertBpcComp(picture.Record(), 8, 3));
         EXPECT_EQ(picture.At(1, 1, 2), grey[i]);
     }
     TestPicture kept = FlatPicture(2, 2, 8, {1, 2});
-    EXPECT_FALSE(CBxPicBufAPI::ConvertBpcComp(&kept.pic, 8, 3));
+    EXPECT_FALSE(CBxPicBufAPI::ConvertBpcComp(kept.Record(), 8, 3));
     EXPECT_EQ(kept.At(1, 1, 1), 2);
 }
 
@@ -177,12 +178,12 @@ TEST(ColourConversion, ComesBackWithinOneStepForEveryColour)
     {
         for (int i = 0; i < 4096; ++i)
             for (int c = 0, colour = block * 4096 + i; c < 3; ++c)
-                colours.pic.data[3 * i + c] = uint8_t(colour >> 8 * c);
-        CBxPicBufAPI::ConvertRGBtoYUV(&converted.pic, colours.pic);
-        CBxPicBufAPI::ConvertYUVtoRGB(&converted.pic, converted.pic);
+                colours->data[3 * i + c] = uint8_t(colour >> 8 * c);
+        CBxPicBufAPI::ConvertRGBtoYUV(converted.Record(), colours);
+        CBxPicBufAPI::ConvertYUVtoRGB(converted.Record(), converted);
         int worst = 0;
         for (int i = 0; i < 3 * 4096; ++i)
-            worst = std::max(worst, std::abs(colours.pic.data[i] - converted.pic.data[i]));
+            worst = std::max(worst, std::abs(colours->data[i] - converted->data[i]));
         ASSERT_LE(worst, 1) << "block " << block;
     }
 
@@ -190,9 +191,9 @@ TEST(ColourConversion, ComesBackWithinOneStepForEveryColour)
     const TestPicture deep =
         PictureOf(1000, 1000, 3, 16, [&](int, int, int) { return double(uint16_t(random())); });
     TestPicture back(1000, 1000, 3, 16);
-    CBxPicBufAPI::ConvertRGBtoYUV(&back.pic, deep.pic);
-    CBxPicBufAPI::ConvertYUVtoRGB(&back.pic, back.pic);
-    ExpectSamePicture(back.pic, deep.pic, 1);
+    CBxPicBufAPI::ConvertRGBtoYUV(back.Record(), deep);
+    CBxPicBufAPI::ConvertYUVtoRGB(back.Record(), back);
+    ExpectSamePicture(back, deep, 1);
 }
 
 TEST(ColourConversion, PutsGreyInTheMiddleOfBothChromaPlanes)
@@ -200,7 +201,7 @@ TEST(ColourConversion, PutsGreyInTheMiddleOfBothChromaPlanes)
     TestPicture colours = FlatPicture(2, 1, 8, {90, 90, 90});
     for (int c = 0; c < 3; ++c)
         colours.Set(1, 0, c, c == 2 ? 255 : 0);
-    CBxPicBufAPI::ConvertRGBtoYUV(&colours.pic, colours.pic);
+    CBxPicBufAPI::ConvertRGBtoYUV(colours.Record(), colours);
     const double expected[2][3] = {{90, 128, 128}, {76, 85, 255}}; // grey, red
     for (int x = 0; x < 2; ++x)
         for (int c = 0; c < 3; ++c)

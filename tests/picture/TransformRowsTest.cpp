@@ -3,6 +3,7 @@
 #include "base/ParallelRows.h"
 #include "picture/PicMap.h"
 #include "tests/support/TestPictures.h"
+#include "tests/support/Variants.h"
 
 #include <gtest/gtest.h>
 
@@ -17,21 +18,6 @@ const TransformFn kTransforms[] = {CBxPicBufAPI::TransformConstantFast,
                                    CBxPicBufAPI::TransformBilinearFast,
                                    CBxPicBufAPI::TransformBicubicFast};
 
-template <typename Check>
-void ForEachTransformVariant(Check check)
-{
-    for (int i = 0; i < kTransformVariants; ++i)
-    {
-        const TransformRows* rows = VcTransformRowsOf(TransformVariant(i));
-        if (!rows)
-            continue;
-        SCOPED_TRACE(rows->name);
-        VcForceTransformRows(rows);
-        check();
-        VcForceTransformRows(nullptr);
-    }
-}
-
 // The area's middle shows this place of the picture.
 CBxPicMap MapTo(int width, int height, double scale, double centreX, double centreY,
                 double turn = 0.0)
@@ -44,9 +30,9 @@ CBxPicMap MapTo(int width, int height, double scale, double centreX, double cent
 TestPicture Transformed(const TestPicture& source, TransformFn transform, int width, int height,
                         const CBxPicMap& map)
 {
-    TestPicture area(width, height, source.pic.components, source.pic.bitsPerComponent);
-    CBxPicBufAPI::SetConst(&area.pic, 190);
-    transform(&area.pic, source.pic, map);
+    TestPicture area(width, height, source->components, source->bitsPerComponent);
+    CBxPicBufAPI::SetConst(area.Record(), 190);
+    transform(area.Record(), source, map);
     return area;
 }
 
@@ -84,9 +70,9 @@ double Filtered(const TestPicture& source, double sx, double sy, int c, double (
     for (int y = nearY - 3; y <= nearY + 3; ++y)
         for (int x = nearX - 3; x <= nearX + 3; ++x)
             sum += kernel(x + 0.5 - sx) * kernel(y + 0.5 - sy) *
-                   source.At(std::clamp(x, 0, source.pic.width - 1),
-                             std::clamp(y, 0, source.pic.height - 1), c);
-    return std::clamp(sum, 0.0, source.pic.bitsPerComponent == 8 ? 255.0 : 65535.0);
+                   source.At(std::clamp(x, 0, source->width - 1),
+                             std::clamp(y, 0, source->height - 1), c);
+    return std::clamp(sum, 0.0, source->bitsPerComponent == 8 ? 255.0 : 65535.0);
 }
 } // namespace
 
@@ -100,14 +86,12 @@ TEST(TransformVariants, GiveTheSameBits)
             {
                 const TestPicture source = Noise(width, 8, 3, 8);
                 const CBxPicMap map = MapTo(101, 33, scale, width * 0.5 + 0.21, 4.3);
-                VcForceTransformRows(VcTransformRowsOf(TransformVariant::Plain));
+                ForceInstructionSet(InstructionSet::Plain);
                 const TestPicture expected = Transformed(source, transform, 101, 33, map);
                 SCOPED_TRACE(testing::Message() << width << " wide, scale " << scale);
-                ForEachTransformVariant(
-                    [&] {
-                        ExpectSamePicture(Transformed(source, transform, 101, 33, map).pic,
-                                          expected.pic);
-                    });
+                ForEachVariant(
+                    [&]
+                    { ExpectSamePicture(Transformed(source, transform, 101, 33, map), expected); });
             }
 }
 
@@ -125,15 +109,14 @@ TEST(Transforms, GiveTheSameBitsOnEveryBuild)
     for (const auto& c : cases)
     {
         const TestPicture source = Noise(133, 91, c.components, c.bits);
-        ForEachTransformVariant(
+        ForEachVariant(
             [&]
             {
                 uint64_t hash = 0;
                 for (const TransformFn transform : kTransforms)
                     for (const double scale : {0.37, 1.0, 1.7, 8.0})
                         hash = hash * 31 + HashOf(Transformed(source, transform, 101, 77,
-                                                              MapTo(101, 77, scale, 61.21, 44.3))
-                                                      .pic);
+                                                              MapTo(101, 77, scale, 61.21, 44.3)));
                 EXPECT_EQ(hash, c.hash) << c.components << " x " << c.bits;
             });
     }
@@ -148,7 +131,7 @@ TEST(TransformThreads, ChangeNoBit)
         VcLimitThreads(1);
         const TestPicture alone = Transformed(source, transform, 640, 480, map);
         VcLimitThreads(0);
-        ExpectSamePicture(Transformed(source, transform, 640, 480, map).pic, alone.pic);
+        ExpectSamePicture(Transformed(source, transform, 640, 480, map), alone);
     }
 }
 
@@ -165,7 +148,7 @@ TEST(TransformVariants, FollowTheFiltersDefinition)
                     const TestPicture source = Noise(300, 240, components, bits);
                     const CBxPicMap map = MapTo(90, 70, scale, 150.3, 120.1);
                     const double* to = map.Inverse();
-                    ForEachTransformVariant(
+                    ForEachVariant(
                         [&, transform = transform, kernel = kernel]
                         {
                             const TestPicture area = Transformed(source, transform, 90, 70, map);
@@ -224,8 +207,8 @@ TEST(Transforms, AtScaleOneReproduceThePicture)
                             << x << ", " << y;
                     }
                 ExpectSamePicture(
-                    Transformed(source, transform, 24, 20, MapTo(24, 20, 1.0, 8, 6)).pic,
-                    Transformed(source, transform, 24, 20, MapTo(24, 20, 1 + 1e-12, 8, 6)).pic);
+                    Transformed(source, transform, 24, 20, MapTo(24, 20, 1.0, 8, 6)),
+                    Transformed(source, transform, 24, 20, MapTo(24, 20, 1 + 1e-12, 8, 6)));
                 // Nothing of the picture in the area, far away on every side.
                 for (const double away : {-1e12, -60.0, 60.0, 1e12})
                     EXPECT_EQ(Transformed(source, transform, 24, 20, MapTo(24, 20, 1, away, 6))
@@ -257,7 +240,7 @@ TEST(Transforms, LeaveTheGapBetweenRowsAlone)
         {
             std::memset(block, 77, sizeof block);
             SBxPicBuf wrapper = {block, sizeof block, 40, 12, 9, 3, 8};
-            transform(&wrapper, source.pic, MapTo(12, 9, scale, 6, 4.5));
+            transform(&wrapper, source, MapTo(12, 9, scale, 6, 4.5));
             for (int y = 0; y < 9; ++y)
                 for (int i = 36; i < 40; ++i)
                     ASSERT_EQ(block[40 * y + i], 77) << y << ", " << i;

@@ -5,8 +5,10 @@
 
 #include <gtest/gtest.h>
 
+#include <atomic>
 #include <chrono>
 #include <filesystem>
+#include <thread>
 
 constexpr int kWidth = 300, kHeight = 200;
 const CBxRect<int> kWholePicture = {0, 0, kWidth, kHeight};
@@ -38,31 +40,31 @@ struct Series
         Save(pictures[size_t(index)], paths[size_t(index)], kFormatTiff, "", nullptr, &extras);
     }
 
-    void Open(int64_t budget) { OpenFusionSources(&sources, paths, pictures[0].pic, budget); }
+    void Open(int64_t budget) { OpenFusionSources(&sources, paths, pictures[0], budget); }
 
     // The engine fed with the same region of the listed sources, one after the other.
     TestPicture FusedByHand(const CBxRect<int>& region, const std::vector<int>& which,
                             unsigned mid) const
     {
-        const SBxPicBuf& like = pictures[0].pic;
+        const SBxPicBuf& like = pictures[0];
         const CBxSize<int> size = {region.right - region.left, region.bottom - region.top};
         TestPicture cut(size.cx, size.cy, like.components, like.bitsPerComponent);
         VcFusionAccumulator sums;
-        EXPECT_FALSE(VcInitAccumulator(&sums, cut.pic, mid));
+        EXPECT_FALSE(VcInitAccumulator(&sums, cut, mid));
         for (const int i : which)
         {
-            CBxPicBufAPI::CopyRect(&cut.pic, pictures[size_t(i)].pic, {0, 0},
+            CBxPicBufAPI::CopyRect(cut.Record(), pictures[size_t(i)], {0, 0},
                                    {region.left, region.top}, size);
-            EXPECT_FALSE(VcAccumulateImage(&sums, cut.pic));
+            EXPECT_FALSE(VcAccumulateImage(&sums, cut));
         }
-        EXPECT_FALSE(VcComposeResult(&cut.pic, sums));
+        EXPECT_FALSE(VcComposeResult(cut.Record(), sums));
         VcFreeAccumulator(&sums);
         return cut;
     }
 
     TestPicture Blank(const CBxRect<int>& region) const
     {
-        const SBxPicBuf& like = pictures[0].pic;
+        const SBxPicBuf& like = pictures[0];
         return FlatPicture(region.right - region.left, region.bottom - region.top,
                            like.bitsPerComponent,
                            std::vector<double>(size_t(like.components), 7.0));
@@ -141,20 +143,19 @@ TEST(FusionJob, GivesWhatTheEngineGivesForThatRegionOfThoseSources)
         Series series(test.sources + 1, test.bits, test.components); // one more than is asked for
         const CBxRect<int> region = {40, 30, 260, 171};
         TestPicture result = series.Blank(region);
-        ASSERT_EQ(FuseRegion(&result.pic, &series.sources, {region, test.sources, 110}, nullptr),
-                  FusionOutcome::Done);
+        ASSERT_EQ(
+            FuseRegion(result.Record(), &series.sources, {region, test.sources, 110}, nullptr),
+            Outcome::Done);
         // Sums of floats in another order, but for one thread: never more than the next step.
         const double tolerance = test.sources < 5 ? 0 : test.bits == 8 ? 1 : 2;
-        ExpectSamePicture(result.pic, series.FusedByHand(region, UpTo(test.sources), 110).pic,
-                          tolerance);
+        ExpectSamePicture(result, series.FusedByHand(region, UpTo(test.sources), 110), tolerance);
         TestPicture whole = series.Blank(kWholePicture);
         std::vector<int> told;
-        ASSERT_EQ(FuseWhole(&whole.pic, &series.sources, {{}, test.sources, 110},
+        ASSERT_EQ(FuseWhole(whole.Record(), &series.sources, {{}, test.sources, 110},
                             [&](int source) { told.push_back(source); }),
-                  FusionOutcome::Done);
+                  Outcome::Done);
         EXPECT_EQ(told, UpTo(test.sources));
-        ExpectSamePicture(whole.pic,
-                          series.FusedByHand(kWholePicture, UpTo(test.sources), 110).pic);
+        ExpectSamePicture(whole, series.FusedByHand(kWholePicture, UpTo(test.sources), 110));
     }
 }
 
@@ -167,9 +168,9 @@ TEST(FusionJob, LeavesOutWhatCannotBeUsedAndNamesIt)
     for (const int i : {6, 7, 8}) // a whole share
         series.folder.Write("photo" + std::to_string(i) + ".tif", {1, 2, 3});
     TestPicture result = series.Blank(kWholePicture);
-    ASSERT_EQ(FuseRegion(&result.pic, &series.sources, {kWholePicture, 9, 100}, nullptr),
-              FusionOutcome::Done);
-    ExpectSamePicture(result.pic, series.FusedByHand(kWholePicture, {1, 3, 5}, 100).pic, 1);
+    ASSERT_EQ(FuseRegion(result.Record(), &series.sources, {kWholePicture, 9, 100}, nullptr),
+              Outcome::Done);
+    ExpectSamePicture(result, series.FusedByHand(kWholePicture, {1, 3, 5}, 100), 1);
     const auto none = SourceProblem::None, unreadable = SourceProblem::Unreadable,
                different = SourceProblem::Different;
     const std::vector<SourceProblem> problems = {
@@ -183,18 +184,17 @@ TEST(FusionJob, FailsWithoutTouchingTheResult)
     const TestPicture before = series.Blank(kWholePicture);
     TestPicture result = series.Blank(kWholePicture);
     const CBxRect<int> narrow = {0, 0, kFusionMinSide - 1, kHeight};
-    EXPECT_EQ(FuseRegion(&result.pic, &series.sources, {{}, 2, 100}, nullptr),
-              FusionOutcome::Failed);
-    EXPECT_EQ(FuseRegion(&result.pic, &series.sources, {narrow, 2, 100}, nullptr),
-              FusionOutcome::Failed);
-    EXPECT_EQ(FuseRegion(&result.pic, &series.sources, {kWholePicture, 0, 100}, nullptr),
-              FusionOutcome::Failed);
+    EXPECT_EQ(FuseRegion(result.Record(), &series.sources, {{}, 2, 100}, nullptr), Outcome::Failed);
+    EXPECT_EQ(FuseRegion(result.Record(), &series.sources, {narrow, 2, 100}, nullptr),
+              Outcome::Failed);
+    EXPECT_EQ(FuseRegion(result.Record(), &series.sources, {kWholePicture, 0, 100}, nullptr),
+              Outcome::Failed);
     for (const std::string& path : series.paths)
         std::filesystem::remove(path);
-    EXPECT_EQ(FuseRegion(&result.pic, &series.sources, {kWholePicture, 2, 100}, nullptr),
-              FusionOutcome::Failed);
-    EXPECT_EQ(FuseWhole(&result.pic, &series.sources, {{}, 2, 100}), FusionOutcome::Failed);
-    ExpectSamePicture(result.pic, before.pic);
+    EXPECT_EQ(FuseRegion(result.Record(), &series.sources, {kWholePicture, 2, 100}, nullptr),
+              Outcome::Failed);
+    EXPECT_EQ(FuseWhole(result.Record(), &series.sources, {{}, 2, 100}), Outcome::Failed);
+    ExpectSamePicture(result, before);
 }
 
 TEST(FusionJob, StopsBetweenSourcesWhenItIsOutdated)
@@ -203,44 +203,41 @@ TEST(FusionJob, StopsBetweenSourcesWhenItIsOutdated)
     TestPicture result = series.Blank(kWholePicture);
     int asked = 0;
     const auto afterTwo = [&asked] { return ++asked > 2; };
-    EXPECT_EQ(FuseRegion(&result.pic, &series.sources, {kWholePicture, 4, 100}, afterTwo),
-              FusionOutcome::Outdated);
+    EXPECT_EQ(FuseRegion(result.Record(), &series.sources, {kWholePicture, 4, 100}, afterTwo),
+              Outcome::Cancelled);
     EXPECT_EQ(series.sources.filesRead, 2);
-    ExpectSamePicture(result.pic, series.Blank(kWholePicture).pic);
+    ExpectSamePicture(result, series.Blank(kWholePicture));
 
     Series large(12);
     EXPECT_EQ(
-        FuseRegion(&result.pic, &large.sources, {kWholePicture, 12, 100}, [] { return true; }),
-        FusionOutcome::Outdated);
-    EXPECT_EQ(FuseRegion(&result.pic, &large.sources, {kWholePicture, 12, 100}, nullptr),
-              FusionOutcome::Done);
+        FuseRegion(result.Record(), &large.sources, {kWholePicture, 12, 100}, [] { return true; }),
+        Outcome::Cancelled);
+    EXPECT_EQ(FuseRegion(result.Record(), &large.sources, {kWholePicture, 12, 100}, nullptr),
+              Outcome::Done);
 }
 
-// Numbers as text are read letter by letter: a picture of other size that takes a tenth of a second
-// to refuse.
-static Bytes SlowPicture()
-{
-    const std::string header = "P2 1200 1200 255 ";
-    Bytes file(header.begin(), header.end());
-    for (int i = 0; i < 1200 * 1200; ++i)
-        file.insert(file.end(), {'7', ' '});
-    return file;
-}
-
-// The caller has added up its own share, the others are still at the first sources of theirs.
+// The caller adds up its own share while the others are held at the first sources of theirs.
 TEST(FusionJob, AsksAndStopsWhileOthersAreWaitedFor)
 {
+    using namespace std::chrono;
     Series series(12);
-    for (const char* first : {"photo4.tif", "photo8.tif"})
-        series.folder.Write(first, SlowPicture());
     series.Open(0); // nothing is prepared: one question before each source
     TestPicture result = series.Blank(kWholePicture);
-    int asked = 0;
-    EXPECT_EQ(FuseRegion(&result.pic, &series.sources, {kWholePicture, 12, 100},
+    std::atomic<int> asked = 0;
+    series.sources.step = [&asked](Picture*, int number)
+    {
+        const auto patience = steady_clock::now() + seconds(20);
+        while (number >= 4 && asked <= 4 && steady_clock::now() < patience)
+            std::this_thread::sleep_for(milliseconds(1));
+        if (number >= 4)
+            std::this_thread::sleep_for(milliseconds(200)); // what was answered gets around
+        return Outcome::Done;
+    };
+    EXPECT_EQ(FuseRegion(result.Record(), &series.sources, {kWholePicture, 12, 100},
                          [&asked] { return ++asked > 4; }),
-              FusionOutcome::Outdated);
+              Outcome::Cancelled);
     EXPECT_LT(series.sources.filesRead, 12);
-    ExpectSamePicture(result.pic, series.Blank(kWholePicture).pic);
+    ExpectSamePicture(result, series.Blank(kWholePicture));
 }
 
 TEST(FusionSources, AreReadOnceHoweverOftenAndWhereTheyAreLookedAt)
@@ -249,13 +246,13 @@ TEST(FusionSources, AreReadOnceHoweverOftenAndWhereTheyAreLookedAt)
     TestPicture whole = series.Blank(kWholePicture);
     const CBxRect<int> region = {10, 20, 90, 80};
     TestPicture part = series.Blank(region);
-    ReadFusionSources(&series.sources, series.pictures[0].pic, region);
+    ReadFusionSources(&series.sources, series.pictures[0], region);
     for (const unsigned mid : {60u, 100u, 140u})
     {
-        EXPECT_EQ(FuseRegion(&part.pic, &series.sources, {region, 5, mid}, nullptr),
-                  FusionOutcome::Done);
-        ExpectSamePicture(part.pic, series.FusedByHand(region, UpTo(5), mid).pic, 1);
-        EXPECT_EQ(FuseWhole(&whole.pic, &series.sources, {{}, 5, mid}), FusionOutcome::Done);
+        EXPECT_EQ(FuseRegion(part.Record(), &series.sources, {region, 5, mid}, nullptr),
+                  Outcome::Done);
+        ExpectSamePicture(part, series.FusedByHand(region, UpTo(5), mid), 1);
+        EXPECT_EQ(FuseWhole(whole.Record(), &series.sources, {{}, 5, mid}), Outcome::Done);
     }
     EXPECT_EQ(series.sources.filesRead, 4); // the first was there
 }
@@ -268,10 +265,10 @@ TEST(FusionSources, KeepRegionsWhenWholePicturesDoNotFit)
     TestPicture part = series.Blank(region);
     const auto fuse = [&](const CBxRect<int>& where)
     {
-        EXPECT_EQ(FuseRegion(&part.pic, &series.sources, {where, 4, 100}, nullptr),
-                  FusionOutcome::Done);
+        EXPECT_EQ(FuseRegion(part.Record(), &series.sources, {where, 4, 100}, nullptr),
+                  Outcome::Done);
         EXPECT_LE(series.sources.keptBytes, series.sources.budget);
-        ExpectSamePicture(part.pic, series.FusedByHand(where, UpTo(4), 100).pic);
+        ExpectSamePicture(part, series.FusedByHand(where, UpTo(4), 100));
         return series.sources.filesRead;
     };
     EXPECT_EQ(fuse(region), 4);
@@ -303,11 +300,47 @@ TEST(FusionSources, ServeRegionsOfAnySizeOneAfterTheOther)
     for (const CBxRect<int>& region : {large, small, kWholePicture, small})
     {
         TestPicture part = series.Blank(region);
-        ASSERT_EQ(FuseRegion(&part.pic, &series.sources, {region, 9, 100}, nullptr),
-                  FusionOutcome::Done);
+        ASSERT_EQ(FuseRegion(part.Record(), &series.sources, {region, 9, 100}, nullptr),
+                  Outcome::Done);
         EXPECT_EQ(series.sources.sums.size(), 3u) << "for the next preview";
-        ExpectSamePicture(part.pic, series.FusedByHand(region, UpTo(9), 100).pic, 1);
+        ExpectSamePicture(part, series.FusedByHand(region, UpTo(9), 100), 1);
     }
+}
+
+// Each source as the step leaves it, whichever way it takes: taken apart and kept, read anew for
+// every preview, or as a whole.
+TEST(FusionSources, GoThroughTheStepBetweenReadingAndAdding)
+{
+    Series series(3);
+    const CBxRect<int> region = {10, 20, 90, 80};
+    const SourceStep shift = [](Picture* source, int number)
+    {
+        Picture moved = Picture::Like(*source);
+        CBxPicBufAPI::Copy(moved.Record(), *source);
+        CBxPicBufAPI::CopyRect(moved.Record(), *source, {0, 0}, {5 * number, number},
+                               {(*source)->width - 5 * number, (*source)->height - number});
+        *source = std::move(moved);
+        return Outcome::Done;
+    };
+    for (int i = 0; i < 3; ++i)
+        ASSERT_EQ(shift(&series.pictures[size_t(i)], i), Outcome::Done); // what is expected
+    for (const int64_t budget : {int64_t(1) << 30, int64_t(0)})
+    {
+        series.Open(budget);
+        series.sources.step = shift;
+        TestPicture part = series.Blank(region), whole = series.Blank(kWholePicture);
+        ASSERT_EQ(FuseRegion(part.Record(), &series.sources, {region, 3, 100}, nullptr),
+                  Outcome::Done);
+        ExpectSamePicture(part, series.FusedByHand(region, UpTo(3), 100));
+        ASSERT_EQ(FuseWhole(whole.Record(), &series.sources, {{}, 3, 100}), Outcome::Done);
+        ExpectSamePicture(whole, series.FusedByHand(kWholePicture, UpTo(3), 100));
+    }
+    series.sources.step = [](Picture*, int) { return Outcome::Failed; };
+    series.Open(0);
+    TestPicture part = series.Blank(region);
+    EXPECT_EQ(FuseRegion(part.Record(), &series.sources, {region, 3, 100}, nullptr),
+              Outcome::Failed)
+        << "short memory leaves no source out";
 }
 
 TEST(FusionSources, FollowTheirFiles)
@@ -321,9 +354,9 @@ TEST(FusionSources, FollowTheirFiles)
     {
         SCOPED_TRACE(step);
         TestPicture part = series.Blank(region);
-        EXPECT_EQ(FuseRegion(&part.pic, &series.sources, {region, 2, 100}, nullptr),
-                  FusionOutcome::Done);
-        ExpectSamePicture(part.pic, series.FusedByHand(region, which, 100).pic);
+        EXPECT_EQ(FuseRegion(part.Record(), &series.sources, {region, 2, 100}, nullptr),
+                  Outcome::Done);
+        ExpectSamePicture(part, series.FusedByHand(region, which, 100));
         const std::vector<SourceProblem> problems = {
             none, which.size() == 2 ? none : SourceProblem::Unreadable};
         EXPECT_EQ(series.sources.problems, problems);
@@ -385,10 +418,10 @@ TEST(PreparedSources, FillTheBudgetAndNeverMore)
             const CBxRect<int> region = {10, 20, 90, 80};
             const TestPicture part = series.Blank(region);
             FusionSums sums;
-            ASSERT_FALSE(VcInitAccumulator(&sums.acc, part.pic, 100));
-            const int64_t held = 9 * BytesHeld(*VcPrepareSource(sums.acc, part.pic), sums.acc) +
-                                 3 * BytesHeld(sums.acc);
-            const int64_t wholes = 9 * int64_t(series.pictures[0].pic.size);
+            ASSERT_FALSE(VcInitAccumulator(&sums.acc, part, 100));
+            const int64_t held =
+                9 * BytesHeld(*VcPrepareSource(sums.acc, part), sums.acc) + 3 * BytesHeld(sums.acc);
+            const int64_t wholes = 9 * int64_t(series.pictures[0]->size);
             bool everPrepared = false;
             for (int64_t budget = held / 2; budget < 3 * (held + wholes); budget += budget / 50)
             {

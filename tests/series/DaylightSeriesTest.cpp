@@ -93,18 +93,18 @@ TEST(DaylightSeries, FollowsTheFormulasForEveryValue)
 TEST(DaylightOrder, RunsFromDarkToBrightAndForDownThroughReversedNumbers)
 {
     const TestPicture grey = FlatPicture(8, 8, 8, {128});
-    const std::vector<unsigned> upKeys = DaylightKeys(grey.pic, DaylightMode::Up);
+    const std::vector<unsigned> upKeys = DaylightKeys(grey, DaylightMode::Up);
     EXPECT_EQ(upKeys[0], 384u);
     EXPECT_EQ(upKeys[9], 432u);
     EXPECT_EQ(upKeys[17], 474u);
-    EXPECT_EQ(DaylightKeys(FlatPicture(3, 3, 8, {10, 20, 30}).pic, DaylightMode::Up)[0], 60u);
+    EXPECT_EQ(DaylightKeys(FlatPicture(3, 3, 8, {10, 20, 30}), DaylightMode::Up)[0], 60u);
     std::vector<int> up = DaylightOrder(DaylightMode::Up, upKeys);
     ASSERT_EQ(up.size(), 39u);
     up.resize(6);
     EXPECT_EQ(up, (std::vector<int>{0, 1, 9, 2, 10, 17}));
 
     const std::vector<int> down =
-        DaylightOrder(DaylightMode::Down, DaylightKeys(grey.pic, DaylightMode::Down));
+        DaylightOrder(DaylightMode::Down, DaylightKeys(grey, DaylightMode::Down));
     EXPECT_EQ(std::vector<int>(down.end() - 3, down.end()), (std::vector<int>{29, 37, 38}));
     EXPECT_EQ(std::minmax(down[0], down[1]), std::minmax(0, 4)) << "equal keys: either order";
 
@@ -128,10 +128,10 @@ TEST(DaylightKeys, FromTheHistogramAreThoseOfThePixels)
                 {
                     fromPixels.push_back(BrightnessKey(picture));
                     names.push_back(name);
-                    return false;
+                    return Outcome::Done;
                 };
-                EXPECT_EQ(MakeDaylightSeries(scene.pic, mode, sink, {}), fromPixels);
-                EXPECT_EQ(DaylightKeys(scene.pic, mode), fromPixels);
+                EXPECT_EQ(MakeDaylightSeries(scene, mode, sink, {}), fromPixels);
+                EXPECT_EQ(DaylightKeys(scene, mode), fromPixels);
                 ASSERT_EQ(names.size(), 39u);
                 EXPECT_EQ(names.back(), "file_005_003.tif");
             }
@@ -150,9 +150,9 @@ TEST(DaylightSeries, ShowsItsProgressAndStopsWhenAsked)
         const SeriesSink sink = [&](int, const SBxPicBuf&, const char*)
         {
             ++made;
-            return false;
+            return Outcome::Done;
         };
-        EXPECT_EQ(MakeDaylightSeries(grey.pic, DaylightMode::Up, sink, control).size(), 2u);
+        EXPECT_EQ(MakeDaylightSeries(grey, DaylightMode::Up, sink, control).size(), 2u);
         EXPECT_EQ(made, 3) << "the last one is made, but does not count";
         ASSERT_EQ(shown.size(), 3u);
         EXPECT_EQ(shown[1].percent, 7);
@@ -165,6 +165,6 @@ TEST(DaylightSeries, ShowsItsProgressAndStopsWhenAsked)
     EXPECT_EQ(DaylightPercent(37), 97);
     EXPECT_EQ(DaylightPercent(38), 100);
     const SeriesSink refusing = [](int number, const SBxPicBuf&, const char*)
-    { return number == 5; };
-    EXPECT_EQ(MakeDaylightSeries(grey.pic, DaylightMode::Down, refusing, {}).size(), 5u);
+    { return FailedIf(number == 5); };
+    EXPECT_EQ(MakeDaylightSeries(grey, DaylightMode::Down, refusing, {}).size(), 5u);
 }

@@ -48,11 +48,11 @@ SeriesRun RunSeries(const TestPicture& source, unsigned noiseLevel, StopBy by = 
         EXPECT_EQ(number, int(run.names.size()));
         run.names.push_back(name);
         run.pictures.push_back(TestPicture::Like(picture));
-        CBxPicBufAPI::Copy(&run.pictures.back().pic, picture);
+        CBxPicBufAPI::Copy(run.pictures.back().Record(), picture);
         reached = reached || number == when;
-        return reached && by == StopBy::Sink;
+        return FailedIf(reached && by == StopBy::Sink);
     };
-    run.count = MakeExposureSeries(source.pic, noiseLevel, sink, control);
+    run.count = MakeExposureSeries(source, noiseLevel, sink, control);
     return run;
 }
 
@@ -90,12 +90,12 @@ TEST(ExposureSeries, HoldsThePhotographItself)
     {
         const TestPicture every = PictureOf(256, bits == 8 ? 1 : 256, 1, bits,
                                             [](int x, int y, int) { return 256 * y + x; });
-        TestPicture exposure = TestPicture::Like(every.pic);
-        MakeExposure(&exposure.pic, every.pic, 5);
-        ExpectSamePicture(exposure.pic, every.pic);
-        MakeExposure(&exposure.pic, every.pic, 10);
+        TestPicture exposure = TestPicture::Like(every);
+        MakeExposure(exposure.Record(), every, 5);
+        ExpectSamePicture(exposure, every);
+        MakeExposure(exposure.Record(), every, 10);
         EXPECT_EQ(exposure.At(0, 0), 0);
-        EXPECT_EQ(exposure.At(255, every.pic.height - 1), bits == 8 ? 255 : 65535);
+        EXPECT_EQ(exposure.At(255, every->height - 1), bits == 8 ? 255 : 65535);
     }
 }
 
@@ -137,7 +137,7 @@ TEST(ExposureSeries, DenoisesTheThreeBrightestExposures)
     const SeriesRun plain = RunSeries(grainy, 0), low = RunSeries(grainy, 1);
     ASSERT_EQ(low.count, kExposures);
     for (int k = 0; k < kExposures; ++k)
-        EXPECT_EQ(HashOf(plain.pictures[size_t(k)].pic) != HashOf(low.pictures[size_t(k)].pic),
+        EXPECT_EQ(HashOf(plain.pictures[size_t(k)]) != HashOf(low.pictures[size_t(k)]),
                   DenoiseRadius(k, 1) > 0)
             << k;
 }
@@ -147,18 +147,18 @@ TEST(ExposureSeries, HandsOnAPictureWhoseDenoisingWasStopped)
 {
     const TestPicture grainy = ScenePicture(60, 50, 1, 8, -1);
     TestPicture stretched(60, 50, 1, 8);
-    MakeExposure(&stretched.pic, grainy.pic, 2);
+    MakeExposure(stretched.Record(), grainy, 2);
     int made = 0, polls = 0;
     SeriesControl control;
     control.stopped = [&] { return made >= 2 && ++polls > 1; }; // the next after exposure 1's own
     const SeriesSink sink = [&](int number, const SBxPicBuf& picture, const char*)
     {
         if (number == 2)
-            ExpectSamePicture(picture, stretched.pic);
+            ExpectSamePicture(picture, stretched);
         ++made;
-        return false;
+        return Outcome::Done;
     };
-    EXPECT_EQ(MakeExposureSeries(grainy.pic, 1, sink, control), 2);
+    EXPECT_EQ(MakeExposureSeries(grainy, 1, sink, control), 2);
     EXPECT_EQ(made, 3);
 }
 

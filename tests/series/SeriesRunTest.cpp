@@ -1,5 +1,6 @@
 #include "series/SeriesRun.h"
 
+#include "series/DaylightSeries.h"
 #include "tests/support/TestFiles.h"
 
 #include <gtest/gtest.h>
@@ -11,7 +12,7 @@ static SeriesRun RunOf(SeriesKind kind, const TestPicture& photo, const TempFold
 {
     SeriesRun run;
     run.kind = kind;
-    run.source = photo.pic;
+    run.source = photo;
     run.folder = folder.path.u8string() + "/";
     return run;
 }
@@ -26,8 +27,8 @@ TEST(SeriesRun, PutsDaylightIntoTheOrderOfFusion)
     {
         SeriesRun run = RunOf(kind, photo, folder);
         MakeSeriesFiles(&run);
-        ASSERT_EQ(run.files.size(), 39u);
-        EXPECT_EQ(folder.FileCount(), 39);
+        ASSERT_EQ(int(run.files.size()), kDaylightVariants);
+        EXPECT_EQ(folder.FileCount(), kDaylightVariants);
         EXPECT_EQ(run.files[size_t(place)], name);
         EXPECT_EQ(LoadedPair(folder.File(name)).picture.At(0, 0), level);
     }
@@ -43,7 +44,7 @@ TEST(SeriesRun, NamesFilesThatCouldNotBeWritten)
     ASSERT_EQ(run.files.size(), 11u);
     EXPECT_EQ(run.files[3], "file_003.tif");
     EXPECT_TRUE(LoadedPair(folder.File("file_003.tif")).failed);
-    ExpectSamePicture(LoadedPair(folder.File("file_005.tif")).picture.pic, photo.pic);
+    ExpectSamePicture(LoadedPair(folder.File("file_005.tif")).picture, photo);
 }
 
 TEST(SeriesRun, HasABarThatEndsWithItsLastReport)

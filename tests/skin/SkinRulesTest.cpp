@@ -1,180 +1,260 @@
+// What holds for every class in the skin's table, and the exceptions.
+
 #include "skin/SkinRules.h"
-#include "skin/SkinGlyphs.h"
-#include "skin/SkinTable.h"
+#include "skin/SkinButtonRules.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <cmath>
+#include <map>
+#include <vector>
 
-// Relative luminance and contrast as the accessibility guidelines of the web define them.
-static double Luminance(uint32_t colour)
+namespace
 {
-    const double weights[] = {0.2126, 0.7152, 0.0722};
-    double sum = 0;
-    for (int i = 0; i < 3; ++i)
+using namespace SkinMessage;
+using Kinds = std::vector<SkinClass>;
+
+// The classes that windows can have.
+Kinds AllKinds()
+{
+    Kinds kinds;
+    for (int kind = 0; kind <= int(SkinClass::Holder); ++kind)
+        if (SkinClass(kind) != SkinClass::Any)
+            kinds.push_back(SkinClass(kind));
+    return kinds;
+}
+
+bool IsOneOf(const Kinds& kinds, SkinClass kind)
+{
+    return std::find(kinds.begin(), kinds.end(), kind) != kinds.end();
+}
+
+SkinWindow Plain(SkinClass kind)
+{
+    SkinWindow window;
+    window.kind = kind;
+    return window;
+}
+
+SkinTask PlainTask(SkinClass kind, uint32_t message)
+{
+    return SkinTaskFor(Plain(kind), message);
+}
+
+// A window of that class in the state in which the skin paints all of it.
+SkinWindow Painted(SkinClass kind)
+{
+    SkinWindow window = Plain(kind);
+    if (kind == SkinClass::Button)
+        window.style = kConvertedStyle;
+    window.enabled = kind != SkinClass::Static;
+    return window;
+}
+
+// The system paints these well enough once it has been told the colours.
+const Kinds kLeftToColours = {SkinClass::Other,    SkinClass::Dialog,    SkinClass::Edit,
+                              SkinClass::ListBox,  SkinClass::ComboList, SkinClass::ListView,
+                              SkinClass::TreeView, SkinClass::Tooltip,   SkinClass::Holder};
+} // namespace
+
+TEST(SkinRules, PaintEveryControlInAWayOfItsOwn)
+{
+    std::map<SkinTask, SkinClass> painters;
+    for (const SkinClass kind : AllKinds())
     {
-        const double value = double(colour >> (8 * i) & 0xFF) / 255;
-        sum += weights[i] *
-               (value <= 0.03928 ? value / 12.92 : std::pow((value + 0.055) / 1.055, 2.4));
+        const SkinTask task = PlainTask(kind, kPaint);
+        EXPECT_EQ(task == SkinTask::None, IsOneOf(kLeftToColours, kind)) << int(kind);
+        const bool first = painters.emplace(task, kind).second;
+        EXPECT_TRUE(first || task == SkinTask::None) << int(kind) << " as another";
+        EXPECT_TRUE(task != SkinTask::PassOn && task != SkinTask::KeepBackground) << int(kind);
+        EXPECT_EQ(PlainTask(kind, kPrintClient), task) << "a picture of it: " << int(kind);
     }
-    return sum;
+    SkinWindow window = Plain(SkinClass::Edit);
+    window.enabled = false;
+    EXPECT_EQ(SkinTaskFor(window, kPaint), SkinTask::PaintDisabledEdit);
+    EXPECT_EQ(SkinTaskFor(Painted(SkinClass::Button), kPaint), SkinTask::None)
+        << "owner-drawn: its parent is asked";
 }
 
-static double Contrast(uint32_t a, uint32_t b)
+TEST(SkinRules, EraseNothingBeforeItIsPaintedAsAWhole)
 {
-    const double ratio = (Luminance(a) + 0.05) / (Luminance(b) + 0.05);
-    return std::max(ratio, 1 / ratio);
+    const Kinds bars = {SkinClass::Toolbar, SkinClass::StatusBar};
+    for (const SkinClass kind : AllKinds())
+    {
+        const SkinTask task = SkinTaskFor(Painted(kind), kEraseBackground);
+        if (IsOneOf(bars, kind))
+            EXPECT_EQ(task, SkinTask::None) << int(kind);
+        else if (kind == SkinClass::Holder)
+            EXPECT_EQ(task, SkinTask::FillWithWindowColour);
+        else if (IsOneOf(kLeftToColours, kind) || kind == SkinClass::Menu)
+            EXPECT_EQ(task, SkinTask::PassOn) << int(kind);
+        else
+            EXPECT_EQ(task, SkinTask::KeepBackground) << int(kind);
+    }
+    // What the system paints, or parts of which shine through.
+    EXPECT_EQ(PlainTask(SkinClass::Button, kEraseBackground), SkinTask::None);
+    EXPECT_EQ(PlainTask(SkinClass::Static, kEraseBackground), SkinTask::None);
+    SkinWindow tab = Plain(SkinClass::Tab), menu = Plain(SkinClass::Menu);
+    tab.dark = false;
+    menu.flatMenus = true;
+    EXPECT_EQ(SkinTaskFor(tab, kEraseBackground), SkinTask::None);
+    EXPECT_EQ(SkinTaskFor(menu, kEraseBackground), SkinTask::None);
 }
 
-TEST(DarkColours, KeepTextReadable)
+TEST(SkinRules, PaintTheEdgeOfWhateverHasOne)
 {
-    const SkinTable table = DarkSkinTable();
-    const uint32_t text = table.colour[kSkinText], grey = table.colour[kSkinGreyText];
-    const uint32_t face = table.colour[kSkinFace], window = table.colour[kSkinWindow];
-    const uint32_t menu = table.colour[kSkinMenu];
-    using namespace SkinShade;
+    constexpr uint32_t kBorder = 0x800000, kDialogFrame = 1, kClientEdge = 0x200,
+                       kStaticEdge = 0x20000;
+    const Kinds always = {SkinClass::ListBox, SkinClass::ComboList, SkinClass::TreeView,
+                          SkinClass::ListView, SkinClass::Progress};
+    const Kinds framed = {SkinClass::Static, SkinClass::Edit, SkinClass::Toolbar};
     const struct
     {
-        uint32_t text, behind;
-        double least;
-    } pairs[] = {
-        {text, face, 7},
-        {text, window, 7}, // edits and boxes
-        {text, kButton, 7},
-        {kTextHot, kButtonHot, 7},
-        {text, kButtonDown, 7},
-        {text, kTip, 7},
-        {kMenuText, menu, 7},
-        {kMenuText, kSelected, 6},
-        {kTextHot, kSelected, 7},
-        {grey, face, 3},
-        {grey, window, 3},
-        {grey, menu, 3},
-        {grey, kButtonOff, 3},
-        // Both colours of lists are fixed: 5.5, not 7.
-        {table.colour[kSkinWindowText], window, 5},
-        // Things that are no text, but have to be found.
-        {kThumb, face, 3},
-        {kAccent, kGroove, 3},
-    };
-    for (const auto& pair : pairs)
-        EXPECT_GE(Contrast(pair.text, pair.behind), pair.least)
-            << std::hex << pair.text << " on " << pair.behind;
-    EXPECT_NE(grey, text);
-}
-
-TEST(DarkColours, LeaveUnnamedColoursToTheSystem)
-{
-    const SkinTable table = DarkSkinTable();
-    EXPECT_EQ(SkinTableColour(table, 13), kNoSkinColour);
-    EXPECT_EQ(SkinTableColour(table, 22), 0u) << "black is a colour";
-    EXPECT_EQ(SkinTableColour(table, 30), 0u);
-    EXPECT_EQ(std::count(table.colour, table.colour + kSkinColours, kNoSkinColour), 11);
-    EXPECT_TRUE(IsDark({3, false}) && IsDark({1, true}));
-    EXPECT_FALSE(IsDark({1, false}) || IsDark({0, true}));
-}
-
-TEST(SkinRules, TakeMessagesByClassAndStyle)
-{
-    constexpr uint32_t kErase = 0x14, kNcPaint = 0x85, kDialogCode = 0x87, kDrawItem = 0x2B;
-    const auto window =
-        [](const wchar_t* name, uint32_t style, uint32_t exStyle = 0, bool enabled = true)
-    { return SkinWindow{SkinClassOf(name), style, exStyle, enabled, true, true}; };
-    const struct
+        uint32_t style, exStyle;
+    } edges[] = {{kBorder, 0}, {0, kClientEdge}, {0, kStaticEdge}};
+    for (const SkinClass kind : AllKinds())
     {
-        SkinWindow window;
-        uint32_t message;
-        bool taken;
-    } rows[] = {
-        {window(L"BUTTON", 0xB), kErase, true},
-        {window(L"Button", 3), kErase, false},
-        {window(L"Static", 0), kErase, false},
-        {window(L"Static", 0, 0, false), kErase, true},
-        {window(L"Static", 0x12), kErase, true},
-        {window(L"#32768", 0), kErase, false},
-        {window(L"ToolbarWindow32", 0), kErase, false},
-        {window(L"msctls_statusbar32", 0), kErase, false},
-        {window(L"msctls_trackbar32", 0), kErase, true},
-        {window(L"Edit", 0), kNcPaint, false},
-        {window(L"Edit", 0, 0x200), kNcPaint, true},
-        {window(L"Edit", 0, 0x20000), kNcPaint, true},
-        {window(L"ListBox", 0), kNcPaint, true},
-        {window(L"Static", 0), kNcPaint, false},
-        {window(L"Button", kConvertedStyle), kDialogCode, true},
-        {window(L"Button", 0xB), kDialogCode, false},
-        {window(L"anything", 0), kDrawItem, true},
-        {window(L"anything", 0), 0x200, false},
-    };
-    for (const auto& row : rows)
-        EXPECT_EQ(SkinTakes(row.window, row.message), row.taken)
-            << &row - rows << ", message " << row.message;
-    for (const uint32_t always : {8U, 10U, 12U, 71U, 224U, 233U, 243U, 43U})
-        EXPECT_TRUE(SkinTakes(window(L"anything", 0), always)) << always;
+        if (kind == SkinClass::Menu || kind == SkinClass::ComboBox)
+            continue; // below
+        EXPECT_EQ(PlainTask(kind, kFramePaint) == SkinTask::PaintFrame, IsOneOf(always, kind))
+            << int(kind);
+        for (const auto& edge : edges)
+        {
+            SkinWindow window = Plain(kind);
+            window.style = edge.style;
+            window.exStyle = edge.exStyle;
+            EXPECT_EQ(SkinTaskFor(window, kFramePaint) == SkinTask::PaintFrame,
+                      IsOneOf(always, kind) || IsOneOf(framed, kind))
+                << int(kind) << ", edge " << &edge - edges;
+        }
+    }
+    EXPECT_EQ(PlainTask(SkinClass::Menu, kFramePaint), SkinTask::PaintMenuFrame);
+    EXPECT_EQ(PlainTask(SkinClass::ComboBox, kFramePaint), SkinTask::PassOn);
+
+    // A dialog's frame around a field is none of its own; and some labels are all frame.
+    SkinWindow window = Plain(SkinClass::Edit);
+    window.exStyle = kDialogFrame;
+    EXPECT_EQ(SkinTaskFor(window, kFramePaint), SkinTask::None);
+    window.kind = SkinClass::Toolbar;
+    EXPECT_EQ(SkinTaskFor(window, kFramePaint), SkinTask::PaintFrame);
+    window = Plain(SkinClass::Static);
+    for (uint32_t type = 0; type < 0x20; ++type)
+    {
+        window.style = type;
+        const bool frame = (type >= 7 && type <= 9) || (type >= 0x10 && type <= 0x12);
+        EXPECT_EQ(SkinTakes(window, kFramePaint), frame) << type;
+        EXPECT_EQ(SkinTakes(window, kEraseBackground), frame) << type;
+    }
 }
 
-TEST(SkinRules, ConvertWhatLooksLikeAPushButton)
+TEST(SkinRules, ChangeQuietlyWhatWouldDrawItselfAtOnce)
 {
-    for (const auto& [style, converts] : {std::pair(0U, true),
-                                          {1U, true},
-                                          {3U, false},
-                                          {0x1003U, true},
-                                          {0x1009U, true},
-                                          {7U, false},
-                                          {0x1007U, false},
-                                          {0xBU, false}})
-        EXPECT_EQ(ConvertsButton(style), converts) << style;
-    EXPECT_EQ(ConvertedStyle(0x50011006), 0x5001101BU);
-    EXPECT_TRUE(IsRadioData(ButtonData(0x1009)) && IsCheckData(ButtonData(0x1006)));
-    EXPECT_FALSE(IsRadioData(ButtonData(0x1003)) || IsCheckData(ButtonData(1)));
+    const std::map<SkinClass, std::vector<uint32_t>> quiet = {
+        {SkinClass::Button, {kSetText, kEnable, kSetFocus, kKillFocus, kSetCheck, kSetState}},
+        {SkinClass::Static, {kSetText, kEnable}},
+        {SkinClass::ComboBox, {kEnable, kSetFocus, kKillFocus, kComboSelect}},
+    };
+    for (const SkinClass kind : AllKinds())
+        for (const uint32_t message :
+             {kSetText, kEnable, kSetFocus, kKillFocus, kSetCheck, kSetState, kComboSelect})
+        {
+            const auto found = quiet.find(kind);
+            const bool expected = found != quiet.end() &&
+                                  std::count(found->second.begin(), found->second.end(), message);
+            EXPECT_EQ(PlainTask(kind, message) == SkinTask::ChangeQuietly, expected)
+                << int(kind) << ", message " << message;
+        }
+}
+
+// Seen by their numbers, since a message with a wrong one is never met.
+TEST(SkinRules, StandBeforeEveryClassForSomeMessages)
+{
+    for (const SkinClass kind : AllKinds())
+    {
+        for (const uint32_t message : {8U, 10U, 12U, 71U, 224U, 233U, 243U, 43U, 44U, 288U})
+            EXPECT_TRUE(SkinTakes(Plain(kind), message)) << int(kind) << ", " << message;
+        for (uint32_t message = 0x132; message <= 0x138; ++message)
+            EXPECT_TRUE(SkinTakes(Plain(kind), message)) << int(kind) << ", " << message;
+    }
+    for (const uint32_t message : {8U, 10U, 12U, 20U, 71U, 224U, 233U, 243U})
+        EXPECT_EQ(PlainTask(SkinClass::Other, message), SkinTask::PassOn) << message;
+}
+
+TEST(SkinRules, KeepTheTypeOfConvertedButtonsOnly)
+{
+    for (const SkinClass kind : AllKinds())
+        for (const uint32_t style : {0U, 0xBU, kConvertedStyle})
+            for (const uint32_t message :
+                 {0x87U, 0xF4U}) // asks for the dialog code, sets the style
+            {
+                SkinWindow window = Plain(kind);
+                window.style = style;
+                EXPECT_EQ(SkinTakes(window, message),
+                          kind == SkinClass::Button && style == kConvertedStyle)
+                    << int(kind) << ", style " << style << ", message " << message;
+            }
+}
+
+TEST(SkinRules, SayNoAtOnceToAllOtherMessages)
+{
+    for (uint32_t message = 0; message < 0x400; ++message)
+    {
+        bool taken = false;
+        for (const SkinClass kind : AllKinds())
+            for (const uint32_t style : {0U, kConvertedStyle})
+            {
+                SkinWindow window = Plain(kind);
+                window.style = style;
+                taken = taken || SkinTakes(window, message);
+            }
+        EXPECT_EQ(SkinMayTake(message), taken) << message;
+    }
+    EXPECT_FALSE(SkinMayTake(0x200)) << "a mouse on its way";
+}
+
+// Two classes hold another control, and each other class stands alone.
+TEST(SkinClasses, TellTheSystemsControlsApart)
+{
+    std::map<SkinClass, int> found;
+    for (const wchar_t* name : {L"#32768",
+                                L"#32770",
+                                L"Button",
+                                L"ComboBox",
+                                L"ComboBoxEx32",
+                                L"ComboLBox",
+                                L"Edit",
+                                L"ListBox",
+                                L"msctls_progress32",
+                                L"msctls_statusbar32",
+                                L"msctls_trackbar32",
+                                L"msctls_updown32",
+                                L"ScrollBar",
+                                L"SHELLDLL_DefView",
+                                L"Static",
+                                L"SysHeader32",
+                                L"SysListView32",
+                                L"SysTabControl32",
+                                L"SysTreeView32",
+                                L"ToolbarWindow32",
+                                L"tooltips_class32"})
+        ++found[SkinClassOf(name)];
+    for (const SkinClass kind : AllKinds())
+        EXPECT_EQ(found[kind], kind == SkinClass::Other    ? 0
+                               : kind == SkinClass::Holder ? 2
+                                                           : 1)
+            << int(kind);
+}
+
+TEST(SkinClasses, GoByNamesInAnyLetters)
+{
+    EXPECT_EQ(SkinClassOf(L"BUTTON"), SkinClassOf(L"Button"));
+    EXPECT_EQ(SkinClassOf(L"SYSHEADER32"), SkinClass::Header);
+    for (const wchar_t* name : {L"", L"Butto", L"Buttons", L"anything"})
+        EXPECT_EQ(SkinClassOf(name), SkinClass::Other);
+}
+
+TEST(SkinRules, LeaveDialogsThatAskForTheSystemsLook)
+{
     EXPECT_TRUE(OptsOutOfSkin(0x94C801C4) && OptsOutOfSkin(0x200));
     EXPECT_FALSE(OptsOutOfSkin(0x94C800C4));
-}
-
-TEST(SkinRules, FindTheGroupOfAButton)
-{
-    const std::vector<bool> starts = {false, true, false, false, true, false};
-    const std::pair<size_t, size_t> expected[] = {{0, 1}, {1, 4}, {1, 4}, {1, 4}, {4, 6}, {4, 6}};
-    for (size_t i = 0; i < starts.size(); ++i)
-        EXPECT_EQ(GroupAround(starts, i), expected[i]) << i;
-}
-
-TEST(Glyphs, ShrinkByTwoPerLine)
-{
-    for (const auto& [to, lengths] : {std::pair(ArrowTo::Down, std::vector<int>{7, 5, 3, 1}),
-                                      {ArrowTo::Up, {1, 3, 5, 7}},
-                                      {ArrowTo::Right, {7, 5, 3, 1}},
-                                      {ArrowTo::Left, {1, 3, 5, 7}}})
-    {
-        const Glyph glyph = ArrowGlyph(to);
-        std::vector<int> drawn;
-        for (const GlyphLine& line : glyph.lines)
-        {
-            drawn.push_back(line.length);
-            const int across = glyph.vertical ? line.y : line.x;
-            EXPECT_EQ(2 * across + line.length, 7) << "centred";
-        }
-        EXPECT_EQ(drawn, lengths);
-    }
-}
-
-TEST(ScrollThumb, SitsWhereThePageIs)
-{
-    const struct
-    {
-        ScrollRange range;
-        int start, end;
-    } rows[] = {
-        {{0, 99, 10, 0}, 16, 28},    // shorter than a thumb may be
-        {{0, 99, 10, 90}, 104, 116}, // the last page
-        {{0, 99, 10, 500}, 104, 116}, {{-50, 49, 50, -25}, 41, 91},
-        {{0, 9, 10, 0}, 0, 0}, // all in sight
-        {{0, 100, 0, 50}, 60, 72},
-    };
-    for (const auto& row : rows)
-    {
-        const ThumbPlace thumb = PlaceThumb(row.range, 132, 16);
-        EXPECT_EQ(thumb.start, row.start) << &row - rows;
-        EXPECT_EQ(thumb.end, row.end) << &row - rows;
-    }
 }

@@ -58,11 +58,11 @@ Bytes ReadBytes(const std::string& path)
 LoadedPair::LoadedPair(const std::string& path) : picture(3, 3, 3, 8), alpha(3, 3, 1, 8)
 {
     LoadReport report;
-    failed = LoadPicturePair(path.c_str(), &picture.pic, &alpha.pic, &report);
+    failed = LoadPicturePair(path.c_str(), picture.Record(), alpha.Record(), &report);
     problem = report.problem;
 }
 
-SaveReport Save(const TestPicture& picture, const std::string& target, int format,
+SaveReport Save(const TestPicture& picture, const std::string& target, FormatId format,
                 const std::string& source, const TestPicture* alpha, const SaveExtras* extras)
 {
     SaveReport report;
@@ -73,7 +73,7 @@ SaveReport Save(const TestPicture& picture, const std::string& target, int forma
         EXPECT_FALSE(SavePathFromUtf8(&sourcePath, source.c_str(), PathUse::Source)) << source;
     }
     const TestPicture none;
-    EXPECT_FALSE(SavePicturePair(picture.pic, alpha ? alpha->pic : none.pic, targetPath.c_str(),
+    EXPECT_FALSE(SavePicturePair(picture, alpha ? *alpha : none, targetPath.c_str(),
                                  sourcePath.c_str(), format, &report, extras));
     return report;
 }

@@ -38,9 +38,9 @@ struct LoadedPair
 };
 
 // Saves a picture; alpha and source are optional. Fails the test when a path has no save path.
-SaveReport Save(const TestPicture& picture, const std::string& target, int format = kFormatFromName,
-                const std::string& source = "", const TestPicture* alpha = nullptr,
-                const SaveExtras* extras = nullptr);
+SaveReport Save(const TestPicture& picture, const std::string& target,
+                FormatId format = kFormatFromName, const std::string& source = "",
+                const TestPicture* alpha = nullptr, const SaveExtras* extras = nullptr);
 
 // Files built byte by byte, so that they do not depend on the encoders under test. Pixels are what
 // follows the header, in the file's own order; they may be shorter than the header promises.

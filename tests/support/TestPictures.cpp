@@ -2,31 +2,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <utility>
-
-TestPicture::TestPicture()
-{
-    CBxPicBufAPI::Init(&pic);
-}
-
-TestPicture::TestPicture(int width, int height, int components, int bits)
-{
-    CBxPicBufAPI::Init(&pic);
-    CBxPicBufAPI::ReinitHeap(&pic, width, height, components, bits);
-}
-
-TestPicture::TestPicture(TestPicture&& other) noexcept : pic(std::exchange(other.pic, {})) {}
-
-TestPicture& TestPicture::operator=(TestPicture&& other) noexcept
-{
-    std::swap(pic, other.pic);
-    return *this;
-}
-
-TestPicture::~TestPicture()
-{
-    CBxPicBufAPI::DoneHeap(&pic);
-}
 
 TestPicture TestPicture::Like(const SBxPicBuf& other)
 {
@@ -45,13 +20,14 @@ double SampleOf(const SBxPicBuf& picture, int x, int y, int component)
 
 void TestPicture::Set(int x, int y, int component, double value)
 {
-    const int index = x * pic.components + component;
-    if (pic.bitsPerComponent == 8)
-        PicRow<uint8_t>(pic, y)[index] = uint8_t(value);
-    else if (pic.bitsPerComponent == 16)
-        PicRow<uint16_t>(pic, y)[index] = uint16_t(value);
+    const SBxPicBuf& picture = *this;
+    const int index = x * picture.components + component;
+    if (picture.bitsPerComponent == 8)
+        PicRow<uint8_t>(picture, y)[index] = uint8_t(value);
+    else if (picture.bitsPerComponent == 16)
+        PicRow<uint16_t>(picture, y)[index] = uint16_t(value);
     else
-        PicRow<float>(pic, y)[index] = float(value);
+        PicRow<float>(picture, y)[index] = float(value);
 }
 
 TestPicture PictureOf(int width, int height, int components, int bits,

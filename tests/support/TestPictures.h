@@ -1,6 +1,6 @@
 #pragma once
 
-#include "picture/PicBuf.h"
+#include "picture/Picture.h"
 
 #include <gtest/gtest.h>
 
@@ -12,19 +12,13 @@
 // Sample as a number, whatever the depth.
 double SampleOf(const SBxPicBuf& picture, int x, int y, int component = 0);
 
-// A picture that frees itself. `pic` is what the functions under test take.
-struct TestPicture
+// A picture that tests look into and write to, sample by sample.
+struct TestPicture : Picture
 {
-    SBxPicBuf pic;
-
-    TestPicture();
-    TestPicture(int width, int height, int components, int bits);
+    using Picture::Picture;
     static TestPicture Like(const SBxPicBuf& other); // of that geometry
-    TestPicture(TestPicture&& other) noexcept;
-    TestPicture& operator=(TestPicture&& other) noexcept;
-    ~TestPicture();
 
-    double At(int x, int y, int component = 0) const { return SampleOf(pic, x, y, component); }
+    double At(int x, int y, int component = 0) const { return SampleOf(*this, x, y, component); }
     void Set(int x, int y, int component, double value);
 };
 

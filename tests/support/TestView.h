@@ -12,8 +12,8 @@ struct TestView
 
     TestView(int displayWidth, int displayHeight) : display(displayWidth, displayHeight, 3, 8)
     {
-        CBxPicBufAPI::SetConst(&display.pic, 77);
-        view.display = display.pic;
+        CBxPicBufAPI::SetConst(display.Record(), 77);
+        view.display = display;
         SetViewArea(&view, {0, 0, displayWidth, displayHeight});
     }
     TestView(const TestView&) = delete;
@@ -23,8 +23,8 @@ struct TestView
     int CountOf(const std::vector<int>& bgr) const
     {
         int count = 0;
-        for (int y = 0; y < display.pic.height; ++y)
-            for (int x = 0; x < display.pic.width; ++x)
+        for (int y = 0; y < display->height; ++y)
+            for (int x = 0; x < display->width; ++x)
                 count += display.At(x, y, 0) == bgr[0] && display.At(x, y, 1) == bgr[1] &&
                          display.At(x, y, 2) == bgr[2];
         return count;

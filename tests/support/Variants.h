@@ -1,21 +1,21 @@
 #pragma once
 
-#include "fusion/FusionKernels.h"
+#include "base/InstructionSet.h"
 
 #include <gtest/gtest.h>
 
-// Runs check once with every set of loops that this processor can run.
+// Runs check once with the loops of every instruction set that this processor has, from `first` on.
 template <typename Check>
-void ForEachVariant(Check check)
+void ForEachVariant(Check check, InstructionSet first = InstructionSet::Plain)
 {
-    for (int i = 0; i < kFusionVariants; ++i)
+    for (int i = int(first); i < kInstructionSets; ++i)
     {
-        const FusionKernels* kernels = VcFusionKernelsOf(FusionVariant(i));
-        if (!kernels)
+        const InstructionSet set = InstructionSet(i);
+        if (!ProcessorRuns(set))
             continue;
-        SCOPED_TRACE(kernels->name);
-        VcForceFusionKernels(kernels);
+        SCOPED_TRACE(InstructionSetName(set));
+        ForceInstructionSet(set);
         check();
-        VcForceFusionKernels(nullptr);
+        UseBestInstructionSet();
     }
 }

@@ -120,9 +120,9 @@ TEST(Padding, RepeatsTheLastPixelOfEachRowAndTheLastRow)
                 PictureOf(33, 5, components, bits,
                           [](int x, int y, int c) { return (x * 7 + y * 31 + c * 90) % 256; });
             TestPicture padded;
-            ASSERT_FALSE(PadForPyramid(&padded.pic, picture.pic, 5));
-            ASSERT_EQ(padded.pic.width, 96);
-            ASSERT_EQ(padded.pic.height, 64);
+            ASSERT_FALSE(PadForPyramid(padded.Record(), picture, 5));
+            ASSERT_EQ(padded->width, 96);
+            ASSERT_EQ(padded->height, 64);
             for (int y = 0; y < 64; ++y)
                 for (int x = 0; x < 96; ++x)
                     for (int c = 0; c < components; ++c)

@@ -1,8 +1,10 @@
 #include "tonemap/ToneMap.h"
 
 #include "tests/support/TestPictures.h"
+#include "tests/support/Variants.h"
 #include "tonemap/Pyramid.h"
 #include "tonemap/RemapRegions.h"
+#include "tools/Parameters.h"
 
 #include <gtest/gtest.h>
 
@@ -12,35 +14,44 @@
 namespace
 {
 
-// Sliders at 10, where they start.
-const ToneMapParams kDefaults = ToneMapParamsOf(10, 10, 10, 10);
+// Other numbers are where they start.
+ToneMapParams Sliders(int contrast, int noiseAmplitude, int details, int equalization)
+{
+    ToneMapNumbers numbers = DefaultNumbers().toneMap;
+    numbers.contrast = contrast;
+    numbers.noiseAmplitude = noiseAmplitude;
+    numbers.details = details;
+    numbers.equalization = equalization;
+    return ToneMapParamsOf(numbers);
+}
 
-int Map(SBxPicBuf* out, const SBxPicBuf& in, const ToneMapParams& p, bool useColors,
+const ToneMapParams kDefaults = Sliders(10, 10, 10, 10);
+
+int Map(SBxPicBuf* out, const SBxPicBuf& in, ToneMapParams params, bool useColors,
         ToneMapMethod method = ToneMapMethod::Direct, const RunControl& control = {})
 {
-    return ToneMapPicture(out, in, kToneMapLevels, p.p1, p.p2, p.p3, p.p4, useColors, control,
-                          method);
+    params.useColors = useColors;
+    return ToneMapPicture(out, in, kToneMapLevels, params, control, method);
 }
 
 TestPicture Mapped(const TestPicture& in, const ToneMapParams& p, bool useColors,
                    ToneMapMethod method = ToneMapMethod::Direct)
 {
-    TestPicture out = TestPicture::Like(in.pic);
-    EXPECT_EQ(Map(&out.pic, in.pic, p, useColors, method), kToneMapDone);
+    TestPicture out = TestPicture::Like(in);
+    EXPECT_EQ(Map(out.Record(), in, p, useColors, method), kToneMapDone);
     return out;
 }
 
 TestPicture FloatPlaneOf(const TestPicture& scene)
 {
-    return PictureOf(scene.pic.width, scene.pic.height, 1, 32,
+    return PictureOf(scene->width, scene->height, 1, 32,
                      [&](int x, int y, int) { return scene.At(x, y); });
 }
 
 TestPicture MappedPlane(const TestPicture& plane, const ToneMapParams& p, ToneMapMethod method)
 {
-    TestPicture out = TestPicture::Like(plane.pic);
-    EXPECT_FALSE(
-        ToneMapPlane(&out.pic, plane.pic, kToneMapLevels, p.p1, p.p2, p.p3, p.p4, {}, method));
+    TestPicture out = TestPicture::Like(plane);
+    EXPECT_FALSE(ToneMapPlane(out.Record(), plane, kToneMapLevels, p, {}, method));
     return out;
 }
 
@@ -48,24 +59,22 @@ TestPicture MappedPlane(const TestPicture& plane, const ToneMapParams& p, ToneMa
 
 TEST(ToneMapParams, GiveTheConstantsOfTheSliders)
 {
-    EXPECT_NEAR(kDefaults.p1, 0.22, 1e-7);
-    EXPECT_NEAR(kDefaults.p2, 0.22, 1e-7);
-    EXPECT_EQ(kDefaults.p3, 0.5);
-    EXPECT_NEAR(kDefaults.p4, 0.8, 1e-7);
-    const RemapConstants k =
-        RemapConstantsOf(kDefaults.p1, kDefaults.p2, kDefaults.p3, kDefaults.p4);
+    EXPECT_NEAR(kDefaults.contrast, 0.22, 1e-7);
+    EXPECT_NEAR(kDefaults.noiseAmplitude, 0.22, 1e-7);
+    EXPECT_EQ(kDefaults.details, 0.5);
+    EXPECT_NEAR(kDefaults.equalization, 0.8, 1e-7);
+    const RemapConstants k = RemapConstantsOf(kDefaults);
     EXPECT_NEAR(k.sigma, 56.1001f, 1e-5);
     EXPECT_NEAR(k.noise, 2.805f, 1e-5);
     EXPECT_NEAR(k.curveStep, 0.0561001f, 1e-7);
     EXPECT_NEAR(k.beta, 1.6f, 1e-6);
-    EXPECT_EQ(ToneMapParamsOf(1, 1, 50, 50).p3, 0.0);
-    EXPECT_EQ(ToneMapParamsOf(1, 1, 50, 50).p4, 0.0);
+    EXPECT_EQ(Sliders(1, 1, 50, 50).details, 0.0);
+    EXPECT_EQ(Sliders(1, 1, 50, 50).equalization, 0.0);
 }
 
 TEST(Remapping, KeepsNoiseLiftsDetailAndScalesEdges)
 {
-    const RemapConstants k =
-        RemapConstantsOf(kDefaults.p1, kDefaults.p2, kDefaults.p3, kDefaults.p4);
+    const RemapConstants k = RemapConstantsOf(kDefaults);
     std::vector<float> curve(kRemapCurveEntries);
     FillRemapCurve(curve.data(), k.alpha);
     const float cases[][2] = {{100, 100},      {101, 101},      {102, 102},      {104, 108.664f},
@@ -99,8 +108,7 @@ TEST(RemapGrid, HasNeighbourhoodsThatDoNotTouch)
 // The direct sums against the definition, on planes with and without partial steps.
 TEST(ToneMapping, GivesWhatThePhasesGive)
 {
-    const ToneMapParams settings[] = {kDefaults, ToneMapParamsOf(35, 1, 45, 30),
-                                      ToneMapParamsOf(3, 30, 1, 1)};
+    const ToneMapParams settings[] = {kDefaults, Sliders(35, 1, 45, 30), Sliders(3, 30, 1, 1)};
     const CBxSize<int> sizes[] = {{64, 64}, {96, 64}, {128, 160}, {320, 96}};
     for (const ToneMapParams& p : settings)
         for (const auto& size : sizes)
@@ -108,19 +116,20 @@ TEST(ToneMapping, GivesWhatThePhasesGive)
             const TestPicture plane = FloatPlaneOf(ScenePicture(size.cx, size.cy, 1, 8, 1));
             const TestPicture direct = MappedPlane(plane, p, ToneMapMethod::Direct);
             const TestPicture phases = MappedPlane(plane, p, ToneMapMethod::Phases);
-            SCOPED_TRACE(::testing::Message() << size.cx << "x" << size.cy << ", p1 " << p.p1);
-            ExpectSamePicture(direct.pic, phases.pic, 1e-3);
+            SCOPED_TRACE(::testing::Message()
+                         << size.cx << "x" << size.cy << ", contrast " << p.contrast);
+            ExpectSamePicture(direct, phases, 1e-3);
         }
 }
 
 TEST(ToneMapping, LeavesFlatPicturesFlat)
 {
-    for (const auto& p : {kDefaults, ToneMapParamsOf(1, 1, 50, 50), ToneMapParamsOf(50, 50, 1, 1)})
+    for (const auto& p : {kDefaults, Sliders(1, 1, 50, 50), Sliders(50, 50, 1, 1)})
     {
         const TestPicture flat = FlatPicture(40, 31, 8, {30, 140, 250});
-        ExpectSamePicture(Mapped(flat, p, true).pic, flat.pic, 1);
+        ExpectSamePicture(Mapped(flat, p, true), flat, 1);
         const TestPicture pixel = FlatPicture(1, 1, 16, {40000});
-        ExpectSamePicture(Mapped(pixel, p, true).pic, pixel.pic, 1);
+        ExpectSamePicture(Mapped(pixel, p, true), pixel, 1);
     }
 }
 
@@ -133,9 +142,9 @@ TEST(ToneMapping, OfLuminanceAloneKeepsTheChromaPlanes)
                                                    1000 * c; // far from both ends of the range
                                         });
     TestPicture before(80, 60, 3, 16), after(80, 60, 3, 16);
-    CBxPicBufAPI::ConvertRGBtoYUV(&before.pic, scene.pic);
+    CBxPicBufAPI::ConvertRGBtoYUV(before.Record(), scene);
     const TestPicture mapped = Mapped(scene, kDefaults, false);
-    CBxPicBufAPI::ConvertRGBtoYUV(&after.pic, mapped.pic);
+    CBxPicBufAPI::ConvertRGBtoYUV(after.Record(), mapped);
     double lumaChange = 0.0;
     for (int y = 0; y < 60; ++y)
         for (int x = 0; x < 80; ++x)
@@ -157,18 +166,18 @@ TEST(ToneMapping, StopsAtEveryLookAtTheFlagAndWritesNothing)
         int looks = 0, allowed = 1 << 30;
         RunControl control;
         control.cancelled = [&] { return looks >= allowed || ++looks == allowed; };
-        TestPicture out = TestPicture::Like(scene.pic);
-        ASSERT_EQ(Map(&out.pic, scene.pic, kDefaults, true, method, control), kToneMapDone);
+        TestPicture out = TestPicture::Like(scene);
+        ASSERT_EQ(Map(out.Record(), scene, kDefaults, true, method, control), kToneMapDone);
         const int all = looks;
         EXPECT_GT(all, 30);
         for (allowed = 1; allowed <= all; allowed += allowed < 12 ? 1 : (all - 12) / 8)
         {
             looks = 0;
             TestPicture untouched = FlatPicture(90, 70, 8, {1, 2, 3});
-            ASSERT_EQ(Map(&untouched.pic, scene.pic, kDefaults, true, method, control),
+            ASSERT_EQ(Map(untouched.Record(), scene, kDefaults, true, method, control),
                       kToneMapCancelled)
                 << allowed << " of " << all;
-            ExpectSamePicture(untouched.pic, flat.pic);
+            ExpectSamePicture(untouched, flat);
         }
     }
     LimitRemapThreads(0);
@@ -178,16 +187,16 @@ TEST(ToneMapping, StopsAtEveryLookAtTheFlagAndWritesNothing)
 TEST(ToneMapping, GivesTheSameBitsOnEveryBuild)
 {
     const TestPicture scene = ScenePicture(301, 203, 3, 16, 0);
-    for (int variant = 0; variant < 4; ++variant)
-        for (const int threads : {1, 2, 8})
+    ForEachVariant(
+        [&]
         {
-            if (!ForceRemapVariant(variant))
-                continue;
-            LimitRemapThreads(threads);
-            EXPECT_EQ(HashOf(Mapped(scene, ToneMapParamsOf(20, 4, 33, 8), true).pic),
-                      17465508449943024907u)
-                << variant << ", " << threads << " threads";
-        }
-    ForceRemapVariant(0);
+            for (const int threads : {1, 2, 8})
+            {
+                LimitRemapThreads(threads);
+                EXPECT_EQ(HashOf(Mapped(scene, Sliders(20, 4, 33, 8), true)), 17465508449943024907u)
+                    << threads << " threads";
+            }
+        },
+        InstructionSet::Sse2);
     LimitRemapThreads(0);
 }

@@ -5,16 +5,16 @@
 
 #include <vector>
 
-static Settings StoredPower(int power)
+static ToolNumbers StoredPower(int power)
 {
-    Settings settings = {};
+    ToolNumbers settings = DefaultNumbers();
     settings.powerTool = {100, 3, power};
     return settings;
 }
 
-static Settings StoredExposure(int exposure)
+static ToolNumbers StoredExposure(int exposure)
 {
-    Settings settings = {};
+    ToolNumbers settings = DefaultNumbers();
     settings.fusionTool = {1, 2, 3, exposure};
     return settings;
 }
@@ -29,7 +29,7 @@ TEST(PowerModel, FusesAsManySourcesAsItSaysWithAFixedGrey)
     EXPECT_EQ(task.exposureMid, 128u); // although 100 is stored
     model.seriesCount = 7;             // of a series that was stopped
     EXPECT_EQ(PowerTask(model, region).sources, 7);
-    Settings settings = StoredPower(21);
+    ToolNumbers settings = StoredPower(21);
     StorePower(model, &settings);
     EXPECT_EQ(settings.powerTool.power, 15);
     EXPECT_EQ(settings.powerTool.exposure, 100) << "not its own value";
@@ -37,7 +37,7 @@ TEST(PowerModel, FusesAsManySourcesAsItSaysWithAFixedGrey)
 
 TEST(ExposureModel, GivesTheSlidersValueToAllSourcesAndKeepsTheStrengths)
 {
-    Settings settings = StoredExposure(120);
+    ToolNumbers settings = StoredExposure(120);
     ExposureFusionModel model = OpenExposureFusion(settings, 11);
     EXPECT_TRUE(MoveExposure(&model, SliderMove::Drag, 128));
     const FusionTask task = ExposureTask(model, {0, 0, 5, 5});

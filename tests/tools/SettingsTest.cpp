@@ -129,8 +129,8 @@ TEST_F(SettingsFile, GetsTheKeysOfARunInOrderAndAsRead)
     EXPECT_EQ(file.written, Texts{L"Crashed Last Time=1"});
     Start(); // nothing has ended the run in between
     EXPECT_EQ(settings.crashedLastTime, 1);
-    settings.uiPowerT[0] = 1;
-    settings.uiPowerT[3] = 50;
+    settings.toneMap.contrast = 1;
+    settings.toneMap.equalization = 50;
     file.written.clear();
     file.writes = 0;
     EXPECT_TRUE(SaveSettingsOnExit(file.Store(), &settings));
@@ -139,10 +139,10 @@ TEST_F(SettingsFile, GetsTheKeysOfARunInOrderAndAsRead)
         L"Crashed Last Time=0", L"method=7",     L"power=1",      L"noise=1",       L"uiPowerT1=1",
         L"uiPowerT2=31",        L"uiPowerT3=10", L"uiPowerT4=50", L"uiUseColors=10"};
     EXPECT_EQ(file.written, expected);
-    settings.uiPowerT[0] = 5; // not saved
+    settings.toneMap.contrast = 5; // not saved
     Start();
     EXPECT_EQ(settings.crashedLastTime, 0);
-    EXPECT_EQ(settings.uiPowerT[0], 1);
+    EXPECT_EQ(settings.toneMap.contrast, 1);
 }
 
 TEST_F(SettingsFile, CarriesThePowerSliderOverTheEndOfARun)

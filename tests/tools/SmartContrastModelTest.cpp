@@ -12,22 +12,29 @@ namespace
 using Lods = int[kDetailLevels];
 constexpr Lods kUnchanged = {10, 10, 10, 10, 10, 10, 10, 10};
 
+ToolNumbers NumbersOf(const Lods& lod)
+{
+    ToolNumbers numbers = DefaultNumbers();
+    std::copy(lod, lod + kDetailLevels, numbers.levelsOfDetail);
+    return numbers;
+}
+
 struct OpenModel
 {
     SmartContrastModel model;
 
     explicit OpenModel(const TestPicture& picture, const Lods& lod = kUnchanged)
     {
-        EXPECT_FALSE(OpenSmartContrast(&model, picture.pic, lod));
+        EXPECT_EQ(OpenSmartContrast(&model, picture, NumbersOf(lod)), Outcome::Done);
     }
     ~OpenModel() { ReleaseSmartContrast(&model); }
 };
 
 TestPicture Recomposed(SmartContrastModel* model, const TestPicture& like)
 {
-    TestPicture out(like.pic.width, like.pic.height, like.pic.components,
-                    like.pic.bitsPerComponent);
-    EXPECT_FALSE(RecomposeSmartContrast(&out.pic, model, {0, 0, out.pic.width, out.pic.height}));
+    TestPicture out(like->width, like->height, like->components, like->bitsPerComponent);
+    EXPECT_EQ(RecomposeSmartContrast(out.Record(), model, {0, 0, out->width, out->height}),
+              Outcome::Done);
     return out;
 }
 
@@ -74,9 +81,10 @@ TEST(SmartContrastModel, RecomposesWhenTheThumbIsLetGoAndWhenANumberIsNew)
     int number = 0;
     for (const auto& step : steps)
     {
-        const bool recompose = SmartContrastSliderMoved(model, 2, step.move, step.thumb);
+        const bool recompose = SmartContrastSliderMoved(model, ParametersOf(Tool::SmartContrast)[2],
+                                                        step.move, step.thumb);
         EXPECT_EQ(recompose, step.recompose) << "step " << number;
-        EXPECT_EQ(model->lod[2], step.number) << "step " << number++;
+        EXPECT_EQ(model->numbers.levelsOfDetail[2], step.number) << "step " << number++;
     }
 }
 
@@ -93,13 +101,13 @@ TEST(SmartContrastModel, GivesTheSamePictureAsTheWholeJobAsOftenAsASliderMoves)
                                   {10, 10, 10, 10, 10, 10, 10, 10}};
             for (const Lods& lod : tries)
             {
-                std::copy(lod, lod + kDetailLevels, open.model.lod);
+                open.model.numbers = NumbersOf(lod);
                 TestPicture whole(61, 47, components, bits);
-                ASSERT_FALSE(SmartContrastPicture(&whole.pic, photo.pic, lod, {}));
-                ExpectSamePicture(Recomposed(&open.model, photo).pic, whole.pic);
+                ASSERT_EQ(SmartContrastPicture(whole.Record(), photo, lod, {}), Outcome::Done);
+                ExpectSamePicture(Recomposed(&open.model, photo), whole);
                 EXPECT_TRUE(HasSmartContrast(open.model, {0, 0, 61, 47}));
             }
-            ExpectSamePicture(Recomposed(&open.model, photo).pic, photo.pic, 1); // floats round
+            ExpectSamePicture(Recomposed(&open.model, photo), photo, 1); // floats round
         }
 }
 
@@ -110,7 +118,7 @@ TEST(SmartContrastModel, PutsTogetherWhatIsVisibleAndTheRestInTheEnd)
     const Lods lod = {25, 3, 14, 8, 22, 10, 10, 10};
     OpenModel open(photo, lod);
     TestPicture whole(301, 203, 3, 8), shown = FlatPicture(301, 203, 8, {7, 7, 7});
-    ASSERT_FALSE(SmartContrastPicture(&whole.pic, photo.pic, lod, {}));
+    ASSERT_EQ(SmartContrastPicture(whole.Record(), photo, lod, {}), Outcome::Done);
     ImageView view;
     view.area = {0, 30, 80, 90}; // shows 80 x 60 pixels
     const CBxPoint<double> centres[] = {{0, 100},     {150.5, 100}, {290, 100}, {290, 0},
@@ -125,8 +133,8 @@ TEST(SmartContrastModel, PutsTogetherWhatIsVisibleAndTheRestInTheEnd)
         EXPECT_LE(visible.top, std::max(y - 32, 0.0));
         EXPECT_GE(visible.bottom, std::min(y + 32, 203.0));
         EXPECT_FALSE(HasSmartContrast(open.model, visible));
-        CBxPicBufAPI::SetConst(&shown.pic, 7);
-        ASSERT_FALSE(RecomposeSmartContrast(&shown.pic, &open.model, visible));
+        CBxPicBufAPI::SetConst(shown.Record(), 7);
+        ASSERT_EQ(RecomposeSmartContrast(shown.Record(), &open.model, visible), Outcome::Done);
         const CBxRect<int> near = {std::max(visible.left - 4, 0), std::max(visible.top - 4, 0),
                                    std::min(visible.right + 4, 301),
                                    std::min(visible.bottom + 4, 203)};
@@ -141,8 +149,8 @@ TEST(SmartContrastModel, PutsTogetherWhatIsVisibleAndTheRestInTheEnd)
                     << column << ", " << row;
             }
     }
-    ASSERT_FALSE(CompleteSmartContrast(&shown.pic, &open.model));
-    ExpectSamePicture(shown.pic, whole.pic);
+    ASSERT_EQ(CompleteSmartContrast(shown.Record(), &open.model), Outcome::Done);
+    ExpectSamePicture(shown, whole);
 }
 
 TEST(SmartContrastModel, TakesStoredNumbersFromOutsideOfTheRangeAsItsEnds)
@@ -150,5 +158,5 @@ TEST(SmartContrastModel, TakesStoredNumbersFromOutsideOfTheRangeAsItsEnds)
     const TestPicture photo = ScenePicture(20, 20, 1, 8, 0);
     OpenModel open(photo, {99, -4, 30, 0, 10, 31, -1, 5});
     const Lods expected = {30, 0, 30, 0, 10, 30, 0, 5};
-    EXPECT_TRUE(std::equal(expected, expected + kDetailLevels, open.model.lod));
+    EXPECT_TRUE(std::equal(expected, expected + kDetailLevels, open.model.numbers.levelsOfDetail));
 }

@@ -2,38 +2,40 @@
 
 #include "tests/support/TestPictures.h"
 
+#include <set>
 #include <vector>
 
 namespace
 {
 
-constexpr int kTens[kToneMapSliders] = {10, 10, 10, 10};
+const ParameterRows kRows = ParametersOf(Tool::ToneMap);
+const ParameterRow &kFirst = kRows[0], &kSecond = kRows[1], &kColors = kRows[4];
 
 // A photograph, a preview picture that starts as a copy of it, and the model over both.
-struct Tool
+struct OpenTool
 {
     TestPicture source, preview;
     ToneMapModel model;
 
-    Tool(int width, int height, int components = 3, int bits = 8)
+    OpenTool(int width, int height, int components = 3, int bits = 8)
         : source(ScenePicture(width, height, components, bits, 0)),
           preview(ScenePicture(width, height, components, bits, 0))
     {
-        StartToneMapModel(&model, source.pic, kTens, true);
+        StartToneMapModel(&model, source, DefaultNumbers());
     }
 
-    void Render() { EXPECT_FALSE(RenderToneMapPreview(&preview.pic, &model, source.pic)); }
+    void Render() { EXPECT_FALSE(RenderToneMapPreview(preview.Record(), &model, source)); }
 
     // Samples of the preview that are not the source's, inside and outside of a rectangle.
     void CountChanges(const CBxRect<int>& rect, int* inside, int* outside) const
     {
         *inside = *outside = 0;
-        for (int y = 0; y < source.pic.height; ++y)
-            for (int x = 0; x < source.pic.width; ++x)
+        for (int y = 0; y < source->height; ++y)
+            for (int x = 0; x < source->width; ++x)
             {
                 const bool within =
                     x >= rect.left && x < rect.right && y >= rect.top && y < rect.bottom;
-                for (int c = 0; c < source.pic.components; ++c)
+                for (int c = 0; c < source->components; ++c)
                     *(within ? inside : outside) += source.At(x, y, c) != preview.At(x, y, c);
             }
     }
@@ -68,11 +70,11 @@ TEST(PreviewRectangle, ReachesAsFarAsThePicture)
 
 TEST(ToneMapModel, RendersThePreviewOnlyWhenItIsOnAndBehind)
 {
-    Tool tool(60, 50);
+    OpenTool tool(60, 50);
     ToneMapModel* model = &tool.model;
-    EXPECT_FALSE(ToneMapSliderMoved(model, 0, SliderMove::Up, 0)) << "the preview is off";
-    EXPECT_EQ(model->choice.slider[0], 11);
-    EXPECT_FALSE(ToneMapSliderMoved(model, 0, SliderMove::Drop, 20));
+    EXPECT_FALSE(ToneMapSliderMoved(model, kFirst, SliderMove::Up, 0)) << "the preview is off";
+    EXPECT_EQ(model->numbers.toneMap.contrast, 11);
+    EXPECT_FALSE(ToneMapSliderMoved(model, kFirst, SliderMove::Drop, 20));
     EXPECT_TRUE(ToneMapPreviewToggled(model, true, {30, 25}));
     tool.Render();
 
@@ -87,20 +89,20 @@ TEST(ToneMapModel, RendersThePreviewOnlyWhenItIsOnAndBehind)
                  {SliderMove::Drop, 0, 1, true},    {SliderMove::ToHigh, 0, 50, true}};
     for (const auto& step : steps)
     {
-        EXPECT_EQ(ToneMapSliderMoved(model, 0, step.move, step.thumb), step.render)
+        EXPECT_EQ(ToneMapSliderMoved(model, kFirst, step.move, step.thumb), step.render)
             << "move " << int(step.move) << " to " << step.value;
-        EXPECT_EQ(model->choice.slider[0], step.value);
+        EXPECT_EQ(model->numbers.toneMap.contrast, step.value);
     }
     tool.Render();
-    EXPECT_TRUE(ToneMapColorsToggled(model, false));
-    EXPECT_FALSE(ToneMapColorsToggled(model, true)) << "as it was rendered";
+    EXPECT_TRUE(ToneMapBoxToggled(model, kColors, false));
+    EXPECT_FALSE(ToneMapBoxToggled(model, kColors, true)) << "as it was rendered";
 }
 
 TEST(ToneMapModel, FiltersTheRectangleAndLeavesTheRestOfThePictureAlone)
 {
     for (int bits : {8, 16})
     {
-        Tool tool(700, 40, 3, bits);
+        OpenTool tool(700, 40, 3, bits);
         ToneMapPreviewToggled(&tool.model, true, {500, 20});
         tool.Render();
         int inside, outside;
@@ -110,12 +112,14 @@ TEST(ToneMapModel, FiltersTheRectangleAndLeavesTheRestOfThePictureAlone)
 
         // The same as the filter makes of the cut-out alone.
         TestPicture crop(456, 40, 3, bits), shown(456, 40, 3, bits);
-        CBxPicBufAPI::CopyRect(&crop.pic, tool.source.pic, {0, 0}, {244, 0}, {456, 40});
-        CBxPicBufAPI::CopyRect(&shown.pic, tool.preview.pic, {0, 0}, {244, 0}, {456, 40});
-        ASSERT_EQ(ToneMapPicture(&crop.pic, crop.pic, 5, double(11 / 50.0f), double(11 / 50.0f),
-                                 0.5, double(40 / 50.0f), true),
-                  kToneMapDone);
-        ExpectSamePicture(shown.pic, crop.pic);
+        CBxPicBufAPI::CopyRect(crop.Record(), tool.source, {0, 0}, {244, 0}, {456, 40});
+        CBxPicBufAPI::CopyRect(shown.Record(), tool.preview, {0, 0}, {244, 0}, {456, 40});
+        ToneMapParams tens = ToneMapParamsOf(DefaultNumbers().toneMap);
+        tens.contrast = tens.noiseAmplitude = double(11 / 50.0f);
+        tens.details = 0.5;
+        tens.equalization = double(40 / 50.0f);
+        ASSERT_EQ(ToneMapPicture(crop.Record(), crop, 5, tens), kToneMapDone);
+        ExpectSamePicture(shown, crop);
 
         EXPECT_TRUE(ToneMapViewMoved(&tool.model, {100, 20}));
         EXPECT_FALSE(ToneMapViewMoved(&tool.model, {100, 20})) << "the view stands still";
@@ -126,13 +130,13 @@ TEST(ToneMapModel, FiltersTheRectangleAndLeavesTheRestOfThePictureAlone)
 
         EXPECT_FALSE(ToneMapPreviewToggled(&tool.model, false, {100, 20}));
         tool.Render();
-        ExpectSamePicture(tool.preview.pic, tool.source.pic);
+        ExpectSamePicture(tool.preview, tool.source);
     }
 }
 
 TEST(ToneMapModel, LetsTheRectangleBeDraggedByItsInside)
 {
-    Tool tool(2000, 1500);
+    OpenTool tool(2000, 1500);
     ToneMapModel* model = &tool.model;
     const CBxRect<int> all = {0, 0, 2000, 1500};
     EXPECT_FALSE(GrabPreviewRect(model, {1000, 700}, all)) << "the preview is off";
@@ -168,7 +172,7 @@ TEST(ToneMapModel, LetsTheRectangleBeDraggedByItsInside)
 
 TEST(ToneMapModel, GoesFromEditingToARunAndToItsEnd)
 {
-    Tool tool(60, 50);
+    OpenTool tool(60, 50);
     ToneMapModel* model = &tool.model;
     ToneMapPreviewToggled(model, true, {30, 25});
     const auto expectSteps = [&](ToneMapStep ok, ToneMapStep cancel, ToneMapStep stop)
@@ -182,13 +186,13 @@ TEST(ToneMapModel, GoesFromEditingToARunAndToItsEnd)
     ToneMapRunStarted(model);
     EXPECT_FALSE(IsPreviewShown(*model));
     expectSteps(ToneMapStep::Nothing, ToneMapStep::Nothing, ToneMapStep::Stop);
-    EXPECT_FALSE(ToneMapSliderMoved(model, 1, SliderMove::Up, 0));
-    EXPECT_EQ(model->choice.slider[1], 10);
+    EXPECT_FALSE(ToneMapSliderMoved(model, kSecond, SliderMove::Up, 0));
+    EXPECT_EQ(model->numbers.toneMap.noiseAmplitude, 10);
     EXPECT_FALSE(GrabPreviewRect(model, {30, 25}, {0, 0, 1000, 1000}));
 
     ToneMapRunEnded(model, false); // stopped: as before, and the preview is wanted again
     EXPECT_TRUE(IsPreviewShown(*model));
-    EXPECT_TRUE(ToneMapSliderMoved(model, 1, SliderMove::Other, 0)) << "forgotten by the run";
+    EXPECT_TRUE(ToneMapSliderMoved(model, kSecond, SliderMove::Other, 0)) << "forgotten by the run";
     expectSteps(ToneMapStep::StartRun, ToneMapStep::GiveUp, ToneMapStep::Nothing);
 
     ToneMapRunStarted(model);
@@ -202,15 +206,36 @@ TEST(ToneMapModel, KnowsHowLongARunIs)
     const int cases[][3] = {{1, true, 17}, {1, false, 17}, {3, false, 17}, {3, true, 47}};
     for (const auto& [components, useColors, end] : cases)
     {
-        Tool tool(20, 20, components);
-        ToneMapColorsToggled(&tool.model, useColors != 0);
+        OpenTool tool(20, 20, components);
+        ToneMapBoxToggled(&tool.model, kColors, useColors != 0);
         EXPECT_EQ(ToneMapProgressEnd(tool.model), end);
         // All but two steps are really taken.
         int steps = 0;
         RunControl control;
         control.progress = [&](int n) { steps += n; };
-        ToneMapPicture(&tool.preview.pic, tool.source.pic, kToneMapLevels, 0.2, 0.2, 0.5, 0.8,
-                       useColors != 0, control);
+        ToneMapPicture(tool.preview.Record(), tool.source, kToneMapLevels,
+                       ToneMapParamsOf(tool.model.numbers.toneMap), control);
         EXPECT_EQ(steps, end - 2);
+    }
+}
+
+TEST(ToneMapModel, HasAFilterThatListensToEveryControl)
+{
+    const TestPicture photo = ScenePicture(48, 40, 3, 8, 1);
+    const auto filtered = [&](const ToolNumbers& numbers)
+    {
+        TestPicture out(48, 40, 3, 8);
+        EXPECT_EQ(
+            ToneMapPicture(out.Record(), photo, kToneMapLevels, ToneMapParamsOf(numbers.toneMap)),
+            kToneMapDone);
+        return HashOf(out);
+    };
+    std::set<uint64_t> results = {filtered(DefaultNumbers())};
+    for (const ParameterRow& row : kRows)
+    {
+        ToolNumbers numbers = OpenedNumbers(Tool::ToneMap, DefaultNumbers());
+        int* number = NumberAt(&numbers, row);
+        *number = row.kind == ParameterKind::CheckBox ? !*number : row.stored.range.high;
+        EXPECT_TRUE(results.insert(filtered(numbers)).second) << row.option;
     }
 }

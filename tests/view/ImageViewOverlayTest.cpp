@@ -17,8 +17,8 @@ using Pixels = std::set<std::pair<int, int>>;
 Pixels Changed(const TestView& t)
 {
     Pixels changed;
-    for (int y = 0; y < t.display.pic.height; ++y)
-        for (int x = 0; x < t.display.pic.width; ++x)
+    for (int y = 0; y < t.display->height; ++y)
+        for (int x = 0; x < t.display->width; ++x)
             if (t.display.At(x, y, 0) != 77 || t.display.At(x, y, 2) != 77)
                 changed.insert({x, y});
     return changed;
@@ -28,7 +28,7 @@ Pixels Inside(const TestView& t, const Pixels& pixels)
 {
     Pixels inside;
     for (const auto& [x, y] : pixels)
-        if (x >= 0 && y >= 0 && x < t.display.pic.width && y < t.display.pic.height)
+        if (x >= 0 && y >= 0 && x < t.display->width && y < t.display->height)
             inside.insert({x, y});
     return inside;
 }
@@ -105,10 +105,10 @@ TEST(PreviewFrame, InvertsTwoPixelsAllAroundOnceEach)
         SCOPED_TRACE(testing::Message() << frame.left << ", " << frame.top << ", " << frame.right
                                         << ", " << frame.bottom);
         TestView t(80, 70);
-        InvertFrame(&t.display.pic, frame);
+        InvertFrame(t.display.Record(), frame);
         EXPECT_EQ(Changed(t), FrameByDefinition(t, frame));
         EXPECT_EQ(size_t(t.CountOf({178, 178, 178})), Changed(t).size());
-        InvertFrame(&t.display.pic, frame);
+        InvertFrame(t.display.Record(), frame);
         EXPECT_TRUE(Changed(t).empty()) << "twice restores";
     }
 }
@@ -120,19 +120,19 @@ TEST(PreviewFrame, IsFullWhenItIsSmall)
         for (int other = 0; other <= 9; ++other)
         {
             TestView wide(20, 20), high(20, 20);
-            InvertFrame(&wide.display.pic, {5, 6, 5 + other, 6 + side});
-            InvertFrame(&high.display.pic, {5, 6, 5 + side, 6 + other});
+            InvertFrame(wide.display.Record(), {5, 6, 5 + other, 6 + side});
+            InvertFrame(high.display.Record(), {5, 6, 5 + side, 6 + other});
             EXPECT_EQ(Changed(wide).size(), size_t((side + 1) * (other + 1))) << side;
             EXPECT_EQ(Changed(high).size(), size_t((side + 1) * (other + 1))) << side;
         }
     TestView t(20, 20);
-    InvertFrame(&t.display.pic, {9, 9, 5, 5});
+    InvertFrame(t.display.Record(), {9, 9, 5, 5});
     EXPECT_TRUE(Changed(t).empty());
     // Quick and right at the ends of an int.
-    InvertFrame(&t.display.pic, {INT_MIN, INT_MIN, INT_MAX, INT_MAX});
-    InvertFrame(&t.display.pic, {INT_MAX, INT_MAX, INT_MAX, INT_MAX});
+    InvertFrame(t.display.Record(), {INT_MIN, INT_MIN, INT_MAX, INT_MAX});
+    InvertFrame(t.display.Record(), {INT_MAX, INT_MAX, INT_MAX, INT_MAX});
     EXPECT_TRUE(Changed(t).empty());
-    InvertFrame(&t.display.pic, {INT_MIN, 4, INT_MAX, 15});
+    InvertFrame(t.display.Record(), {INT_MIN, 4, INT_MAX, 15});
     EXPECT_EQ(Changed(t).size(), 80u);
 }
 
@@ -154,7 +154,7 @@ TEST(PointCurve, FollowsItsDefinitionInsideAndOutsideOfTheDisplay)
         SlowCurve expected;
         expected.Draw(points);
         TestView t(120, 100);
-        DrawPointCurve(&t.display.pic, points, {0, 0});
+        DrawPointCurve(t.display.Record(), points, {0, 0});
         ASSERT_EQ(Changed(t), Inside(t, expected.pixels)) << "round " << round;
     }
 }
@@ -163,7 +163,7 @@ TEST(PointCurve, FollowsItsDefinitionInsideAndOutsideOfTheDisplay)
 TEST(PointCurve, IsQuickAtAHighZoom)
 {
     TestView t(400, 300);
-    DrawPointCurve(&t.display.pic,
+    DrawPointCurve(t.display.Record(),
                    {{INT_MIN, INT_MIN, false},
                     {INT_MAX, INT_MAX, false},
                     {INT_MAX, INT_MIN, false},
@@ -177,7 +177,7 @@ TEST(PointCurve, IsQuickAtAHighZoom)
 TEST(PointMarkers, AreHollowSquaresThatMayBeCut)
 {
     TestView t(60, 40);
-    DrawPointMarkers(&t.display.pic, {{20, 20, true}, {40, 20, false}}, {0, 0});
+    DrawPointMarkers(t.display.Record(), {{20, 20, true}, {40, 20, false}}, {0, 0});
     EXPECT_EQ(t.CountOf({100, 250, 250}), 56);
     EXPECT_EQ(t.CountOf({100, 100, 250}), 56);
     const Pixels changed = Changed(t);
@@ -185,9 +185,9 @@ TEST(PointMarkers, AreHollowSquaresThatMayBeCut)
     EXPECT_FALSE(changed.count({22, 20}) || changed.count({18, 18}) || changed.count({25, 20}));
 
     TestView cut(60, 40);
-    DrawPointMarkers(&cut.display.pic,
+    DrawPointMarkers(cut.display.Record(),
                      {{0, 0, false}, {INT_MAX, INT_MIN, false}, {INT_MIN, INT_MAX, true}}, {0, 37});
     EXPECT_TRUE(Changed(cut).empty());
-    DrawPointMarkers(&cut.display.pic, {{0, 37, false}}, {0, 37});
+    DrawPointMarkers(cut.display.Record(), {{0, 37, false}}, {0, 37});
     EXPECT_EQ(Changed(cut).size(), 16u); // a 5 x 5 corner without its inner 3 x 3
 }

@@ -15,8 +15,8 @@ TestPicture Pattern(int width, int height, int components, int bits)
 
 bool Show(ImageView* view, const TestPicture& picture, const TestPicture* alpha = nullptr)
 {
-    return VcRenderView(view, ViewRebuild::Rebuild, &picture.pic, ViewShows::Source, true,
-                        alpha ? &alpha->pic : nullptr);
+    return VcRenderView(view, ViewRebuild::Rebuild, picture.Record(), ViewShows::Source, true,
+                        alpha ? alpha->Record() : nullptr);
 }
 
 bool ShowAgain(ImageView* view, ViewRebuild rebuild, ViewShows which = ViewShows::Source)
@@ -37,7 +37,7 @@ TEST(Rendering, PutsPicturePixelsWhereTheMapSaysForEveryFilter)
                       [](int x, int y, int c) { return 20 + 100 * (x / 8) + 50 * (y / 8) + c; });
         SetViewArea(&t.view, {0, 37, 260, 197});
         t.view.filter = filter;
-        ASSERT_TRUE(ZoomToPreset(&t.view, picture.pic, kZoomPresetCount - 1)); // 800 %
+        ASSERT_TRUE(ZoomToPreset(&t.view, picture, kZoomPresetCount - 1)); // 800 %
         t.view.state.srcCentreX = t.view.state.srcCentreY = 8;
         ASSERT_FALSE(Show(&t.view, picture));
         int left, top;
@@ -73,13 +73,12 @@ TEST(Rendering, ShowsEveryKindOfPictureAs8BitColour)
                                                       return bits == 16 ? sample(x, y, c) * 256 + 77
                                                                         : sample(x, y, c) + 0.25;
                                                   });
-            ASSERT_TRUE(ZoomTo100(&t.view, picture.pic));
+            ASSERT_TRUE(ZoomTo100(&t.view, picture));
             ASSERT_FALSE(Show(&t.view, picture));
-            ExpectSamePicture(t.display.pic,
-                              PictureOf(40, 30, 3, 8,
-                                        [&](int x, int y, int c)
-                                        { return sample(x, y, components == 3 ? c : 0); })
-                                  .pic);
+            ExpectSamePicture(t.display, PictureOf(40, 30, 3, 8,
+                                                   [&](int x, int y, int c) {
+                                                       return sample(x, y, components == 3 ? c : 0);
+                                                   }));
         }
 }
 
@@ -88,11 +87,11 @@ TEST(Rendering, UsesCachesUntilTheyAreRebuilt)
     TestView t(20, 20);
     const TestPicture first = FlatPicture(20, 20, 8, {10, 20, 30});
     const TestPicture second = FlatPicture(20, 20, 8, {40, 50, 60});
-    ZoomTo100(&t.view, first.pic);
+    ZoomTo100(&t.view, first);
     ASSERT_FALSE(Show(&t.view, first));
     // Only the cache: the display stays.
-    ASSERT_FALSE(VcRenderView(&t.view, ViewRebuild::Rebuild, &second.pic, ViewShows::Result, false,
-                              nullptr));
+    ASSERT_FALSE(VcRenderView(&t.view, ViewRebuild::Rebuild, second.Record(), ViewShows::Result,
+                              false, nullptr));
     EXPECT_EQ(t.display.At(5, 5), 10);
     ASSERT_FALSE(ShowAgain(&t.view, ViewRebuild::Keep, ViewShows::Result));
     EXPECT_EQ(t.display.At(5, 5), 40);
@@ -117,13 +116,13 @@ TEST(CopyingTheRenderedView, BringsItBackUnlessTheAreaHasChanged)
     EXPECT_TRUE(ShowAgain(&t.view, ViewRebuild::CopyOnly)) << "nothing rendered yet";
     const TestPicture picture = Pattern(30, 30, 3, 8);
     const TestPicture alpha = FlatPicture(30, 30, 8, {99});
-    ZoomToFit(&t.view, picture.pic);
+    ZoomToFit(&t.view, picture);
     ASSERT_FALSE(Show(&t.view, picture, &alpha));
     TestPicture rendered(60, 50, 3, 8);
-    CBxPicBufAPI::Copy(&rendered.pic, t.display.pic);
-    CBxPicBufAPI::SetConst(&t.display.pic, {5, 5, 40, 30}, 1);
+    CBxPicBufAPI::Copy(rendered.Record(), t.display);
+    CBxPicBufAPI::SetConst(t.display.Record(), {5, 5, 40, 30}, 1);
     ASSERT_FALSE(ShowAgain(&t.view, ViewRebuild::CopyOnly));
-    ExpectSamePicture(t.display.pic, rendered.pic);
+    ExpectSamePicture(t.display, rendered);
 
     SetViewArea(&t.view, {0, 12, 50, 52}); // moved only
     EXPECT_FALSE(ShowAgain(&t.view, ViewRebuild::CopyOnly));
@@ -155,7 +154,7 @@ TEST(Rendering, IsCutWhereTheDisplayEnds)
     t.view.previewRect = &rect;
     t.view.points = {{1, 1, false}, {60, 60, true}};
     t.view.showPoints = true;
-    ASSERT_TRUE(ZoomToFit(&t.view, picture.pic));
+    ASSERT_TRUE(ZoomToFit(&t.view, picture));
     ASSERT_FALSE(Show(&t.view, picture, &alpha));
     EXPECT_EQ(t.CountOf({77, 77, 77}), 0);
     ASSERT_FALSE(ShowAgain(&t.view, ViewRebuild::CopyOnly));
@@ -172,7 +171,7 @@ TEST(AlphaPlane, ShowsAsMuchCheckerboardAsItSays)
         SetViewArea(&t.view, {0, 20, 80, 84});
         const TestPicture picture = FlatPicture(60, 64, 8, {100, 100, 100});
         const TestPicture alpha = FlatPicture(60, 64, 8, {opacity});
-        ZoomTo100(&t.view, picture.pic); // columns 10 .. 69
+        ZoomTo100(&t.view, picture); // columns 10 .. 69
         ASSERT_FALSE(Show(&t.view, picture, &alpha));
         for (int y = 0; y < 64; ++y)
             for (int x = 0; x < 80; ++x)
@@ -194,13 +193,13 @@ TEST(AlphaPlane, FollowsThePictureAndIsRebuiltWithIt)
     const TestPicture mirrored =
         PictureOf(8, 8, 1, 16, [](int x, int, int) { return x < 4 ? 0 : 65535; });
     t.view.filter = ViewFilter::Nearest;
-    ZoomToFit(&t.view, picture.pic);
+    ZoomToFit(&t.view, picture);
     ASSERT_FALSE(Show(&t.view, picture, &alpha));
     EXPECT_EQ(t.display.At(31, 20), 100);
     EXPECT_EQ(t.display.At(32, 20), 220);
     // Kept caches ignore a changed plane; a rebuild takes it.
-    ASSERT_FALSE(
-        VcRenderView(&t.view, ViewRebuild::Keep, nullptr, ViewShows::Source, true, &mirrored.pic));
+    ASSERT_FALSE(VcRenderView(&t.view, ViewRebuild::Keep, nullptr, ViewShows::Source, true,
+                              mirrored.Record()));
     EXPECT_EQ(t.display.At(31, 20), 100);
     ASSERT_FALSE(Show(&t.view, picture, &mirrored));
     EXPECT_EQ(t.display.At(31, 20), 220);
@@ -218,7 +217,7 @@ TEST(Overlays, LieOverThePictureInDisplayCoordinates)
     SetViewArea(&t.view, {0, 30, 100, 130});
     const TestPicture picture = FlatPicture(50, 50, 8, {90, 90, 90});
     const CBxRect<int> rect = {5, 5, 25, 20};
-    ZoomToFit(&t.view, picture.pic); // 200 %
+    ZoomToFit(&t.view, picture); // 200 %
     t.view.previewRect = &rect;
     ASSERT_FALSE(Show(&t.view, picture));
     EXPECT_EQ(t.CountOf({165, 165, 165}), 272);

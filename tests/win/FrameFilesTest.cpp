@@ -11,10 +11,10 @@ protected:
     // Everything that a refused or cancelled open leaves alone.
     std::wstring Snapshot() const
     {
-        return Title() + L"|" + g_szCurrentFile + L"|" + ZoomBoxText() + L"|" + StatusText() +
-               L"|" + std::to_wstring(HashOf(g_sourcePicture)) + L"|" +
-               std::to_wstring(HashOf(g_document.display)) + L"|" +
-               std::to_wstring(int(g_resultUnsaved)) + WideOf(Enabled());
+        return Title() + L"|" + FrameDocument().file + L"|" + ZoomBoxText() + L"|" + StatusText() +
+               L"|" + std::to_wstring(HashOf(FrameDocument().source)) + L"|" +
+               std::to_wstring(HashOf(g_displayDocument.display)) + L"|" +
+               std::to_wstring(int(FrameDocument().unsaved)) + WideOf(Enabled());
     }
 };
 
@@ -40,13 +40,13 @@ TEST_F(FrameFiles, OpensEveryKind)
         const TestPicture alpha = FlatPicture(row.width, row.height, row.bits, {0});
         Save(picture, folder.File(row.name), kFormatFromName, "", row.alpha ? &alpha : nullptr);
         Drop({Wide(row.name)});
-        EXPECT_EQ(g_szCurrentFile, Wide(row.name));
+        EXPECT_EQ(FrameDocument().file, Wide(row.name));
         EXPECT_EQ(Title(), L"Plenoviz - " + Wide(row.name));
         EXPECT_EQ(ZoomBoxText(), L"100.0 %");
         EXPECT_EQ(Enabled(), "111111111");
-        EXPECT_TRUE(g_showSources);
-        EXPECT_EQ(g_alphaPicture.data != nullptr, row.alpha);
-        ExpectSamePicture(g_sourcePicture, picture.pic);
+        EXPECT_TRUE(FrameDocument().showsSource);
+        EXPECT_EQ(FrameDocument().alpha->data != nullptr, row.alpha);
+        ExpectSamePicture(FrameDocument().source, picture);
         const Bytes corner = ViewPixel(0, 0), centre = ViewCentre();
         EXPECT_EQ(corner, Bytes({190, 190, 190})) << "background";
         if (row.alpha)
@@ -64,15 +64,14 @@ TEST_F(FrameFiles, OpensEveryKind)
 TEST_F(FrameFiles, ToolsAskForAPictureThatHasNoName)
 {
     Save(ScenePicture(12, 9, 3, 8, 0), folder.File("picked.png"));
-    SBxPicBuf picture = {}, alpha = {};
+    Picture picture, alpha;
     RunModal([&] { EXPECT_TRUE(LoadSilently(L"", &picture, &alpha)); },
              {[&](HWND dialog)
               {
                   EXPECT_EQ(WindowText(dialog), Text(kTextLoadItem));
                   ChooseFile(dialog, WideOf(folder.path.u8string()), L"picked.png");
               }});
-    EXPECT_EQ(picture.width, 12);
-    CBxPicBufAPI::DoneHeap(&picture);
+    EXPECT_EQ(picture->width, 12);
 }
 
 TEST_F(FrameFiles, RefusesWithOneMessageAndChangesNothing)
@@ -98,22 +97,22 @@ TEST_F(FrameFiles, DropTakesTheFirstFileAndAsksAboutAResult)
     Save(ScenePicture(30, 20, 3, 8, 0), folder.File("first.png"));
     Save(ScenePicture(31, 21, 3, 8, 0), folder.File("second.png"));
     Drop({Wide("first.png"), Wide("second.png")});
-    EXPECT_EQ(g_sourcePicture.width, 30);
+    EXPECT_EQ(FrameDocument().source->width, 30);
     MakeResult(77);
     const std::wstring before = Snapshot();
     RunModal([&] { Drop({Wide("second.png")}); }, {Box(kTextUnsavedQuestion, kTextWarning, IDNO)});
     EXPECT_EQ(Snapshot(), before);
     RunModal([&] { Drop({Wide("second.png")}); }, {Box(kTextUnsavedQuestion, kTextWarning, IDYES)});
-    EXPECT_EQ(g_sourcePicture.width, 31);
-    EXPECT_FALSE(g_resultUnsaved);
-    EXPECT_EQ(g_resultPicture.data, nullptr) << "the old photograph's result";
+    EXPECT_EQ(FrameDocument().source->width, 31);
+    EXPECT_FALSE(FrameDocument().unsaved);
+    EXPECT_EQ(FrameDocument().result->data, nullptr) << "the old photograph's result";
 
-    for (bool* busy : {&g_toolBusy, &g_workerBusy})
+    for (const DocumentPhase phase : {DocumentPhase::ToolOpen, DocumentPhase::Computing})
     {
-        *busy = true;
+        FrameDocument().phase = phase;
         Drop({Wide("first.png")});
-        *busy = false;
-        EXPECT_EQ(g_sourcePicture.width, 31);
+        FrameDocument().phase = DocumentPhase::Idle;
+        EXPECT_EQ(FrameDocument().source->width, 31);
     }
 }
 
@@ -143,15 +142,16 @@ TEST_F(FrameFiles, CloseForgetsEverything)
     RunModal([] { Command(ID_FILE_CLOSE); }, {Box(kTextUnsavedQuestion, kTextWarning, IDYES)});
     EXPECT_EQ(Enabled(), "110000000");
     EXPECT_EQ(Title(), L"Plenoviz");
-    EXPECT_STREQ(g_szCurrentFile, L"");
-    EXPECT_FALSE(g_resultUnsaved || g_showSources);
+    EXPECT_EQ(FrameDocument().file, L"");
+    EXPECT_FALSE(FrameDocument().unsaved || FrameDocument().showsSource);
     EXPECT_EQ(ViewPixel(500, 100), Bytes({190, 190, 190}));
     EXPECT_TRUE(IsInvited());
-    for (const SBxPicBuf* picture : {&g_sourcePicture, &g_resultPicture, &g_previewPicture})
-        EXPECT_EQ(picture->data, nullptr);
+    const Document& document = FrameDocument();
+    for (const Picture* picture : {&document.source, &document.result, &document.preview})
+        EXPECT_TRUE(picture->Empty());
     Command(ID_FILE_SAVEAS); // greyed: no dialog
     OpenPicture("again.png", 20, 10);
-    EXPECT_TRUE(g_showSources);
+    EXPECT_TRUE(FrameDocument().showsSource);
 }
 
 // Entries in use of the process's own table of graphics objects; wine has no other count.

@@ -38,13 +38,16 @@ void Pump()
         DispatchMessageW(&message);
 }
 
+void GiveSeries(std::vector<std::wstring> files)
+{
+    TakeSeries(&FrameDocument(), std::move(files));
+}
+
 void FrameTest::StartFrame()
 {
     static const bool registered = RegisterMainWindowClass(GetModuleHandleW(nullptr), kFrameClass);
     ASSERT_TRUE(registered);
     g_hwndMain = g_hwndToolbar = g_hwndStatus = g_hwndZoomCombo = g_hwndDocker = nullptr;
-    g_commandStates = CommandStates();
-    g_toolBusy = g_workerBusy = false;
     LoadLocalizedStrings();
     ASSERT_TRUE(InitInstance(GetModuleHandleW(nullptr), kFrameClass, L"Plenoviz", SW_SHOW));
     Pump();
@@ -59,7 +62,8 @@ void FrameTest::SetUp()
 
 void FrameTest::TearDown()
 {
-    g_resultUnsaved = g_toolBusy = g_workerBusy = false;
+    FrameDocument().unsaved = false;
+    EndWork(&FrameDocument());
     if (g_hwndMain && IsWindow(g_hwndMain))
         CloseFrame();
     UseFreshProfileFiles();
@@ -93,16 +97,17 @@ void FrameTest::OpenPicture(const std::string& name, int width, int height, int 
 {
     Save(ScenePicture(width, height, components, bits, 0), folder.File(name));
     Drop({Wide(name)});
-    ASSERT_EQ(g_sourcePicture.width, width) << name;
+    ASSERT_EQ(FrameDocument().source->width, width) << name;
 }
 
 void FrameTest::MakeResult(uint8_t level)
 {
-    ASSERT_TRUE(PrepareToolPictures());
-    for (int y = 0; y < g_resultPicture.height; ++y)
-        std::memset(g_resultPicture.data + size_t(y) * size_t(g_resultPicture.stride), level,
-                    size_t(g_resultPicture.stride));
-    g_resultUnsaved = true;
+    ASSERT_TRUE(PrepareToolPictures(&FrameDocument()));
+    for (int y = 0; y < FrameDocument().result->height; ++y)
+        std::memset(FrameDocument().result->data +
+                        size_t(y) * size_t(FrameDocument().result->stride),
+                    level, size_t(FrameDocument().result->stride));
+    FrameDocument().unsaved = true;
     ShowResult();
 }
 
@@ -170,8 +175,8 @@ std::string Enabled()
 Bytes ViewPixel(int x, int y)
 {
     GdiFlush();
-    const uint8_t* pixel =
-        g_document.display.data + size_t(y) * size_t(g_document.display.stride) + size_t(x) * 3;
+    const uint8_t* pixel = g_displayDocument.display.data +
+                           size_t(y) * size_t(g_displayDocument.display.stride) + size_t(x) * 3;
     return {pixel[0], pixel[1], pixel[2]};
 }
 

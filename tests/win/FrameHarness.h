@@ -1,9 +1,9 @@
 #pragma once
 
-#include "app/AppState.h"
 #include "app/AppWindows_win.h"
 #include "app/CommandIds.h"
 #include "app/FrameView_win.h"
+#include "app/Frame_win.h"
 #include "tests/support/TestFiles.h"
 #include "tests/win/ModalScript.h"
 #include "text/Strings.h"
@@ -47,6 +47,9 @@ std::wstring WideOf(const std::string& utf8);
 
 // Handles everything that is waiting.
 void Pump();
+
+// Makes these files in that order the series of the document, as if a tool had written them.
+void GiveSeries(std::vector<std::wstring> files);
 
 LRESULT Command(int id); // as a button or the menu sends it
 void SetClientSize(int width, int height);

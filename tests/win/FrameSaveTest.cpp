@@ -53,7 +53,7 @@ protected:
     {
         OpenPicture(name, 64, 48, 3, bits);
         MakeResult(99);
-        CBxPicBufAPI::Copy(&g_resultPicture, g_sourcePicture);
+        CBxPicBufAPI::Copy(FrameDocument().result.Record(), FrameDocument().source);
     }
 };
 
@@ -89,7 +89,8 @@ TEST_F(FrameSave, ProposesNameAndTypeAndRemembersTheQuality)
     EXPECT_EQ(ReadNumber(UserSettingsFile(), L"General", L"jpeg", 0), 71);
     EXPECT_GT(ReadBytes(folder.File("quality.jpg")).size(), 0u);
     std::wstring given = Wide("given.tif"); // without the dialog
-    EXPECT_TRUE(SavePictureAs(g_hwndMain, g_resultPicture, g_alphaPicture, L"", &given));
+    EXPECT_TRUE(
+        SavePictureAs(g_hwndMain, FrameDocument().result, FrameDocument().alpha, L"", &given));
     EXPECT_FALSE(LoadedPair(folder.File("given.tif")).failed);
 
     // The type of the source's ending, and two types only for 16 bits.
@@ -110,9 +111,9 @@ TEST_F(FrameSave, ProposesNameAndTypeAndRemembersTheQuality)
                       EXPECT_EQ(ask(CB_GETCURSEL), row.selected) << row.name;
                       PressButton(dialog, IDCANCEL);
                   }});
-        EXPECT_TRUE(g_resultUnsaved);
+        EXPECT_TRUE(FrameDocument().unsaved);
         EXPECT_EQ(Title(), L"Plenoviz - " + Wide(row.name));
-        g_resultUnsaved = false;
+        FrameDocument().unsaved = false;
     }
 }
 
@@ -132,11 +133,11 @@ TEST_F(FrameSave, AsksBeforeItOverwrites)
     {
         SaveAs(name, 2, {no});
         EXPECT_EQ(ReadBytes(folder.File("there.png")), Bytes({1, 2, 3}));
-        EXPECT_TRUE(g_resultUnsaved);
+        EXPECT_TRUE(FrameDocument().unsaved);
     }
     SaveAs(L"there", 2, {yes});
-    EXPECT_FALSE(g_resultUnsaved);
-    EXPECT_EQ(LoadedPair(folder.File("there.png")).picture.pic.width, 64);
+    EXPECT_FALSE(FrameDocument().unsaved);
+    EXPECT_EQ(LoadedPair(folder.File("there.png")).picture->width, 64);
 }
 
 TEST_F(FrameSave, AFailureKeepsFileMarkAndTitle)
@@ -159,7 +160,7 @@ TEST_F(FrameSave, AFailureKeepsFileMarkAndTitle)
             }});
     CloseHandle(held);
     EXPECT_EQ(ReadBytes(folder.File("locked.png")), Bytes({1, 2, 3}));
-    EXPECT_TRUE(g_resultUnsaved);
+    EXPECT_TRUE(FrameDocument().unsaved);
     EXPECT_EQ(Title(), title);
 
     // A source that has vanished costs its metadata only.
@@ -170,6 +171,6 @@ TEST_F(FrameSave, AFailureKeepsFileMarkAndTitle)
                 EXPECT_NE(MessageBoxText(box).find(Wide("photo.png")), std::wstring::npos);
                 PressButton(box, IDOK);
             }});
-    EXPECT_FALSE(g_resultUnsaved);
-    EXPECT_EQ(LoadedPair(folder.File("rescued.png")).picture.pic.width, 64);
+    EXPECT_FALSE(FrameDocument().unsaved);
+    EXPECT_EQ(LoadedPair(folder.File("rescued.png")).picture->width, 64);
 }

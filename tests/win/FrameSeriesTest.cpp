@@ -2,8 +2,6 @@
 
 #include "tests/win/FrameHarness.h"
 
-#include <cwchar>
-
 class FrameSeries : public FrameTest
 {
 protected:
@@ -27,7 +25,7 @@ TEST_F(FrameSeries, WrongPicksAreToldOnce)
     const std::wstring title = Title();
     const Bytes shown = ViewCentre();
     RunModal([] { Command(ID_MULTI_IMAGE); }, {[](HWND dialog) { PressButton(dialog, IDCANCEL); }});
-    EXPECT_FALSE(g_multiImageMode);
+    EXPECT_FALSE(FrameDocument().series.chosenByUser);
     for (const auto& [names, text] : rows)
     {
         RunModal([] { Command(ID_MULTI_IMAGE); },
@@ -41,8 +39,8 @@ TEST_F(FrameSeries, WrongPicksAreToldOnce)
                   }});
         for (const int id : {ID_SWITCH_VIEW, ID_SOURCE_NEXT}) // there is nothing to page through
             Command(id);
-        EXPECT_TRUE(g_multiImageMode);
-        EXPECT_EQ(g_sourceCount, 0);
+        EXPECT_TRUE(FrameDocument().series.chosenByUser);
+        EXPECT_TRUE(FrameDocument().series.files.empty());
         EXPECT_EQ(Title(), title);
         EXPECT_EQ(ViewCentre(), shown);
         EXPECT_EQ(Enabled(), "111111111");
@@ -55,16 +53,17 @@ TEST_F(FrameSeries, WrongPicksAreToldOnce)
 
 TEST_F(FrameSeries, IsPagedThroughAndComparedWithItsResult)
 {
+    std::vector<std::wstring> files;
     for (int i = 0; i < 3; ++i) // flat pictures of brightness 40, 80, 120
     {
         const double level = 40.0 * (i + 1);
         const std::string name = "s" + std::to_string(i) + ".png";
         Save(FlatPicture(64, 48, 8, {level, level, level}), folder.File(name));
-        std::wcscpy(g_sourceFiles[i], Wide(name).c_str());
+        files.push_back(Wide(name));
     }
     Drop({Wide("s0.png")});
-    g_multiImageMode = true;
-    g_sourceCount = 3;
+    FrameDocument().series.chosenByUser = true;
+    GiveSeries(files);
     const struct
     {
         int command;
@@ -81,7 +80,7 @@ TEST_F(FrameSeries, IsPagedThroughAndComparedWithItsResult)
         EXPECT_EQ(StatusText(),
                   std::wstring(L"Showing ") + row.number + L" of 3. " + Text(kTextUseArrowsOrF5));
     }
-    EXPECT_EQ(g_szCurrentFile, Wide("s0.png")) << "name and metadata stay the first one's";
+    EXPECT_EQ(FrameDocument().file, Wide("s0.png")) << "name and metadata stay the first one's";
 
     MakeResult(200);
     Command(ID_SOURCE_NEXT);
@@ -92,7 +91,7 @@ TEST_F(FrameSeries, IsPagedThroughAndComparedWithItsResult)
     Command(ID_SWITCH_VIEW);
     EXPECT_EQ(ViewCentre(), Flat(200));
     EXPECT_EQ(StatusText(), Text(kTextPressF5));
-    g_resultUnsaved = false;
+    FrameDocument().unsaved = false;
 
     OpenPicture("single.png", 64, 48);
     const Bytes shown = ViewCentre();
@@ -111,7 +110,7 @@ TEST_F(FrameSeries, ToolsKeepTheResultOnNo)
                          ID_TONE_MAPPING, ID_MULTI_IMAGE, ID_FILE_OPEN})
     {
         RunModal([id = id] { Command(id); }, {Box(kTextUnsavedQuestion, kTextWarning, IDNO)});
-        EXPECT_TRUE(g_resultUnsaved) << id;
+        EXPECT_TRUE(FrameDocument().unsaved) << id;
         EXPECT_EQ(ViewCentre(), Flat(99)) << id;
         EXPECT_EQ(g_hwndActiveTool, nullptr) << id;
         EXPECT_EQ(Enabled(), "111111111") << id;

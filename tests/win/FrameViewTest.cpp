@@ -109,7 +109,7 @@ TEST_F(FrameView, RightButtonComparesOverAResultOnly)
     Mouse(WM_RBUTTONDOWN, 300, 300);
     EXPECT_NE(GetCapture(), g_hwndMain) << "nothing to compare with";
     Mouse(WM_RBUTTONUP, 300, 300);
-    EXPECT_TRUE(g_showSources);
+    EXPECT_TRUE(FrameDocument().showsSource);
 
     MakeResult(99);
     EXPECT_EQ(ViewCentre(), result);
@@ -122,12 +122,12 @@ TEST_F(FrameView, RightButtonComparesOverAResultOnly)
         else
             ReleaseCapture(); // another window takes the mouse away
         EXPECT_EQ(ViewCentre(), result);
-        EXPECT_FALSE(g_showSources);
+        EXPECT_FALSE(FrameDocument().showsSource);
     }
 
     // While a tool computes the mouse does nothing, and so does the zoom box.
     const std::string before = State();
-    g_toolBusy = true;
+    FrameDocument().phase = DocumentPhase::Computing;
     for (const UINT message : {WM_LBUTTONDOWN, WM_LBUTTONDBLCLK, WM_RBUTTONDOWN})
         Mouse(message, 300, 300);
     Mouse(WM_MOUSEMOVE, 350, 350, MK_LBUTTON);
@@ -223,17 +223,18 @@ TEST_F(FrameView, MessagesDoWhatTheirNumbersSay)
         EXPECT_EQ(reinterpret_cast<HCURSOR>(GetClassLongPtrW(g_hwndMain, GCLP_HCURSOR)),
                   LoadCursorW(nullptr, MAKEINTRESOURCEW(cursor)));
     }
-    g_resultUnsaved = false;
+    FrameDocument().unsaved = false;
     SendMessageW(g_hwndMain, WM_APP_RESULT_CREATED, 0, 0);
-    EXPECT_TRUE(g_resultUnsaved);
+    EXPECT_TRUE(FrameDocument().unsaved);
 
     // The preview is the source still: cancelling brings it back.
-    g_workerBusy = true;
+    FrameDocument().phase = DocumentPhase::ToolOpen;
     SendMessageW(g_hwndMain, WM_APP_TOOL_CANCELLED, 0, 0);
-    EXPECT_FALSE(g_resultUnsaved || g_workerBusy || g_showSources);
-    ExpectSamePicture(g_resultPicture, g_sourcePicture);
+    EXPECT_FALSE(FrameDocument().unsaved || FrameDocument().showsSource);
+    EXPECT_EQ(FrameDocument().phase, DocumentPhase::Idle);
+    ExpectSamePicture(FrameDocument().result, FrameDocument().source);
 
-    std::memset(g_previewPicture.data, 33, size_t(g_previewPicture.size));
+    std::memset(FrameDocument().preview->data, 33, size_t(FrameDocument().preview->size));
     SendMessageW(g_hwndMain, WM_APP_PREVIEW_READY, 0, 0);
     EXPECT_EQ(ViewCentre(), Bytes({33, 33, 33}));
     Command(ID_ZOOM_IN);

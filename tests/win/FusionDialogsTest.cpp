@@ -1,6 +1,8 @@
 // The fusion dialogs and the series that lead to them, in the real frame.
 
 #include "pipeline/FusionJob.h"
+#include "series/DaylightSeries.h"
+#include "series/ExposureSeries.h"
 #include "tests/win/FrameHarness.h"
 #include "tests/win/ProfileFiles.h"
 #include "tools/FusionDlgIds.h"
@@ -12,7 +14,6 @@
 #include <psapi.h>
 
 #include <chrono>
-#include <cwchar>
 
 constexpr int kWidth = 160, kHeight = 120;
 const char* const kToolRunning = "000000001"; // every command off, the zoom box on
@@ -68,13 +69,14 @@ protected:
     void OpenSeries(int count, int command, int width = kWidth)
     {
         OpenPicture("photo.png", width, kHeight);
+        std::vector<std::wstring> files;
         for (int i = 0; i < count; ++i)
         {
             const std::string name = "source" + std::to_string(i) + ".tif";
             Save(ScenePicture(width, kHeight, 3, 8, i - count / 2), folder.File(name));
-            std::wcscpy(g_sourceFiles[i], Wide(name).c_str());
+            files.push_back(Wide(name));
         }
-        g_sourceCount = count;
+        GiveSeries(files);
         Command(command);
         ASSERT_TRUE(g_hwndActiveTool);
         EXPECT_EQ(Enabled(), kToolRunning);
@@ -86,9 +88,9 @@ protected:
         std::vector<std::string> paths;
         for (int i = 0; i < sources; ++i)
             paths.push_back(folder.File("source" + std::to_string(i) + ".tif"));
-        OpenFusionSources(&series, paths, g_sourcePicture, int64_t(1) << 30);
+        OpenFusionSources(&series, paths, FrameDocument().source, int64_t(1) << 30);
         TestPicture result(kWidth, kHeight, 3, 8);
-        EXPECT_EQ(FuseWhole(&result.pic, &series, {{}, sources, mid}), FusionOutcome::Done);
+        EXPECT_EQ(FuseWhole(result.Record(), &series, {{}, sources, mid}), Outcome::Done);
         return result;
     }
 
@@ -96,9 +98,8 @@ protected:
     {
         EXPECT_FALSE(g_hwndActiveTool);
         EXPECT_EQ(Enabled(), kAllOn);
-        EXPECT_EQ(g_resultUnsaved, unsaved);
-        EXPECT_FALSE(g_toolBusy);
-        EXPECT_FALSE(g_workerBusy);
+        EXPECT_EQ(FrameDocument().unsaved, unsaved);
+        EXPECT_EQ(FrameDocument().phase, DocumentPhase::Idle);
         EXPECT_FALSE(GetWindow(g_hwndDocker, GW_CHILD));
     }
 };
@@ -108,26 +109,26 @@ TEST_F(FusionDialogs, AnUnchangedPreviewIsNotComputedAgain)
     const int width = 1600; // more than is in view
     OpenSeries(4, ID_OPEN_POWER_FUSION, width);
     const TestPicture marked = FlatPicture(width, kHeight, 8, {1, 2, 3});
-    CBxPicBufAPI::Copy(&g_previewPicture, marked.pic);
+    CBxPicBufAPI::Copy(FrameDocument().preview.Record(), marked);
     SendMessageW(g_hwndActiveTool, WM_LBUTTONUP, 0, 0); // a click on the dialog
     Scroll(TB_THUMBPOSITION, 15);
     Scroll(TB_THUMBPOSITION, 16); // there are only four sources
-    ExpectSamePicture(g_previewPicture, marked.pic);
+    ExpectSamePicture(FrameDocument().preview, marked);
 
     Mouse(WM_LBUTTONDOWN, 300, 300);
     Mouse(WM_MOUSEMOVE, 310, 300, MK_LBUTTON);
     Pump();
-    ExpectSamePicture(g_previewPicture, marked.pic); // not while the picture is moving
+    ExpectSamePicture(FrameDocument().preview, marked); // not while the picture is moving
     Mouse(WM_LBUTTONUP, 310, 300);
     Pump();
-    EXPECT_FALSE(SamePixels(g_previewPicture, marked.pic));
-    CBxPicBufAPI::Copy(&g_previewPicture, marked.pic);
+    EXPECT_FALSE(SamePixels(FrameDocument().preview, marked));
+    CBxPicBufAPI::Copy(FrameDocument().preview.Record(), marked);
     Scroll(TB_THUMBPOSITION, 3);
-    EXPECT_FALSE(SamePixels(g_previewPicture, marked.pic));
-    CBxPicBufAPI::Copy(&g_previewPicture, marked.pic);
+    EXPECT_FALSE(SamePixels(FrameDocument().preview, marked));
+    CBxPicBufAPI::Copy(FrameDocument().preview.Record(), marked);
     Command(ID_ZOOM_IN);
     Pump();
-    EXPECT_FALSE(SamePixels(g_previewPicture, marked.pic));
+    EXPECT_FALSE(SamePixels(FrameDocument().preview, marked));
 }
 
 TEST_F(FusionDialogs, CancelBringsTheSourceBackAndWritesNothing)
@@ -137,10 +138,10 @@ TEST_F(FusionDialogs, CancelBringsTheSourceBackAndWritesNothing)
         OpenSeries(5, command);
         Scroll(TB_PAGEDOWN);
         Scroll(TB_THUMBTRACK, 60);
-        EXPECT_FALSE(SamePixels(g_previewPicture, g_sourcePicture));
+        EXPECT_FALSE(SamePixels(FrameDocument().preview, FrameDocument().source));
         Press(IDCANCEL);
         ExpectClosed(false);
-        ExpectSamePicture(g_resultPicture, g_sourcePicture);
+        ExpectSamePicture(FrameDocument().result, FrameDocument().source);
         EXPECT_EQ(FileBytes(SettingsFilePath()).find("Exposure"), std::string::npos);
     }
 }
@@ -150,14 +151,14 @@ TEST_F(FusionDialogs, ExposureIsTheGreyOfAllSources)
     WritePrivateProfileStringW(L"General", L"Exposure", L"200", SettingsFilePath().c_str());
     OpenSeries(6, ID_OPEN_EXPOSURE_FUSION);
     EXPECT_EQ(SliderText(), L"160");
-    ExpectSamePicture(g_previewPicture, Fused(6, 160).pic, 1);
+    ExpectSamePicture(FrameDocument().preview, Fused(6, 160), 1);
     Press(IDC_FUSION_DEFAULT);
     EXPECT_EQ(SliderText(), L"100");
     Scroll(TB_THUMBTRACK, 128);
     SendMessageW(g_hwndActiveTool, WM_CLOSE, 0, 0); // any close but Cancel counts as OK
     Pump();
     ExpectClosed(true);
-    ExpectSamePicture(g_resultPicture, Fused(6, 128).pic);
+    ExpectSamePicture(FrameDocument().result, Fused(6, 128));
     const std::string settings = FileBytes(SettingsFilePath());
     EXPECT_NE(settings.find("Exposure=128"), std::string::npos) << settings;
     EXPECT_NE(settings.find("Sharp Strength=5\r\nSat Strength=5\r\nExp Strength=5"),
@@ -167,46 +168,44 @@ TEST_F(FusionDialogs, ExposureIsTheGreyOfAllSources)
 
 TEST_F(FusionDialogs, PagingShowsASourceUntilTheSliderMoves)
 {
-    g_multiImageMode = false;
+    FrameDocument().series.chosenByUser = false;
     OpenSeries(3, ID_OPEN_EXPOSURE_FUSION);
     SendMessageW(g_hwndActiveTool, ID_SOURCE_NEXT, 0, 0);
-    EXPECT_EQ(g_sourceIndex, 0); // a series that the program has made is not looked through
-    g_multiImageMode = true;
+    EXPECT_EQ(FrameDocument().series.shown,
+              0); // a series that the program has made is not looked through
+    FrameDocument().series.chosenByUser = true;
     SendMessageW(g_hwndActiveTool, ID_SOURCE_PREV, 0, 0);
-    EXPECT_EQ(g_sourceIndex, 2);
-    EXPECT_TRUE(g_showSources);
+    EXPECT_EQ(FrameDocument().series.shown, 2);
+    EXPECT_TRUE(FrameDocument().showsSource);
     SendMessageW(g_hwndActiveTool, ID_SOURCE_NEXT, 0, 0);
-    EXPECT_EQ(g_sourceIndex, 0);
+    EXPECT_EQ(FrameDocument().series.shown, 0);
     Scroll(TB_PAGEDOWN);
-    EXPECT_FALSE(g_showSources);
+    EXPECT_FALSE(FrameDocument().showsSource);
     Press(IDCANCEL);
 }
 
 TEST_F(FusionDialogs, NameAFileThatCannotBeReadOnce)
 {
     OpenPicture("photo.png", kWidth, kHeight);
-    for (int i = 0; i < 3; ++i)
-        std::wcscpy(g_sourceFiles[i], Wide("photo.png").c_str());
-    std::wcscpy(g_sourceFiles[1], Wide("missing.tif").c_str());
-    g_sourceCount = 3;
+    const std::wstring photo = Wide("photo.png"), missing = Wide("missing.tif");
+    GiveSeries({photo, missing, photo});
     RunModal([] { Command(ID_OPEN_EXPOSURE_FUSION); },
-             {[this](HWND box)
+             {[](HWND box)
               {
                   const std::wstring text = MessageBoxText(box);
                   EXPECT_EQ(text.find(Text(kTextCannotOpenFile)), 0u);
                   EXPECT_NE(text.find(L"missing.tif"), std::wstring::npos);
                   PressButton(box, IDOK);
               }});
-    EXPECT_FALSE(SamePixels(g_previewPicture, g_sourcePicture));
+    EXPECT_FALSE(SamePixels(FrameDocument().preview, FrameDocument().source));
     RunModal([] { Scroll(TB_PAGEDOWN); }, {}); // says nothing any more
     Press(IDOK);
     ExpectClosed(true);
 
-    for (int i = 0; i < 3; ++i) // no source at all: no dialog either
-        std::wcscpy(g_sourceFiles[i], Wide("missing.tif").c_str());
+    GiveSeries({missing, missing, missing}); // no source at all: no dialog either
     RunModal([] { Command(ID_OPEN_POWER_FUSION); }, {[](HWND box) { PressButton(box, IDOK); }});
     ExpectClosed(false);
-    ExpectSamePicture(g_resultPicture, g_sourcePicture);
+    ExpectSamePicture(FrameDocument().result, FrameDocument().source);
 }
 
 // How far the numbers of kernel handles, drawing objects and menus and windows have got (counting
@@ -317,15 +316,15 @@ TEST_F(FusionDialogs, NoisePromptDecidesWhetherTheSeriesIsMade)
     Command(ID_SINGLE_LIGHT);
     EXPECT_NE(FileBytes(SettingsFilePath()).find("Denoise Strength=0"), std::string::npos);
     PumpUntil([] { return g_hwndActiveTool != nullptr; });
-    EXPECT_EQ(g_sourceCount, 11);
-    EXPECT_EQ(g_sourceIndex, 0);
+    EXPECT_EQ(FrameDocument().series.files.size(), size_t(kExposures));
+    EXPECT_EQ(FrameDocument().series.shown, 0);
     Press(IDCANCEL);
     ExpectClosed(false);
 
     Command(ID_DAYLIGHT_DOWN); // with its first preview before the worker ends
     PumpUntil([] { return g_hwndActiveTool != nullptr; });
-    EXPECT_EQ(g_sourceCount, 39);
-    EXPECT_FALSE(SamePixels(g_previewPicture, g_sourcePicture));
+    EXPECT_EQ(FrameDocument().series.files.size(), size_t(kDaylightVariants));
+    EXPECT_FALSE(SamePixels(FrameDocument().preview, FrameDocument().source));
     Press(IDCANCEL);
     ExpectClosed(false);
 }

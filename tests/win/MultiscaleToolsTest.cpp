@@ -55,10 +55,11 @@ protected:
     {
         EXPECT_FALSE(g_hwndActiveTool);
         EXPECT_EQ(Enabled(), kAllOn);
-        EXPECT_FALSE(g_resultUnsaved || g_workerBusy || g_toolBusy);
+        EXPECT_FALSE(FrameDocument().unsaved);
+        EXPECT_EQ(FrameDocument().phase, DocumentPhase::Idle);
         EXPECT_EQ(g_view.previewRect, nullptr);
-        ExpectSamePicture(g_previewPicture, g_sourcePicture);
-        ExpectSamePicture(g_resultPicture, g_sourcePicture);
+        ExpectSamePicture(FrameDocument().preview, FrameDocument().source);
+        ExpectSamePicture(FrameDocument().result, FrameDocument().source);
     }
 };
 
@@ -77,29 +78,31 @@ TEST_F(Tools, SmartContrastShowsEachMoveAndKeepsItsNumbers)
     Command(ID_SMART_CONTRAST);
     ASSERT_TRUE(g_hwndActiveTool);
     EXPECT_EQ(Enabled(), kToolOpen);
-    EXPECT_TRUE(g_workerBusy);
-    EXPECT_FALSE(g_showSources);
+    EXPECT_EQ(FrameDocument().phase, DocumentPhase::ToolOpen);
+    EXPECT_FALSE(FrameDocument().showsSource);
     Scroll(IDC_LEVEL_SLIDER + 1, TB_THUMBPOSITION, 22);
-    const uint64_t before = HashOf(g_previewPicture);
+    const uint64_t before = HashOf(FrameDocument().preview);
     // A drag shows nothing, but counts even if it was never let go.
     Scroll(IDC_LEVEL_SLIDER + 3, TB_THUMBTRACK, 4);
     EXPECT_EQ(WindowText(Control(IDC_LEVEL_VALUE + 3)), L"4");
-    EXPECT_EQ(HashOf(g_previewPicture), before);
+    EXPECT_EQ(HashOf(FrameDocument().preview), before);
     Press(IDOK);
     EXPECT_FALSE(g_hwndActiveTool);
     EXPECT_EQ(Enabled(), kAllOn);
-    EXPECT_TRUE(g_resultUnsaved);
-    EXPECT_FALSE(g_workerBusy || g_toolBusy || g_showSources);
+    EXPECT_TRUE(FrameDocument().unsaved);
+    EXPECT_EQ(FrameDocument().phase, DocumentPhase::Idle);
+    EXPECT_FALSE(FrameDocument().showsSource);
     const int lod[kDetailLevels] = {10, 22, 10, 4, 10, 10, 10, 10};
-    TestPicture expected = TestPicture::Like(g_sourcePicture);
-    ASSERT_FALSE(SmartContrastPicture(&expected.pic, g_sourcePicture, lod, {}));
-    ExpectSamePicture(g_resultPicture, expected.pic);
+    TestPicture expected = TestPicture::Like(FrameDocument().source);
+    ASSERT_EQ(SmartContrastPicture(expected.Record(), FrameDocument().source, lod, {}),
+              Outcome::Done);
+    ExpectSamePicture(FrameDocument().result, expected);
 
     // It asks for the result, and starts from what was stored.
     RunModal([] { Command(ID_SMART_CONTRAST); }, {Box(kTextUnsavedQuestion, kTextWarning, IDYES)});
     ASSERT_TRUE(g_hwndActiveTool);
     EXPECT_EQ(WindowText(Control(IDC_LEVEL_VALUE + 1)), L"22");
-    ExpectSamePicture(g_previewPicture, expected.pic);
+    ExpectSamePicture(FrameDocument().preview, expected);
     Press(IDCANCEL);
     ExpectGivenUp();
     EXPECT_EQ(ReadNumber(UserSettingsFile(), L"General", L"LOD_3", -1), 4);
@@ -111,29 +114,31 @@ TEST_F(Tools, SmartContrastSeesToWhatComesIntoView)
     Command(ID_SMART_CONTRAST);
     Command(ID_ZOOM_100);
     Pump();
-    TestPicture expected = TestPicture::Like(g_sourcePicture);
+    TestPicture expected = TestPicture::Like(FrameDocument().source);
     const auto moveTo = [&](int number)
     {
         Scroll(IDC_LEVEL_SLIDER + 1, TB_THUMBPOSITION, number);
         const int lod[kDetailLevels] = {10, number, 10, 10, 10, 10, 10, 10};
-        ASSERT_FALSE(SmartContrastPicture(&expected.pic, g_sourcePicture, lod, {}));
+        ASSERT_EQ(SmartContrastPicture(expected.Record(), FrameDocument().source, lod, {}),
+                  Outcome::Done);
     };
     const auto viewIsRight = [&]
     {
         const CBxRect<int> part = SmartContrastVisible(g_view, {2200, 1200});
-        TestPicture shown = TestPicture::Like(g_sourcePicture),
-                    right = TestPicture::Like(shown.pic);
-        for (const auto& [to, from] :
-             {std::pair{&shown, &g_view.resultCache}, {&right, &expected.pic}})
+        TestPicture shown = TestPicture::Like(FrameDocument().source),
+                    right = TestPicture::Like(shown);
+        const auto take = [&](TestPicture* to, const SBxPicBuf& from)
         {
-            CBxPicBufAPI::SetConst(&to->pic, 0);
-            CBxPicBufAPI::Copy(&to->pic, *from, part);
-        }
-        return HashOf(shown.pic) == HashOf(right.pic);
+            CBxPicBufAPI::SetConst(to->Record(), 0);
+            CBxPicBufAPI::Copy(to->Record(), from, part);
+        };
+        take(&shown, g_view.resultCache);
+        take(&right, expected);
+        return HashOf(shown) == HashOf(right);
     };
     moveTo(25);
     EXPECT_TRUE(viewIsRight());
-    EXPECT_NE(HashOf(g_previewPicture), HashOf(expected.pic)) << "nobody sees all of it";
+    EXPECT_NE(HashOf(FrameDocument().preview), HashOf(expected)) << "nobody sees all of it";
     Mouse(WM_RBUTTONDOWN, 500, 300);
     for (int notch = 0; notch < 3; ++notch)
         Wheel(-120, 500, 300); // over the original
@@ -151,7 +156,44 @@ TEST_F(Tools, SmartContrastSeesToWhatComesIntoView)
     }
     Mouse(WM_LBUTTONUP, 0, 300);
     Press(IDOK);
-    ExpectSamePicture(g_resultPicture, expected.pic);
+    ExpectSamePicture(FrameDocument().result, expected);
+}
+
+TEST_F(Tools, ShowEveryNumberOfTheirRows)
+{
+    const struct
+    {
+        int command;
+        Tool tool;
+        int label, slider, value, box;
+    } dialogs[] = {
+        {ID_TONE_MAPPING, Tool::ToneMap, IDC_TONE_LABEL, IDC_TONE_SLIDER, IDC_TONE_VALUE,
+         IDC_TONE_BOX},
+        {ID_SMART_CONTRAST, Tool::SmartContrast, 0, IDC_LEVEL_SLIDER, IDC_LEVEL_VALUE, 0}};
+    OpenPicture("photo.png", 60, 50);
+    for (const auto& dialog : dialogs)
+    {
+        Command(dialog.command);
+        ASSERT_TRUE(g_hwndActiveTool);
+        const ParameterRows rows = ParametersOf(dialog.tool);
+        for (int i = 0; i < rows.count; ++i)
+        {
+            SCOPED_TRACE(i);
+            const bool isBox = rows[i].kind == ParameterKind::CheckBox;
+            const HWND slider = Control(dialog.slider + i);
+            const int label = (isBox ? dialog.box : dialog.label) + i;
+            EXPECT_TRUE(rows[i].text == kNoText ||
+                        WindowText(Control(label)) == Text(rows[i].text));
+            if (isBox)
+                continue;
+            EXPECT_EQ(SendMessageW(slider, TBM_GETRANGEMIN, 0, 0), rows[i].stored.range.low);
+            EXPECT_EQ(SendMessageW(slider, TBM_GETRANGEMAX, 0, 0), rows[i].stored.range.high);
+            EXPECT_EQ(SendMessageW(slider, TBM_GETPOS, 0, 0), rows[i].stored.standard);
+            EXPECT_EQ(WindowText(Control(dialog.value + i)),
+                      std::to_wstring(rows[i].stored.standard));
+        }
+        Press(IDCANCEL);
+    }
 }
 
 TEST_F(Tools, ToneMappingPreviewsARectangleThatTheMouseMoves)
@@ -163,12 +205,12 @@ TEST_F(Tools, ToneMappingPreviewsARectangleThatTheMouseMoves)
     EXPECT_EQ(g_view.previewRect, nullptr);
     EXPECT_TRUE(IsDlgButtonChecked(g_hwndActiveTool, IDC_TONE_COLORS));
     EXPECT_FALSE(IsWindowVisible(Control(IDC_TONE_STOP)));
-    ExpectSamePicture(g_previewPicture, g_sourcePicture);
+    ExpectSamePicture(FrameDocument().preview, FrameDocument().source);
 
     Check(IDC_TONE_PREVIEW, true);
     ASSERT_NE(g_view.previewRect, nullptr);
     EXPECT_EQ(StatusText(), Text(kTextDragHint));
-    EXPECT_NE(HashOf(g_previewPicture), HashOf(g_sourcePicture));
+    EXPECT_NE(HashOf(FrameDocument().preview), HashOf(FrameDocument().source));
     const CBxRect<int> first = *g_view.previewRect;
     EXPECT_EQ(first.right - first.left, 512);
 
@@ -181,8 +223,8 @@ TEST_F(Tools, ToneMappingPreviewsARectangleThatTheMouseMoves)
     Mouse(WM_LBUTTONUP, x - 20, y);
     EXPECT_EQ(g_view.previewRect->left, first.left - 20);
     EXPECT_EQ(g_view.state.srcCentreX, 450) << "the picture stays";
-    EXPECT_EQ(PicRow<uint8_t>(g_previewPicture, 300)[3 * (first.right - 1)],
-              PicRow<uint8_t>(g_sourcePicture, 300)[3 * (first.right - 1)])
+    EXPECT_EQ(PicRow<uint8_t>(FrameDocument().preview, 300)[3 * (first.right - 1)],
+              PicRow<uint8_t>(FrameDocument().source, 300)[3 * (first.right - 1)])
         << "what the rectangle has left is the source again";
 
     Command(ID_ZOOM_IN); // the rectangle comes to the middle of the view again
@@ -194,7 +236,7 @@ TEST_F(Tools, ToneMappingPreviewsARectangleThatTheMouseMoves)
 
     Check(IDC_TONE_PREVIEW, false);
     EXPECT_EQ(g_view.previewRect, nullptr);
-    ExpectSamePicture(g_previewPicture, g_sourcePicture);
+    ExpectSamePicture(FrameDocument().preview, FrameDocument().source);
     Check(IDC_TONE_PREVIEW, true);
     Press(IDCANCEL);
     ExpectGivenUp();
@@ -211,12 +253,12 @@ TEST_F(Tools, ToneMappingMakesTheResultAndWaitsToBeClosed)
     Check(IDC_TONE_COLORS, false);
     Scroll(IDC_TONE_SLIDER + 2, TB_LINEDOWN);
     Press(IDOK);
-    EXPECT_TRUE(g_toolBusy);
+    EXPECT_TRUE(IsComputing());
     EXPECT_FALSE(IsWindowEnabled(Control(IDC_TONE_SLIDER)));
-    ASSERT_TRUE(WaitUntil([] { return !g_toolBusy; }));
-    EXPECT_TRUE(g_resultUnsaved);
-    EXPECT_EQ(g_settings.uiUseColors, 0);
-    EXPECT_EQ(g_settings.uiPowerT[2], 11);
+    ASSERT_TRUE(WaitUntil([] { return !IsComputing(); }));
+    EXPECT_TRUE(FrameDocument().unsaved);
+    EXPECT_EQ(g_settings.toneMap.useColors, 0);
+    EXPECT_EQ(g_settings.toneMap.details, 11);
     EXPECT_EQ(Enabled(), kAllOn);
     ASSERT_TRUE(g_hwndActiveTool) << "stays open";
     EXPECT_FALSE(IsWindowVisible(Control(IDCANCEL)));
@@ -228,11 +270,11 @@ TEST_F(Tools, ToneMappingMakesTheResultAndWaitsToBeClosed)
     EXPECT_TRUE(IsWindowVisible(Control(IDCANCEL)));
     EXPECT_EQ(Enabled(), kToolOpen);
     Press(IDOK);
-    ASSERT_TRUE(WaitUntil([] { return !g_toolBusy; }));
+    ASSERT_TRUE(WaitUntil([] { return !IsComputing(); }));
     Press(IDOK);
     EXPECT_FALSE(g_hwndActiveTool);
     EXPECT_EQ(Enabled(), kAllOn);
-    EXPECT_TRUE(g_resultUnsaved);
+    EXPECT_TRUE(FrameDocument().unsaved);
 }
 
 TEST_F(Tools, ToneMappingStopsAndCanBeStartedAgain)
@@ -246,21 +288,21 @@ TEST_F(Tools, ToneMappingStopsAndCanBeStartedAgain)
     Press(IDOK); // does nothing now
     ASSERT_TRUE(WaitUntil(RunStarted));
     Press(IDC_TONE_STOP);
-    ASSERT_TRUE(WaitUntil([] { return !g_toolBusy; }));
+    ASSERT_TRUE(WaitUntil([] { return !IsComputing(); }));
 
     ASSERT_TRUE(g_hwndActiveTool);
-    EXPECT_FALSE(g_stopRequested || g_resultUnsaved);
-    EXPECT_TRUE(g_workerBusy);
+    EXPECT_FALSE(FrameDocument().unsaved);
+    EXPECT_EQ(FrameDocument().phase, DocumentPhase::ToolOpen);
     EXPECT_EQ(Enabled(), kToolOpen);
     EXPECT_TRUE(IsWindowEnabled(Control(IDC_TONE_SLIDER)) && IsWindowEnabled(Control(IDCANCEL)));
     EXPECT_FALSE(IsWindowVisible(Control(IDC_TONE_STOP)));
     EXPECT_NE(g_view.previewRect, nullptr) << "the preview is back";
-    ExpectSamePicture(g_resultPicture, g_sourcePicture);
+    ExpectSamePicture(FrameDocument().result, FrameDocument().source);
 
     Press(IDOK);
     ASSERT_TRUE(WaitUntil(RunStarted)) << "not stopped by the last stop";
     Press(IDC_TONE_STOP);
-    ASSERT_TRUE(WaitUntil([] { return !g_toolBusy; }));
+    ASSERT_TRUE(WaitUntil([] { return !IsComputing(); }));
     Press(IDCANCEL);
     ExpectGivenUp();
 }

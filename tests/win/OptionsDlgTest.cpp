@@ -123,8 +123,8 @@ TEST_F(OptionsDialog, StoresNoLanguageFromAnEmptyList)
 
     // The settings are loaded again before the dialog opens, even when it is cancelled.
     SaveSettingsOnExit();
-    g_settings.uiPowerT[0] = 33;
+    g_settings.toneMap.contrast = 33;
     Show({[](HWND dlg) { PressButton(dlg, IDCANCEL); }});
-    EXPECT_EQ(g_settings.uiPowerT[0], 10);
+    EXPECT_EQ(g_settings.toneMap.contrast, 10);
     EXPECT_EQ(ReadNumber(UserSettingsFile(), L"General", L"Crashed Last Time", 0), 1);
 }

@@ -1,4 +1,5 @@
 #include "app/CommandIds.h"
+#include "app/CommandRules.h"
 #include "base/Win.h"
 
 #include <gtest/gtest.h>
@@ -20,10 +21,8 @@ static unsigned PngSize(const std::wstring& name)
 
 TEST(ImageResources, AreThereInTheirSize)
 {
-    for (const wchar_t* name : {L"IDP_FOLDER", L"IDP_SAVE", L"CONTRAST", L"LIGHT", L"MULTI",
-                                L"LIGHT_UP", L"LIGHT_DOWN", L"COLORMAP", L"IDP_ZOOMIN",
-                                L"IDP_ZOOMOUT", L"IDP_ZOOM100", L"IDP_ZOOMFIT", L"IDP_PICKER"})
-        EXPECT_EQ(PngSize(name), 32u) << name;
+    for (int i = 0; i < kCommandCount; ++i)
+        EXPECT_TRUE(!kCommands[i].image || PngSize(kCommands[i].image) == 32u) << kCommands[i].id;
     for (const wchar_t* kind : {L"CHECK", L"CHECKD", L"RADIO", L"RADIOD"})
         for (const wchar_t* state :
              {L"_SELON", L"_SELOFF", L"_DESON", L"_DESOFF", L"_SEMION", L"_SEMIOFF"})

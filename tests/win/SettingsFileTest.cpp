@@ -110,22 +110,27 @@ TEST_F(RealProfileFiles, GiveTextsWithAllTheirBlanksAndLetters)
     EXPECT_EQ(FileBytes(LocalizationFilePath()).substr(0, 2), "\xff\xfe") << "still UTF-16";
 }
 
-TEST_F(RealProfileFiles, OfTheProgramHoldEveryEnglishText)
+TEST_F(RealProfileFiles, OfTheProgramHoldEveryTextInEveryLanguage)
 {
     ASSERT_TRUE(CopyFileW(PLENOVIZ_TEXTS, LocalizationFilePath().c_str(), FALSE));
+    const ProfileStore file = LocalizationFile();
     LanguageList list;
-    LoadLanguageChoice(LocalizationFile(), &list);
-    LoadLanguageNames(LocalizationFile(), &list);
-    ASSERT_EQ(list.count, 15);
+    LoadLanguageChoice(file, &list);
+    LoadLanguageNames(file, &list);
+    ASSERT_GT(list.count, 1);
     EXPECT_EQ(list.languages[0].name, L"English");
-    for (int number = 1; number <= kStringCount; ++number)
+    std::wstring text;
+    EXPECT_FALSE(file.read(std::to_wstring(list.count), L"Language", &text)) << "one not counted";
+    for (int language = 0; language < list.count; ++language)
     {
-        std::wstring text;
-        const bool found =
-            LocalizationFile().read(L"0", L"string" + std::to_wstring(number), &text);
-        EXPECT_EQ(found, number == 76 || *EnglishText(number) != L'\0') << number;
-        if (!found)
-            continue;
-        EXPECT_EQ(text, EnglishText(number)) << number;
+        EXPECT_NE(list.languages[size_t(language)].name, L"") << language;
+        for (int number = 1; number <= kStringCount; ++number)
+        {
+            const bool found =
+                file.read(std::to_wstring(language), L"string" + std::to_wstring(number), &text);
+            EXPECT_EQ(found, number == kTextNothing || *EnglishText(number) != L'\0')
+                << language << ", " << number;
+            EXPECT_TRUE(!found || language != 0 || text == EnglishText(number)) << number;
+        }
     }
 }
