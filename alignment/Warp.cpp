@@ -1,134 +1,77 @@
 #include "alignment/Warp.h"
 
+#include "alignment/WarpRows.h"
 #include "base/ParallelRows.h"
 
 #include <algorithm>
-#include <array>
 #include <cmath>
 
-constexpr int kTaps = 4;
-constexpr int kPhases = 64;     // places of the filter between two pixels
-constexpr int kWeightBits = 12; // weights of a phase add up to 1 << kWeightBits
-constexpr int kSideBits = 4;    // kept behind the point between the two directions
-constexpr double kSharpness = -0.5;
+// Every 16 pixels along a row the map is followed exactly, and between them the places lie on a
+// straight line. What a hand-held camera does bends such a line by less than 64 times the map's
+// perspective, in pixels: the filter's own steps are coarser on any photograph.
 
-using PhaseWeights = std::array<int32_t, kTaps>;
+static constexpr double kPlacesPerPixel = 1 << kWarpPlaceBits;
 
-static double Keys(double t)
+struct FinePlace
 {
-    t = std::abs(t);
-    if (t < 1)
-        return ((kSharpness + 2) * t - (kSharpness + 3)) * t * t + 1;
-    return t < 2 ? ((kSharpness * t - 5 * kSharpness) * t + 8 * kSharpness) * t - 4 * kSharpness
-                 : 0;
-}
-
-static std::array<PhaseWeights, kPhases> MakeWeights()
-{
-    std::array<PhaseWeights, kPhases> table = {};
-    for (int phase = 0; phase < kPhases; ++phase)
-    {
-        int32_t sum = 0;
-        for (int tap = 0; tap < kTaps; ++tap)
-        {
-            const double weight = Keys(double(phase) / kPhases + 1 - tap);
-            table[size_t(phase)][size_t(tap)] =
-                int32_t(std::floor(weight * (1 << kWeightBits) + 0.5));
-            sum += table[size_t(phase)][size_t(tap)];
-        }
-        table[size_t(phase)][phase < kPhases / 2 ? 1 : 2] += (1 << kWeightBits) - sum;
-    }
-    return table;
-}
-
-// A place in the source: the pixel to its upper left, and how far it is away from that in 64ths.
-struct SourcePlace
-{
-    int x, y, phaseX, phaseY;
+    int64_t x, y;
 };
 
-static SourcePlace PlaceOf(const CBxPoint<double>& at, const SBxPicBuf& src)
+static FinePlace PlaceOf(const CBxPoint<double>& at, const SBxPicBuf& src)
 {
-    // Anything farther away mirrors to nonsense anyway, and stays in the range of an int here.
+    constexpr int64_t kHalfPhase = int64_t(1) << (kWarpPlaceBits - kWarpPhaseBits - 1);
+    // Anything farther away mirrors to nonsense anyway.
     const double x = std::clamp(at.x, -2.0 * src.width, 3.0 * src.width);
     const double y = std::clamp(at.y, -2.0 * src.height, 3.0 * src.height);
-    const int fineX = int(std::floor(x * kPhases + 0.5)),
-              fineY = int(std::floor(y * kPhases + 0.5));
-    return {fineX >> 6, fineY >> 6, fineX & (kPhases - 1), fineY & (kPhases - 1)};
-}
-static_assert(kPhases == 1 << 6);
-
-// About the outermost sample, as often as it takes.
-static int Mirrored(int i, int count)
-{
-    if (count == 1)
-        return 0;
-    const int period = 2 * (count - 1);
-    i = ((i % period) + period) % period;
-    return i < count ? i : period - i;
+    return {int64_t(std::floor(x * kPlacesPerPixel + 0.5)) + kHalfPhase,
+            int64_t(std::floor(y * kPlacesPerPixel + 0.5)) + kHalfPhase};
 }
 
-template <typename T, int kComponents>
-static void Mix(T* out, const T* const rows[kTaps], const int offsets[kTaps],
-                const PhaseWeights& across, const PhaseWeights& down)
+static bool IsWithin(int64_t place, int low, int high)
 {
-    constexpr int64_t top = int64_t(T(~T(0)));
-    for (int c = 0; c < kComponents; ++c)
-    {
-        int64_t sum = 0;
-        for (int j = 0; j < kTaps; ++j)
-        {
-            int32_t row = 0;
-            for (int i = 0; i < kTaps; ++i)
-                row += across[size_t(i)] * int32_t(rows[j][offsets[i] + c]);
-            // A sharp filter leaves the range of its samples by a quarter at most: this fits.
-            sum += int64_t(down[size_t(j)]) * (row >> (kWeightBits - kSideBits));
-        }
-        constexpr int kShift = kWeightBits + kSideBits;
-        out[c] = T(std::clamp<int64_t>((sum + (int64_t(1) << (kShift - 1))) >> kShift, 0, top));
-    }
+    return (place >> kWarpPlaceBits) >= low && (place >> kWarpPlaceBits) <= high;
 }
 
-template <typename T, int kComponents>
-static void WarpRows(SBxPicBuf* dst, const SBxPicBuf& src, const Homography& map,
-                     const CBxPoint<int>& origin, int first, int end)
+static bool SuitsTunedLoops(const WarpRun& run, const SBxPicBuf& src)
 {
-    static const std::array<PhaseWeights, kPhases> weights = MakeWeights();
-    for (int y = first; y < end; ++y)
-    {
-        T* out = PicRow<T>(*dst, y);
-        for (int x = 0; x < dst->width; ++x, out += kComponents)
-        {
-            const SourcePlace at = PlaceOf(MapPoint(map, x + origin.x, y + origin.y), src);
-            const T* rows[kTaps];
-            int offsets[kTaps];
-            const bool inside =
-                at.x >= 1 && at.y >= 1 && at.x + 2 < src.width && at.y + 2 < src.height;
-            for (int tap = 0; tap < kTaps; ++tap)
-            {
-                const int column = at.x + tap - 1, row = at.y + tap - 1;
-                rows[tap] = PicRow<T>(src, inside ? row : Mirrored(row, src.height));
-                offsets[tap] = kComponents * (inside ? column : Mirrored(column, src.width));
-            }
-            Mix<T, kComponents>(out, rows, offsets, weights[size_t(at.phaseX)],
-                                weights[size_t(at.phaseY)]);
-        }
-    }
+    const int64_t last = run.count - 1;
+    for (const int64_t x : {run.x, run.x + last * run.stepX})
+        if (!IsWithin(x, kWarpLeft, src.width - kWarpRight))
+            return false;
+    for (const int64_t y : {run.y, run.y + last * run.stepY})
+        if (!IsWithin(y, kWarpAbove, src.height - kWarpBelow))
+            return false;
+    return true;
 }
 
 void WarpPicture(SBxPicBuf* dst, const SBxPicBuf& src, const Homography& map,
                  const CBxPoint<int>& origin)
 {
+    const size_t depth = dst->bitsPerComponent == 16, colour = dst->components == 3;
+    const WarpLoop tuned = VcWarpLoops().loop[depth][colour];
+    const WarpLoop plain = VcPlainWarpLoops().loop[depth][colour];
+    const WarpSource source = {src.data, src.stride, src.width, src.height, VcWarpPhases()};
+    const int pixelBytes = dst->components * dst->bitsPerComponent / 8;
+    const auto warpRow = [&](int y)
+    {
+        const auto placeAt = [&](int x)
+        { return PlaceOf(MapPoint(map, x + origin.x, y + origin.y), src); };
+        uint8_t* out = PicRow<uint8_t>(*dst, y);
+        FinePlace at = placeAt(0);
+        for (int x = 0; x < dst->width; x += kWarpRun, out += kWarpRun * pixelBytes)
+        {
+            const FinePlace next = placeAt(x + kWarpRun);
+            const WarpRun run = {at.x, at.y, (next.x - at.x) / kWarpRun, (next.y - at.y) / kWarpRun,
+                                 std::min(kWarpRun, dst->width - x)};
+            (SuitsTunedLoops(run, src) ? tuned : plain)(out, source, run);
+            at = next;
+        }
+    };
     VcParallelRows(dst->height, dst->width * dst->components,
                    [&](int first, int end)
                    {
-                       const bool bytes = dst->bitsPerComponent == 8;
-                       if (dst->components == 3)
-                           bytes ? WarpRows<uint8_t, 3>(dst, src, map, origin, first, end)
-                                 : WarpRows<uint16_t, 3>(dst, src, map, origin, first, end);
-                       else
-                           bytes ? WarpRows<uint8_t, 1>(dst, src, map, origin, first, end)
-                                 : WarpRows<uint16_t, 1>(dst, src, map, origin, first, end);
+                       for (int y = first; y < end; ++y)
+                           warpRow(y);
                    });
 }
 

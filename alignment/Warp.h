@@ -9,9 +9,9 @@
 
 // Fills dst, which has the components and bits of src (1 or 3, 8 or 16), with src seen through the
 // map: the pixel centre (x, y) of dst takes what lies at MapPoint(map, x + origin.x, y + origin.y)
-// of src. The filter is Keys' cubic convolution (1981) with a = -0.5, the
-// one that is exact for parabolas, in 64ths of a pixel and in integers: the same bits on every machine.
-// Beyond the border src is mirrored. Rows are spread over the task pool; throws std::bad_alloc.
+// of src. The filter is a cubic over four by four pixels, a little sharper than usual, in 256ths of
+// a pixel: the same bits on every machine. Beyond the border src is mirrored. Rows are spread over
+// the task pool; throws std::bad_alloc.
 void WarpPicture(SBxPicBuf* dst, const SBxPicBuf& src, const Homography& map,
                  const CBxPoint<int>& origin);
 

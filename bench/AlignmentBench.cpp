@@ -9,7 +9,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <thread>
 
 static int Width()
 {
@@ -25,8 +24,7 @@ static int Height()
 // than that does not matter to registration.
 static const SampleRadiance& Scene()
 {
-    static const SampleRadiance scene = RenderSampleScene(BenchSide(1000), BenchSide(750),
-                                                          int(std::thread::hardware_concurrency()));
+    static const SampleRadiance scene = RenderSampleScene(BenchSide(1000), BenchSide(750));
     return scene;
 }
 

@@ -165,7 +165,8 @@ TEST(Registration, HasTheSameBitsEverywhere)
             std::memcpy(&bits, &value, sizeof bits);
             hash = (hash ^ bits) * 1099511628211ull;
         }
-        EXPECT_EQ(hash, 0x07e9b9e7b01d4500ull) << std::hex << hash << " with " << threads << " threads";
+        EXPECT_EQ(hash, 0x07e9b9e7b01d4500ull)
+            << std::hex << hash << " with " << threads << " threads";
     }
     VcLimitThreads(0);
 }
