@@ -5,6 +5,7 @@
 #include "app/DockerWnd.h"
 #include "app/FrameView_win.h"
 
+// Made at first use: the order in which files set up their globals does not matter then.
 Document& FrameDocument()
 {
     static Document document;
@@ -20,6 +21,12 @@ CommandStates& FrameCommands()
 {
     static CommandStates states;
     return states;
+}
+
+Settings& FrameSettings()
+{
+    static Settings settings = {};
+    return settings;
 }
 
 static ToolHost g_host;
@@ -53,6 +60,7 @@ void SetUpFrameHost()
     g_host.status = g_hwndStatus;
     g_host.document = &FrameDocument();
     g_host.view = &g_view;
+    g_host.settings = &FrameSettings();
     g_host.updateViewArea = UpdateViewArea;
     g_host.redrawView = [] { RedrawView(); };
     g_host.showSource = [] { ShowSource(FrameDocument().source); };

@@ -75,7 +75,7 @@ static std::vector<uint8_t> ExifOf(const Frame& frame)
 static std::string SaveFrame(const SampleRadiance& scene, const Frame& frame)
 {
     std::string path;
-    if (SavePathFromUtf8(&path, frame.part.u8string().c_str(), PathUse::Target))
+    if (SavePathFromUtf8(&path, frame.part.u8string().c_str(), PathUse::Target) != Outcome::Done)
         return "this name is too long or has letters that the system cannot express";
     const Picture picture = ExposeSample(scene, frame.stops);
     if (picture.Empty())

@@ -135,7 +135,7 @@ TEST(Replacing, LeavesTheOldFileWhenTheNewOneDoesNotClose)
     const TempFolder folder;
     const std::string target = folder.Write("old.tif", {'o', 'l', 'd'});
     std::string path;
-    ASSERT_FALSE(SavePathFromUtf8(&path, target.c_str(), PathUse::Target));
+    ASSERT_EQ(SavePathFromUtf8(&path, target.c_str(), PathUse::Target), Outcome::Done);
     for (const bool closes : {false, true})
     {
         ReplacingFile file;
@@ -153,10 +153,12 @@ TEST(Replacing, LeavesTheOldFileWhenTheNewOneDoesNotClose)
 TEST(Names, EndAtTheLengthThatSavingTakes)
 {
     std::string path;
-    EXPECT_FALSE(SavePathFromUtf8(&path, std::string(1023, 'a').c_str(), PathUse::Target));
+    EXPECT_EQ(SavePathFromUtf8(&path, std::string(1023, 'a').c_str(), PathUse::Target),
+              Outcome::Done);
     EXPECT_EQ(path.size(), 1023u);
-    EXPECT_TRUE(SavePathFromUtf8(&path, std::string(1024, 'a').c_str(), PathUse::Target));
-    EXPECT_TRUE(SavePathFromUtf8(&path, "", PathUse::Target));
+    EXPECT_EQ(SavePathFromUtf8(&path, std::string(1024, 'a').c_str(), PathUse::Target),
+              Outcome::Failed);
+    EXPECT_EQ(SavePathFromUtf8(&path, "", PathUse::Target), Outcome::Failed);
 }
 
 } // namespace
