@@ -235,10 +235,9 @@ static LoadProblem TakeBitmap(Decoding* decoding, BitmapOwner bitmap)
     if (!grey)
         return LoadProblem::None;
     decoding->picture = Picture(colours->width, colours->height, 1, 8);
-    if (decoding->picture.Empty())
-        return LoadProblem::OutOfMemory;
-    CBxPicBufAPI::ExtractComponent(decoding->picture.Record(), 0, colours);
-    return LoadProblem::None;
+    const bool done = !decoding->picture.Empty() &&
+                      CBxPicBufAPI::ExtractComponent(decoding->picture.Record(), 0, colours);
+    return done ? LoadProblem::None : LoadProblem::OutOfMemory;
 }
 
 static void ReadBitmap(Decoding* decoding, FREE_IMAGE_FORMAT format, ImageStream* stream)

@@ -21,7 +21,8 @@ struct TiffWork
     TIFF* tiff = nullptr;
     Decoding* decoding = nullptr;
     bool inPixels = false;
-    std::string message; // the first one
+    bool lostEntry = false; // of the directory read last: it lies behind the end of the file
+    std::string message;    // the first one
     uint32_t width = 0, height = 0;
     uint16_t bits = 1, samples = 1, photometric = 0, planar = PLANARCONFIG_CONTIG;
     uint16_t packing = COMPRESSION_NONE, format = SAMPLEFORMAT_UINT, extra = 0;
@@ -106,6 +107,7 @@ int OnError(TIFF*, void* work, const char*, const char* format, va_list values)
 int OnWarning(TIFF*, void* user, const char*, const char* format, va_list values)
 {
     TiffWork* work = static_cast<TiffWork*>(user);
+    work->lostEntry = work->lostEntry || (!work->inPixels && std::strstr(format, "IO error"));
     // Packed the way of a quarter of a century ago, and none the worse for it.
     if (work->inPixels && !std::strstr(format, "Old-style"))
         KeepMessage(work, format, values);
@@ -191,6 +193,7 @@ bool GoToPage(TiffWork* work)
     if (!FindLargestPage(work, &best, &pages))
         NoteDamage(work->decoding, "the file's list of pages is broken", 0.0);
     work->message.clear();
+    work->lostEntry = false;
     if (pages > 0)
         work->decoding->report.notes.push_back("the file has " + std::to_string(pages + 1) +
                                                " pages; page " + std::to_string(best + 1) +
@@ -537,6 +540,8 @@ void ReadWith(TiffWork* work)
     ReadFields(work);
     if (!CheckKind(work) || !MakePicture(decoding, ClaimOf(*work)))
         return;
+    if (work->lostEntry)
+        NoteDamage(decoding, EndText(1.0), 1.0);
     uint16_t orientation = 1;
     TIFFGetFieldDefaulted(work->tiff, TIFFTAG_ORIENTATION, &orientation);
     decoding->orientation = orientation;
