@@ -27,6 +27,10 @@ struct CliOptions
     int megapixelLimit = 500; // of inputs
     bool acceptDamaged = false;
     int width = 0, height = 0, frames = 0;
+    std::string align = "auto"; // or "off"
+    bool crop = true;
+    bool report = false;
+    bool handHeld = false;
     bool times = false;
     bool quiet = false;
     bool help = false;
@@ -45,6 +49,8 @@ struct OptionRow
     bool required;            // texts only
     const char* help;
     const ParameterRow* parameter = nullptr; // whose number it is, with all that it says
+    bool setsFlag = true;                    // what the flag becomes
+    const char* choices = nullptr;           // of a text that is not free: "auto|off"
 };
 
 struct CliStreams

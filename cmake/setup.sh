@@ -9,6 +9,7 @@ level=${1:-native}
 
 native=(g++ cmake ninja-build libtbb-dev googletest libbenchmark-dev dpkg-dev)
 native+=(libfreeimage-dev libjpeg-dev libpng-dev libtiff-dev libwebp-dev libraw-dev liblcms2-dev)
+native+=(zlib1g-dev libimage-exiftool-perl)
 # Windows: compiler, zlib, the assembler of the JPEG library; three draw the images and pack the icon.
 windows=(g++-mingw-w64-x86-64-posix libz-mingw-w64-dev nasm librsvg2-bin icoutils imagemagick)
 packing=(nsis zip unzip)
