@@ -10,6 +10,7 @@
 #include "sample/Exposure.h"
 
 #include <filesystem>
+#include <iterator>
 #include <memory>
 #include <ostream>
 
@@ -70,6 +71,36 @@ static std::vector<uint8_t> ExifOf(const Frame& frame)
     fields.biasNumerator = frame.stops;
     fields.biasDenominator = 1;
     return MakeExifBlock(fields);
+}
+
+// What a hand does to the camera from one exposure to the next: turns and metres. The middle one is
+// where the camera of a tripod would be.
+struct HandMotion
+{
+    float yaw, roll, aside, up;
+};
+constexpr HandMotion kHand[] = {
+    {0.0011f, -0.0007f, 0.002f, -0.001f},
+    {-0.0009f, 0.0010f, 0.001f, 0.002f},
+    {0.0006f, 0.0008f, -0.002f, 0.002f},
+    {-0.0013f, -0.0009f, 0.001f, 0.001f},
+    {0.0f, 0.0f, 0.0f, 0.0f},
+    {0.0015f, 0.0011f, -0.001f, -0.002f},
+    {-0.0007f, -0.0012f, 0.002f, 0.001f},
+    {0.0010f, 0.0006f, -0.001f, 0.002f},
+    {-0.0014f, 0.0009f, 0.001f, -0.002f},
+};
+
+static SampleCamera CameraInHand(size_t frame, size_t frames)
+{
+    const size_t middle = std::size(kHand) / 2;
+    const HandMotion& motion = kHand[middle - frames / 2 + frame];
+    SampleCamera camera;
+    camera.yaw += motion.yaw;
+    camera.roll += motion.roll;
+    camera.eye.x += motion.aside;
+    camera.eye.y += motion.up;
+    return camera;
 }
 
 static std::string SaveFrame(const SampleRadiance& scene, const Frame& frame)
@@ -149,13 +180,28 @@ static std::string MakeFolder(SampleJob* job)
     return fs::is_directory(job->folder, error) ? "" : "this is not a folder";
 }
 
-static int WriteFrames(SampleJob* job, const SampleRadiance& scene)
+static SampleRadiance RenderFrame(const SampleJob& job, size_t frame)
 {
+    const CliOptions& options = job.options;
+    return RenderSampleScene(options.width, options.height,
+                             options.handHeld ? CameraInHand(frame, job.frames.size())
+                                              : SampleCamera());
+}
+
+// The scene is rendered once, or anew for each place of the camera.
+static int WriteFrames(SampleJob* job)
+{
+    ShowProgress(&job->progress, "Rendering the scene");
+    SampleRadiance scene = RenderFrame(*job, 0);
     for (size_t i = 0; i < job->frames.size(); i++)
     {
         const Frame& frame = job->frames[i];
+        if (StopRequested())
+            return FailJob(job, "", "stopped");
         ShowProgress(&job->progress, "Writing " + std::to_string(i + 1) + " of " +
                                          std::to_string(job->frames.size()));
+        if (i > 0 && job->options.handHeld)
+            scene = RenderFrame(*job, i);
         const std::string problem = SaveFrame(scene, frame);
         if (!problem.empty())
             return FailJob(job, frame.target.u8string(), problem);
@@ -197,11 +243,7 @@ int RunSample(const CliOptions& options, const CliStreams& streams)
 
     try
     {
-        ShowProgress(&job.progress, "Rendering the scene");
-        const SampleRadiance scene = RenderSampleScene(options.width, options.height);
-        if (StopRequested())
-            return FailJob(&job, "", "stopped");
-        return WriteFrames(&job, scene);
+        return WriteFrames(&job);
     }
     catch (...)
     {

@@ -1,6 +1,8 @@
 #pragma once
 
 #include "files/Formats.h"
+#include "files/MetadataOfResult.h"
+#include "files/PictureToWrite.h"
 #include "picture/PicBuf.h"
 
 #include <cstdint>
@@ -74,20 +76,27 @@ struct SaveReport
 {
     bool written = false; // the target holds the picture; false = it is as it was before
     SaveProblem problem = SaveProblem::None;
-    int systemError = 0;         // errno
-    bool alphaDropped = false;   // the format has no alpha
-    bool profileDropped = false; // the encoder takes no such profile
+    int systemError = 0;       // errno
+    bool alphaDropped = false; // the format has no alpha
+    MetadataLosses losses;     // of what the source knows
 };
 
 // What a file gets beyond picture and source.
 struct SaveExtras
 {
-    // EXIF block of a JPEG file (ExifBlock.h), instead of the source's. Empty = none.
+    // EXIF block as JPEG files have it (ExifBlock.h), instead of the source's. Empty = none.
     std::vector<uint8_t> exif;
 
     // A file of the program's own that is read once and thrown away: TIFF without compression, and
     // nobody waits until it has reached the disk.
     bool passing = false;
+
+    // What the source knows, read before: then no file of a source is needed. Null = there is a
+    // source, or nothing is known.
+    const Metadata* metadata = nullptr;
+
+    MetadataChoice choice = MetadataChoice::Keep;
+    JpegChroma chroma = JpegChroma::ByQuality;
 };
 
 // Writes the pair to `target`; with a non-empty `source`, its colour profile and metadata go along.
@@ -97,8 +106,8 @@ struct SaveExtras
 // unknown, cannot be written or read, or is GIF, and ImageReadError when the source does not load.
 // Every other failure is silent except for `report`, and every failure leaves the target as it was.
 //
-// EXIF goes from JPEG files into those that carry it (Formats.h), byte for byte, preview picture
-// included, except that it says upright.
+// Metadata go from every kind of source into the formats that carry them (Formats.h), made true of
+// the picture (MetadataOfResult.h).
 bool SavePicturePair(const SBxPicBuf& picture, const SBxPicBuf& alpha, const char* target,
                      const char* source, FormatId format, SaveReport* report = nullptr,
                      const SaveExtras* extras = nullptr);

@@ -147,6 +147,44 @@ TEST(SeriesRegistration, GoesFromNeighbourToNeighbour)
     EXPECT_NE(series.frames[7].verdict, FrameVerdict::Registered);
 }
 
+// Steps of 70 pixels do not add up to 140, which is more than 15 % of the diagonal.
+TEST(SeriesRegistration, GoesNoFartherInManySteps)
+{
+    const SceneLight scene = BlockScene(kFrame, 11);
+    const double ev[] = {-1, 0.5, 2};
+    std::vector<FrameLook> frames;
+    for (int i = 0; i < 3; ++i)
+        frames.push_back(
+            LookAt(Photograph(scene, kFrame, Translation(55.0 * i, 43.0 * i), ev[i], 1)));
+    const SeriesRegistration series = RegisterSeries(frames);
+    ASSERT_EQ(series.stays, 0);
+    EXPECT_EQ(series.frames[1].verdict, FrameVerdict::Registered);
+    EXPECT_EQ(series.frames[2].verdict, FrameVerdict::TooFar);
+    EXPECT_EQ(MapError(series.frames[2].map, {}, kFrame), 0);
+}
+
+// A camera on a tripod gives way by half a pixel; one that is held does not stay within that.
+TEST(SeriesRegistration, LeavesATripodsSeriesAsItIs)
+{
+    const SceneLight scene = BlockScene(kFrame, 10);
+    const auto verdictsOf = [&](double last)
+    {
+        std::vector<FrameLook> frames;
+        for (const CBxPoint<double>& shift :
+             {CBxPoint<double>{0.45, -0.3}, CBxPoint<double>{0, 0}, CBxPoint<double>{-0.35, last}})
+            frames.push_back(LookAt(Photograph(scene, kFrame, Translation(shift.x, shift.y),
+                                               2.5 * double(frames.size()) - 3.5, 1)));
+        std::vector<FrameVerdict> verdicts;
+        for (const Registration& frame : RegisterSeries(frames).frames)
+            verdicts.push_back(frame.verdict);
+        return verdicts;
+    };
+    const FrameVerdict still = FrameVerdict::Still, moved = FrameVerdict::Registered;
+    EXPECT_EQ(verdictsOf(0.4), (std::vector<FrameVerdict>{still, still, still}));
+    EXPECT_EQ(verdictsOf(1.1), (std::vector<FrameVerdict>{moved, still, moved}))
+        << "where one is resampled all are that moved";
+}
+
 // The same bits on every processor, system and number of threads.
 TEST(Registration, HasTheSameBitsEverywhere)
 {
