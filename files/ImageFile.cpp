@@ -2,7 +2,6 @@
 
 #include "base/ShortMemory.h"
 #include "base/SystemFiles.h"
-#include "files/FileReplace.h"
 #include "files/ImageReader.h"
 #include "picture/Orientation.h"
 
@@ -237,8 +236,19 @@ static bool HeaderMatches(ImageStream* stream, FREE_IMAGE_FORMAT format, FIBITMA
            FreeImage_GetHeight(header.get()) == FreeImage_GetHeight(bitmap);
 }
 
+// The new file takes the target's place, or waits for others that do so with it.
+static bool Finish(ReplacingFile* file, const SaveExtras& extras)
+{
+    file->stopped = extras.stopped;
+    if (!extras.held)
+        return FinishReplacing(file, !extras.passing);
+    const bool complete = CompleteReplacing(file, !extras.passing);
+    *extras.held = *file;
+    return complete;
+}
+
 static void WriteFile(FIBITMAP* bitmap, const char* target, FREE_IMAGE_FORMAT format, int flags,
-                      bool toDisk, SaveReport* report)
+                      const SaveExtras& extras, SaveReport* report)
 {
     ReplacingFile file;
     if (!BeginReplacing(&file, target))
@@ -260,7 +270,8 @@ static void WriteFile(FIBITMAP* bitmap, const char* target, FREE_IMAGE_FORMAT fo
     if (failed)
         CancelReplacing(&file);
     else
-        report->written = FinishReplacing(&file, toDisk);
+        report->written = Finish(&file, extras);
+    report->otherNames = file.otherNames;
     report->systemError = file.error;
     report->problem = report->written ? SaveProblem::None
                       : file.error    ? SaveProblem::CannotWrite
@@ -313,17 +324,18 @@ static void SavePair(const SBxPicBuf& picture, const SBxPicBuf& alpha, const cha
     if (extras && !extras->exif.empty())
         SetExif(bitmap.get(), extras->exif);
 
-    const bool passing = extras && extras->passing;
+    static const SaveExtras kNone;
+    const SaveExtras& wanted = extras ? *extras : kNone;
     const auto code = FREE_IMAGE_FORMAT(*row.codes.begin());
-    const int flags = SaveFlags(code, passing);
-    WriteFile(bitmap.get(), target, code, flags, !passing, report);
+    const int flags = SaveFlags(code, wanted.passing);
+    WriteFile(bitmap.get(), target, code, flags, wanted, report);
     // Some encoders refuse profiles that are damaged; the picture is worth more than its profile.
     if (report->problem != SaveProblem::EncoderFailed ||
         !FreeImage_GetICCProfile(bitmap.get())->data)
         return;
     FreeImage_DestroyICCProfile(bitmap.get());
     report->profileDropped = true;
-    WriteFile(bitmap.get(), target, code, flags, !passing, report);
+    WriteFile(bitmap.get(), target, code, flags, wanted, report);
 }
 
 bool SavePicturePair(const SBxPicBuf& picture, const SBxPicBuf& alpha, const char* target,

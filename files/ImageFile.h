@@ -1,5 +1,6 @@
 #pragma once
 
+#include "files/FileReplace.h"
 #include "files/Formats.h"
 #include "picture/PicBuf.h"
 
@@ -77,6 +78,7 @@ struct SaveReport
     int systemError = 0;         // errno
     bool alphaDropped = false;   // the format has no alpha
     bool profileDropped = false; // the encoder takes no such profile
+    int otherNames = 0;          // names (hard links) of the old file that go on meaning it
 };
 
 // What a file gets beyond picture and source.
@@ -88,6 +90,12 @@ struct SaveExtras
     // A file of the program's own that is read once and thrown away: TIFF without compression, and
     // nobody waits until it has reached the disk.
     bool passing = false;
+
+    // Asked when all is written: if it says so, the target stays as it is.
+    bool (*stopped)() = nullptr;
+
+    // Gets the complete file, which does not take the target's place yet (FinishTogether).
+    ReplacingFile* held = nullptr;
 };
 
 // Writes the pair to `target`; with a non-empty `source`, its colour profile and metadata go along.
