@@ -93,7 +93,7 @@ static void OnSaveAs()
         return;
     SetTitle(path.c_str());
     document.unsaved = false;
-    if (!WriteSettings(SettingGroup::SaveDialog))
+    if (WriteSettings(SettingGroup::SaveDialog, &FrameSettings()) != Outcome::Done)
         TellSettingsUnsaved(g_hwndMain);
 }
 

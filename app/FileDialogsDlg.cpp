@@ -3,6 +3,7 @@
 #include "app/AppWindows_win.h"
 #include "app/FileDialogsIds.h"
 #include "app/FileNames.h"
+#include "app/Frame_win.h"
 #include "base/Format_win.h"
 #include "base/SystemFiles.h"
 #include "files/ImageFile.h"
@@ -254,8 +255,8 @@ static UINT_PTR CALLBACK QualityHook(HWND row, UINT message, WPARAM wParam, LPAR
 static bool AskForTarget(HWND owner, int bitsPerComponent, const wchar_t* source,
                          SaveTarget* target)
 {
-    ReadSettings(SettingGroup::SaveDialog);
-    g_jpegQuality = g_settings.jpegQuality;
+    ReadSettings(SettingGroup::SaveDialog, &FrameSettings());
+    g_jpegQuality = FrameSettings().jpegQuality;
     wchar_t name[kNameChars];
     VcFormat(name, kNameChars, L"%s", ProposedSaveName(source).c_str());
     std::vector<std::wstring> patterns;
@@ -345,12 +346,12 @@ static bool WritePicture(HWND owner, const SBxPicBuf& picture, const SBxPicBuf& 
                          const wchar_t* source, const SaveTarget& target)
 {
     std::string path, from;
-    if (SavePathFromWide(&path, target.path.c_str(), PathUse::Target))
+    if (SavePathFromWide(&path, target.path.c_str(), PathUse::Target) != Outcome::Done)
     {
         TellFailure(owner, kTextFormatNotSupported, target.path.c_str(), L"");
         return false;
     }
-    if (*source && SavePathFromWide(&from, source, PathUse::Source))
+    if (*source && SavePathFromWide(&from, source, PathUse::Source) != Outcome::Done)
         from.clear();
     SaveReport report = TrySave(picture, alpha, path, from, target.format);
     if (!report.written && (report.problem == SaveProblem::SourceFormat ||
@@ -376,7 +377,7 @@ bool SavePictureAs(HWND owner, const SBxPicBuf& picture, const SBxPicBuf& alpha,
         return false;
     if (!WritePicture(owner, picture, alpha, source, target))
         return false;
-    g_settings.jpegQuality = g_jpegQuality;
+    FrameSettings().jpegQuality = g_jpegQuality;
     *path = target.path;
     return true;
 }

@@ -28,8 +28,8 @@ bool LoadForDocument(const wchar_t* path, Picture* picture, Picture* alpha);
 bool LoadSilently(const wchar_t* path, Picture* picture, Picture* alpha);
 
 // Save As for a picture with the metadata of `source`: writes to `path`, whose ending decides the
-// format, and leaves the quality of JPEG files in g_settings, to be stored. An empty path asks for
-// name, type and quality first. False on Cancel or when nothing was written, which the user has
+// format, and leaves the quality of JPEG files in FrameSettings(), to be stored. An empty path asks
+// for name, type and quality first. False on Cancel or when nothing was written, which the user has
 // been told. `path` is the name that was written on success.
 bool SavePictureAs(HWND owner, const SBxPicBuf& picture, const SBxPicBuf& alpha,
                    const wchar_t* source, std::wstring* path);

@@ -22,6 +22,12 @@ CommandStates& FrameCommands()
     return states;
 }
 
+Settings& FrameSettings()
+{
+    static Settings settings = {};
+    return settings;
+}
+
 static ToolHost g_host;
 
 const ToolHost& FrameHost()
@@ -53,6 +59,7 @@ void SetUpFrameHost()
     g_host.status = g_hwndStatus;
     g_host.document = &FrameDocument();
     g_host.view = &g_view;
+    g_host.settings = &FrameSettings();
     g_host.updateViewArea = UpdateViewArea;
     g_host.redrawView = [] { RedrawView(); };
     g_host.showSource = [] { ShowSource(FrameDocument().source); };

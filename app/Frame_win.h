@@ -8,6 +8,7 @@
 Document& FrameDocument();
 bool IsComputing(); // a worker is: the mouse and the zoom box rest
 CommandStates& FrameCommands();
+Settings& FrameSettings();
 
 // The frame as tools see it, once it has its windows.
 const ToolHost& FrameHost();

@@ -28,7 +28,7 @@ static bool g_settingsUnsaved; // at the end of the run
 
 static void WarnAboutCrash(HWND frame)
 {
-    if (g_settings.crashedLastTime != 0 && !g_otherInstance)
+    if (FrameSettings().crashedLastTime != 0 && !g_otherInstance)
         MessageBoxW(frame, Text(kTextCrashedLastTime), Text(kTextWarning), MB_ICONASTERISK);
 }
 
@@ -42,7 +42,7 @@ static LRESULT OnCreate(HWND frame, WPARAM, LPARAM)
     DragAcceptFiles(frame, TRUE);
     FrameDocument() = {};
     FrameCommands() = {};
-    LoadSettings();
+    LoadSettings(&FrameSettings());
     LoadLocalizedStrings(); // once more, now that the language is known
     WarnAboutCrash(frame);
 
@@ -52,7 +52,7 @@ static LRESULT OnCreate(HWND frame, WPARAM, LPARAM)
     if (FAILED(CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED)))
         return -1;
     const uint8_t background = GetRValue(SkinColor(COLOR_APPWORKSPACE));
-    if (CreateDisplayDocument(&g_displayDocument, frame, background))
+    if (CreateDisplayDocument(&g_displayDocument, frame, background) != Outcome::Done)
         return -1;
     g_view.owner = frame;
     g_view.display = g_displayDocument.display;
@@ -189,13 +189,13 @@ static LRESULT OnEndSession(HWND, WPARAM ending, LPARAM)
     if (!ending)
         return 0;
     StopJob(FrameDocument());
-    SaveSettingsOnExit();
+    (void)SaveSettingsOnExit(&FrameSettings()); // no box may come up any more
     return 0;
 }
 
 static LRESULT OnDestroy(HWND, WPARAM, LPARAM)
 {
-    g_settingsUnsaved = !SaveSettingsOnExit();
+    g_settingsUnsaved = SaveSettingsOnExit(&FrameSettings()) != Outcome::Done;
     FrameDocument() = {};
     CoUninitialize();
     ReleaseImageView(&g_view);

@@ -1,5 +1,6 @@
 #include "app/OptionsDlg.h"
 
+#include "app/Frame_win.h"
 #include "app/OptionsIds.h"
 #include "text/LanguageFile.h"
 #include "text/Strings.h"
@@ -47,7 +48,7 @@ static INT_PTR OnOptionsCommand(HWND dlg, int id, bool* stored)
     {
         // -1 when nothing is selected, as in an empty list.
         const LRESULT selected = SendDlgItemMessageW(dlg, IDC_OPTIONS_LANGUAGE, CB_GETCURSEL, 0, 0);
-        *stored = ChooseLanguage(LocalizationFile(), &g_languages, int(selected));
+        *stored = ChooseLanguage(LocalizationFile(), &g_languages, int(selected)) == Outcome::Done;
     }
     EndDialog(dlg, id);
     return TRUE;
@@ -68,7 +69,7 @@ static INT_PTR CALLBACK OptionsProc(HWND dlg, UINT message, WPARAM wParam, LPARA
 void ShowOptionsDialog(HWND owner)
 {
     const int previous = g_languages.current;
-    LoadSettings();
+    LoadSettings(&FrameSettings());
     bool stored = false;
     const INT_PTR answer = DialogBoxParamW(GetModuleHandleW(nullptr), MAKEINTRESOURCEW(IDD_OPTIONS),
                                            owner, OptionsProc, reinterpret_cast<LPARAM>(&stored));

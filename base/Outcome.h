@@ -8,6 +8,16 @@ enum class [[nodiscard]] Outcome{
     Cancelled, // whoever asked for it did not want it any more
 };
 
+// One step after the other until one of them is not done; tells how that ended. Steps are
+// functions.
+template <typename... Steps>
+Outcome InTurn(Steps&&... steps)
+{
+    Outcome outcome = Outcome::Done;
+    (void)(((outcome = steps()) == Outcome::Done) && ...);
+    return outcome;
+}
+
 // Of interfaces whose bool is true on failure.
 constexpr Outcome FailedIf(bool failed)
 {

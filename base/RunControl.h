@@ -1,5 +1,7 @@
 #pragma once
 
+#include "base/Outcome.h"
+
 #include <algorithm>
 #include <atomic>
 #include <functional>
@@ -22,19 +24,19 @@ struct RunControl
 };
 
 // Does body(first, end) for all rows, a few at a time, and asks before each few whether to stop: at
-// least once in a hundredth of a second or so. True when it was stopped.
+// least once in a hundredth of a second or so. Done or cancelled.
 template <typename Body>
-[[nodiscard]] bool StopsInRows(int rows, int rowSamples, const RunControl& control, Body body)
+Outcome RunInRows(int rows, int rowSamples, const RunControl& control, Body body)
 {
     constexpr int kSamplesAtOnce = 1 << 20;
     const int atOnce = std::max(kSamplesAtOnce / std::max(rowSamples, 1), 1);
     for (int first = 0; first < rows; first += atOnce)
     {
         if (control.Cancelled())
-            return true;
+            return Outcome::Cancelled;
         body(first, std::min(first + atOnce, rows));
     }
-    return false;
+    return Outcome::Done;
 }
 
 // The wish to stop inside of a parallel loop: the thread that runs the computation asks, the others

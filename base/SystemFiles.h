@@ -1,5 +1,7 @@
 #pragma once
 
+#include "base/Outcome.h"
+
 #include <cstdint>
 #include <cstdio>
 #include <string>
@@ -19,10 +21,11 @@ enum class PathUse
 
 // Turns a UTF-8 path into one for saving. Where the code page lacks a letter, the short name of the
 // folder (or of the whole path, if it is a source) stands in; letters are never replaced by similar
-// ones, since that would name another file. True when the path cannot be expressed or is too long.
-[[nodiscard]] bool SavePathFromUtf8(std::string* savePath, const char* path, PathUse use);
+// ones, since that would name another file. Fails when the path cannot be expressed or is too
+// long.
+Outcome SavePathFromUtf8(std::string* savePath, const char* path, PathUse use);
 #ifdef _WIN32
-[[nodiscard]] bool SavePathFromWide(std::string* savePath, const wchar_t* path, PathUse use);
+Outcome SavePathFromWide(std::string* savePath, const wchar_t* path, PathUse use);
 std::wstring WideFromUtf8(const char* text); // empty when the text is not UTF-8
 std::wstring WideFromSavePath(const char* savePath);
 

@@ -9,13 +9,13 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-bool SavePathFromUtf8(std::string* savePath, const char* path, PathUse)
+Outcome SavePathFromUtf8(std::string* savePath, const char* path, PathUse)
 {
     savePath->clear();
     if (!*path || std::strlen(path) > size_t(kMaxSavePathBytes))
-        return true;
+        return Outcome::Failed;
     *savePath = path;
-    return false;
+    return Outcome::Done;
 }
 
 bool operator<(const FileIdentity& a, const FileIdentity& b)

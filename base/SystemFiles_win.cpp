@@ -52,28 +52,28 @@ static std::wstring ShortPath(const std::wstring& path)
     return result;
 }
 
-bool SavePathFromWide(std::string* savePath, const wchar_t* path, PathUse use)
+Outcome SavePathFromWide(std::string* savePath, const wchar_t* path, PathUse use)
 {
     savePath->clear();
     const std::wstring whole = path;
     if (whole.empty())
-        return true;
+        return Outcome::Failed;
     if (ToCodePage(savePath, whole))
-        return false;
+        return Outcome::Done;
     if (use == PathUse::Source)
     {
         const std::wstring shortPath = ShortPath(whole);
-        return shortPath.empty() || !ToCodePage(savePath, shortPath);
+        return FailedIf(shortPath.empty() || !ToCodePage(savePath, shortPath));
     }
     // A new file gets the name that was asked for or none: only its folder may be written short.
     const size_t split = whole.find_last_of(L"\\/");
     if (split == std::wstring::npos)
-        return true;
+        return Outcome::Failed;
     const std::wstring folder = ShortPath(whole.substr(0, split + 1));
-    return folder.empty() || !ToCodePage(savePath, folder + whole.substr(split + 1));
+    return FailedIf(folder.empty() || !ToCodePage(savePath, folder + whole.substr(split + 1)));
 }
 
-bool SavePathFromUtf8(std::string* savePath, const char* path, PathUse use)
+Outcome SavePathFromUtf8(std::string* savePath, const char* path, PathUse use)
 {
     return SavePathFromWide(savePath, WideFromUtf8(path).c_str(), use);
 }

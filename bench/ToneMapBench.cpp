@@ -62,9 +62,10 @@ static void RemapPlane(benchmark::State& state)
     const int side = BenchSide(512), levels = SmallBench() ? 3 : kToneMapLevels;
     const Picture plane = BenchPlane(side, side);
     Picture out(side, side, 1, 32), direct(side, side, 1, 32);
-    bool failed = ToneMapPlane(direct.Record(), plane, levels, p);
+    bool failed = ToneMapPlane(direct.Record(), plane, levels, p) != Outcome::Done;
     for (auto _ : state)
-        failed = failed || ToneMapPlane(out.Record(), plane, levels, p, {}, method);
+        failed =
+            failed || ToneMapPlane(out.Record(), plane, levels, p, {}, method) != Outcome::Done;
     for (int y = 0; y < side; ++y)
         for (int x = 0; x < side; ++x)
             failed =
@@ -86,13 +87,13 @@ static void ToneMapPhotograph(benchmark::State& state)
     const ToneMapParams p = Params(chroma);
     const Picture source = BenchScene(width, height, 3, 8, 0);
     Picture out(width, height, 3, 8), expected(width, height, 3, 8);
-    int result = kToneMapDone;
+    bool done = true;
     for (auto _ : state)
-        result |= ToneMapPicture(out.Record(), source, kToneMapLevels, p);
+        done = done && ToneMapPicture(out.Record(), source, kToneMapLevels, p) == Outcome::Done;
     ForceInstructionSet(InstructionSet::Sse2);
-    result |= ToneMapPicture(expected.Record(), source, kToneMapLevels, p);
+    done = done && ToneMapPicture(expected.Record(), source, kToneMapLevels, p) == Outcome::Done;
     UseBestInstructionSet();
-    CheckResult(state, result == kToneMapDone && LargestDifference(out, expected) == 0 &&
+    CheckResult(state, done && LargestDifference(out, expected) == 0 &&
                            LargestDifference(out, source) >= 10);
     ReportPixels(state, width, height);
 }
@@ -105,8 +106,8 @@ static double StopAfter(double wait, SBxPicBuf* out, const SBxPicBuf& source, bo
     const Stopwatch watch;
     RunControl control;
     control.cancelled = [&] { return watch.Seconds() >= wait; };
-    const int result = ToneMapPicture(out, source, kToneMapLevels, p, control);
-    return result == kToneMapCancelled ? watch.Seconds() - wait : -1.0;
+    const Outcome outcome = ToneMapPicture(out, source, kToneMapLevels, p, control);
+    return outcome == Outcome::Cancelled ? watch.Seconds() - wait : -1.0;
 }
 
 // How soon a run over 24 megapixels ends when it is asked to, at moments spread evenly over it.

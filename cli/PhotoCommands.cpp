@@ -76,8 +76,8 @@ static std::string ToneMap(SBxPicBuf* result, const SBxPicBuf& photo, const Phot
     const ToneMapParams params = ToneMapParamsOf(options.numbers.toneMap);
     const bool chroma = params.useColors && photo.components == 3;
     const RunControl control = ControlOf(progress, chroma ? 45 : 15);
-    const int outcome = ToneMapPicture(result, photo, kToneMapLevels, params, control);
-    return outcome == kToneMapDone ? "" : kNoMemory;
+    const Outcome outcome = ToneMapPicture(result, photo, kToneMapLevels, params, control);
+    return outcome == Outcome::Done ? "" : kNoMemory;
 }
 
 static std::string SmartContrast(SBxPicBuf* result, const SBxPicBuf& photo,

@@ -79,9 +79,9 @@ std::string SaveResult(const SBxPicBuf& picture, const SBxPicBuf& alpha, const s
                        ReplacingFile* held)
 {
     std::string target, from;
-    if (SavePathFromUtf8(&target, path.c_str(), PathUse::Target))
+    if (SavePathFromUtf8(&target, path.c_str(), PathUse::Target) != Outcome::Done)
         return "this name is too long or has letters that the system cannot express";
-    if (SavePathFromUtf8(&from, source.c_str(), PathUse::Source))
+    if (SavePathFromUtf8(&from, source.c_str(), PathUse::Source) != Outcome::Done)
         from.clear();
 
     SaveExtras extras;

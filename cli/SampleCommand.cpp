@@ -69,7 +69,8 @@ static std::vector<uint8_t> ExifOf(const Frame& frame)
 static std::string SaveFrame(ResultSet* files, const SampleRadiance& scene, const Frame& frame)
 {
     std::string path;
-    if (SavePathFromUtf8(&path, files->PathOf(frame.name).c_str(), PathUse::Target))
+    if (SavePathFromUtf8(&path, files->PathOf(frame.name).c_str(), PathUse::Target) !=
+        Outcome::Done)
         return "this name is too long or has letters that the system cannot express";
     const Picture picture = ExposeSample(scene, frame.stops);
     if (picture.Empty())

@@ -41,7 +41,7 @@ TargetComplaint CheckPlaces(const std::vector<std::string>& outputs)
     for (const std::string& output : outputs)
     {
         std::string path;
-        if (SavePathFromUtf8(&path, output.c_str(), PathUse::Target))
+        if (SavePathFromUtf8(&path, output.c_str(), PathUse::Target) != Outcome::Done)
             return {output, "this name is too long or has letters that the system cannot express"};
         SaveReport report;
         report.problem = SaveProblem::CannotCreate;

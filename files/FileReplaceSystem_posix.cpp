@@ -264,8 +264,11 @@ int MoveOver(const ReplacingFile& file)
 
 int KeepOld(std::filesystem::path* old, const ReplacingFile& file)
 {
-    if (access(file.target.c_str(), F_OK) != 0)
+    struct stat info = {};
+    if (stat(file.target.c_str(), &info) != 0)
         return 0;
+    if (const int reason = WhyNotReplaceable(file.target.c_str(), info))
+        return reason; // since it was looked at first
     for (;;)
     {
         *old = NewName(file);

@@ -224,8 +224,11 @@ int MoveOver(const ReplacingFile& file)
 
 int KeepOld(std::filesystem::path* old, const ReplacingFile& file)
 {
-    if (GetFileAttributesW(file.target.c_str()) == INVALID_FILE_ATTRIBUTES)
+    const DWORD attributes = GetFileAttributesW(file.target.c_str());
+    if (attributes == INVALID_FILE_ATTRIBUTES)
         return 0;
+    if (attributes & FILE_ATTRIBUTE_DIRECTORY) // since it was looked at first
+        return EISDIR;
     *old = NewName(file);
     if (CreateHardLinkW(old->c_str(), file.target.c_str(), nullptr))
         return 0;

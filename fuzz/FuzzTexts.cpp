@@ -85,12 +85,12 @@ static void TrySettings(const WideText& file)
     // What was written is what comes back.
     for (const SettingGroup group : {SettingGroup::FusionTool, SettingGroup::LevelsOfDetail})
     {
-        Promise(WriteSettings(store, group, &settings));
+        Promise(WriteSettings(store, group, &settings) == Outcome::Done);
         ReadSettings(store, group, &again);
     }
     Promise(settings.fusionTool.exposure == again.fusionTool.exposure &&
             std::equal(settings.levelsOfDetail, settings.levelsOfDetail + 8, again.levelsOfDetail));
-    SaveSettingsOnExit(store, &settings);
+    (void)SaveSettingsOnExit(store, &settings);
 }
 
 static void TryLocalisation(const WideText& file)
@@ -103,7 +103,7 @@ static void TryLocalisation(const WideText& file)
     LoadStrings(store, languages.current);
     for (const auto& text : g_strings)
         Promise(std::find(text, text + kStringChars, L'\0') != text + kStringChars);
-    ChooseLanguage(store, &languages, languages.count - 1);
+    (void)ChooseLanguage(store, &languages, languages.count - 1);
 }
 
 static void TryZoom(const WideText& text)

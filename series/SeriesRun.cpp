@@ -14,7 +14,7 @@ SeriesBar SeriesBarOf(SeriesKind kind)
 static void WriteSeriesFile(const std::string& path, const SBxPicBuf& picture)
 {
     std::string savePath;
-    if (SavePathFromUtf8(&savePath, path.c_str(), PathUse::Target))
+    if (SavePathFromUtf8(&savePath, path.c_str(), PathUse::Target) != Outcome::Done)
         return;
     SaveExtras extras;
     extras.passing = true;

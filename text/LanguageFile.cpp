@@ -34,11 +34,13 @@ void LoadLanguageNames(const ProfileStore& store, LanguageList* list)
     }
 }
 
-bool ChooseLanguage(const ProfileStore& store, LanguageList* list, int language)
+Outcome ChooseLanguage(const ProfileStore& store, LanguageList* list, int language)
 {
     list->current = language;
-    const bool written = WriteNumber(store, kGeneralSection, kCurrentKey, language);
+    const Outcome written = WriteNumber(store, kGeneralSection, kCurrentKey, language);
     std::wstring stored;
-    return written && store.read(kGeneralSection, kCurrentKey, &stored) &&
-           stored == std::to_wstring(language);
+    const bool found = written == Outcome::Done &&
+                       store.read(kGeneralSection, kCurrentKey, &stored) &&
+                       stored == std::to_wstring(language);
+    return FailedIf(!found);
 }

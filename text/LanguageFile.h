@@ -1,5 +1,6 @@
 #pragma once
 
+#include "base/Outcome.h"
 #include "text/ProfileStore.h"
 
 #include <string>
@@ -30,6 +31,6 @@ std::wstring LanguageSection(int language);
 void LoadLanguageChoice(const ProfileStore& store, LanguageList* list); // count and current
 void LoadLanguageNames(const ProfileStore& store, LanguageList* list);  // `count` of them
 
-// Makes a language the one in use and stores the choice. True when the choice is in the file
-// afterwards: a folder without write permission loses it, sometimes without an error.
-bool ChooseLanguage(const ProfileStore& store, LanguageList* list, int language);
+// Makes a language the one in use and stores the choice. Fails when the choice is not in the
+// file afterwards: a folder without write permission loses it, sometimes without an error.
+Outcome ChooseLanguage(const ProfileStore& store, LanguageList* list, int language);

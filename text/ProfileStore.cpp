@@ -33,8 +33,8 @@ int ReadNumber(const ProfileStore& store, const std::wstring& section, const std
     return store.read(section, key, &text) ? DecimalNumber(text) : missing;
 }
 
-bool WriteNumber(const ProfileStore& store, const std::wstring& section, const std::wstring& key,
-                 int number)
+Outcome WriteNumber(const ProfileStore& store, const std::wstring& section, const std::wstring& key,
+                    int number)
 {
-    return store.write(section, {{key, std::to_wstring(number)}});
+    return FailedIf(!store.write(section, {{key, std::to_wstring(number)}}));
 }

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "base/Outcome.h"
+
 #include <functional>
 #include <string>
 #include <vector>
@@ -49,8 +51,8 @@ std::wstring ReadText(const ProfileStore& store, const std::wstring& section,
                       const std::wstring& key, const wchar_t* missing);
 int ReadNumber(const ProfileStore& store, const std::wstring& section, const std::wstring& key,
                int missing);
-bool WriteNumber(const ProfileStore& store, const std::wstring& section, const std::wstring& key,
-                 int number);
+Outcome WriteNumber(const ProfileStore& store, const std::wstring& section, const std::wstring& key,
+                    int number);
 
 // A sign and the digits that follow it at once: "-1" is -1, "12px" is 12, "x" and "" are 0. Stays
 // at the ends of the int range.

@@ -155,7 +155,7 @@ void UpStep(PyramidSet* set, float* dst, const float* src, int level)
     PyrUp(src, step, dst, 2 * step, size, set->scratch.data());
 }
 
-bool AllocatePyramid(PyramidSet* set, float* plane, const CBxSize<int>& size, int levels)
+Outcome AllocatePyramid(PyramidSet* set, float* plane, const CBxSize<int>& size, int levels)
 {
     set->levels = levels;
     set->size = size;
@@ -166,7 +166,7 @@ bool AllocatePyramid(PyramidSet* set, float* plane, const CBxSize<int>& size, in
     }
     catch (const std::bad_alloc&)
     {
-        return true;
+        return Outcome::Failed;
     }
     for (int l = 0; l <= levels; ++l)
     {
@@ -180,16 +180,16 @@ bool AllocatePyramid(PyramidSet* set, float* plane, const CBxSize<int>& size, in
         if (l < levels)
             set->laplace[l].reset(VcAllocUnsetPlane(samples));
         if (!set->gauss[l] || (l < levels && !set->laplace[l]))
-            return true;
+            return Outcome::Failed;
     }
-    return false;
+    return Outcome::Done;
 }
 
 // Expands level + 1 into dst row by row, and joins each row with the one of `other` while it is in
 // the cache: the same bits as in two passes. dst and other have the size of `level`.
 template <typename JoinFn>
-static bool UpAndJoin(PyramidSet* set, float* dst, const float* other, int level,
-                      const RunControl& control, JoinFn join)
+static Outcome UpAndJoin(PyramidSet* set, float* dst, const float* other, int level,
+                         const RunControl& control, JoinFn join)
 {
     const CBxSize<int> fine = LevelSize(*set, level), coarse = LevelSize(*set, level + 1);
     const auto rows = [&](int first, int end)
@@ -202,10 +202,10 @@ static bool UpAndJoin(PyramidSet* set, float* dst, const float* other, int level
             join(row, other + int64_t(y) * fine.cx, fine.cx);
         }
     };
-    return StopsInRows(fine.cy, fine.cx, control, rows);
+    return RunInRows(fine.cy, fine.cx, control, rows);
 }
 
-bool BuildLevel(PyramidSet* set, int level, const RunControl& control)
+Outcome BuildLevel(PyramidSet* set, int level, const RunControl& control)
 {
     const CBxSize<int> size = LevelSize(*set, level);
     const int step = size.cx * int(sizeof(float));
@@ -214,18 +214,19 @@ bool BuildLevel(PyramidSet* set, int level, const RunControl& control)
         DownRows(fine, step, set->gauss[level + 1], step / 2, size, first, end,
                  set->scratch.data());
     };
-    return StopsInRows(size.cy / 2, 2 * size.cx, control, down) ||
-           UpAndJoin(set, set->laplace[level].get(), fine, level, control,
-                     [](float* row, const float* gauss, int width)
-                     { Subtract(row, gauss, row, width, 1); });
+    const auto subtract = [](float* row, const float* gauss, int width)
+    { Subtract(row, gauss, row, width, 1); };
+    return InTurn(
+        [&] { return RunInRows(size.cy / 2, 2 * size.cx, control, down); },
+        [&] { return UpAndJoin(set, set->laplace[level].get(), fine, level, control, subtract); });
 }
 
-bool CollapsePyramid(PyramidSet* set, const RunControl& control)
+Outcome CollapsePyramid(PyramidSet* set, const RunControl& control)
 {
-    for (int level = set->levels - 1; level >= 0; --level)
-        if (UpAndJoin(set, set->gauss[level], set->laplace[level].get(), level, control,
-                      [](float* row, const float* laplace, int width)
-                      { Add(row, row, laplace, width, 1); }))
-            return true;
-    return false;
+    const auto add = [](float* row, const float* laplace, int width)
+    { Add(row, row, laplace, width, 1); };
+    Outcome outcome = Outcome::Done;
+    for (int level = set->levels - 1; level >= 0 && outcome == Outcome::Done; --level)
+        outcome = UpAndJoin(set, set->gauss[level], set->laplace[level].get(), level, control, add);
+    return outcome;
 }

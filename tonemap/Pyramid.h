@@ -1,6 +1,7 @@
 #pragma once
 
 #include "base/Geometry.h"
+#include "base/Outcome.h"
 #include "base/RunControl.h"
 #include "picture/FloatPlane.h"
 #include "picture/PicBuf.h"
@@ -54,15 +55,12 @@ CBxSize<int> LevelSize(const PyramidSet& set, int level);
 void DownStep(PyramidSet* set, float* dst, const float* src, int level);
 void UpStep(PyramidSet* set, float* dst, const float* src, int level);
 
-// Allocates the levels above `plane`, whose sides are multiples of 2^levels. True when memory is
-// short.
-[[nodiscard]] bool AllocatePyramid(PyramidSet* set, float* plane, const CBxSize<int>& size,
-                                   int levels);
+// Allocates the levels above `plane`, whose sides are multiples of 2^levels. Fails when memory
+// is short.
+Outcome AllocatePyramid(PyramidSet* set, float* plane, const CBxSize<int>& size, int levels);
 
-// One level of the build: gauss[level + 1] and laplace[level] from gauss[level]. True when it was
-// cancelled.
-[[nodiscard]] bool BuildLevel(PyramidSet* set, int level, const RunControl& control = {});
+// One level of the build: gauss[level + 1] and laplace[level] from gauss[level].
+Outcome BuildLevel(PyramidSet* set, int level, const RunControl& control = {});
 
-// Puts gauss[0] together again from the Laplacian levels and the coarsest Gaussian. True when it
-// was cancelled.
-[[nodiscard]] bool CollapsePyramid(PyramidSet* set, const RunControl& control = {});
+// Puts gauss[0] together again from the Laplacian levels and the coarsest Gaussian.
+Outcome CollapsePyramid(PyramidSet* set, const RunControl& control = {});

@@ -52,13 +52,14 @@ static void PadRows(SBxPicBuf* padded, const SBxPicBuf& picture, int first, int 
     }
 }
 
-bool PadForPyramid(SBxPicBuf* padded, const SBxPicBuf& picture, int levels,
-                   const RunControl& control)
+Outcome PadForPyramid(SBxPicBuf* padded, const SBxPicBuf& picture, int levels,
+                      const RunControl& control)
 {
     CBxPicBufAPI::ReinitHeap(padded, PaddedSide(picture.width, levels),
                              PaddedSide(picture.height, levels), picture.components,
                              picture.bitsPerComponent);
-    return !padded->data ||
-           StopsInRows(padded->height, padded->width * padded->components, control,
-                       [&](int first, int end) { PadRows(padded, picture, first, end); });
+    if (!padded->data)
+        return Outcome::Failed;
+    return RunInRows(padded->height, padded->width * padded->components, control,
+                     [&](int first, int end) { PadRows(padded, picture, first, end); });
 }

@@ -8,9 +8,9 @@
 int PaddedSide(int side, int levels);
 
 // Makes `padded` (initialised; released first) a copy of the picture with both sides padded and the
-// edges replicated. True when memory is short, padded is empty then, or when it was cancelled.
-[[nodiscard]] bool PadForPyramid(SBxPicBuf* padded, const SBxPicBuf& picture, int levels,
-                                 const RunControl& control = {});
+// edges replicated. Fails when memory is short; padded is empty then.
+Outcome PadForPyramid(SBxPicBuf* padded, const SBxPicBuf& picture, int levels,
+                      const RunControl& control = {});
 
 // Fill what lies right of `width` and below `height` of a buffer with its last column and row.
 void ReplicateEdges8(SBxPicBuf* buffer, int width, int height);

@@ -130,21 +130,21 @@ static void SortRow(float* to, const float* from, int width, const PhaseLayout& 
     }
 }
 
-bool RemapLevel(PyramidSet* set, int level, const RemapConstants& constants, const float* curve,
-                const RunControl& control)
+Outcome RemapLevel(PyramidSet* set, int level, const RemapConstants& constants, const float* curve,
+                   const RunControl& control)
 {
     const RemapGrid grid = RemapGridOf(level);
     const CBxSize<int> fine = LevelSize(*set, grid.fine), size = LevelSize(*set, level);
     // The truncating division of the phases: a coefficient counts if a whole step follows it.
     const int columns = size.cx - grid.step + 1, rows = size.cy - grid.step + 1;
     if (columns <= 0 || rows <= 0)
-        return false;
+        return Outcome::Done;
 
     const RemapWeights weights = RemapWeightsOf(grid.shift);
     const PhaseLayout layout = PhaseLayoutOf(grid, fine.cx);
     const FloatPlane sorted(VcAllocUnsetPlane(layout.rowStep * fine.cy));
     if (!sorted)
-        return true;
+        return Outcome::Failed;
     LoopStop stop(control);
     const float* source = set->gauss[grid.fine];
 #pragma omp parallel for schedule(static)
@@ -185,5 +185,5 @@ bool RemapLevel(PyramidSet* set, int level, const RemapConstants& constants, con
     for (int y = 0; y < rows; ++y)
         if (!stop.Wanted())
             remapRow(&job, y);
-    return stop.Wanted();
+    return stop.Wanted() ? Outcome::Cancelled : Outcome::Done;
 }

@@ -51,9 +51,9 @@ void RemapRegions(float* workJ, int J, const float* Gl, int l, int W, int H, int
 // The remapped coefficients of one level, straight into set->laplace[level]: what the phases give,
 // without working pyramids. Each coefficient is one weighted sum over its remapped neighbourhood.
 // Coefficients of the last partial step keep their plain value. Rows are spread over threads; the
-// bits do not depend on their number. True when cancelled or short of memory.
-[[nodiscard]] bool RemapLevel(PyramidSet* set, int level, const RemapConstants& constants,
-                              const float* curve, const RunControl& control);
+// bits do not depend on their number.
+Outcome RemapLevel(PyramidSet* set, int level, const RemapConstants& constants, const float* curve,
+                   const RunControl& control);
 
 // Limits the loops of this thread and of threads that it starts later to that many threads; 0 goes
 // back to as many as there are processors.

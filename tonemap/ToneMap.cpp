@@ -16,11 +16,6 @@ struct PlaneFilter
     ToneMapMethod method;
 };
 
-static int FailureOf(const RunControl& control)
-{
-    return control.Cancelled() ? kToneMapCancelled : kToneMapOutOfMemory;
-}
-
 // Rows [first, end) of a picture, as a picture of their own.
 static SBxPicBuf RowsOf(const SBxPicBuf& picture, int first, int end)
 {
@@ -57,23 +52,23 @@ static void FloatToComponent(const SBxPicBuf& picture, const SBxPicBuf& plane, i
     }
 }
 
-// Calls body with the same rows of two pictures, a few at a time. True when it was cancelled.
+// Calls body with the same rows of two pictures, a few at a time.
 template <typename Body>
-static bool StopsInPair(const SBxPicBuf& a, const SBxPicBuf& b, const RunControl& control,
-                        Body body)
+static Outcome RunInPair(const SBxPicBuf& a, const SBxPicBuf& b, const RunControl& control,
+                         Body body)
 {
-    return StopsInRows(a.height, a.width * std::max(a.components, b.components), control,
-                       [&](int first, int end)
-                       { body(RowsOf(a, first, end), RowsOf(b, first, end)); });
+    return RunInRows(a.height, a.width * std::max(a.components, b.components), control,
+                     [&](int first, int end)
+                     { body(RowsOf(a, first, end), RowsOf(b, first, end)); });
 }
 
 // Filters a component of the padded picture in place, going through floats.
-static int FilterComponent(const SBxPicBuf& padded, int component, const PlaneFilter& filter)
+static Outcome FilterComponent(const SBxPicBuf& padded, int component, const PlaneFilter& filter)
 {
     const RunControl& control = *filter.control;
     Picture floats(padded.width, padded.height, 1, 32);
     if (floats.Empty())
-        return kToneMapOutOfMemory;
+        return Outcome::Failed;
     const bool narrow = padded.bitsPerComponent == 8;
     const auto there = [=](const SBxPicBuf& picture, const SBxPicBuf& plane)
     {
@@ -85,54 +80,52 @@ static int FilterComponent(const SBxPicBuf& padded, int component, const PlaneFi
         return narrow ? FloatToComponent<uint8_t>(picture, plane, component)
                       : FloatToComponent<uint16_t>(picture, plane, component);
     };
-    if (StopsInPair(padded, floats, control, there) ||
-        ToneMapPlane(floats.Record(), floats, filter.levels, filter.params, control,
-                     filter.method) ||
-        StopsInPair(padded, floats, control, back))
-        return FailureOf(control);
-    return kToneMapDone;
+    const auto map = [&]
+    {
+        return ToneMapPlane(floats.Record(), floats, filter.levels, filter.params, control,
+                            filter.method);
+    };
+    return InTurn([&] { return RunInPair(padded, floats, control, there); }, map,
+                  [&] { return RunInPair(padded, floats, control, back); });
 }
 
-static int FilterColours(const SBxPicBuf& padded, const PlaneFilter& filter, int planes)
+static Outcome FilterColours(const SBxPicBuf& padded, const PlaneFilter& filter, int planes)
 {
-    const RunControl& control = *filter.control;
-    if (StopsInPair(padded, padded, control,
-                    [](SBxPicBuf rows, const SBxPicBuf&)
-                    { CBxPicBufAPI::ConvertRGBtoYUV(&rows, rows); }))
-        return kToneMapCancelled;
-    for (int c = 0; c < planes; ++c)
-        if (const int failure = FilterComponent(padded, c, filter))
-            return failure;
-    const bool stopped = StopsInPair(padded, padded, control,
-                                     [](SBxPicBuf rows, const SBxPicBuf&)
-                                     { CBxPicBufAPI::ConvertYUVtoRGB(&rows, rows); });
-    return stopped ? kToneMapCancelled : kToneMapDone;
+    const auto toYuv = [](SBxPicBuf rows, const SBxPicBuf&)
+    { CBxPicBufAPI::ConvertRGBtoYUV(&rows, rows); };
+    const auto toRgb = [](SBxPicBuf rows, const SBxPicBuf&)
+    { CBxPicBufAPI::ConvertYUVtoRGB(&rows, rows); };
+    const auto filterPlanes = [&]
+    {
+        Outcome outcome = Outcome::Done;
+        for (int c = 0; c < planes && outcome == Outcome::Done; ++c)
+            outcome = FilterComponent(padded, c, filter);
+        return outcome;
+    };
+    return InTurn([&] { return RunInPair(padded, padded, *filter.control, toYuv); }, filterPlanes,
+                  [&] { return RunInPair(padded, padded, *filter.control, toRgb); });
 }
 
-static int FilterPicture(SBxPicBuf* out, const SBxPicBuf& in, const PlaneFilter& filter)
+static Outcome FilterPicture(SBxPicBuf* out, const SBxPicBuf& in, const PlaneFilter& filter)
 {
     Picture padded;
-    if (PadForPyramid(padded.Record(), in, filter.levels, *filter.control))
-        return FailureOf(*filter.control);
-    const int planes = filter.params.useColors ? 3 : 1;
-    const int result = in.components == 1 ? FilterComponent(padded, 0, filter)
-                                          : FilterColours(padded, filter, planes);
-    if (result != kToneMapDone)
-        return result;
-    // As a whole or not at all: nobody asks from here on.
-    VcCopyPixels(out, padded, {in.width, in.height});
-    return kToneMapDone;
+    const auto pad = [&]
+    { return PadForPyramid(padded.Record(), in, filter.levels, *filter.control); };
+    const auto map = [&]
+    {
+        const int planes = filter.params.useColors ? 3 : 1;
+        return in.components == 1 ? FilterComponent(padded, 0, filter)
+                                  : FilterColours(padded, filter, planes);
+    };
+    const Outcome outcome = InTurn(pad, map);
+    if (outcome == Outcome::Done) // as a whole or not at all: nobody asks from here on
+        VcCopyPixels(out, padded, {in.width, in.height});
+    return outcome;
 }
 
-int ToneMapPicture(SBxPicBuf* out, const SBxPicBuf& in, int levels, const ToneMapParams& params,
-                   const RunControl& control, ToneMapMethod method)
+Outcome ToneMapPicture(SBxPicBuf* out, const SBxPicBuf& in, int levels, const ToneMapParams& params,
+                       const RunControl& control, ToneMapMethod method)
 {
     const PlaneFilter filter = {levels, params, &control, method};
-    int result = kToneMapOutOfMemory;
-    const auto run = [&]
-    {
-        result = FilterPicture(out, in, filter);
-        return Outcome::Done;
-    };
-    return FailWithoutMemory(run) == Outcome::Done ? result : kToneMapOutOfMemory;
+    return FailWithoutMemory([&] { return FilterPicture(out, in, filter); });
 }

@@ -8,15 +8,9 @@
 
 constexpr int kToneMapLevels = 5; // of the tool, for preview and final run alike
 
-enum ToneMapResult
-{
-    kToneMapDone = 0,
-    kToneMapCancelled,
-    kToneMapOutOfMemory,
-};
-
 // Filters `in` (1 or 3 components, 8 or 16 bits, any size) into `out` of the same geometry; out may
 // be in. Progress advances by 3 per level and plane (15 a plane with 5 levels). out is written only
 // when the run is done.
-int ToneMapPicture(SBxPicBuf* out, const SBxPicBuf& in, int levels, const ToneMapParams& params,
-                   const RunControl& control = {}, ToneMapMethod method = ToneMapMethod::Direct);
+Outcome ToneMapPicture(SBxPicBuf* out, const SBxPicBuf& in, int levels, const ToneMapParams& params,
+                       const RunControl& control = {},
+                       ToneMapMethod method = ToneMapMethod::Direct);

@@ -13,7 +13,7 @@ struct WorkingPyramid
     FloatPlane gauss[16], laplace[16];
 };
 
-static bool AllocateWork(WorkingPyramid* work, const PyramidSet& set)
+static Outcome AllocateWork(WorkingPyramid* work, const PyramidSet& set)
 {
     for (int l = 0; l <= set.levels; ++l)
     {
@@ -21,9 +21,9 @@ static bool AllocateWork(WorkingPyramid* work, const PyramidSet& set)
         work->gauss[l].reset(VcAllocPlane(int64_t(size.cx) * size.cy));
         work->laplace[l].reset(VcAllocPlane(int64_t(size.cx) * size.cy));
         if (!work->gauss[l] || !work->laplace[l])
-            return true;
+            return Outcome::Failed;
     }
-    return false;
+    return Outcome::Done;
 }
 
 // One phase: remap every step-th neighbourhood in a copy, take the copy apart, keep the
@@ -47,12 +47,12 @@ static void RunPhase(PyramidSet* set, WorkingPyramid* work, int level, const Rem
             set->laplace[level].get()[int64_t(y) * size.cx + x] = laplace[int64_t(y) * size.cx + x];
 }
 
-static bool RemapByPhases(PyramidSet* set, const RemapConstants& constants, const float* curve,
-                          const RunControl& control)
+static Outcome RemapByPhases(PyramidSet* set, const RemapConstants& constants, const float* curve,
+                             const RunControl& control)
 {
     WorkingPyramid work;
-    if (AllocateWork(&work, *set))
-        return true;
+    if (AllocateWork(&work, *set) != Outcome::Done)
+        return Outcome::Failed;
     for (int level = 0; level < set->levels; ++level)
     {
         const RemapGrid grid = RemapGridOf(level);
@@ -62,44 +62,52 @@ static bool RemapByPhases(PyramidSet* set, const RemapConstants& constants, cons
             {
                 RunPhase(set, &work, level, grid, dx, dy, constants, curve);
                 if (control.Cancelled())
-                    return true;
+                    return Outcome::Cancelled;
             }
     }
-    return false;
+    return Outcome::Done;
 }
 
-static bool RemapDirectly(PyramidSet* set, const RemapConstants& constants, const float* curve,
-                          const RunControl& control)
+static Outcome RemapDirectly(PyramidSet* set, const RemapConstants& constants, const float* curve,
+                             const RunControl& control)
 {
-    for (int level = 0; level < set->levels; ++level)
+    Outcome outcome = Outcome::Done;
+    for (int level = 0; level < set->levels && outcome == Outcome::Done; ++level)
     {
         control.Advance(2);
-        if (RemapLevel(set, level, constants, curve, control))
-            return true;
+        outcome = RemapLevel(set, level, constants, curve, control);
     }
-    return false;
+    return outcome;
 }
 
-bool ToneMapPlane(SBxPicBuf* out, const SBxPicBuf& in, int levels, const ToneMapParams& params,
-                  const RunControl& control, ToneMapMethod method)
+static Outcome BuildLevels(PyramidSet* set, const RunControl& control)
+{
+    Outcome outcome = Outcome::Done;
+    for (int level = 0; level < set->levels && outcome == Outcome::Done; ++level)
+    {
+        control.Advance(1);
+        outcome = BuildLevel(set, level, control);
+    }
+    return outcome;
+}
+
+Outcome ToneMapPlane(SBxPicBuf* out, const SBxPicBuf& in, int levels, const ToneMapParams& params,
+                     const RunControl& control, ToneMapMethod method)
 {
     if (out->data != in.data)
         CBxPicBufAPI::Copy(out, in);
     PyramidSet set;
-    if (AllocatePyramid(&set, PicRow<float>(*out, 0), {in.width, in.height}, levels))
-        return true;
-    for (int level = 0; level < levels; ++level)
-    {
-        control.Advance(1);
-        if (BuildLevel(&set, level, control))
-            return true;
-    }
-
     const FloatPlane curve(VcAllocPlane(kRemapCurveEntries));
     if (!curve)
-        return true;
+        return Outcome::Failed;
     FillRemapCurve(curve.get(), params.details);
     const auto remap = method == ToneMapMethod::Phases ? RemapByPhases : RemapDirectly;
-    const bool failed = remap(&set, RemapConstantsOf(params), curve.get(), control);
-    return failed || CollapsePyramid(&set, control);
+    float* finest = PicRow<float>(*out, 0);
+    return InTurn(
+        [&] {
+            return AllocatePyramid(&set, finest, {in.width, in.height}, levels);
+        },
+        [&] { return BuildLevels(&set, control); },
+        [&] { return remap(&set, RemapConstantsOf(params), curve.get(), control); },
+        [&] { return CollapsePyramid(&set, control); });
 }

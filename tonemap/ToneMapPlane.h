@@ -13,7 +13,6 @@ enum class ToneMapMethod
 };
 
 // The filter on one plane: one component of 32-bit floats on the 0..255 scale, both sides multiples
-// of 2^levels. True when it was cancelled or memory was short; out is worthless then.
-[[nodiscard]] bool ToneMapPlane(SBxPicBuf* out, const SBxPicBuf& in, int levels,
-                                const ToneMapParams& params, const RunControl& control = {},
-                                ToneMapMethod method = ToneMapMethod::Direct);
+// of 2^levels. After anything but Done out is worthless.
+Outcome ToneMapPlane(SBxPicBuf* out, const SBxPicBuf& in, int levels, const ToneMapParams& params,
+                     const RunControl& control = {}, ToneMapMethod method = ToneMapMethod::Direct);

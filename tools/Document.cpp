@@ -9,13 +9,13 @@ bool HasPicture(const SBxPicBuf& picture)
     return picture.data && picture.width > 0 && picture.height > 0;
 }
 
-bool CopyPicture(Picture* dst, const SBxPicBuf& src)
+Outcome CopyPicture(Picture* dst, const SBxPicBuf& src)
 {
     CBxPicBufAPI::ReinitHeap(dst->Record(), src);
     if (dst->Empty())
-        return false;
+        return Outcome::Failed;
     VcCopyPixels(dst->Record(), src, {src.width, src.height});
-    return true;
+    return Outcome::Done;
 }
 
 // Every change of the result comes by here.
@@ -48,18 +48,18 @@ void TakeSeries(Document* document, std::vector<std::wstring> files)
 }
 
 // In the block that the present result has, so that there are never two.
-static bool CopyToResult(Document* document, const SBxPicBuf& picture)
+static Outcome CopyToResult(Document* document, const SBxPicBuf& picture)
 {
     Picture copy = std::move(document->result);
-    const bool copied = CopyPicture(&copy, picture);
+    const Outcome copied = CopyPicture(&copy, picture);
     SetResult(document, std::move(copy), false);
     return copied;
 }
 
-bool PrepareToolPictures(Document* document)
+Outcome PrepareToolPictures(Document* document)
 {
-    return CopyToResult(document, document->source) &&
-           CopyPicture(&document->preview, document->source);
+    return InTurn([&] { return CopyToResult(document, document->source); },
+                  [&] { return CopyPicture(&document->preview, document->source); });
 }
 
 void GiveResult(Document* document, Picture result)

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "base/Outcome.h"
 #include "picture/Picture.h"
 
 #include <functional>
@@ -44,8 +45,8 @@ struct Document
 
 bool HasPicture(const SBxPicBuf& picture);
 
-// Makes dst a copy of src: geometry and pixels. False when memory is short; dst is empty then.
-bool CopyPicture(Picture* dst, const SBxPicBuf& src);
+// Makes dst a copy of src: geometry and pixels. Fails when memory is short; dst is empty then.
+Outcome CopyPicture(Picture* dst, const SBxPicBuf& src);
 
 // A photograph has been opened: it becomes the source. Everything of the one before goes, with its
 // series.
@@ -57,8 +58,8 @@ void ForgetSource(Document* document);
 // The files to be fused from now on, the first of them shown. Who chose them stays as it is.
 void TakeSeries(Document* document, std::vector<std::wstring> files);
 
-// Before a tool starts: result and preview become copies of the source. False when memory is short.
-[[nodiscard]] bool PrepareToolPictures(Document* document);
+// Before a tool starts: result and preview become copies of the source. Fails when memory is short.
+Outcome PrepareToolPictures(Document* document);
 
 // A tool has made this of the source; it is in no file yet.
 void GiveResult(Document* document, Picture result);

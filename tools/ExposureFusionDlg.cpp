@@ -45,9 +45,9 @@ static void Ended()
 bool ShowExposureFusionDialog(const ToolHost& host, std::unique_ptr<FusionSources> sources)
 {
     const SourceSeries& series = host.document->series;
-    ReadSettings(SettingGroup::FusionTool);
+    ReadSettings(SettingGroup::FusionTool, host.settings);
     const auto model = std::make_shared<ExposureFusionModel>(
-        OpenExposureFusion(g_settings, int(series.files.size())));
+        OpenExposureFusion(*host.settings, int(series.files.size())));
     FusionToolKind kind = {};
     kind.dialogId = IDD_EXPOSURE_FUSION;
     kind.slider = {IDC_FUSION_SLIDER, IDC_FUSION_VALUE,
@@ -61,10 +61,10 @@ bool ShowExposureFusionDialog(const ToolHost& host, std::unique_ptr<FusionSource
     kind.move = [=](SliderMove move, int thumb) { MoveExposure(model.get(), move, thumb); };
     kind.setDefaults = [=] { SetFusionDefaults(model.get()); };
     kind.task = [=](const CBxRect<int>& region) { return ExposureTask(*model, region); };
-    kind.store = [=]
+    kind.store = [=, settings = host.settings]
     {
-        StoreExposureFusion(*model, &g_settings);
-        return WriteSettings(SettingGroup::FusionTool);
+        StoreExposureFusion(*model, settings);
+        return WriteSettings(SettingGroup::FusionTool, settings);
     };
     kind.opened = [&host](HWND dlg) { Opened(host, dlg); };
     kind.ended = Ended;

@@ -213,9 +213,9 @@ static void MakeResult(HWND dlg, FusionTool* tool)
 static void Finish(HWND dlg, FusionTool* tool)
 {
     const HWND frame = tool->host->frame;
-    const bool stored = tool->kind.store();
+    const Outcome stored = tool->kind.store();
     MakeResult(dlg, tool);
-    if (!stored)
+    if (stored != Outcome::Done)
         TellSettingsUnsaved(frame);
 }
 
@@ -280,7 +280,7 @@ static bool NothingUsable(const FusionSources& sources)
 bool ShowFusionTool(const ToolHost& host, const FusionToolKind& kind,
                     std::unique_ptr<FusionSources> sources)
 {
-    if (!PrepareToolPictures(host.document))
+    if (PrepareToolPictures(host.document) != Outcome::Done)
     {
         WarnOfShortMemory(host.frame);
         return false;

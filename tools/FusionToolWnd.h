@@ -23,7 +23,7 @@ struct FusionToolKind
     std::function<void(SliderMove, int thumb)> move;
     std::function<void()> setDefaults; // empty = there is no such button
     std::function<FusionTask(const CBxRect<int>& region)> task;
-    std::function<bool()> store;             // into the settings, at OK; false = not written
+    std::function<Outcome()> store;          // into the settings, at OK
     std::function<void(HWND dialog)> opened; // this and the next may be empty
     std::function<void()> ended;
 

@@ -37,8 +37,9 @@ static unsigned* LevelOf(HWND dlg)
 
 static INT_PTR OnInit(HWND dlg)
 {
-    ReadSettings(SettingGroup::NoisePrompt);
-    *LevelOf(dlg) = unsigned(g_settings.denoiseStrength);
+    Settings* settings = PromptOf(dlg)->host->settings;
+    ReadSettings(SettingGroup::NoisePrompt, settings);
+    *LevelOf(dlg) = unsigned(settings->denoiseStrength);
     ShowTexts(dlg, kTexts);
     SetDlgItemTextW(dlg, IDC_NOISE_LABEL, Text(NoiseRow().text));
     SendDlgItemMessageW(dlg, IDC_NOISE_LEVEL, CB_RESETCONTENT, 0, 0);
@@ -49,14 +50,15 @@ static INT_PTR OnInit(HWND dlg)
     return TRUE;
 }
 
-static bool StoreLevel(HWND dlg)
+static Outcome StoreLevel(HWND dlg)
 {
     const LRESULT selected = SendDlgItemMessageW(dlg, IDC_NOISE_LEVEL, CB_GETCURSEL, 0, 0);
     if (selected == CB_ERR)
-        return true;
+        return Outcome::Done;
+    Settings* settings = PromptOf(dlg)->host->settings;
     *LevelOf(dlg) = unsigned(selected);
-    g_settings.denoiseStrength = int(selected);
-    return WriteSettings(SettingGroup::NoisePrompt);
+    settings->denoiseStrength = int(selected);
+    return WriteSettings(SettingGroup::NoisePrompt, settings);
 }
 
 static INT_PTR OnButton(HWND dlg, int id)
@@ -65,9 +67,9 @@ static INT_PTR OnButton(HWND dlg, int id)
         return FALSE;
     NoisePrompt* prompt = PromptOf(dlg);
     prompt->answer = id == IDOK ? kPromptConfirmed : kPromptCancelled;
-    const bool stored = id != IDOK || StoreLevel(dlg);
+    const Outcome stored = id == IDOK ? StoreLevel(dlg) : Outcome::Done;
     DestroyWindow(dlg);
-    if (!stored)
+    if (stored != Outcome::Done)
         TellSettingsUnsaved(prompt->host->frame);
     return TRUE;
 }

@@ -15,9 +15,9 @@ static std::wstring WithoutDots(const wchar_t* text)
 
 bool ShowPowerFusionDialog(const ToolHost& host, TextId title)
 {
-    ReadSettings(SettingGroup::PowerTool);
+    ReadSettings(SettingGroup::PowerTool, host.settings);
     const auto model = std::make_shared<PowerFusionModel>(
-        OpenPowerFusion(g_settings, int(host.document->series.files.size())));
+        OpenPowerFusion(*host.settings, int(host.document->series.files.size())));
     FusionToolKind kind = {};
     kind.dialogId = IDD_POWER_FUSION;
     kind.slider = {IDC_FUSION_SLIDER, IDC_FUSION_VALUE,
@@ -29,10 +29,10 @@ bool ShowPowerFusionDialog(const ToolHost& host, TextId title)
     kind.value = [=] { return model->numbers.powerTool.power; };
     kind.move = [=](SliderMove move, int thumb) { MovePower(model.get(), move, thumb); };
     kind.task = [=](const CBxRect<int>& region) { return PowerTask(*model, region); };
-    kind.store = [=]
+    kind.store = [=, settings = host.settings]
     {
-        StorePower(*model, &g_settings);
-        return WriteSettings(SettingGroup::PowerTool);
+        StorePower(*model, settings);
+        return WriteSettings(SettingGroup::PowerTool, settings);
     };
     kind.opened = [&host](HWND) { host.setStatusText(Text(kTextCompareHint)); };
     kind.peeksAtKeys = true;

@@ -69,7 +69,7 @@ static void DeleteEntry(const std::wstring& folder, const WIN32_FIND_DATAW& entr
     DeleteFileW(path.c_str());
 }
 
-bool PrepareSeriesFolder(std::wstring* folder)
+Outcome PrepareSeriesFolder(std::wstring* folder)
 {
     const std::wstring path = SeriesFolder();
     *folder = path + L"/";
@@ -77,10 +77,10 @@ bool PrepareSeriesFolder(std::wstring* folder)
     WIN32_FIND_DATAW entry;
     const HANDLE search = FindFirstFileW((path + L"\\*.*").c_str(), &entry);
     if (search == INVALID_HANDLE_VALUE)
-        return false;
+        return Outcome::Failed;
     do
         DeleteEntry(path, entry);
     while (FindNextFileW(search, &entry));
     FindClose(search);
-    return true;
+    return Outcome::Done;
 }

@@ -36,7 +36,7 @@ static unsigned AllowedProcessors()
 static DWORD WINAPI SeriesThread(void*)
 {
     SeriesRun* run = &g_job.run;
-    g_job.folderFailed = !PrepareSeriesFolder(&g_job.folder);
+    g_job.folderFailed = PrepareSeriesFolder(&g_job.folder) != Outcome::Done;
     run->folder = std::filesystem::path(g_job.folder).u8string();
     if (!g_job.folderFailed)
         MakeSeriesFiles(run);

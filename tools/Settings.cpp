@@ -5,8 +5,6 @@
 #include <climits>
 #include <iterator>
 
-Settings g_settings = {};
-
 using Group = SettingGroup;
 
 const SettingRow kSettings[] = {
@@ -66,11 +64,11 @@ static std::vector<ProfileValue> ValuesOf(SettingGroup group, Settings* settings
     return values;
 }
 
-bool WriteSettings(const ProfileStore& store, SettingGroup group, Settings* settings)
+Outcome WriteSettings(const ProfileStore& store, SettingGroup group, Settings* settings)
 {
     if (group == SettingGroup::PowerTool)
         settings->power = settings->powerTool.power;
-    return store.write(kGeneralSection, ValuesOf(group, settings));
+    return FailedIf(!store.write(kGeneralSection, ValuesOf(group, settings)));
 }
 
 // The marker says how the last run ended only until it is read; from then on it stands for this
@@ -93,10 +91,10 @@ void LoadSettings(const ProfileStore& store, const ProfileStore& localization, S
     LoadLanguageNames(localization, languages);
 }
 
-bool SaveSettingsOnExit(const ProfileStore& store, Settings* settings)
+Outcome SaveSettingsOnExit(const ProfileStore& store, Settings* settings)
 {
     std::vector<ProfileValue> values = CrashMarker(0);
     for (ProfileValue& value : ValuesOf(SettingGroup::Run, settings))
         values.push_back(std::move(value));
-    return store.write(kGeneralSection, values);
+    return FailedIf(!store.write(kGeneralSection, values));
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "base/Outcome.h"
 #include "text/ProfileStore.h"
 #include "tools/Parameters.h"
 
@@ -39,26 +40,24 @@ struct SettingRow
 extern const SettingRow kSettings[];
 extern const int kSettingCount;
 
-extern Settings g_settings;
-
 void ReadSettings(const ProfileStore& store, SettingGroup group, Settings* settings);
 
-// False when nothing could be written. Writing the Power tool also updates `power`: to the
+// Fails when nothing could be written. Writing the Power tool also updates `power`: to the
 // profile functions "power" and "Power" are one key, and what is written at exit would otherwise
 // put the slider back to where it was at start.
-[[nodiscard]] bool WriteSettings(const ProfileStore& store, SettingGroup group, Settings* settings);
+Outcome WriteSettings(const ProfileStore& store, SettingGroup group, Settings* settings);
 
 // The start of a run: the language in use, the crash marker, which is set for the time of the run,
 // all settings that are kept, and last the names of the languages.
 void LoadSettings(const ProfileStore& store, const ProfileStore& localization, Settings* settings,
                   LanguageList* languages);
 
-// The end of a run that did not crash. False when nothing could be written.
-bool SaveSettingsOnExit(const ProfileStore& store, Settings* settings);
+// The end of a run that did not crash. Fails when nothing could be written.
+Outcome SaveSettingsOnExit(const ProfileStore& store, Settings* settings);
 
-// The same on the user's own files and on g_settings and g_languages. Windows only. LoadSettings
-// also sets g_jpegQuality.
-void ReadSettings(SettingGroup group);
-[[nodiscard]] bool WriteSettings(SettingGroup group);
-void LoadSettings();
-bool SaveSettingsOnExit();
+// The same on the user's own files and on g_languages. Windows only. LoadSettings also sets
+// g_jpegQuality.
+void ReadSettings(SettingGroup group, Settings* settings);
+Outcome WriteSettings(SettingGroup group, Settings* settings);
+void LoadSettings(Settings* settings);
+Outcome SaveSettingsOnExit(Settings* settings);

@@ -5,25 +5,25 @@
 #include "text/LanguageFile.h"
 #include "text/Strings.h"
 
-void ReadSettings(SettingGroup group)
+void ReadSettings(SettingGroup group, Settings* settings)
 {
-    ReadSettings(UserSettingsFile(), group, &g_settings);
+    ReadSettings(UserSettingsFile(), group, settings);
 }
 
-bool WriteSettings(SettingGroup group)
+Outcome WriteSettings(SettingGroup group, Settings* settings)
 {
-    return WriteSettings(UserSettingsFile(), group, &g_settings);
+    return WriteSettings(UserSettingsFile(), group, settings);
 }
 
-void LoadSettings()
+void LoadSettings(Settings* settings)
 {
-    LoadSettings(UserSettingsFile(), LocalizationFile(), &g_settings, &g_languages);
-    g_jpegQuality = g_settings.jpegQuality;
+    LoadSettings(UserSettingsFile(), LocalizationFile(), settings, &g_languages);
+    g_jpegQuality = settings->jpegQuality;
 }
 
-bool SaveSettingsOnExit()
+Outcome SaveSettingsOnExit(Settings* settings)
 {
-    return SaveSettingsOnExit(UserSettingsFile(), &g_settings);
+    return SaveSettingsOnExit(UserSettingsFile(), settings);
 }
 
 void TellSettingsUnsaved(HWND owner)

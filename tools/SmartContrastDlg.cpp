@@ -99,12 +99,12 @@ static INT_PTR OnOk(HWND dlg)
         // Refused only when there is no preview to show either.
         (void)CompleteSmartContrast(host.document->preview.Record(), model);
     }
-    CopyNumbers(&g_settings, Tool::SmartContrast, model->numbers);
-    const bool stored = WriteSettings(SettingGroup::LevelsOfDetail);
+    CopyNumbers(host.settings, Tool::SmartContrast, model->numbers);
+    const Outcome stored = WriteSettings(SettingGroup::LevelsOfDetail, host.settings);
     GiveResult(host.document, std::move(host.document->preview));
     DestroyWindow(dlg);
     SendMessageW(host.frame, WM_APP_TOOL_DONE, 0, 0);
-    if (!stored)
+    if (stored != Outcome::Done)
         TellSettingsUnsaved(host.frame);
     return TRUE;
 }
@@ -142,19 +142,20 @@ static INT_PTR OnMessage(HWND dlg, UINT message, WPARAM wParam, LPARAM lParam)
 }
 
 // Taken apart before there is a dialog, so that a failure has nothing to close.
-static bool Prepare(SmartContrastTool* tool)
+static Outcome Prepare(SmartContrastTool* tool)
 {
     const ToolWaitCursor wait(*tool->host);
     Document* document = tool->host->document;
-    ReadSettings(SettingGroup::LevelsOfDetail);
-    return PrepareToolPictures(document) &&
-           OpenSmartContrast(&tool->model, document->source, g_settings) == Outcome::Done;
+    Settings* settings = tool->host->settings;
+    ReadSettings(SettingGroup::LevelsOfDetail, settings);
+    return InTurn([&] { return PrepareToolPictures(document); },
+                  [&] { return OpenSmartContrast(&tool->model, document->source, *settings); });
 }
 
 void OpenSmartContrastDialog(const ToolHost& host)
 {
     auto tool = std::make_unique<SmartContrastTool>(host);
-    if (!Prepare(tool.get()))
+    if (Prepare(tool.get()) != Outcome::Done)
     {
         RefuseTool(host);
         return;

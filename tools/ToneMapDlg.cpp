@@ -164,15 +164,10 @@ static void OnPreviewBox(HWND dlg)
     ShowToneMapPreview(ToolOf(dlg));
 }
 
-static void StoreNumbers(const ToolNumbers& numbers)
-{
-    CopyNumbers(&g_settings, Tool::ToneMap, numbers);
-}
-
 static void StartRun(HWND dlg)
 {
     ToneMapModel* model = ModelOf(dlg);
-    StoreNumbers(model->numbers);
+    CopyNumbers(HostOf(dlg).settings, Tool::ToneMap, model->numbers);
     const int end = ToneMapProgressEnd(*model);
     SendDlgItemMessageW(dlg, IDC_TONE_PROGRESS, PBM_SETRANGE, 0, MAKELPARAM(0, end));
     SendDlgItemMessageW(dlg, IDC_TONE_PROGRESS, PBM_SETPOS, 0, 0);
@@ -203,7 +198,7 @@ static INT_PTR OnStartRun(HWND dlg)
     const auto run = MakeRun(dlg, document);
     ToolOf(dlg)->run = run;
     BeginJob(document, [run] { run->stop = true; });
-    if (run->output.Empty() || !StartToneMapThread(run))
+    if (run->output.Empty() || StartToneMapThread(run) != Outcome::Done)
         PostMessageW(dlg, WM_TONE_CANCELLED, 1, 0);
     return TRUE;
 }
@@ -263,7 +258,7 @@ static void TakePreviewBack(ToneMapTool* tool)
 {
     Document* document = tool->host->document;
     document->preview = std::move(tool->run->output);
-    CopyPicture(&document->preview, document->source);
+    (void)CopyPicture(&document->preview, document->source); // the block is there
     tool->run = nullptr;
 }
 
@@ -352,14 +347,14 @@ static INT_PTR OnMessage(HWND dlg, UINT message, WPARAM wParam, LPARAM lParam)
 
 void OpenToneMapDialog(const ToolHost& host)
 {
-    if (!PrepareToolPictures(host.document))
+    if (PrepareToolPictures(host.document) != Outcome::Done)
     {
         RefuseTool(host);
         return;
     }
     auto tool = std::make_unique<ToneMapTool>();
     tool->host = &host;
-    StartToneMapModel(&tool->model, host.document->source, g_settings);
+    StartToneMapModel(&tool->model, host.document->source, *host.settings);
     if (!OpenToolDialog(host, IDD_TONE_MAPPING, DialogProc<ToneMapTool, OnMessage>,
                         reinterpret_cast<LPARAM>(tool.get())))
         return;

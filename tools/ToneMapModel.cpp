@@ -125,31 +125,33 @@ void ForgetToneMapPreview(ToneMapModel* model)
     model->renderedRect = {};
 }
 
-static int FilterRect(SBxPicBuf* preview, const ToneMapModel& model, const SBxPicBuf& source)
+static Outcome FilterRect(SBxPicBuf* preview, const ToneMapModel& model, const SBxPicBuf& source)
 {
     const CBxRect<int>& rect = model.previewRect;
     const CBxSize<int> size = {rect.right - rect.left, rect.bottom - rect.top};
     Picture crop(size.cx, size.cy, source.components, source.bitsPerComponent);
     if (crop.Empty())
-        return kToneMapOutOfMemory;
+        return Outcome::Failed;
     CBxPicBufAPI::CopyRect(crop.Record(), source, {0, 0}, {rect.left, rect.top}, size);
     const ToneMapParams params = ToneMapParamsOf(model.numbers.toneMap);
-    const int outcome = ToneMapPicture(crop.Record(), crop, kToneMapLevels, params);
-    if (outcome == kToneMapDone)
+    const Outcome outcome = ToneMapPicture(crop.Record(), crop, kToneMapLevels, params);
+    if (outcome == Outcome::Done)
         CBxPicBufAPI::CopyRect(preview, crop, {rect.left, rect.top}, {0, 0}, size);
     return outcome;
 }
 
-bool RenderToneMapPreview(SBxPicBuf* preview, ToneMapModel* model, const SBxPicBuf& source)
+Outcome RenderToneMapPreview(SBxPicBuf* preview, ToneMapModel* model, const SBxPicBuf& source)
 {
     RestoreRendered(preview, model, source);
     if (!IsPreviewShown(*model) || IsEmptyRect(model->previewRect))
-        return false;
-    if (FilterRect(preview, *model, source) != kToneMapDone)
-        return true;
-    model->rendered = model->numbers;
-    model->renderedRect = model->previewRect;
-    return false;
+        return Outcome::Done;
+    const Outcome outcome = FilterRect(preview, *model, source);
+    if (outcome == Outcome::Done)
+    {
+        model->rendered = model->numbers;
+        model->renderedRect = model->previewRect;
+    }
+    return outcome;
 }
 
 ToneMapStep ToneMapOk(const ToneMapModel& model)

@@ -71,9 +71,8 @@ bool DragPreviewRect(ToneMapModel* model, CBxPoint<double> at);
 bool DropPreviewRect(ToneMapModel* model);
 
 // Brings the preview picture (geometry of the source) to what the model says: the rectangle
-// filtered, the rest as in the source. True when memory is short: all of it is the source then.
-[[nodiscard]] bool RenderToneMapPreview(SBxPicBuf* preview, ToneMapModel* model,
-                                        const SBxPicBuf& source);
+// filtered, the rest as in the source. Fails when memory is short: all of it is the source then.
+Outcome RenderToneMapPreview(SBxPicBuf* preview, ToneMapModel* model, const SBxPicBuf& source);
 
 // The preview picture has become the source by other means.
 void ForgetToneMapPreview(ToneMapModel* model);

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "base/Outcome.h"
 #include "base/Win.h"
 #include "picture/Picture.h"
 #include "tonemap/ToneMapParams.h"
@@ -28,4 +29,4 @@ struct ToneMapRun
 };
 
 // The dialog is told of the end, unless there is no thread to be had: then the answer is false.
-[[nodiscard]] bool StartToneMapThread(const std::shared_ptr<ToneMapRun>& run);
+Outcome StartToneMapThread(const std::shared_ptr<ToneMapRun>& run);

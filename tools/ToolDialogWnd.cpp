@@ -55,7 +55,7 @@ void ToolDialogDestroyed(const ToolHost& host, HWND dialog)
 void GiveUpTool(const ToolHost& host, HWND dialog)
 {
     Document* document = host.document;
-    CopyPicture(&document->preview, document->source);
+    (void)CopyPicture(&document->preview, document->source); // its block is there
     host.setStatusText(Text(kTextNothing));
     DestroyWindow(dialog);
     SendMessageW(host.frame, WM_APP_TOOL_CANCELLED, 0, 0);

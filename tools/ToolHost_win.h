@@ -2,6 +2,7 @@
 
 #include "base/Win.h"
 #include "tools/Document.h"
+#include "tools/Settings.h"
 #include "view/ImageView.h"
 
 // The frame as its tools see it: what they work on and what they may ask for. The frame hands one
@@ -17,6 +18,7 @@ struct ToolHost
     HWND status; // the status bar
     Document* document;
     ImageView* view;
+    Settings* settings; // kept by the frame; each tool reads and writes its own group
 
     void (*updateViewArea)(); // brings the view up to where it lies now, before it is measured
     void (*redrawView)();

@@ -53,7 +53,7 @@ static void StartGdiplus(DisplayDocument* document)
         document->gdiplusToken = 0;
 }
 
-bool CreateDisplayDocument(DisplayDocument* document, HWND owner, uint8_t background)
+Outcome CreateDisplayDocument(DisplayDocument* document, HWND owner, uint8_t background)
 {
     *document = {};
     document->owner = owner;
@@ -61,7 +61,7 @@ bool CreateDisplayDocument(DisplayDocument* document, HWND owner, uint8_t backgr
     document->maxHeight = kDisplayHeight;
     CreateDisplayBitmap(document, background);
     StartGdiplus(document);
-    return !document->bitmap;
+    return FailedIf(!document->bitmap);
 }
 
 void ReleaseDisplayDocument(DisplayDocument* document)

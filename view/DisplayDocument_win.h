@@ -1,5 +1,6 @@
 #pragma once
 
+#include "base/Outcome.h"
 #include "base/Win.h"
 #include "view/ImageView.h"
 
@@ -19,9 +20,9 @@ struct DisplayDocument
 };
 
 // Fills in all fields and starts GDI+. The background is the grey that is seen until the view
-// renders for the first time. True on failure: there is no bitmap to render into. The document
+// renders for the first time. Fails when there is no bitmap to render into. The document
 // wants to be released in either case.
-[[nodiscard]] bool CreateDisplayDocument(DisplayDocument* document, HWND owner, uint8_t background);
+Outcome CreateDisplayDocument(DisplayDocument* document, HWND owner, uint8_t background);
 
 // Frees the bitmap and shuts GDI+ down. Releasing again does nothing.
 void ReleaseDisplayDocument(DisplayDocument* document);

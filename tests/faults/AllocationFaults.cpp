@@ -194,9 +194,9 @@ static Ending ToneMapColours()
 {
     TestPicture result = TestPicture::Like(*g_small);
     const ToneMapParams p = ToneMapParamsOf(DefaultNumbers().toneMap);
-    const int outcome =
+    const Outcome outcome =
         Try([&] { return ToneMapPicture(result.Record(), *g_small, kToneMapLevels, p); });
-    return Of(outcome != kToneMapDone, result);
+    return Of(outcome != Outcome::Done, result);
 }
 
 static Ending ContrastColours()

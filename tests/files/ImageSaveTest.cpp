@@ -10,6 +10,8 @@
 
 #include <unistd.h>
 
+#include <cerrno>
+
 namespace
 {
 
@@ -135,7 +137,7 @@ TEST(Replacing, LeavesTheOldFileWhenTheNewOneDoesNotClose)
     const TempFolder folder;
     const std::string target = folder.Write("old.tif", {'o', 'l', 'd'});
     std::string path;
-    ASSERT_FALSE(SavePathFromUtf8(&path, target.c_str(), PathUse::Target));
+    ASSERT_EQ(SavePathFromUtf8(&path, target.c_str(), PathUse::Target), Outcome::Done);
     for (const bool closes : {false, true})
     {
         ReplacingFile file;
@@ -150,13 +152,47 @@ TEST(Replacing, LeavesTheOldFileWhenTheNewOneDoesNotClose)
     }
 }
 
+// The last of three cannot take its place: the other two are what they were, which for one of them
+// is nothing at all.
+TEST(Replacing, MovesSeveralFilesTogetherOrNone)
+{
+    const TempFolder folder;
+    for (const bool blocked : {true, false})
+    {
+        const std::string old = folder.Write("old.tif", {'o', 'l', 'd'});
+        std::vector<ReplacingFile> files(3);
+        const char* names[] = {"old.tif", "fresh.tif", "blocked.tif"};
+        for (size_t i = 0; i < files.size(); ++i)
+        {
+            std::string path;
+            ASSERT_EQ(SavePathFromUtf8(&path, folder.File(names[i]).c_str(), PathUse::Target),
+                      Outcome::Done);
+            EXPECT_EQ(CheckTarget(path.c_str()), 0);
+            ASSERT_TRUE(BeginReplacing(&files[i], path.c_str()));
+            std::fputs("new", files[i].stream);
+            ASSERT_TRUE(CompleteReplacing(&files[i], false));
+        }
+        EXPECT_EQ(ReadBytes(old), (Bytes{'o', 'l', 'd'})) << "not before all are complete";
+        if (blocked)
+            std::filesystem::create_directories(folder.path / "blocked.tif" / "below");
+        EXPECT_EQ(FinishTogether(&files), blocked ? 2 : -1);
+        EXPECT_EQ(files[2].error != 0, blocked);
+        EXPECT_EQ(ReadBytes(old), blocked ? (Bytes{'o', 'l', 'd'}) : (Bytes{'n', 'e', 'w'}));
+        EXPECT_EQ(folder.FileCount(), blocked ? 2 : 3) << "nothing beside them";
+        EXPECT_EQ(CheckTarget(folder.File("blocked.tif").c_str()), blocked ? EISDIR : 0);
+        std::filesystem::remove_all(folder.path / "blocked.tif");
+    }
+}
+
 TEST(Names, EndAtTheLengthThatSavingTakes)
 {
     std::string path;
-    EXPECT_FALSE(SavePathFromUtf8(&path, std::string(1023, 'a').c_str(), PathUse::Target));
+    EXPECT_EQ(SavePathFromUtf8(&path, std::string(1023, 'a').c_str(), PathUse::Target),
+              Outcome::Done);
     EXPECT_EQ(path.size(), 1023u);
-    EXPECT_TRUE(SavePathFromUtf8(&path, std::string(1024, 'a').c_str(), PathUse::Target));
-    EXPECT_TRUE(SavePathFromUtf8(&path, "", PathUse::Target));
+    EXPECT_EQ(SavePathFromUtf8(&path, std::string(1024, 'a').c_str(), PathUse::Target),
+              Outcome::Failed);
+    EXPECT_EQ(SavePathFromUtf8(&path, "", PathUse::Target), Outcome::Failed);
 }
 
 } // namespace

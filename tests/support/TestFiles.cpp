@@ -67,10 +67,12 @@ SaveReport Save(const TestPicture& picture, const std::string& target, FormatId 
 {
     SaveReport report;
     std::string targetPath, sourcePath;
-    EXPECT_FALSE(SavePathFromUtf8(&targetPath, target.c_str(), PathUse::Target)) << target;
+    EXPECT_EQ(SavePathFromUtf8(&targetPath, target.c_str(), PathUse::Target), Outcome::Done)
+        << target;
     if (!source.empty())
     {
-        EXPECT_FALSE(SavePathFromUtf8(&sourcePath, source.c_str(), PathUse::Source)) << source;
+        EXPECT_EQ(SavePathFromUtf8(&sourcePath, source.c_str(), PathUse::Source), Outcome::Done)
+            << source;
     }
     const TestPicture none;
     EXPECT_FALSE(SavePicturePair(picture, alpha ? *alpha : none, targetPath.c_str(),

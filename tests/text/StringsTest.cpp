@@ -72,16 +72,16 @@ TEST(ChosenLanguage, IsTakenForStoredOnlyWhenItIs)
 {
     MemoryProfile file;
     LanguageList list;
-    EXPECT_TRUE(ChooseLanguage(file.Store(), &list, 3));
+    EXPECT_EQ(ChooseLanguage(file.Store(), &list, 3), Outcome::Done);
     EXPECT_EQ(file.written, std::vector<std::wstring>{L"Language Current=3"});
-    EXPECT_TRUE(ChooseLanguage(file.Store(), &list, -1));
+    EXPECT_EQ(ChooseLanguage(file.Store(), &list, -1), Outcome::Done);
     LoadLanguageChoice(file.Store(), &list);
     EXPECT_EQ(list.current, -1);
 
     file.refuseWrites = true;
-    EXPECT_FALSE(ChooseLanguage(file.Store(), &list, 1));
+    EXPECT_EQ(ChooseLanguage(file.Store(), &list, 1), Outcome::Failed);
     file.refuseWrites = false;
     file.loseWrites = true;
-    EXPECT_FALSE(ChooseLanguage(file.Store(), &list, 1));
-    EXPECT_TRUE(ChooseLanguage(file.Store(), &list, -1)); // it was there before
+    EXPECT_EQ(ChooseLanguage(file.Store(), &list, 1), Outcome::Failed);
+    EXPECT_EQ(ChooseLanguage(file.Store(), &list, -1), Outcome::Done); // it was there before
 }

@@ -95,10 +95,10 @@ TEST(Pyramid, CollapsesToWhatItWasBuiltFrom)
         v = float(random() % 65536) / 256.0f;
     const Samples original = plane;
     PyramidSet set;
-    ASSERT_FALSE(AllocatePyramid(&set, plane.data(), size, 5));
+    ASSERT_EQ(AllocatePyramid(&set, plane.data(), size, 5), Outcome::Done);
     for (int level = 0; level < 5; ++level)
-        ASSERT_FALSE(BuildLevel(&set, level));
-    ASSERT_FALSE(CollapsePyramid(&set));
+        ASSERT_EQ(BuildLevel(&set, level), Outcome::Done);
+    ASSERT_EQ(CollapsePyramid(&set), Outcome::Done);
     for (size_t i = 0; i < plane.size(); ++i)
         ASSERT_NEAR(plane[i], original[i], 1e-3) << i;
 }
@@ -120,7 +120,7 @@ TEST(Padding, RepeatsTheLastPixelOfEachRowAndTheLastRow)
                 PictureOf(33, 5, components, bits,
                           [](int x, int y, int c) { return (x * 7 + y * 31 + c * 90) % 256; });
             TestPicture padded;
-            ASSERT_FALSE(PadForPyramid(padded.Record(), picture, 5));
+            ASSERT_EQ(PadForPyramid(padded.Record(), picture, 5), Outcome::Done);
             ASSERT_EQ(padded->width, 96);
             ASSERT_EQ(padded->height, 64);
             for (int y = 0; y < 64; ++y)

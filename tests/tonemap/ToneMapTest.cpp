@@ -27,8 +27,8 @@ ToneMapParams Sliders(int contrast, int noiseAmplitude, int details, int equaliz
 
 const ToneMapParams kDefaults = Sliders(10, 10, 10, 10);
 
-int Map(SBxPicBuf* out, const SBxPicBuf& in, ToneMapParams params, bool useColors,
-        ToneMapMethod method = ToneMapMethod::Direct, const RunControl& control = {})
+Outcome Map(SBxPicBuf* out, const SBxPicBuf& in, ToneMapParams params, bool useColors,
+            ToneMapMethod method = ToneMapMethod::Direct, const RunControl& control = {})
 {
     params.useColors = useColors;
     return ToneMapPicture(out, in, kToneMapLevels, params, control, method);
@@ -38,7 +38,7 @@ TestPicture Mapped(const TestPicture& in, const ToneMapParams& p, bool useColors
                    ToneMapMethod method = ToneMapMethod::Direct)
 {
     TestPicture out = TestPicture::Like(in);
-    EXPECT_EQ(Map(out.Record(), in, p, useColors, method), kToneMapDone);
+    EXPECT_EQ(Map(out.Record(), in, p, useColors, method), Outcome::Done);
     return out;
 }
 
@@ -51,7 +51,7 @@ TestPicture FloatPlaneOf(const TestPicture& scene)
 TestPicture MappedPlane(const TestPicture& plane, const ToneMapParams& p, ToneMapMethod method)
 {
     TestPicture out = TestPicture::Like(plane);
-    EXPECT_FALSE(ToneMapPlane(out.Record(), plane, kToneMapLevels, p, {}, method));
+    EXPECT_EQ(ToneMapPlane(out.Record(), plane, kToneMapLevels, p, {}, method), Outcome::Done);
     return out;
 }
 
@@ -167,7 +167,7 @@ TEST(ToneMapping, StopsAtEveryLookAtTheFlagAndWritesNothing)
         RunControl control;
         control.cancelled = [&] { return looks >= allowed || ++looks == allowed; };
         TestPicture out = TestPicture::Like(scene);
-        ASSERT_EQ(Map(out.Record(), scene, kDefaults, true, method, control), kToneMapDone);
+        ASSERT_EQ(Map(out.Record(), scene, kDefaults, true, method, control), Outcome::Done);
         const int all = looks;
         EXPECT_GT(all, 30);
         for (allowed = 1; allowed <= all; allowed += allowed < 12 ? 1 : (all - 12) / 8)
@@ -175,7 +175,7 @@ TEST(ToneMapping, StopsAtEveryLookAtTheFlagAndWritesNothing)
             looks = 0;
             TestPicture untouched = FlatPicture(90, 70, 8, {1, 2, 3});
             ASSERT_EQ(Map(untouched.Record(), scene, kDefaults, true, method, control),
-                      kToneMapCancelled)
+                      Outcome::Cancelled)
                 << allowed << " of " << all;
             ExpectSamePicture(untouched, flat);
         }

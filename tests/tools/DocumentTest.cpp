@@ -25,7 +25,7 @@ TEST_F(OpenDocument, GivesEachToolTheSourceToStartFrom)
 {
     for (int time = 0; time < 2; ++time)
     {
-        ASSERT_TRUE(PrepareToolPictures(&document));
+        ASSERT_EQ(PrepareToolPictures(&document), Outcome::Done);
         EXPECT_FALSE(document.unsaved);
         ExpectSamePicture(document.result, document.source);
         ExpectSamePicture(document.preview, document.source);
@@ -38,7 +38,7 @@ TEST_F(OpenDocument, GivesEachToolTheSourceToStartFrom)
 
 TEST_F(OpenDocument, PutsThePreviewOverTheResultOfACancelledTool)
 {
-    ASSERT_TRUE(PrepareToolPictures(&document));
+    ASSERT_EQ(PrepareToolPictures(&document), Outcome::Done);
     GiveResult(&document, Filled(77));
     RestoreResult(&document);
     EXPECT_FALSE(document.unsaved);
@@ -53,7 +53,7 @@ TEST_F(OpenDocument, PutsThePreviewOverTheResultOfACancelledTool)
 
 TEST_F(OpenDocument, ForgetsAllOfThePhotographBefore)
 {
-    ASSERT_TRUE(PrepareToolPictures(&document));
+    ASSERT_EQ(PrepareToolPictures(&document), Outcome::Done);
     GiveResult(&document, Filled(77));
     TakeSeries(&document, {L"a.tif", L"b.tif"});
     document.series.shown = 1;

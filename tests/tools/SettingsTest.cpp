@@ -47,7 +47,10 @@ protected:
     void Start() { LoadSettings(file.Store(), localization.Store(), &settings, &languages); }
     void Put(const wchar_t* key, const wchar_t* value) { file.Set(L"General", key, value); }
     void Read(SettingGroup group) { ReadSettings(file.Store(), group, &settings); }
-    bool Write(SettingGroup group) { return WriteSettings(file.Store(), group, &settings); }
+    bool Write(SettingGroup group)
+    {
+        return WriteSettings(file.Store(), group, &settings) == Outcome::Done;
+    }
     Texts WrittenBy(const std::vector<SettingGroup>& groups)
     {
         file.written.clear();
@@ -133,7 +136,7 @@ TEST_F(SettingsFile, GetsTheKeysOfARunInOrderAndAsRead)
     settings.toneMap.equalization = 50;
     file.written.clear();
     file.writes = 0;
-    EXPECT_TRUE(SaveSettingsOnExit(file.Store(), &settings));
+    EXPECT_EQ(SaveSettingsOnExit(file.Store(), &settings), Outcome::Done);
     EXPECT_EQ(file.writes, 1) << "all or nothing";
     const Texts expected = {
         L"Crashed Last Time=0", L"method=7",     L"power=1",      L"noise=1",       L"uiPowerT1=1",
@@ -148,13 +151,13 @@ TEST_F(SettingsFile, GetsTheKeysOfARunInOrderAndAsRead)
 TEST_F(SettingsFile, CarriesThePowerSliderOverTheEndOfARun)
 {
     Start();
-    SaveSettingsOnExit(file.Store(), &settings); // a run that never opened the tool
+    (void)SaveSettingsOnExit(file.Store(), &settings); // a run that never opened the tool
     Start();
     Read(SettingGroup::PowerTool);
     EXPECT_EQ(settings.powerTool.power, 15);
     settings.powerTool.power = 22;
     Write(SettingGroup::PowerTool);
-    SaveSettingsOnExit(file.Store(), &settings);
+    (void)SaveSettingsOnExit(file.Store(), &settings);
     Start();
     Read(SettingGroup::PowerTool);
     EXPECT_EQ(settings.powerTool.power, 22);

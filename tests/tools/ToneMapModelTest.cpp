@@ -24,7 +24,10 @@ struct OpenTool
         StartToneMapModel(&model, source, DefaultNumbers());
     }
 
-    void Render() { EXPECT_FALSE(RenderToneMapPreview(preview.Record(), &model, source)); }
+    void Render()
+    {
+        EXPECT_EQ(RenderToneMapPreview(preview.Record(), &model, source), Outcome::Done);
+    }
 
     // Samples of the preview that are not the source's, inside and outside of a rectangle.
     void CountChanges(const CBxRect<int>& rect, int* inside, int* outside) const
@@ -118,7 +121,7 @@ TEST(ToneMapModel, FiltersTheRectangleAndLeavesTheRestOfThePictureAlone)
         tens.contrast = tens.noiseAmplitude = double(11 / 50.0f);
         tens.details = 0.5;
         tens.equalization = double(40 / 50.0f);
-        ASSERT_EQ(ToneMapPicture(crop.Record(), crop, 5, tens), kToneMapDone);
+        ASSERT_EQ(ToneMapPicture(crop.Record(), crop, 5, tens), Outcome::Done);
         ExpectSamePicture(shown, crop);
 
         EXPECT_TRUE(ToneMapViewMoved(&tool.model, {100, 20}));
@@ -213,8 +216,8 @@ TEST(ToneMapModel, KnowsHowLongARunIs)
         int steps = 0;
         RunControl control;
         control.progress = [&](int n) { steps += n; };
-        ToneMapPicture(tool.preview.Record(), tool.source, kToneMapLevels,
-                       ToneMapParamsOf(tool.model.numbers.toneMap), control);
+        (void)ToneMapPicture(tool.preview.Record(), tool.source, kToneMapLevels,
+                             ToneMapParamsOf(tool.model.numbers.toneMap), control);
         EXPECT_EQ(steps, end - 2);
     }
 }
@@ -227,7 +230,7 @@ TEST(ToneMapModel, HasAFilterThatListensToEveryControl)
         TestPicture out(48, 40, 3, 8);
         EXPECT_EQ(
             ToneMapPicture(out.Record(), photo, kToneMapLevels, ToneMapParamsOf(numbers.toneMap)),
-            kToneMapDone);
+            Outcome::Done);
         return HashOf(out);
     };
     std::set<uint64_t> results = {filtered(DefaultNumbers())};

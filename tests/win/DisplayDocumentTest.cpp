@@ -16,7 +16,7 @@ struct OpenDocument
     DisplayDocument document;
     bool failed;
 
-    OpenDocument() { failed = CreateDisplayDocument(&document, nullptr, kFirst); }
+    OpenDocument() { failed = CreateDisplayDocument(&document, nullptr, kFirst) != Outcome::Done; }
     OpenDocument(const OpenDocument&) = delete;
     OpenDocument& operator=(const OpenDocument&) = delete;
     ~OpenDocument() { ReleaseDisplayDocument(&document); }

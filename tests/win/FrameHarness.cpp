@@ -102,7 +102,7 @@ void FrameTest::OpenPicture(const std::string& name, int width, int height, int 
 
 void FrameTest::MakeResult(uint8_t level)
 {
-    ASSERT_TRUE(PrepareToolPictures(&FrameDocument()));
+    ASSERT_EQ(PrepareToolPictures(&FrameDocument()), Outcome::Done);
     for (int y = 0; y < FrameDocument().result->height; ++y)
         std::memset(FrameDocument().result->data +
                         size_t(y) * size_t(FrameDocument().result->stride),

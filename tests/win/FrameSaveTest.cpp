@@ -59,7 +59,7 @@ protected:
 
 TEST_F(FrameSave, ProposesNameAndTypeAndRemembersTheQuality)
 {
-    WriteNumber(UserSettingsFile(), L"General", L"jpeg", 70);
+    (void)WriteNumber(UserSettingsFile(), L"General", L"jpeg", 70);
     OpenWithResult("photo.one.jpg");
     RunModal([] { Command(ID_FILE_SAVEAS); },
              {[&](HWND dialog)

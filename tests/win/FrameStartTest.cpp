@@ -42,14 +42,14 @@ TEST_F(Frame, WarnsOnceAfterACrashAndBlamesNoneOnASecondInstance)
     CloseFrame();
     EXPECT_FALSE(IsWindow(g_hwndMain));
     EXPECT_EQ(CrashMarker(), 0);
-    WriteNumber(UserSettingsFile(), L"General", L"Crashed Last Time", 1);
+    (void)WriteNumber(UserSettingsFile(), L"General", L"Crashed Last Time", 1);
     RunModal([this] { StartFrame(); }, {Box(kTextCrashedLastTime, kTextWarning)});
     CloseFrame();
     RunModal([this] { StartFrame(); }, {});
     CloseFrame();
     const std::wstring name = WideOf(std::string(g_productName) + ".Running");
     const HANDLE otherInstance = CreateMutexW(nullptr, FALSE, name.c_str());
-    WriteNumber(UserSettingsFile(), L"General", L"Crashed Last Time", 1);
+    (void)WriteNumber(UserSettingsFile(), L"General", L"Crashed Last Time", 1);
     RunModal([this] { StartFrame(); }, {});
     CloseHandle(otherInstance);
 }
@@ -83,7 +83,7 @@ TEST_F(Frame, ClosesWhenTheWorkerHasStopped)
     for (const UINT endMessage : {WM_APP_TOOL_DONE, WM_APP_TOOL_CANCELLED})
     {
         OpenPicture("photo.png", 64, 48);
-        ASSERT_TRUE(PrepareToolPictures(&FrameDocument()));
+        ASSERT_EQ(PrepareToolPictures(&FrameDocument()), Outcome::Done);
         bool stopped = false;
         BeginJob(&FrameDocument(), [&stopped] { stopped = true; });
         SendMessageW(g_hwndMain, WM_CLOSE, 0, 0);

@@ -260,12 +260,12 @@ TEST_F(FusionDialogs, OpenedFiftyTimesLeaveNothingBehind)
 TEST_F(FusionDialogs, SeriesFolderIsEmptiedOfFilesOnly)
 {
     std::wstring series;
-    ASSERT_TRUE(PrepareSeriesFolder(&series));
+    ASSERT_EQ(PrepareSeriesFolder(&series), Outcome::Done);
     const std::wstring file = series + L"file_000.tif", inner = series + L"inner";
     CloseHandle(CreateFileW(file.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS,
                             FILE_ATTRIBUTE_READONLY, nullptr));
     CreateDirectoryW(inner.c_str(), nullptr);
-    ASSERT_TRUE(PrepareSeriesFolder(&series));
+    ASSERT_EQ(PrepareSeriesFolder(&series), Outcome::Done);
     EXPECT_EQ(GetFileAttributesW(file.c_str()), INVALID_FILE_ATTRIBUTES);
     EXPECT_TRUE(RemoveDirectoryW(inner.c_str()));
 }
@@ -273,19 +273,19 @@ TEST_F(FusionDialogs, SeriesFolderIsEmptiedOfFilesOnly)
 TEST_F(FusionDialogs, SeriesFolderOfAnotherInstanceIsLeftAlone)
 {
     std::wstring mine, next;
-    ASSERT_TRUE(PrepareSeriesFolder(&mine));
+    ASSERT_EQ(PrepareSeriesFolder(&mine), Outcome::Done);
     const std::wstring lock = mine.substr(0, mine.size() - 1) + L".lock";
     const auto open = [&lock](DWORD how)
     { return CreateFileW(lock.c_str(), GENERIC_READ, 0, nullptr, how, 0, nullptr); };
     EXPECT_EQ(open(OPEN_EXISTING), INVALID_HANDLE_VALUE); // taken, as others find it
     ForgetSeriesFolder();
     const HANDLE other = open(CREATE_ALWAYS);
-    ASSERT_TRUE(PrepareSeriesFolder(&next));
+    ASSERT_EQ(PrepareSeriesFolder(&next), Outcome::Done);
     EXPECT_EQ(next, mine.substr(0, mine.size() - 1) + L"2/");
     CloseHandle(other);
     ForgetSeriesFolder();
     DeleteFileW(lock.c_str());
-    ASSERT_TRUE(PrepareSeriesFolder(&next));
+    ASSERT_EQ(PrepareSeriesFolder(&next), Outcome::Done);
     EXPECT_EQ(next, mine);
 }
 

@@ -1,6 +1,7 @@
 // The dialogs of Smart Contrast and Tone Mapping in the real frame: states, ways out, what they
 // keep. Sliders and results are those of a person in tools_run.sh.
 
+#include "app/Frame_win.h"
 #include "contrast/LevelsOfDetail.h"
 #include "tests/win/FrameHarness.h"
 #include "text/ProfileStore.h"
@@ -257,8 +258,8 @@ TEST_F(Tools, ToneMappingMakesTheResultAndWaitsToBeClosed)
     EXPECT_FALSE(IsWindowEnabled(Control(IDC_TONE_SLIDER)));
     ASSERT_TRUE(WaitUntil([] { return !IsComputing(); }));
     EXPECT_TRUE(FrameDocument().unsaved);
-    EXPECT_EQ(g_settings.toneMap.useColors, 0);
-    EXPECT_EQ(g_settings.toneMap.details, 11);
+    EXPECT_EQ(FrameSettings().toneMap.useColors, 0);
+    EXPECT_EQ(FrameSettings().toneMap.details, 11);
     EXPECT_EQ(Enabled(), kAllOn);
     ASSERT_TRUE(g_hwndActiveTool) << "stays open";
     EXPECT_FALSE(IsWindowVisible(Control(IDCANCEL)));

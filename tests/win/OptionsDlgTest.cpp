@@ -1,5 +1,6 @@
 #include "app/OptionsDlg.h"
 
+#include "app/Frame_win.h"
 #include "app/OptionsIds.h"
 #include "tests/win/ModalScript.h"
 #include "tests/win/ProfileFiles.h"
@@ -39,7 +40,7 @@ protected:
     void Start()
     {
         g_languages = {};
-        LoadSettings();
+        LoadSettings(&FrameSettings());
         LoadLocalizedStrings();
     }
     void Show(const std::vector<std::function<void(HWND)>>& steps)
@@ -122,9 +123,9 @@ TEST_F(OptionsDialog, StoresNoLanguageFromAnEmptyList)
     EXPECT_STREQ(Text(kTextFileMenu), L"File");
 
     // The settings are loaded again before the dialog opens, even when it is cancelled.
-    SaveSettingsOnExit();
-    g_settings.toneMap.contrast = 33;
+    (void)SaveSettingsOnExit(&FrameSettings());
+    FrameSettings().toneMap.contrast = 33;
     Show({[](HWND dlg) { PressButton(dlg, IDCANCEL); }});
-    EXPECT_EQ(g_settings.toneMap.contrast, 10);
+    EXPECT_EQ(FrameSettings().toneMap.contrast, 10);
     EXPECT_EQ(ReadNumber(UserSettingsFile(), L"General", L"Crashed Last Time", 0), 1);
 }

@@ -1,3 +1,4 @@
+#include "app/Frame_win.h"
 #include "base/Format_win.h"
 #include "base/Win.h"
 #include "files/ImageFile.h"
@@ -36,7 +37,7 @@ protected:
     void SetUp() override
     {
         UseFreshProfileFiles();
-        g_settings = {};
+        FrameSettings() = {};
         g_languages = {};
     }
     void TearDown() override { UseFreshProfileFiles(); }
@@ -44,43 +45,43 @@ protected:
 
 TEST_F(RealProfileFiles, HoldTheSettingsOfARunInOrder)
 {
-    LoadSettings();
+    LoadSettings(&FrameSettings());
     EXPECT_EQ(FileBytes(SettingsFilePath()), "[General]\r\nCrashed Last Time=1\r\n");
     EXPECT_EQ(g_jpegQuality, 90);
-    ReadSettings(SettingGroup::PowerTool);
-    g_settings.powerTool.power = 22;
-    EXPECT_TRUE(WriteSettings(SettingGroup::PowerTool));
-    SaveSettingsOnExit();
+    ReadSettings(SettingGroup::PowerTool, &FrameSettings());
+    FrameSettings().powerTool.power = 22;
+    EXPECT_EQ(WriteSettings(SettingGroup::PowerTool, &FrameSettings()), Outcome::Done);
+    (void)SaveSettingsOnExit(&FrameSettings());
     // "power" finds the key that the tool has written as "Power": there is only one.
     EXPECT_EQ(FileBytes(SettingsFilePath()),
               "[General]\r\nCrashed Last Time=0\r\nExposure=128\r\nFlatness=3\r\nPower=22\r\n"
               "method=0\r\nnoise=1\r\nuiPowerT1=10\r\nuiPowerT2=10\r\nuiPowerT3=10\r\n"
               "uiPowerT4=10\r\nuiUseColors=10\r\n");
     UseFreshProfileFiles(); // takes the folder away
-    EXPECT_TRUE(WriteSettings(SettingGroup::NoisePrompt));
+    EXPECT_EQ(WriteSettings(SettingGroup::NoisePrompt, &FrameSettings()), Outcome::Done);
     EXPECT_EQ(FileBytes(SettingsFilePath()), "[General]\r\nDenoise Strength=0\r\n");
 }
 
 TEST_F(RealProfileFiles, StayAsTheyWereWhenTheyCannotBeWritten)
 {
-    LoadSettings();
+    LoadSettings(&FrameSettings());
     const std::string before = FileBytes(SettingsFilePath());
-    g_settings.denoiseStrength = 3;
+    FrameSettings().denoiseStrength = 3;
     {
         const HANDLE held = CreateFileW(SettingsFilePath().c_str(), GENERIC_READ, FILE_SHARE_READ,
                                         nullptr, OPEN_EXISTING, 0, nullptr);
-        EXPECT_FALSE(WriteSettings(SettingGroup::NoisePrompt));
-        EXPECT_FALSE(SaveSettingsOnExit());
+        EXPECT_EQ(WriteSettings(SettingGroup::NoisePrompt, &FrameSettings()), Outcome::Failed);
+        EXPECT_EQ(SaveSettingsOnExit(&FrameSettings()), Outcome::Failed);
         CloseHandle(held);
     }
     EXPECT_EQ(LastProfileFailure().path, SettingsFilePath());
     EXPECT_EQ(FileBytes(SettingsFilePath()), before);
     EXPECT_EQ(FileBytes(SettingsFilePath() + L".new"), "") << "left behind";
     SetFileAttributesW(SettingsFilePath().c_str(), FILE_ATTRIBUTE_READONLY);
-    EXPECT_FALSE(WriteSettings(SettingGroup::NoisePrompt));
+    EXPECT_EQ(WriteSettings(SettingGroup::NoisePrompt, &FrameSettings()), Outcome::Failed);
     EXPECT_EQ(LastProfileFailure().error, DWORD(ERROR_ACCESS_DENIED));
     SetFileAttributesW(SettingsFilePath().c_str(), FILE_ATTRIBUTE_NORMAL);
-    EXPECT_TRUE(WriteSettings(SettingGroup::NoisePrompt));
+    EXPECT_EQ(WriteSettings(SettingGroup::NoisePrompt, &FrameSettings()), Outcome::Done);
     EXPECT_EQ(FileBytes(SettingsFilePath()), before + "Denoise Strength=3\r\n");
 }
 
@@ -96,7 +97,7 @@ TEST_F(RealProfileFiles, GiveTextsWithAllTheirBlanksAndLetters)
                       L"string3=Zażółć gęślą\r\nSTRING14=\"進捗: \"\r\nstring5=\r\n"
                       L"string6=" +
                       std::wstring(1100, L'm') + L"\r\n");
-    LoadSettings();
+    LoadSettings(&FrameSettings());
     LoadLocalizedStrings();
     EXPECT_STREQ(Text(kTextWarning), L"Zażółć gęślą");
     EXPECT_STREQ(Text(kTextProgress), L"進捗: ");
@@ -106,7 +107,7 @@ TEST_F(RealProfileFiles, GiveTextsWithAllTheirBlanksAndLetters)
     ASSERT_EQ(g_languages.languages.size(), 2u);
     EXPECT_EQ(g_languages.languages[1].name, L"日本語");
     EXPECT_EQ(g_languages.languages[1].acronym, L"ja");
-    EXPECT_TRUE(ChooseLanguage(LocalizationFile(), &g_languages, 0));
+    EXPECT_EQ(ChooseLanguage(LocalizationFile(), &g_languages, 0), Outcome::Done);
     EXPECT_EQ(FileBytes(LocalizationFilePath()).substr(0, 2), "\xff\xfe") << "still UTF-16";
 }
 

@@ -3,6 +3,7 @@
 #include "app/AppWindows_win.h"
 #include "app/CommandIds.h"
 #include "app/FileDialogsIds.h"
+#include "app/Frame_win.h"
 #include "app/OptionsDlg.h"
 #include "base/Format_win.h"
 #include "tests/win/FrameHarness.h"
@@ -144,11 +145,11 @@ TEST_F(TextRoom, IsEnoughInEveryLanguage)
 {
     ASSERT_TRUE(CopyFileW(PLENOVIZ_TEXTS, LocalizationFilePath().c_str(), FALSE));
     OpenPicture("photo.png", 60, 40);
-    LoadSettings();
+    LoadSettings(&FrameSettings());
     ASSERT_GT(g_languages.count, 1);
     for (int language = 0; language < g_languages.count; ++language)
     {
-        ChooseLanguage(LocalizationFile(), &g_languages, language);
+        (void)ChooseLanguage(LocalizationFile(), &g_languages, language);
         LoadLocalizedStrings();
         MeasureStatusBar();
         MeasureDialogs();
