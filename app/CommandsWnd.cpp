@@ -65,6 +65,7 @@ bool OpenPictureFile(const wchar_t* path)
 {
     Picture picture, alpha;
     const HCURSOR before = SetCursor(LoadCursorW(nullptr, MAKEINTRESOURCEW(32514))); // hourglass
+    // Into pictures of its own: when it fails, the photograph that is open stays as it is.
     const bool loaded = LoadForDocument(path, &picture, &alpha);
     SetCursor(before);
     if (!loaded)
@@ -111,6 +112,7 @@ static void OnClose()
     ShowNothing();
 }
 
+// By the same way as the cross of the window, with its question about unsaved work.
 static void OnExit()
 {
     SendMessageW(g_hwndMain, WM_CLOSE, 0, 0);
@@ -207,6 +209,8 @@ static const HandlerRow kHandlers[] = {
 };
 #undef COMMAND
 
+// Menu, toolbar and keys all end here. Keys reach it even where a button is grey, so the state is
+// asked again; and the zoom box sends more than its choice.
 LRESULT RunCommand(HWND, int id, int notification)
 {
     if (!IsCommandEnabled(FrameCommands(), id) ||

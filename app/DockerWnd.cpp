@@ -53,6 +53,7 @@ static void Layout(HWND docker)
     InvalidateRect(GetParent(docker), &strip, FALSE);
 }
 
+// Only what lies between the docked windows: filling under them as well would flicker.
 static LRESULT OnEraseBackground(HWND docker, WPARAM wParam, LPARAM)
 {
     const HDC dc = reinterpret_cast<HDC>(wParam);
@@ -124,7 +125,7 @@ void DockWindow(HWND hwnd)
     if (!windows)
         return;
     if (windows->size() >= kMaxDocked)
-        throw std::length_error("list<T> too long");
+        throw std::length_error("list<T> too long"); // tools dock one at a time: a leak, not a use
     windows->push_back(hwnd);
     LayoutDocker();
 }

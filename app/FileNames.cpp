@@ -11,6 +11,8 @@ static std::wstring FirstEnding(const FormatRow& row)
 
 std::vector<SaveType> SaveTypesFor(int bitsPerComponent)
 {
+    // Both greys and colours: what the dialog offers must not depend on the photograph's
+    // components.
     const unsigned kinds = bitsPerComponent == 16 ? kHolds16 : kHolds8;
     std::vector<SaveType> types;
     for (const FormatRow* row : SaveFormats())
@@ -28,6 +30,7 @@ std::wstring OpenPattern(bool series)
     return pattern;
 }
 
+// Without regard to case, as the file system sees names.
 static bool SameText(const std::wstring& a, const std::wstring& b)
 {
     return a.size() == b.size() &&

@@ -20,6 +20,7 @@ static const SBxPicBuf* AlphaToShow()
     return fits ? &alpha : nullptr;
 }
 
+// The docker is measured, not remembered: it may have been moved by a size message meanwhile.
 void UpdateViewArea()
 {
     RECT client = {}, docker = {};
@@ -141,12 +142,14 @@ void ZoomChanged()
     ViewMoved();
 }
 
+// A tool's preview covers what is seen. Over the source there is none to bring up to date.
 void ViewMoved()
 {
     if (g_hwndActiveTool && !FrameDocument().showsSource)
         PostMessageW(g_hwndActiveTool, WM_APP_VIEW_MOVED, 0, 0);
 }
 
+// Source, result and preview have one geometry: for zooming and panning they are the same.
 const SBxPicBuf& ShownPicture()
 {
     return FrameDocument().source;

@@ -5,6 +5,7 @@
 #include "app/DockerWnd.h"
 #include "app/FrameView_win.h"
 
+// Made at first use: the order in which files set up their globals does not matter then.
 Document& FrameDocument()
 {
     static Document document;

@@ -30,6 +30,7 @@ static POINT CursorInFrame()
     return cursor;
 }
 
+// The docker is a child of the frame, so its area is the frame's client area as well.
 static bool OverDocker()
 {
     POINT cursor;
@@ -73,6 +74,8 @@ static void EndPan()
         ViewMoved();
 }
 
+// All of the picture, and of the result where there is one: whoever fits wants to see what has
+// become of the photograph.
 static void ZoomToFitView()
 {
     if (IsComputing())
@@ -116,6 +119,7 @@ static void ActOn(UINT message, int x, int y)
     }
 }
 
+// While a tool is open, clicks come with WM_SETCURSOR first.
 static bool IsForwarded(UINT message)
 {
     switch (message)

@@ -13,6 +13,8 @@
 
 bool g_closeWanted;
 
+// The user closed the window while a worker was busy: it goes as soon as the worker has let go of
+// the document, since the worker reads the source until then.
 static bool CloseIfWanted()
 {
     const bool closes = g_closeWanted && !IsComputing();
@@ -36,6 +38,7 @@ LRESULT OnSeriesReady(int id)
     if (SeriesWasAborted()) // after its last file
         return OnSeriesCancelled(nullptr, 0, 0);
     EndSeries(true);
+    // The message was on its way for a while: the photograph may be closed by now, or a tool open.
     const Document& document = FrameDocument();
     if (CloseIfWanted() || document.phase != DocumentPhase::Idle || document.series.files.empty() ||
         !HasPicture(document.source))
@@ -73,6 +76,7 @@ LRESULT OnResultCreated(HWND, WPARAM, LPARAM)
     return 0;
 }
 
+// By the class, not by SetCursor: the shape has to survive the mouse moving over the frame.
 static void SetClassCursor(const wchar_t* name)
 {
     SetClassLongPtrW(g_hwndMain, GCLP_HCURSOR,
@@ -116,6 +120,7 @@ LRESULT OnToolCancelled(HWND, WPARAM, LPARAM)
     return 0;
 }
 
+// A tool asks for its run by way of the frame, which knows whether another one is at work.
 LRESULT OnStartWorker(HWND, WPARAM, LPARAM)
 {
     if (g_hwndActiveTool && !IsComputing())
@@ -129,6 +134,7 @@ LRESULT OnZoomText(HWND, WPARAM, LPARAM)
     return 0;
 }
 
+// The box was left without Enter: what was typed there does not count.
 LRESULT OnZoomTextRestore(HWND, WPARAM, LPARAM)
 {
     if (FrameCommands().zoomBox)

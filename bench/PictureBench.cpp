@@ -58,8 +58,8 @@ static void YuvAndBack(benchmark::State& state)
     Picture picture(Width(), Height(), 3, int(state.range(0)));
     for (auto _ : state)
     {
-        CBxPicBufAPI::ConvertRGBtoYUV(picture.Record(), source);
-        CBxPicBufAPI::ConvertYUVtoRGB(picture.Record(), picture);
+        (void)CBxPicBufAPI::ConvertRGBtoYUV(picture.Record(), source);
+        (void)CBxPicBufAPI::ConvertYUVtoRGB(picture.Record(), picture);
     }
     CheckResult(state, LargestDifference(picture, source) <= 1);
     ReportPixels(state, Width(), Height());

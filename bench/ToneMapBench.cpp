@@ -17,7 +17,7 @@
 static Picture BenchPlane(int width, int height)
 {
     Picture plane = BenchScene(width, height, 1, 8, 0);
-    CBxPicBufAPI::ConvertBpcComp(plane.Record(), 32, 1);
+    (void)CBxPicBufAPI::ConvertBpcComp(plane.Record(), 32, 1);
     return plane;
 }
 

@@ -32,6 +32,8 @@ static const OptionRow* FindOption(const std::vector<OptionRow>& options, const 
     return nullptr;
 }
 
+// Whole numbers of up to twelve digits, all of the text: "12px" and "1e3" are mistakes, where the
+// library's functions would see 12 and 1.
 bool ParseNumber(const std::string& text, long long* value)
 {
     const bool negative = !text.empty() && text[0] == '-';
@@ -82,6 +84,7 @@ static void SetFlag(CliOptions* options, const OptionRow& row)
         options->*row.flag = true;
 }
 
+// Every complaint points to the help of its command, or to that of the program where there is none.
 static ParsedLine Wrong(const CommandRow* command, const std::string& complaint)
 {
     ParsedLine line;

@@ -281,7 +281,7 @@ static Outcome SmartContrastComponents(SBxPicBuf* out, const SBxPicBuf& in, SBxP
     place.height = in.height;
     for (int c = 0; c < in.components; ++c)
     {
-        CBxPicBufAPI::ExtractComponent(&place, unsigned(c), in);
+        (void)CBxPicBufAPI::ExtractComponent(&place, unsigned(c), in);
         if (in.bitsPerComponent == 8)
             ReplicateBorder8(padded, padding.x, padding.y, in.width, in.height);
         else
@@ -291,7 +291,7 @@ static Outcome SmartContrastComponents(SBxPicBuf* out, const SBxPicBuf& in, SBxP
         control.Advance(1);
         if (RecomposeComponent(padded, &record, false, gains, 0, control) != Outcome::Done)
             return Outcome::Cancelled;
-        CBxPicBufAPI::InsertComponent(out, unsigned(c), place);
+        (void)CBxPicBufAPI::InsertComponent(out, unsigned(c), place);
         control.Advance(1);
     }
     return Outcome::Done;

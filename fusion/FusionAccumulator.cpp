@@ -105,7 +105,7 @@ static Picture ComponentPlane(const SBxPicBuf& picture, unsigned index)
 {
     Picture plane(picture.width, picture.height, 1, picture.bitsPerComponent);
     if (!plane.Empty())
-        CBxPicBufAPI::ExtractComponent(plane.Record(), index, picture);
+        (void)CBxPicBufAPI::ExtractComponent(plane.Record(), index, picture);
     return plane;
 }
 
@@ -201,7 +201,7 @@ bool VcComposeResult(SBxPicBuf* picture, const VcFusionAccumulator& acc)
         if (VcComposePlane(plane.Record(), acc, c))
             failed = true;
         else
-            CBxPicBufAPI::InsertComponent(picture, c, plane);
+            (void)CBxPicBufAPI::InsertComponent(picture, c, plane);
     }
     return failed;
 }

@@ -84,21 +84,24 @@ public:
                          const CBxPoint<int>& srcOrigin, const CBxSize<int>& size);
 
     // One component of src into the one-component plane dst and back; same size and bits.
-    static bool ExtractComponent(SBxPicBuf* dst, unsigned index, const SBxPicBuf& src);
-    static bool InsertComponent(SBxPicBuf* dst, unsigned index, const SBxPicBuf& plane);
+    [[nodiscard]] static bool ExtractComponent(SBxPicBuf* dst, unsigned index,
+                                               const SBxPicBuf& src);
+    [[nodiscard]] static bool InsertComponent(SBxPicBuf* dst, unsigned index,
+                                              const SBxPicBuf& plane);
 
     // Converts in place, reallocating as needed. Any of 8, 16, 32 bits to any other, and 1 to 3 or
     // 3 to 1 components; both may change in one call. 16 to 8 bits divides by 256; float to
     // integer rounds half up, clamps to the range and takes NaN as 0; 3 to 1 takes Rec. 601 luma;
     // 1 to 3 repeats the sample; 8 to 16 bits multiplies by 257, so that white stays white.
     // Mind the order: bits first here, but components first in ReinitHeap.
-    static bool ConvertBpcComp(SBxPicBuf* buffer, unsigned bitsPerComponent, unsigned components);
+    [[nodiscard]] static bool ConvertBpcComp(SBxPicBuf* buffer, unsigned bitsPerComponent,
+                                             unsigned components);
 
     // Blue, green, red to Y, U, V (full-range Rec. 601 as JFIF has it, chroma centred on half the
     // range) and back. Same size and bits, dst already allocated; dst may be src. The pair is an
     // inverse within one step of the sample type.
-    static bool ConvertRGBtoYUV(SBxPicBuf* dst, const SBxPicBuf& src);
-    static bool ConvertYUVtoRGB(SBxPicBuf* dst, const SBxPicBuf& src);
+    [[nodiscard]] static bool ConvertRGBtoYUV(SBxPicBuf* dst, const SBxPicBuf& src);
+    [[nodiscard]] static bool ConvertYUVtoRGB(SBxPicBuf* dst, const SBxPicBuf& src);
 
     // Sets every sample (inside the rectangle) to value; a 16-bit sample becomes 0x00vv.
     static void SetConst(SBxPicBuf* buffer, unsigned char value);

@@ -37,7 +37,7 @@ PreparedSourcePtr VcPrepareSource(const VcFusionAccumulator& acc, const SBxPicBu
         plane = Picture(picture.width, picture.height, 1, picture.bitsPerComponent);
         if (plane.Empty())
             return nullptr;
-        CBxPicBufAPI::ExtractComponent(plane.Record(), c, picture);
+        (void)CBxPicBufAPI::ExtractComponent(plane.Record(), c, picture);
         levels->finest[c] = plane;
     }
     if (AllocateLevels(levels, acc) != Outcome::Done)

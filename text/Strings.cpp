@@ -131,6 +131,8 @@ const wchar_t* EnglishText(int number)
     return row == std::end(kEnglish) ? L"" : row->text;
 }
 
+// Text by text, English where a translation lacks one: an old file of texts still works. What is
+// too long is cut: pointers to the texts are held all over, so their room never moves.
 void ReloadString(const ProfileStore& store, int language, int number)
 {
     const std::wstring text = ReadText(store, LanguageSection(language),

@@ -92,9 +92,9 @@ static Outcome FilterComponent(const SBxPicBuf& padded, int component, const Pla
 static Outcome FilterColours(const SBxPicBuf& padded, const PlaneFilter& filter, int planes)
 {
     const auto toYuv = [](SBxPicBuf rows, const SBxPicBuf&)
-    { CBxPicBufAPI::ConvertRGBtoYUV(&rows, rows); };
+    { (void)CBxPicBufAPI::ConvertRGBtoYUV(&rows, rows); };
     const auto toRgb = [](SBxPicBuf rows, const SBxPicBuf&)
-    { CBxPicBufAPI::ConvertYUVtoRGB(&rows, rows); };
+    { (void)CBxPicBufAPI::ConvertYUVtoRGB(&rows, rows); };
     const auto filterPlanes = [&]
     {
         Outcome outcome = Outcome::Done;

@@ -28,9 +28,6 @@ struct SmartContrastTool
     SmartContrastModel model;
 
     explicit SmartContrastTool(const ToolHost& frame) : host(&frame) {}
-    SmartContrastTool(const SmartContrastTool&) = delete;
-    SmartContrastTool& operator=(const SmartContrastTool&) = delete;
-    ~SmartContrastTool() { ReleaseSmartContrast(&model); }
 };
 
 static SmartContrastTool* ToolOf(HWND dlg)

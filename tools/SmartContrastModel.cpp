@@ -22,19 +22,14 @@ static Outcome TakeApart(SmartContrastModel* model, const SBxPicBuf& picture)
 Outcome OpenSmartContrast(SmartContrastModel* model, const SBxPicBuf& picture,
                           const ToolNumbers& stored)
 {
-    ReleaseSmartContrast(model);
+    *model = {};
     model->numbers = OpenedNumbers(Tool::SmartContrast, stored);
     model->size = {picture.width, picture.height};
     model->padding = DetailPaddingOf(picture.width, picture.height);
     const Outcome outcome = TakeApart(model, picture);
     if (outcome != Outcome::Done)
-        ReleaseSmartContrast(model);
+        *model = {};
     return outcome;
-}
-
-void ReleaseSmartContrast(SmartContrastModel* model)
-{
-    *model = SmartContrastModel();
 }
 
 static bool HasItsNumbers(const SmartContrastModel& model)

@@ -21,12 +21,9 @@ struct SmartContrastModel
 };
 
 // Takes the picture apart and starts from the stored numbers. Fails when memory is short: the model
-// is released then.
+// is empty then.
 Outcome OpenSmartContrast(SmartContrastModel* model, const SBxPicBuf& picture,
                           const ToolNumbers& stored);
-
-// Frees pictures and planes; copes with a half-opened model.
-void ReleaseSmartContrast(SmartContrastModel* model);
 
 // Moves a slider. True when the picture is to be put together again: not while the thumb is being
 // dragged, always when it is let go, and otherwise when the numbers are not those of the picture.

@@ -179,8 +179,8 @@ TEST(ColourConversion, ComesBackWithinOneStepForEveryColour)
         for (int i = 0; i < 4096; ++i)
             for (int c = 0, colour = block * 4096 + i; c < 3; ++c)
                 colours->data[3 * i + c] = uint8_t(colour >> 8 * c);
-        CBxPicBufAPI::ConvertRGBtoYUV(converted.Record(), colours);
-        CBxPicBufAPI::ConvertYUVtoRGB(converted.Record(), converted);
+        (void)CBxPicBufAPI::ConvertRGBtoYUV(converted.Record(), colours);
+        (void)CBxPicBufAPI::ConvertYUVtoRGB(converted.Record(), converted);
         int worst = 0;
         for (int i = 0; i < 3 * 4096; ++i)
             worst = std::max(worst, std::abs(colours->data[i] - converted->data[i]));
@@ -191,8 +191,8 @@ TEST(ColourConversion, ComesBackWithinOneStepForEveryColour)
     const TestPicture deep =
         PictureOf(1000, 1000, 3, 16, [&](int, int, int) { return double(uint16_t(random())); });
     TestPicture back(1000, 1000, 3, 16);
-    CBxPicBufAPI::ConvertRGBtoYUV(back.Record(), deep);
-    CBxPicBufAPI::ConvertYUVtoRGB(back.Record(), back);
+    (void)CBxPicBufAPI::ConvertRGBtoYUV(back.Record(), deep);
+    (void)CBxPicBufAPI::ConvertYUVtoRGB(back.Record(), back);
     ExpectSamePicture(back, deep, 1);
 }
 
@@ -201,7 +201,7 @@ TEST(ColourConversion, PutsGreyInTheMiddleOfBothChromaPlanes)
     TestPicture colours = FlatPicture(2, 1, 8, {90, 90, 90});
     for (int c = 0; c < 3; ++c)
         colours.Set(1, 0, c, c == 2 ? 255 : 0);
-    CBxPicBufAPI::ConvertRGBtoYUV(colours.Record(), colours);
+    (void)CBxPicBufAPI::ConvertRGBtoYUV(colours.Record(), colours);
     const double expected[2][3] = {{90, 128, 128}, {76, 85, 255}}; // grey, red
     for (int x = 0; x < 2; ++x)
         for (int c = 0; c < 3; ++c)

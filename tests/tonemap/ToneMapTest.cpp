@@ -142,9 +142,9 @@ TEST(ToneMapping, OfLuminanceAloneKeepsTheChromaPlanes)
                                                    1000 * c; // far from both ends of the range
                                         });
     TestPicture before(80, 60, 3, 16), after(80, 60, 3, 16);
-    CBxPicBufAPI::ConvertRGBtoYUV(before.Record(), scene);
+    (void)CBxPicBufAPI::ConvertRGBtoYUV(before.Record(), scene);
     const TestPicture mapped = Mapped(scene, kDefaults, false);
-    CBxPicBufAPI::ConvertRGBtoYUV(after.Record(), mapped);
+    (void)CBxPicBufAPI::ConvertRGBtoYUV(after.Record(), mapped);
     double lumaChange = 0.0;
     for (int y = 0; y < 60; ++y)
         for (int x = 0; x < 80; ++x)

@@ -27,7 +27,6 @@ struct OpenModel
     {
         EXPECT_EQ(OpenSmartContrast(&model, picture, NumbersOf(lod)), Outcome::Done);
     }
-    ~OpenModel() { ReleaseSmartContrast(&model); }
 };
 
 TestPicture Recomposed(SmartContrastModel* model, const TestPicture& like)
