@@ -13,9 +13,32 @@ namespace fs = std::filesystem;
 // that the way back is a rename, too. Only a process that is killed between two of these renames, a
 // few microseconds apart, leaves a mixture.
 
+// Whether this process has not tidied that folder up yet; asking counts as doing it. Looking
+// through a folder with a hundred thousand files at every save would take longer than the save.
+static bool IsFirstVisit(const fs::path& folder)
+{
+    static std::mutex guard;
+    static std::set<fs::path> visited;
+    const std::lock_guard<std::mutex> turn(guard);
+    return visited.insert(folder).second;
+}
+
+int CheckTarget(const char* target)
+{
+    ReplacingFile file;
+    FindTarget(&file, target);
+    return file.error ? file.error : CheckFolder(file.target);
+}
+
 bool BeginReplacing(ReplacingFile* file, const char* target)
 {
-    return OpenSibling(file, target);
+    *file = ReplacingFile();
+    FindTarget(file, target);
+    if (file->error)
+        return false;
+    if (IsFirstVisit(file->target.parent_path()))
+        RemoveAbandonedSiblings(file->target);
+    return OpenSibling(file);
 }
 
 void CancelReplacing(ReplacingFile* file)
@@ -67,9 +90,12 @@ bool FinishReplacing(ReplacingFile* file, bool toDisk)
 
 static std::atomic<int> g_moving{0}; // runs of FinishTogether
 
-bool AreFilesMoving()
+bool AbandonReplacing()
 {
-    return g_moving != 0;
+    if (g_moving != 0)
+        return false;
+    RemoveOwnSiblings();
+    return true;
 }
 
 static void TakeBack(const ReplacingFile& file, const fs::path& old)
@@ -111,12 +137,4 @@ int FinishTogether(std::vector<ReplacingFile>* files)
         failed ? CancelReplacing(&file) : Settle(&file);
     --g_moving;
     return failed ? int(moved) : -1;
-}
-
-bool IsFirstVisit(const fs::path& folder)
-{
-    static std::mutex guard;
-    static std::set<fs::path> visited;
-    const std::lock_guard<std::mutex> turn(guard);
-    return visited.insert(folder).second;
 }

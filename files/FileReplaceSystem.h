@@ -6,8 +6,20 @@
 
 // What a replacement asks of the system. Errors are errno values, 0 for none.
 
-// BeginReplacing, which depends on the system from its first step to its last.
-bool OpenSibling(ReplacingFile* file, const char* target);
+// Follows links and sets the file's target, names and error.
+void FindTarget(ReplacingFile* file, const char* target);
+
+// Why the folder of the target takes no new files.
+int CheckFolder(const std::filesystem::path& target);
+
+// What killed processes have left in the folder of the target.
+void RemoveAbandonedSiblings(const std::filesystem::path& target);
+
+// Creates the sibling of a target that has been found. False, with `error` set, when it cannot.
+bool OpenSibling(ReplacingFile* file);
+
+// Removes what this process has not finished; for signal handlers.
+void RemoveOwnSiblings();
 
 // Full disks and broken network drives may show only when the contents really leave the memory.
 int SyncToDisk(FILE* stream);
@@ -39,10 +51,3 @@ private:
     bool taken = true;
     intptr_t handle = -1;
 };
-
-// Whether FinishTogether is at its renames.
-bool AreFilesMoving();
-
-// Whether this process has not tidied that folder up yet; asking counts as doing it. A folder may
-// have a hundred thousand files.
-bool IsFirstVisit(const std::filesystem::path& folder);

@@ -63,8 +63,9 @@ static std::filesystem::path FolderOf(const std::filesystem::path& target)
     return target.has_parent_path() ? target.parent_path() : ".";
 }
 
-static void RemoveAbandonedSiblings(const std::filesystem::path& folder)
+void RemoveAbandonedSiblings(const std::filesystem::path& target)
 {
+    const std::filesystem::path folder = FolderOf(target);
     const FolderTurn turn(folder, false);
     if (!turn.Taken()) // whoever has it keeps old files under such names
         return;
@@ -123,14 +124,11 @@ static void Unmark(ReplacingFile* file)
     file->mark = -1;
 }
 
-bool AbandonReplacing()
+void RemoveOwnSiblings()
 {
-    if (AreFilesMoving())
-        return false;
     for (Mark& mark : g_marks)
         if (mark.readable)
             unlink(mark.path);
-    return true;
 }
 
 // A new file in the folder of the target. Its name does not grow out of the target's, which may be
@@ -182,25 +180,20 @@ static int TakeAfter(int handle, const char* target, const struct stat& info)
     return 0;
 }
 
-// Looks at the target and sets everything but the sibling.
-static bool FindTarget(ReplacingFile* file, struct stat* info, const char* target)
+void FindTarget(ReplacingFile* file, const char* target)
 {
     file->target = target;
-    if (!FollowLinks(&file->target, &file->error))
-        return false;
-    const bool exists = stat(file->target.c_str(), info) == 0;
-    file->error = exists ? WhyNotReplaceable(file->target.c_str(), *info) : 0;
-    file->otherNames = exists ? int(info->st_nlink) - 1 : 0;
-    return !file->error;
+    struct stat info = {};
+    if (!FollowLinks(&file->target, &file->error) || stat(file->target.c_str(), &info) != 0)
+        return;
+    file->error = WhyNotReplaceable(file->target.c_str(), info);
+    file->otherNames = int(info.st_nlink) - 1;
 }
 
-int CheckTarget(const char* target)
+int CheckFolder(const std::filesystem::path& target)
 {
-    ReplacingFile file;
+    const std::filesystem::path folder = FolderOf(target);
     struct stat info = {};
-    if (!FindTarget(&file, &info, target))
-        return file.error;
-    const std::filesystem::path folder = FolderOf(file.target);
     if (stat(folder.c_str(), &info) != 0)
         return errno;
     if (!S_ISDIR(info.st_mode))
@@ -208,14 +201,8 @@ int CheckTarget(const char* target)
     return access(folder.c_str(), W_OK | X_OK) == 0 ? 0 : errno;
 }
 
-bool OpenSibling(ReplacingFile* file, const char* target)
+bool OpenSibling(ReplacingFile* file)
 {
-    *file = ReplacingFile();
-    struct stat info = {};
-    if (!FindTarget(file, &info, target))
-        return false;
-    if (IsFirstVisit(FolderOf(file->target)))
-        RemoveAbandonedSiblings(FolderOf(file->target));
     const int handle = CreateSibling(file);
     if (handle < 0)
     {
@@ -223,7 +210,8 @@ bool OpenSibling(ReplacingFile* file, const char* target)
         file->sibling.clear();
         return false;
     }
-    if (info.st_nlink > 0) // there is a target
+    struct stat info = {};
+    if (stat(file->target.c_str(), &info) == 0)
         file->error = TakeAfter(handle, file->target.c_str(), info);
     file->stream = file->error ? nullptr : fdopen(handle, "w+b");
     if (file->stream)

@@ -51,8 +51,9 @@ static bool IsRunning(DWORD process)
 
 // Whoever writes a sibling has it open and lets nobody delete it, on this machine or another. Only
 // between closing and moving it is it open to all: then the number of its process protects it.
-static void RemoveAbandonedSiblings(const std::filesystem::path& folder)
+void RemoveAbandonedSiblings(const std::filesystem::path& target)
 {
+    const std::filesystem::path folder = target.parent_path();
     const FolderTurn turn(folder, false);
     WIN32_FIND_DATAW entry;
     if (!turn.Taken()) // whoever has it keeps old files under such names
@@ -137,8 +138,7 @@ static int NamesOf(const std::wstring& path)
     return known ? int(info.nNumberOfLinks) : 1;
 }
 
-// Looks at the target and sets everything but the sibling.
-static bool FindTarget(ReplacingFile* file, const char* target)
+void FindTarget(ReplacingFile* file, const char* target)
 {
     std::wstring path = WideFromSavePath(target);
     DWORD attributes = GetFileAttributesW(path.c_str());
@@ -149,14 +149,13 @@ static bool FindTarget(ReplacingFile* file, const char* target)
     }
     file->target = path;
     if (attributes == INVALID_FILE_ATTRIBUTES)
-        return true;
+        return;
     if (attributes & FILE_ATTRIBUTE_DIRECTORY)
         file->error = EISDIR;
     else if (attributes & (FILE_ATTRIBUTE_READONLY | FILE_ATTRIBUTE_SYSTEM))
         file->error = EACCES;
     else
         file->otherNames = NamesOf(path) - 1;
-    return !file->error;
 }
 
 static std::filesystem::path FolderOf(const std::filesystem::path& target)
@@ -164,12 +163,9 @@ static std::filesystem::path FolderOf(const std::filesystem::path& target)
     return target.has_parent_path() ? target.parent_path() : L".";
 }
 
-int CheckTarget(const char* target)
+int CheckFolder(const std::filesystem::path& target)
 {
-    ReplacingFile file;
-    if (!FindTarget(&file, target))
-        return file.error;
-    const std::filesystem::path path = FolderOf(file.target);
+    const std::filesystem::path path = FolderOf(target);
     const DWORD attributes = GetFileAttributesW(path.c_str());
     if (attributes == INVALID_FILE_ATTRIBUTES)
         return ErrnoOf(GetLastError());
@@ -184,22 +180,14 @@ int CheckTarget(const char* target)
     return 0;
 }
 
-bool OpenSibling(ReplacingFile* file, const char* target)
+bool OpenSibling(ReplacingFile* file)
 {
-    *file = ReplacingFile();
-    if (!FindTarget(file, target))
-        return false;
-    if (IsFirstVisit(FolderOf(file->target)))
-        RemoveAbandonedSiblings(FolderOf(file->target));
     file->stream = CreateSibling(file);
     return file->stream != nullptr;
 }
 
 // The system removes them: see GoesWhenClosed.
-bool AbandonReplacing()
-{
-    return !AreFilesMoving();
-}
+void RemoveOwnSiblings() {}
 
 int SyncToDisk(FILE* stream)
 {
