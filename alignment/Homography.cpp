@@ -76,3 +76,18 @@ double LargestCornerMotion(const Homography& map, CBxSize<int> frame)
         }
     return largest;
 }
+
+double MeanMotion(const Homography& map, CBxSize<int> frame)
+{
+    constexpr int kCells = 8; // a map bends too little for what lies between to matter
+    double sum = 0;
+    for (int j = 0; j < kCells; ++j)
+        for (int i = 0; i < kCells; ++i)
+        {
+            const double x = (i + 0.5) * frame.cx / kCells - 0.5;
+            const double y = (j + 0.5) * frame.cy / kCells - 0.5;
+            const CBxPoint<double> at = MapPoint(map, x, y);
+            sum += (at.x - x) * (at.x - x) + (at.y - y) * (at.y - y);
+        }
+    return std::sqrt(sum / (kCells * kCells));
+}

@@ -27,3 +27,6 @@ Homography Translation(double x, double y);
 
 // How far the map moves the corner of a frame that it moves farthest, in pixels.
 double LargestCornerMotion(const Homography& map, CBxSize<int> frame);
+
+// Root mean square of how far it moves the pixels of a frame.
+double MeanMotion(const Homography& map, CBxSize<int> frame);

@@ -16,6 +16,7 @@ constexpr double kLongestShift = 0.08;    // of the longer side, found on the co
 constexpr double kLeastCorrelation = 0.5; // of a tile that has been found
 constexpr float kBlockedLuma = 12, kBlownLuma = 243;
 constexpr double kStillPixels = 0.3;
+constexpr double kTripodPixels = 0.7;      // see StandOnATripod
 constexpr double kFarthestCorner = 0.15;   // of the diagonal
 constexpr double kMostStretch = 0.04;      // of one direction against the other
 constexpr double kMostTilt = 0.06;         // change of scale from edge to edge
@@ -222,6 +223,21 @@ static void RegisterChain(SeriesRegistration* series, const std::vector<FrameLoo
     }
 }
 
+// Resampling softens a frame as much as a blend is softened by frames that lie half a pixel apart,
+// and cameras that were stood somewhere still give way by that much from frame to frame. Measured
+// on photographs that were shifted by known amounts: contrast of neighbouring pixels is kept better
+// as they lie up to 0.55 pixels, and better by resampling from 0.75 pixels on, by a twentieth
+// there and by a quarter at 1.25.
+static void StandOnATripod(SeriesRegistration* series, const std::vector<FrameLook>& frames)
+{
+    for (size_t i = 0; i < frames.size(); ++i)
+        if (MeanMotion(series->frames[i].map, frames[i].size) > kTripodPixels)
+            return;
+    for (Registration& frame : series->frames)
+        if (frame.verdict == FrameVerdict::Registered)
+            frame.verdict = FrameVerdict::Still;
+}
+
 SeriesRegistration RegisterSeries(const std::vector<FrameLook>& frames)
 {
     SeriesRegistration series;
@@ -237,5 +253,6 @@ SeriesRegistration RegisterSeries(const std::vector<FrameLook>& frames)
     const auto middle = std::find(order.begin(), order.end(), size_t(series.stays));
     RegisterChain(&series, frames, {middle + 1, order.end()});
     RegisterChain(&series, frames, {std::make_reverse_iterator(middle), order.rend()});
+    StandOnATripod(&series, frames);
     return series;
 }

@@ -11,7 +11,7 @@
 enum class FrameVerdict
 {
     Registered,
-    Still,         // moved by less than 0.3 pixels anywhere: nothing to do
+    Still,         // moved by less than 0.3 pixels anywhere, or with a series that did not move
     TooFewPlaces,  // too little texture in common, or nothing that agrees on one motion
     TooFar,        // a corner moved by more than 15 % of the diagonal
     NotACamera,    // the map shears or tips more than a hand does
@@ -58,5 +58,6 @@ struct SeriesRegistration
 
 // Each frame is compared with its neighbour in brightness, towards the frame that stays, since the
 // ends of a long series have nothing in common; a neighbour that could not be understood is
-// skipped.
+// skipped. Where no frame has moved by more than 0.7 pixels on average the camera stood on a
+// tripod, and every frame is Still: resampling would cost more than it gains.
 SeriesRegistration RegisterSeries(const std::vector<FrameLook>& frames);

@@ -54,9 +54,26 @@ static std::string Takes(const OptionRow& row, const std::string& what, const st
     return std::string(row.name) + " takes " + what + ", not '" + value + "'";
 }
 
+// Whether the value is one of "these|those".
+static bool IsChoice(const std::string& choices, const std::string& value)
+{
+    return value.find('|') == value.npos &&
+           ("|" + choices + "|").find("|" + value + "|") != choices.npos;
+}
+
+// As words between which one chooses.
+static std::string ChoicesText(std::string choices)
+{
+    for (size_t at = 0; (at = choices.find('|', at)) != choices.npos;)
+        choices.replace(at, 1, " or ");
+    return choices;
+}
+
 // Stores the value of an option. Gives the complaint, empty when there is none.
 static std::string StoreValue(CliOptions* options, const OptionRow& row, const std::string& value)
 {
+    if (row.choices && !IsChoice(row.choices, value))
+        return Takes(row, ChoicesText(row.choices), value);
     if (row.text)
     {
         options->*row.text = value;
@@ -81,7 +98,7 @@ static void SetFlag(CliOptions* options, const OptionRow& row)
     if (row.parameter)
         StoreParameter(&options->numbers, *row.parameter, "");
     else
-        options->*row.flag = true;
+        options->*row.flag = row.setsFlag;
 }
 
 // Every complaint points to the help of its command, or to that of the program where there is none.

@@ -25,6 +25,10 @@ struct CliOptions
     int jpegQuality = 95; // for commands that have no such option, too
     int threads = 0;      // 0 = as many as the machine has
     int width = 0, height = 0, frames = 0;
+    std::string align = "auto"; // or "off"
+    bool crop = true;
+    bool report = false;
+    bool handHeld = false;
     bool times = false;
     bool quiet = false;
     bool help = false;
@@ -43,6 +47,8 @@ struct OptionRow
     bool required;            // texts only
     const char* help;
     const ParameterRow* parameter = nullptr; // whose number it is, with all that it says
+    bool setsFlag = true;                    // what the flag becomes
+    const char* choices = nullptr;           // of a text that is not free: "auto|off"
 };
 
 struct CliStreams

@@ -33,6 +33,15 @@ static const std::string kOutputHelp = "file to write: " + ResultEndings();
 static const OptionRow kFuseOptions[] = {
     {"--output", 'o', "OUT", nullptr, nullptr, &CliOptions::output, 0, 0, 0, true,
      kOutputHelp.c_str()},
+    {"--align", 0, "MODE", nullptr, nullptr, &CliOptions::align, 0, 0, 0, false,
+     "auto brings hand-held pictures into register, off blends all as they lie (default auto)",
+     nullptr, true, "auto|off"},
+    {"--crop", 0, nullptr, &CliOptions::crop, nullptr, nullptr, 0, 0, 0, false,
+     "cut off what not all pictures show when they are brought into register (the default)"},
+    {"--no-crop", 0, nullptr, &CliOptions::crop, nullptr, nullptr, 0, 0, 0, false,
+     "keep the size of the pictures, with mirrored borders", nullptr, false},
+    {"--report", 0, nullptr, &CliOptions::report, nullptr, nullptr, 0, 0, 0, false,
+     "say of each picture how it had moved and what was done about it"},
 };
 
 // Of commands that write photographs.
@@ -68,6 +77,8 @@ static const OptionRow kSampleOptions[] = {
      "height in pixels"},
     {"--frames", 0, "N", nullptr, &CliOptions::frames, nullptr, 1, 9, 5, false,
      "number of exposures, two stops apart"},
+    {"--hand-held", 0, nullptr, &CliOptions::handHeld, nullptr, nullptr, 0, 0, 0, false,
+     "move the camera a little between the exposures"},
 };
 
 template <int N>
@@ -87,7 +98,9 @@ static const CommandRow kCommands[] = {
      1,
      "fuse an exposure series into one picture",
      "Blends photographs of one scene, taken with different exposures, into one picture that shows "
-     "detail in shadows and highlights. All inputs must have the same size, depth and number of "
+     "detail in shadows and highlights. Pictures taken by hand are brought into register first; "
+     "those "
+     "from a tripod stay as they are. All inputs must have the same size, depth and number of "
      "components. The first one gives the result its colour profile, its metadata and, where the "
      "format has room for it, its alpha plane. 16-bit pictures need TIFF or PNG.",
      {List(kFuseOptions), Numbers(Tool::ExposureFusion, "grey to aim at, more = brighter"),

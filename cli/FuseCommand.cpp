@@ -8,10 +8,10 @@
 #include "cli/TargetCheck.h"
 
 #include "files/ImageFileText.h"
-#include "pipeline/DecodeSource.h"
 #include "pipeline/FusionFeed.h"
+#include "pipeline/SeriesAlignment.h"
 
-#include <future>
+#include <cmath>
 #include <iomanip>
 #include <ostream>
 
@@ -31,11 +31,11 @@ struct FuseJob
     const CliStreams& streams;
     Progress progress = StartProgress(options, streams);
     FormatId format = kFormatFromName;
-    SourceStep step = nullptr; // of every source
+    SeriesAlignment alignment = {};
     FusionSums sums = {};
     SBxPicBuf geometry = {}; // of the first source; no data
     Picture alpha = {};      // of the first source
-    double waited = 0.0, added = 0.0, composed = 0.0,
+    double aligned = 0.0, waited = 0.0, added = 0.0, composed = 0.0,
            written = 0.0; // seconds; reading that nobody waits for does not count
     std::string problem{}, problemFile{};
 };
@@ -49,6 +49,11 @@ static Outcome Refuse(FuseJob* job, const std::string& file, const std::string& 
 }
 
 static const char kNoMemory[] = "not enough memory to fuse pictures of this size";
+
+static bool ReadsAhead(const FuseJob& job)
+{
+    return job.options.threads != 1;
+}
 
 // Looks at the first source and sets up what depends on it.
 static Outcome StartJob(FuseJob* job, DecodedSource* first)
@@ -94,22 +99,14 @@ static Outcome AddSource(FuseJob* job, DecodedSource* source, size_t index, cons
 static Outcome FeedSources(FuseJob* job, const SourceTaker& take)
 {
     const std::vector<std::string>& inputs = job->options.inputs;
-    const std::launch how = job->options.threads == 1 ? std::launch::deferred : std::launch::async;
-    const auto load = [&](size_t index)
-    {
-        return std::async(how, [=, &inputs]
-                          { return DecodeSource(inputs[index], int(index), job->step); });
-    };
-    std::future<DecodedSource> next = load(0);
+    SourceReader reader(inputs, StepOf(job->alignment), ReadsAhead(*job));
     for (size_t i = 0; i < inputs.size(); i++)
     {
         ShowProgress(&job->progress, "Fusing " + std::to_string(i + 1) + " of " +
                                          std::to_string(inputs.size()) + ": " + inputs[i]);
         const Stopwatch waiting;
-        DecodedSource source = next.get();
+        DecodedSource source = reader.Next();
         job->waited += waiting.Seconds();
-        if (i + 1 < inputs.size())
-            next = load(i + 1);
         const Stopwatch adding;
         const Outcome added = AddSource(job, &source, i, take);
         job->added += adding.Seconds();
@@ -119,6 +116,27 @@ static Outcome FeedSources(FuseJob* job, const SourceTaker& take)
     return Outcome::Done;
 }
 
+// Looks at all sources before any is fused.
+static Outcome Align(FuseJob* job)
+{
+    const std::vector<std::string>& inputs = job->options.inputs;
+    if (job->options.align == "off")
+        return Outcome::Done;
+    const Stopwatch watch;
+    const auto comes = [&](int number)
+    {
+        ShowProgress(&job->progress, "Looking at " + std::to_string(number + 1) + " of " +
+                                         std::to_string(inputs.size()) + ": " +
+                                         inputs[size_t(number)]);
+        return StopRequested();
+    };
+    const AlignmentBorder border =
+        job->options.crop ? AlignmentBorder::Crop : AlignmentBorder::Mirror;
+    const Outcome aligned = AlignSeries(&job->alignment, inputs, border, ReadsAhead(*job), comes);
+    job->aligned = watch.Seconds();
+    return aligned == Outcome::Failed ? Refuse(job, inputs[0], kNoMemory) : aligned;
+}
+
 static void Report(const FuseJob& job, const std::string& note)
 {
     const size_t count = job.options.inputs.size();
@@ -126,10 +144,75 @@ static void Report(const FuseJob& job, const std::string& note)
     out << ShownText(job.options.output) << ": " << Kind(job.geometry) << ", fused from " << count
         << (count == 1 ? " picture" : " pictures") << ShownText(note);
     if (job.options.times)
-        out << std::fixed << std::setprecision(2) << ", waited for reading " << job.waited
-            << " s, added in " << job.added << " s, composed in " << job.composed
-            << " s, written in " << job.written << " s";
+        out << std::fixed << std::setprecision(2) << ", aligned in " << job.aligned
+            << " s, waited for reading " << job.waited << " s, added in " << job.added
+            << " s, composed in " << job.composed << " s, written in " << job.written << " s";
     out << std::endl;
+}
+
+static const char* WhyLeft(FrameVerdict verdict)
+{
+    switch (verdict)
+    {
+    case FrameVerdict::Registered:
+    case FrameVerdict::Still: break;
+    case FrameVerdict::TooFewPlaces: return "too little in common with the others";
+    case FrameVerdict::TooFar: return "it had moved too far";
+    case FrameVerdict::NotACamera: return "no camera moves like that";
+    case FrameVerdict::NoImprovement: return "it fits no better in another place";
+    }
+    return "";
+}
+
+// How a frame had moved at its middle, and what became of it.
+static void ReportFrame(std::ostream& out, const Registration& frame, CBxSize<int> size)
+{
+    constexpr double kDegrees = 57.295779513082321;
+    const double x = (size.cx - 1) / 2.0, y = (size.cy - 1) / 2.0;
+    const CBxPoint<double> at = MapPoint(frame.map, x, y);
+    const double* m = frame.map.m;
+    out << std::fixed << std::setprecision(1) << "shift " << at.x - x << ", " << at.y - y
+        << " pixels, turn " << std::setprecision(3)
+        << std::atan2(m[3] - m[1], m[0] + m[4]) * kDegrees << " degrees, scale "
+        << std::setprecision(4) << std::sqrt(m[0] * m[4] - m[1] * m[3]);
+}
+
+static bool IsUnderstood(const Registration& frame)
+{
+    return frame.verdict == FrameVerdict::Registered || frame.verdict == FrameVerdict::Still;
+}
+
+// A line for each source if that is asked for, and else for those that may blur the result, since
+// the others have moved and they could not be told how.
+static void ReportMotion(const FuseJob& job)
+{
+    const SeriesAlignment& alignment = job.alignment;
+    const bool all = job.options.report;
+    std::ostream& out = job.streams.out;
+    for (size_t i = 0; i < job.options.inputs.size(); ++i)
+    {
+        const std::string& name = job.options.inputs[i];
+        if (alignment.found.frames.empty())
+        {
+            if (all)
+                out << name << ": left as it is: not compared with others\n";
+            continue;
+        }
+        const Registration& frame = alignment.found.frames[i];
+        if (!all && (IsUnderstood(frame) || !alignment.changesSource))
+            continue;
+        out << name << ": ";
+        if (int(i) == alignment.found.stays)
+            out << "stays, the others are compared with it\n";
+        else if (!IsUnderstood(frame))
+            out << "left as it is: " << WhyLeft(frame.verdict) << "\n";
+        else
+        {
+            ReportFrame(out, frame, alignment.frame);
+            out << (frame.verdict == FrameVerdict::Registered ? ", brought into register\n"
+                                                              : ", left as it is\n");
+        }
+    }
 }
 
 static Outcome Blend(FuseJob* job, Picture* result)
@@ -158,7 +241,8 @@ static Outcome Write(FuseJob* job, const Picture& result, std::string* note)
 static Outcome RunJob(FuseJob* job, std::string* note)
 {
     const auto feed = [job](const SourceTaker& take) { return FeedSources(job, take); };
-    Outcome outcome = AddFeed(&job->sums, feed, StopRequested);
+    Outcome outcome = InTurn([&] { return Align(job); },
+                             [&] { return AddFeed(&job->sums, feed, StopRequested); });
     Picture result;
     if (outcome == Outcome::Done)
         outcome = Blend(job, &result);
@@ -185,6 +269,9 @@ int RunFuse(const CliOptions& options, const CliStreams& streams)
     if (outcome == Outcome::Failed)
         return Fail(streams, job.problemFile, job.problem);
     if (!options.quiet)
+    {
+        ReportMotion(job);
         Report(job, note);
+    }
     return kExitDone;
 }

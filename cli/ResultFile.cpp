@@ -104,7 +104,7 @@ std::string SaveResult(const SBxPicBuf& picture, const SBxPicBuf& alpha, const s
         *note += ", without the metadata of " + source;
     if (report.alphaDropped)
         *note += ", without the alpha plane, which this format cannot hold";
-    if (report.profileDropped)
+    if (report.losses.profile)
         *note += ", without the colour profile, which this format cannot hold";
     if (report.otherNames > 0)
         *note += ", under this name only: " + std::to_string(report.otherNames) +

@@ -11,6 +11,7 @@
 #include "files/ImageFileText.h"
 #include "sample/Exposure.h"
 
+#include <iterator>
 #include <memory>
 #include <ostream>
 
@@ -66,6 +67,36 @@ static std::vector<uint8_t> ExifOf(const Frame& frame)
     return MakeExifBlock(fields);
 }
 
+// What a hand does to the camera from one exposure to the next: turns and metres. The middle one is
+// where the camera of a tripod would be.
+struct HandMotion
+{
+    float yaw, roll, aside, up;
+};
+constexpr HandMotion kHand[] = {
+    {0.0011f, -0.0007f, 0.002f, -0.001f},
+    {-0.0009f, 0.0010f, 0.001f, 0.002f},
+    {0.0006f, 0.0008f, -0.002f, 0.002f},
+    {-0.0013f, -0.0009f, 0.001f, 0.001f},
+    {0.0f, 0.0f, 0.0f, 0.0f},
+    {0.0015f, 0.0011f, -0.001f, -0.002f},
+    {-0.0007f, -0.0012f, 0.002f, 0.001f},
+    {0.0010f, 0.0006f, -0.001f, 0.002f},
+    {-0.0014f, 0.0009f, 0.001f, -0.002f},
+};
+
+static SampleCamera CameraInHand(size_t frame, size_t frames)
+{
+    const size_t middle = std::size(kHand) / 2;
+    const HandMotion& motion = kHand[middle - frames / 2 + frame];
+    SampleCamera camera;
+    camera.yaw += motion.yaw;
+    camera.roll += motion.roll;
+    camera.eye.x += motion.aside;
+    camera.eye.y += motion.up;
+    return camera;
+}
+
 static std::string SaveFrame(ResultSet* files, const SampleRadiance& scene, const Frame& frame)
 {
     std::string path;
@@ -84,18 +115,28 @@ static std::string SaveFrame(ResultSet* files, const SampleRadiance& scene, cons
     return report.written ? "" : SaveReportText(report);
 }
 
-// What went wrong, empty when it went well.
+static SampleRadiance RenderFrame(const CliOptions& options, size_t frame)
+{
+    return RenderSampleScene(options.width, options.height,
+                             options.handHeld ? CameraInHand(frame, size_t(options.frames))
+                                              : SampleCamera());
+}
+
+// The scene is rendered once, or anew for each place of the camera. What went wrong, empty when it
+// went well.
 static TargetComplaint WriteFrames(ResultSet* files, const std::vector<Frame>& frames,
                                    const CliOptions& options, Progress* progress)
 {
     ShowProgress(progress, "Rendering the scene");
-    const SampleRadiance scene = RenderSampleScene(options.width, options.height);
+    SampleRadiance scene = RenderFrame(options, 0);
     for (size_t i = 0; i < frames.size(); i++)
     {
         ShowProgress(progress,
                      "Writing " + std::to_string(i + 1) + " of " + std::to_string(frames.size()));
         if (StopRequested())
             return {"", "stopped"};
+        if (i > 0 && options.handHeld)
+            scene = RenderFrame(options, i);
         const std::string problem = SaveFrame(files, scene, frames[i]);
         if (!problem.empty())
             return {files->PathOf(frames[i].name), problem};

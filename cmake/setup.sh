@@ -8,6 +8,7 @@ root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 level=${1:-native}
 
 native=(g++ cmake ninja-build libfreeimage-dev libtbb-dev googletest libbenchmark-dev dpkg-dev)
+native+=(libjpeg-dev libpng-dev libtiff-dev libwebp-dev zlib1g-dev libimage-exiftool-perl)
 # Windows: compiler, zlib, the assembler of the JPEG library; three draw the images and pack the icon.
 windows=(g++-mingw-w64-x86-64-posix libz-mingw-w64-dev nasm librsvg2-bin icoutils imagemagick)
 packing=(nsis zip unzip)

@@ -39,6 +39,14 @@ Series()
     InARow exposure 283 exposure-60.png exposure-100.png exposure-150.png
 }
 
+Hand()
+{
+    Cli sample --hand-held --out-dir hand --width 1290 --height 860
+    Cli fuse --align off -o lying.png hand/*.jpg
+    Cli fuse --no-crop -o hand.png hand/*.jpg
+    Details hand-held 428x283+340+130 lying.png hand.png
+}
+
 Tools()
 {
     local power
@@ -132,6 +140,7 @@ Build windows Plenoviz
 Sample
 if [[ ${1:-} != windows ]]; then
     Series
+    Hand
     Tools
 fi
 ScreenFolder pictures

@@ -1,5 +1,7 @@
 #include "files/ExifBlock.h"
 
+#include "files/TiffDirectory.h"
+
 #include <cstddef>
 
 // A TIFF header, the directory of the camera and behind it the directory of the exposure. Each
@@ -151,4 +153,12 @@ std::vector<uint8_t> MakeExifBlock(const ExifFields& fields)
     PutDirectory(&block, camera, kCameraOffset);
     PutDirectory(&block, exposure, exposureOffset);
     return block;
+}
+
+bool ExifIsSound(const std::vector<uint8_t>& block)
+{
+    TiffStructure tiff = {ByteSource(block)};
+    TiffDirectory first;
+    return OpenTiff(tiff.source, &tiff) && !tiff.wide &&
+           ReadTiffDirectory(tiff, tiff.first, &first);
 }

@@ -27,3 +27,7 @@ struct ExifFields
 // The EXIF block of a JPEG file, as SaveExtras::exif takes it: "Exif", two
 // zeros, and a little-endian TIFF structure.
 std::vector<uint8_t> MakeExifBlock(const ExifFields& fields);
+
+// Whether the bytes are a TIFF structure whose first directory lies within them, as the EXIF block
+// of any file is, without the letters that it begins with in JPEG files.
+bool ExifIsSound(const std::vector<uint8_t>& block);

@@ -44,7 +44,7 @@ enum : unsigned
     kCarriesProfile = 1,
     kCarriesXmp = 2,
     kCarriesCaptions = 4, // IPTC
-    kCarriesExif = 8,     // of JPEG files
+    kCarriesExif = 8,
 };
 
 enum class OpenDialogs

@@ -3,6 +3,11 @@
 #include "base/ShortMemory.h"
 #include "base/SystemFiles.h"
 #include "files/ImageReader.h"
+#include "files/JpegWriter.h"
+#include "files/MetadataContainers.h"
+#include "files/PngWriter.h"
+#include "files/TiffWriter.h"
+#include "files/WebpWriter.h"
 #include "picture/Orientation.h"
 
 #include <algorithm>
@@ -98,88 +103,8 @@ LoadProblem CheckPictureFile(const char* path)
     return problem == LoadProblem::None ? CheckHeader(format, &stream) : problem;
 }
 
-// Gives the source the profile that stands in its file. The size is not known before it is
-// unpacked; a profile states it in its first four bytes, which also tells whether it is complete.
-static void AttachPngProfile(FIBITMAP* source, FILE* stream)
-{
-    std::vector<uint8_t> packed, profile;
-    if (!FindPngProfile(stream, &packed))
-        return;
-    const size_t kMaxProfileBytes = 64u << 20;
-    for (size_t size = 4096; size <= kMaxProfileBytes; size *= 4)
-    {
-        profile.resize(size);
-        const DWORD bytes = FreeImage_ZLibUncompress(profile.data(), DWORD(size), packed.data(),
-                                                     DWORD(packed.size()));
-        if (bytes == 0)
-            continue; // damaged, or larger than that
-        const uint32_t stated = uint32_t(profile[0]) << 24 | uint32_t(profile[1]) << 16 |
-                                uint32_t(profile[2]) << 8 | profile[3];
-        if (stated == bytes)
-            FreeImage_CreateICCProfile(source, profile.data(), long(bytes));
-        return;
-    }
-}
-
-// A profile that speaks of other colour channels than the picture has is worse than none: a CMYK
-// photograph arrives here as RGB, still with the profile of its inks.
-static bool ProfileFits(const FIICCPROFILE* profile, const SBxPicBuf& picture)
-{
-    const size_t kSpaceOffset = 16; // four letters naming the colour space
-    if (profile->size < kSpaceOffset + 4)
-        return true;
-    const char* data = static_cast<const char*>(profile->data);
-    const std::string space(data + kSpaceOffset, 4);
-    return space != "CMYK" && space != (picture.components == 1 ? "RGB " : "GRAY");
-}
-
-// The picture was turned upright when it was loaded: what travels along must not turn it again.
-static void SayUpright(FIBITMAP* bitmap)
-{
-    FITAG* tag = nullptr;
-    if (!FreeImage_GetMetadata(FIMD_XMP, bitmap, "XMLPacket", &tag))
-        return;
-    char* xmp = static_cast<char*>(const_cast<void*>(FreeImage_GetTagValue(tag)));
-    const size_t size = FreeImage_GetTagLength(tag);
-    for (const std::string name : {"tiff:Orientation=\"", "tiff:Orientation>"})
-    {
-        char* found = std::search(xmp, xmp + size, name.begin(), name.end());
-        if (found + name.size() < xmp + size && found[name.size()] >= '2' &&
-            found[name.size()] <= '8')
-            found[name.size()] = '1';
-    }
-}
-
-static void TakeProfileAndMetadata(FIBITMAP* bitmap, const FormatRow& format, FIBITMAP* source,
-                                   const SBxPicBuf& picture)
-{
-    FreeImage_CloneMetadata(bitmap, source);
-    SayUpright(bitmap);
-    // The samples count from black to white, whatever those of the source did.
-    FreeImage_SetMetadata(FIMD_EXIF_MAIN, bitmap, "PhotometricInterpretation", nullptr);
-    if (!(format.carries & kCarriesCaptions))
-        FreeImage_SetMetadata(FIMD_IPTC, bitmap, nullptr, nullptr);
-    const FIICCPROFILE* profile = FreeImage_GetICCProfile(source);
-    if (profile && profile->data && profile->size && ProfileFits(profile, picture))
-        FreeImage_CreateICCProfile(bitmap, profile->data, long(profile->size));
-}
-
-static void SetExif(FIBITMAP* bitmap, const std::vector<uint8_t>& exif)
-{
-    FITAG* tag = FreeImage_CreateTag();
-    if (!tag)
-        return;
-    FreeImage_SetTagKey(tag, "ExifRaw");
-    FreeImage_SetTagType(tag, FIDT_BYTE);
-    FreeImage_SetTagLength(tag, DWORD(exif.size()));
-    FreeImage_SetTagCount(tag, DWORD(exif.size()));
-    FreeImage_SetTagValue(tag, exif.data());
-    FreeImage_SetMetadata(FIMD_EXIF_RAW, bitmap, "ExifRaw", tag);
-    FreeImage_DeleteTag(tag);
-}
-
-static void TakeFromSource(FIBITMAP* bitmap, const FormatRow& targetFormat, const char* path,
-                           const SBxPicBuf& picture, SaveReport* report)
+// What the source of a save knows; the header of its file has to be that of a picture.
+static Metadata SourceMetadata(const char* path, SaveReport* report)
 {
     const FileOwner file(OpenSavePath(path));
     ImageStream stream;
@@ -192,23 +117,12 @@ static void TakeFromSource(FIBITMAP* bitmap, const FormatRow& targetFormat, cons
         report->problem = SaveProblem::SourceFormat;
         throw UnsupportedImageFormat();
     }
-    LoadProblem problem = LoadProblem::None;
-    const BitmapOwner source = file ? LoadWhole(format, &stream, &problem) : nullptr;
-    if (!source)
+    if (!file || CheckHeader(format, &stream) != LoadProblem::None)
     {
         report->problem = SaveProblem::SourceUnreadable;
         throw ImageReadError();
     }
-    if (format == FIF_PNG && !FreeImage_GetICCProfile(source.get())->data)
-        AttachPngProfile(source.get(), file.get());
-    TakeProfileAndMetadata(bitmap, targetFormat, source.get(), picture);
-    std::vector<uint8_t> exif;
-    if (format == FIF_JPEG && (targetFormat.carries & kCarriesExif))
-        exif = SoundJpegExif(file.get());
-    if (exif.empty())
-        return;
-    SetExifUpright(&exif);
-    SetExif(bitmap, exif);
+    return ReadMetadata(file.get());
 }
 
 static bool Encode(FREE_IMAGE_FORMAT format, FIBITMAP* bitmap, FreeImageIO* io, ImageStream* stream,
@@ -247,7 +161,40 @@ static bool Finish(ReplacingFile* file, const SaveExtras& extras)
     return complete;
 }
 
-static void WriteFile(FIBITMAP* bitmap, const char* target, FREE_IMAGE_FORMAT format, int flags,
+// The formats that the codec library still writes. They hold no metadata.
+static bool WriteBitmap(WatchedFile* file, const PictureToWrite& job, FREE_IMAGE_FORMAT format)
+{
+    const BitmapOwner bitmap(BitmapFromPicture(*job.picture, job.alpha));
+    if (!bitmap)
+        return false;
+    const auto perMetre = [](double dots) { return unsigned(dots / kInchMetres + 0.5); };
+    if (job.metadata->dotsPerInchX >= 1 && job.metadata->dotsPerInchX < 1e6)
+    {
+        FreeImage_SetDotsPerMeterX(bitmap.get(), perMetre(job.metadata->dotsPerInchX));
+        FreeImage_SetDotsPerMeterY(bitmap.get(), perMetre(job.metadata->dotsPerInchY));
+    }
+    FreeImageIO io = StreamFunctions();
+    ImageStream stream;
+    stream.file = file->stream;
+    const bool done = Encode(format, bitmap.get(), &io, &stream, 0) &&
+                      HeaderMatches(&stream, format, bitmap.get());
+    file->error = stream.error;
+    return done;
+}
+
+static bool WriteAny(WatchedFile* file, const PictureToWrite& job, const FormatRow& format)
+{
+    switch (format.id)
+    {
+    case kFormatJpeg: return WriteJpeg(file, job);
+    case kFormatPng: return WritePng(file, job);
+    case kFormatTiff: return WriteTiff(file, job);
+    case kFormatWebp: return WriteWebp(file, job);
+    default: return WriteBitmap(file, job, FREE_IMAGE_FORMAT(*format.codes.begin()));
+    }
+}
+
+static void WriteFile(const PictureToWrite& job, const FormatRow& format, const char* target,
                       const SaveExtras& extras, SaveReport* report)
 {
     ReplacingFile file;
@@ -257,16 +204,10 @@ static void WriteFile(FIBITMAP* bitmap, const char* target, FREE_IMAGE_FORMAT fo
         report->systemError = file.error;
         return;
     }
-    FreeImageIO io = StreamFunctions();
-    ImageStream stream;
-    stream.file = file.stream;
-    const auto encode = [&]
-    {
-        return FailedIf(!Encode(format, bitmap, &io, &stream, flags) ||
-                        !HeaderMatches(&stream, format, bitmap));
-    };
+    WatchedFile watched = {file.stream, 0};
+    const auto encode = [&] { return FailedIf(!WriteAny(&watched, job, format)); };
     const bool failed = FailWithoutMemory(encode) != Outcome::Done;
-    file.error = stream.error;
+    file.error = watched.error;
     if (failed)
         CancelReplacing(&file);
     else
@@ -276,16 +217,6 @@ static void WriteFile(FIBITMAP* bitmap, const char* target, FREE_IMAGE_FORMAT fo
     report->problem = report->written ? SaveProblem::None
                       : file.error    ? SaveProblem::CannotWrite
                                       : SaveProblem::EncoderFailed;
-}
-
-static int SaveFlags(FREE_IMAGE_FORMAT format, bool passing)
-{
-    if (format == FIF_TIFF && passing)
-        return TIFF_NONE;
-    if (format != FIF_JPEG)
-        return 0;
-    // FreeImage reads larger numbers as other options.
-    return g_jpegQuality >= 1 ? std::min(g_jpegQuality, 100) : kDefaultJpegQuality;
 }
 
 static const FormatRow& WritableFormat(FormatId format, const char* target, SaveReport* report)
@@ -316,26 +247,27 @@ static void SavePair(const SBxPicBuf& picture, const SBxPicBuf& alpha, const cha
         return;
 
     report->problem = SaveProblem::OutOfMemory;
-    const BitmapOwner bitmap(BitmapFromPicture(picture, withAlpha ? &alpha : nullptr));
-    if (!bitmap)
-        return;
-    if (source && *source)
-        TakeFromSource(bitmap.get(), row, source, picture, report);
-    if (extras && !extras->exif.empty())
-        SetExif(bitmap.get(), extras->exif);
-
     static const SaveExtras kNone;
-    const SaveExtras& wanted = extras ? *extras : kNone;
-    const auto code = FREE_IMAGE_FORMAT(*row.codes.begin());
-    const int flags = SaveFlags(code, wanted.passing);
-    WriteFile(bitmap.get(), target, code, flags, wanted, report);
-    // Some encoders refuse profiles that are damaged; the picture is worth more than its profile.
-    if (report->problem != SaveProblem::EncoderFailed ||
-        !FreeImage_GetICCProfile(bitmap.get())->data)
-        return;
-    FreeImage_DestroyICCProfile(bitmap.get());
-    report->profileDropped = true;
-    WriteFile(bitmap.get(), target, code, flags, wanted, report);
+    const SaveExtras& more = extras ? *extras : kNone;
+    Metadata known;
+    if (more.metadata)
+        known = *more.metadata;
+    else if (source && *source)
+        known = SourceMetadata(source, report);
+    report->problem = SaveProblem::OutOfMemory;
+    Metadata metadata = MetadataOfResult(known, picture, row, more.choice, &report->losses);
+    const std::ptrdiff_t kLetters = 6; // that EXIF blocks of JPEG files begin with
+    if (more.exif.size() > size_t(kLetters) && (row.carries & kCarriesExif))
+        metadata.exif.assign(more.exif.begin() + kLetters, more.exif.end());
+
+    PictureToWrite job;
+    job.picture = &picture;
+    job.alpha = withAlpha ? &alpha : nullptr;
+    job.metadata = &metadata;
+    job.quality = g_jpegQuality >= 1 ? std::min(g_jpegQuality, 100) : kDefaultJpegQuality;
+    job.chroma = more.chroma;
+    job.packed = !more.passing;
+    WriteFile(job, row, target, more, report);
 }
 
 bool SavePicturePair(const SBxPicBuf& picture, const SBxPicBuf& alpha, const char* target,

@@ -2,6 +2,8 @@
 
 #include "files/FileReplace.h"
 #include "files/Formats.h"
+#include "files/MetadataOfResult.h"
+#include "files/PictureToWrite.h"
 #include "picture/PicBuf.h"
 
 #include <cstdint>
@@ -75,16 +77,16 @@ struct SaveReport
 {
     bool written = false; // the target holds the picture; false = it is as it was before
     SaveProblem problem = SaveProblem::None;
-    int systemError = 0;         // errno
-    bool alphaDropped = false;   // the format has no alpha
-    bool profileDropped = false; // the encoder takes no such profile
-    int otherNames = 0;          // names (hard links) of the old file that go on meaning it
+    int systemError = 0;       // errno
+    bool alphaDropped = false; // the format has no alpha
+    MetadataLosses losses;     // of what the source knows
+    int otherNames = 0;        // names (hard links) of the old file that go on meaning it
 };
 
 // What a file gets beyond picture and source.
 struct SaveExtras
 {
-    // EXIF block of a JPEG file (ExifBlock.h), instead of the source's. Empty = none.
+    // EXIF block as JPEG files have it (ExifBlock.h), instead of the source's. Empty = none.
     std::vector<uint8_t> exif;
 
     // A file of the program's own that is read once and thrown away: TIFF without compression, and
@@ -96,6 +98,13 @@ struct SaveExtras
 
     // Gets the complete file, which does not take the target's place yet (FinishTogether).
     ReplacingFile* held = nullptr;
+
+    // What the source knows, read before: then no file of a source is needed. Null = there is a
+    // source, or nothing is known.
+    const Metadata* metadata = nullptr;
+
+    MetadataChoice choice = MetadataChoice::Keep;
+    JpegChroma chroma = JpegChroma::ByQuality;
 };
 
 // Writes the pair to `target`; with a non-empty `source`, its colour profile and metadata go along.
@@ -105,8 +114,8 @@ struct SaveExtras
 // unknown, cannot be written or read, or is GIF, and ImageReadError when the source does not load.
 // Every other failure is silent except for `report`, and every failure leaves the target as it was.
 //
-// EXIF goes from JPEG files into those that carry it (Formats.h), byte for byte, preview picture
-// included, except that it says upright.
+// Metadata go from every kind of source into the formats that carry them (Formats.h), made true of
+// the picture (MetadataOfResult.h).
 bool SavePicturePair(const SBxPicBuf& picture, const SBxPicBuf& alpha, const char* target,
                      const char* source, FormatId format, SaveReport* report = nullptr,
                      const SaveExtras* extras = nullptr);

@@ -147,6 +147,28 @@ TEST(SeriesRegistration, GoesFromNeighbourToNeighbour)
     EXPECT_NE(series.frames[7].verdict, FrameVerdict::Registered);
 }
 
+// A camera on a tripod gives way by half a pixel; one that is held does not stay within that.
+TEST(SeriesRegistration, LeavesATripodsSeriesAsItIs)
+{
+    const SceneLight scene = BlockScene(kFrame, 10);
+    const auto verdictsOf = [&](double last)
+    {
+        std::vector<FrameLook> frames;
+        for (const CBxPoint<double>& shift :
+             {CBxPoint<double>{0.45, -0.3}, CBxPoint<double>{0, 0}, CBxPoint<double>{-0.35, last}})
+            frames.push_back(LookAt(Photograph(scene, kFrame, Translation(shift.x, shift.y),
+                                               2.5 * double(frames.size()) - 3.5, 1)));
+        std::vector<FrameVerdict> verdicts;
+        for (const Registration& frame : RegisterSeries(frames).frames)
+            verdicts.push_back(frame.verdict);
+        return verdicts;
+    };
+    const FrameVerdict still = FrameVerdict::Still, moved = FrameVerdict::Registered;
+    EXPECT_EQ(verdictsOf(0.4), (std::vector<FrameVerdict>{still, still, still}));
+    EXPECT_EQ(verdictsOf(1.1), (std::vector<FrameVerdict>{moved, still, moved}))
+        << "where one is resampled all are that moved";
+}
+
 // The same bits on every processor, system and number of threads.
 TEST(Registration, HasTheSameBitsEverywhere)
 {

@@ -7,6 +7,8 @@
 # set, and were taken from results that agreed with the engine's own.
 
 set -uo pipefail
+# The date of change that results get: the same picture is the same bytes then.
+export SOURCE_DATE_EPOCH=1700000000
 program=("$@") failed=0 counted=0
 folder=$(mktemp -d)
 trap 'rm -rf "$folder"' EXIT
@@ -106,6 +108,7 @@ for number in 47 161 '' ' 100' 1e2 0x64 +100 99999999999999999999; do
     Fails 2 "--exposure takes a whole number from 48 to 160, not '$number'$help" \
         fuse -o o.jpg --exposure "$number" mid.ppm
 done
+Fails 2 "--align takes auto or off, not 'auto|off'$help" fuse -o o.jpg --align 'auto|off' mid.ppm
 Fails 2 'give either --output OUT or --out-dir DIR' tone-map mid.ppm
 Fails 2 'give either --output OUT or --out-dir DIR' tone-map -o o.png --out-dir d mid.ppm
 Fails 2 'several pictures need --out-dir' tone-map -o o.png mid.ppm mid.ppm
@@ -275,6 +278,17 @@ Says 'sample_3.jpg (1/16 s)'
 [[ $(ls new/series) == $'sample_1.jpg\nsample_2.jpg\nsample_3.jpg' ]] || Complain "$(ls new/series)"
 LC_ALL=C grep -qaP '\x01\0\0\0\0\x01\0\0' new/series/sample_1.jpg || Complain "no exposure time inside"
 Works fuse -q -o sample.png new/series/sample_*.jpg
+Works sample -q --hand-held --out-dir hand --width 150 --height 110 --frames 3
+Works fuse --report -o hand.png hand/sample_*.jpg
+Says 'hand/sample_2.jpg: stays, the others'
+Says 'degrees, scale 1.00'
+[[ $(grep -c 'brought into register$' out) == 2 ]] || Complain "not in register: $(<out)"
+grep -q 'hand.png: 14[0-9] x 10[0-9]' out || Complain "not cropped: $(<out)"
+Works fuse --crop --no-crop -o hand.png hand/sample_*.jpg
+Says 'hand.png: 150 x 110'
+Works fuse --align=off --report -o lying.png hand/sample_*.jpg
+Says 'sample_1.jpg: left as it is: not compared'
+Differs hand.png lying.png
 mkdir -p blocked/sample_2.jpg
 Fails 2 'blocked' sample --out-dir blocked --width 16 --height 16 --frames 3
 [[ $(ls blocked) == sample_2.jpg ]] || Complain "left behind: $(ls blocked)"

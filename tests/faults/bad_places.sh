@@ -8,6 +8,8 @@
 # mounted; else the limit on file sizes stands in for the first, and the second is left out.
 
 set -uo pipefail
+# The date of change that results get: the same picture is the same bytes then.
+export SOURCE_DATE_EPOCH=1700000000
 cli=$(realpath "$1")
 work=$(mktemp -d)
 mounts=()

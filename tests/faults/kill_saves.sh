@@ -7,6 +7,8 @@
 # gone after the next save, while a save that is still under way loses nothing.
 
 set -euo pipefail
+# The date of change that results get: the same picture is the same bytes then.
+export SOURCE_DATE_EPOCH=1700000000
 cli=$(realpath "$1")
 kills=${2:-200}
 work=$(mktemp -d)

@@ -224,7 +224,7 @@ TEST(FusionJob, AsksAndStopsWhileOthersAreWaitedFor)
     series.Open(0); // nothing is prepared: one question before each source
     TestPicture result = series.Blank(kWholePicture);
     std::atomic<int> asked = 0;
-    series.sources.step = [&asked](Picture*, int number)
+    series.sources.step = [&asked](Picture*, Picture*, int number)
     {
         const auto patience = steady_clock::now() + seconds(20);
         while (number >= 4 && asked <= 4 && steady_clock::now() < patience)
@@ -313,7 +313,7 @@ TEST(FusionSources, GoThroughTheStepBetweenReadingAndAdding)
 {
     Series series(3);
     const CBxRect<int> region = {10, 20, 90, 80};
-    const SourceStep shift = [](Picture* source, int number)
+    const SourceStep shift = [](Picture* source, Picture*, int number)
     {
         Picture moved = Picture::Like(*source);
         CBxPicBufAPI::Copy(moved.Record(), *source);
@@ -323,7 +323,8 @@ TEST(FusionSources, GoThroughTheStepBetweenReadingAndAdding)
         return Outcome::Done;
     };
     for (int i = 0; i < 3; ++i)
-        ASSERT_EQ(shift(&series.pictures[size_t(i)], i), Outcome::Done); // what is expected
+        ASSERT_EQ(shift(&series.pictures[size_t(i)], nullptr, i),
+                  Outcome::Done); // what is expected
     for (const int64_t budget : {int64_t(1) << 30, int64_t(0)})
     {
         series.Open(budget);
@@ -335,7 +336,7 @@ TEST(FusionSources, GoThroughTheStepBetweenReadingAndAdding)
         ASSERT_EQ(FuseWhole(whole.Record(), &series.sources, {{}, 3, 100}), Outcome::Done);
         ExpectSamePicture(whole, series.FusedByHand(kWholePicture, UpTo(3), 100));
     }
-    series.sources.step = [](Picture*, int) { return Outcome::Failed; };
+    series.sources.step = [](Picture*, Picture*, int) { return Outcome::Failed; };
     series.Open(0);
     TestPicture part = series.Blank(region);
     EXPECT_EQ(FuseRegion(part.Record(), &series.sources, {region, 3, 100}, nullptr),

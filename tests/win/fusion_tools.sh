@@ -9,6 +9,8 @@
 # Screenshots stay in out/.
 
 set -euo pipefail
+# The date of change that results get: the same picture is the same bytes then.
+export SOURCE_DATE_EPOCH=1700000000
 . "$(dirname "${BASH_SOURCE[0]}")/person.sh"
 . "$(dirname "${BASH_SOURCE[0]}")/dialogs.sh"
 
