@@ -8,6 +8,9 @@
 #include <FreeImage.h>
 #include <gtest/gtest.h>
 
+#ifndef _WIN32
+#include <sys/xattr.h>
+#endif
 #include <unistd.h>
 
 #include <cerrno>
@@ -183,6 +186,24 @@ TEST(Replacing, MovesSeveralFilesTogetherOrNone)
         std::filesystem::remove_all(folder.path / "blocked.tif");
     }
 }
+
+#ifndef _WIN32
+TEST(Replacing, KeepsWhatTheOwnerHasPutOnTheFile)
+{
+    const TempFolder folder;
+    const std::string target = folder.Write("old.tif", {'o', 'l', 'd'});
+    if (setxattr(target.c_str(), "user.rating", "five", 4, 0) != 0)
+        GTEST_SKIP() << "this file system has no attributes";
+    ReplacingFile file;
+    ASSERT_TRUE(BeginReplacing(&file, target.c_str()));
+    std::fputs("new", file.stream);
+    ASSERT_TRUE(FinishReplacing(&file));
+    char value[8] = {};
+    EXPECT_EQ(getxattr(target.c_str(), "user.rating", value, sizeof value), 4);
+    EXPECT_STREQ(value, "five");
+    EXPECT_EQ(ReadBytes(target), (Bytes{'n', 'e', 'w'}));
+}
+#endif
 
 TEST(Names, EndAtTheLengthThatSavingTakes)
 {
