@@ -32,9 +32,5 @@ struct SeriesAlignment
 Outcome AlignSeries(SeriesAlignment* alignment, const std::vector<std::string>& paths,
                     AlignmentBorder border, bool ahead, const std::function<bool(int)>& comes);
 
-// The same from looks that have been taken, all of one size.
-Outcome AlignLooks(SeriesAlignment* alignment, const std::vector<FrameLook>& looks,
-                   AlignmentBorder border);
-
 // What has to be done to each source. The alignment must stay as long as the step is used.
 SourceStep StepOf(const SeriesAlignment& alignment);
