@@ -122,17 +122,21 @@ static bool IsUnderstood(FrameVerdict verdict)
     return verdict == FrameVerdict::Registered || verdict == FrameVerdict::Still;
 }
 
+static bool IsTooFar(const Homography& map, CBxSize<int> frame)
+{
+    const double diagonal = std::sqrt(double(frame.cx) * frame.cx + double(frame.cy) * frame.cy);
+    return !(LargestCornerMotion(map, frame) <= kFarthestCorner * diagonal);
+}
+
 static FrameVerdict Judge(const Registration& result, const Matching& matching, CBxSize<int> frame)
 {
     if (matching.places < kLeastPlaces || matching.places < kLeastPlacesShare * matching.found)
         return FrameVerdict::TooFewPlaces;
-    const double diagonal = std::sqrt(double(frame.cx) * frame.cx + double(frame.cy) * frame.cy);
-    const double moved = LargestCornerMotion(matching.map, frame);
-    if (!(moved <= kFarthestCorner * diagonal))
+    if (IsTooFar(matching.map, frame))
         return FrameVerdict::TooFar;
     if (!CouldBeACamera(matching.map, frame))
         return FrameVerdict::NotACamera;
-    if (moved < kStillPixels)
+    if (LargestCornerMotion(matching.map, frame) < kStillPixels)
         return FrameVerdict::Still;
     return result.correlationAfter > result.correlationBefore ? FrameVerdict::Registered
                                                               : FrameVerdict::NoImprovement;
@@ -215,7 +219,14 @@ static void RegisterChain(SeriesRegistration* series, const std::vector<FrameLoo
         *result = RegisterFrame(frames[link], frames[frame]);
         if (!IsUnderstood(result->verdict))
             continue;
-        result->map = Compose(result->map, series->frames[link].map);
+        const Homography map = Compose(result->map, series->frames[link].map);
+        if (IsTooFar(map, frames[frame].size))
+        {
+            *result = {};
+            result->verdict = FrameVerdict::TooFar;
+            continue;
+        }
+        result->map = map;
         result->verdict = LargestCornerMotion(result->map, frames[frame].size) < kStillPixels
                               ? FrameVerdict::Still
                               : FrameVerdict::Registered;

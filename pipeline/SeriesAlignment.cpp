@@ -10,25 +10,23 @@ static bool IsResampled(const Registration& frame)
     return frame.verdict == FrameVerdict::Registered;
 }
 
-Outcome AlignLooks(SeriesAlignment* alignment, const std::vector<FrameLook>& looks,
-                   AlignmentBorder border)
+static void AlignLooks(SeriesAlignment* alignment, const std::vector<FrameLook>& looks,
+                       AlignmentBorder border)
 {
-    *alignment = {};
-    const auto align = [&]
-    {
-        alignment->found = RegisterSeries(looks);
-        alignment->frame = looks.front().size;
-        alignment->area = {0, 0, alignment->frame.cx, alignment->frame.cy};
-        std::vector<Homography> maps;
-        for (const Registration& frame : alignment->found.frames)
-            if (IsResampled(frame))
-                maps.push_back(frame.map);
-        alignment->changesSource = !maps.empty();
-        if (border == AlignmentBorder::Crop && !maps.empty())
-            alignment->area = CommonRectangle(maps, alignment->frame);
-        return Outcome::Done;
-    };
-    return looks.empty() ? Outcome::Done : FailWithoutMemory(align);
+    alignment->found = RegisterSeries(looks);
+    alignment->frame = looks.front().size;
+    alignment->area = {0, 0, alignment->frame.cx, alignment->frame.cy};
+    std::vector<Homography> maps;
+    for (const Registration& frame : alignment->found.frames)
+        if (IsResampled(frame))
+            maps.push_back(frame.map);
+    alignment->changesSource = !maps.empty();
+    const CBxRect<int> common = CommonRectangle(maps, alignment->frame);
+    // Of very long pictures that moved along their short side so little could be left that mirrored
+    // borders are better.
+    const int shorter = std::min(common.right - common.left, common.bottom - common.top);
+    if (border == AlignmentBorder::Crop && !maps.empty() && shorter >= kLeastRegisteredSide / 2)
+        alignment->area = common;
 }
 
 static bool CanBeLookedAt(const DecodedSource& source, const SBxPicBuf& geometry)
@@ -62,7 +60,8 @@ Outcome AlignSeries(SeriesAlignment* alignment, const std::vector<std::string>& 
                 return Outcome::Done;
             looks.push_back(LookAt(source.picture));
         }
-        return AlignLooks(alignment, looks, border);
+        AlignLooks(alignment, looks, border);
+        return Outcome::Done;
     };
     return FailWithoutMemory(look);
 }

@@ -33,9 +33,5 @@ Outcome AlignSeries(SeriesAlignment* alignment, const std::vector<std::string>& 
                     AlignmentBorder border, bool ahead, const std::function<bool(int)>& comes,
                     const LoadOptions& options = {});
 
-// The same from looks that have been taken, all of one size.
-Outcome AlignLooks(SeriesAlignment* alignment, const std::vector<FrameLook>& looks,
-                   AlignmentBorder border);
-
 // What has to be done to each source. The alignment must stay as long as the step is used.
 SourceStep StepOf(const SeriesAlignment& alignment);

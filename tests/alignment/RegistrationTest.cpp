@@ -147,6 +147,22 @@ TEST(SeriesRegistration, GoesFromNeighbourToNeighbour)
     EXPECT_NE(series.frames[7].verdict, FrameVerdict::Registered);
 }
 
+// Steps of 70 pixels do not add up to 140, which is more than 15 % of the diagonal.
+TEST(SeriesRegistration, GoesNoFartherInManySteps)
+{
+    const SceneLight scene = BlockScene(kFrame, 11);
+    const double ev[] = {-1, 0.5, 2};
+    std::vector<FrameLook> frames;
+    for (int i = 0; i < 3; ++i)
+        frames.push_back(
+            LookAt(Photograph(scene, kFrame, Translation(55.0 * i, 43.0 * i), ev[i], 1)));
+    const SeriesRegistration series = RegisterSeries(frames);
+    ASSERT_EQ(series.stays, 0);
+    EXPECT_EQ(series.frames[1].verdict, FrameVerdict::Registered);
+    EXPECT_EQ(series.frames[2].verdict, FrameVerdict::TooFar);
+    EXPECT_EQ(MapError(series.frames[2].map, {}, kFrame), 0);
+}
+
 // A camera on a tripod gives way by half a pixel; one that is held does not stay within that.
 TEST(SeriesRegistration, LeavesATripodsSeriesAsItIs)
 {
