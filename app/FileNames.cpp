@@ -3,10 +3,22 @@
 #include <algorithm>
 #include <cwctype>
 
-static std::wstring FirstEnding(const FormatRow& row)
+// Of the names that dialogs show, the first is the one that we append.
+static std::vector<std::wstring> EndingsOf(const FormatRow& row)
 {
-    const std::string ending = EndingsIn(row.endings).front();
-    return std::wstring(ending.begin(), ending.end()); // plain letters
+    std::vector<std::wstring> endings;
+    for (const std::string& ending : EndingsIn(row.endings))
+        endings.emplace_back(ending.begin(), ending.end()); // plain letters
+    return endings;
+}
+
+// "*.jpg;*.jpeg"
+static std::wstring PatternOf(const FormatRow& row)
+{
+    std::wstring pattern;
+    for (const std::wstring& ending : EndingsOf(row))
+        pattern += (pattern.empty() ? L"*" : L";*") + ending;
+    return pattern;
 }
 
 std::vector<SaveType> SaveTypesFor(int bitsPerComponent)
@@ -17,7 +29,7 @@ std::vector<SaveType> SaveTypesFor(int bitsPerComponent)
     std::vector<SaveType> types;
     for (const FormatRow* row : SaveFormats())
         if ((row->holds & kinds) == kinds)
-            types.push_back({L"*" + FirstEnding(*row), FirstEnding(*row), row->id});
+            types.push_back({PatternOf(*row), EndingsOf(*row).front(), row->id});
     return types;
 }
 
@@ -26,7 +38,7 @@ std::wstring OpenPattern(bool series)
     std::wstring pattern;
     for (const FormatRow& row : kFormats)
         if (row.opened == OpenDialogs::All || (series && row.opened == OpenDialogs::Series))
-            pattern += (pattern.empty() ? L"*" : L";*") + FirstEnding(row);
+            pattern += (pattern.empty() ? L"" : L";") + PatternOf(row);
     return pattern;
 }
 
@@ -45,21 +57,31 @@ static std::wstring LastPart(const std::wstring& path)
     return separator == std::wstring::npos ? path : path.substr(separator + 1);
 }
 
+// Whether the name's ending, from its last dot on, is one of the type's. Whatever lies before a dot
+// is the name itself: photographs are called 2020.05.17.jpg.
+static bool HasEndingOf(const std::wstring& name, const SaveType& type)
+{
+    const size_t dot = name.rfind(L'.');
+    if (dot == name.npos)
+        return false;
+    for (const std::wstring& ending : EndingsOf(*FindFormat(type.format)))
+        if (SameText(name.substr(dot), ending))
+            return true;
+    return false;
+}
+
 std::wstring ProposedSaveName(const std::wstring& currentFile)
 {
     const std::wstring name = LastPart(currentFile);
-    return name.substr(0, name.find(L'.')) + L"-vexa";
+    return name.substr(0, name.rfind(L'.')) + L"-vexa";
 }
 
 int PreselectedSaveType(const std::wstring& currentFile, int bitsPerComponent)
 {
     const std::wstring name = LastPart(currentFile);
-    const size_t dot = name.find(L'.');
-    if (dot == std::wstring::npos)
-        return 0;
     const std::vector<SaveType> types = SaveTypesFor(bitsPerComponent);
     for (size_t i = 0; i < types.size(); ++i)
-        if (SameText(name.substr(dot), types[i].extension))
+        if (HasEndingOf(name, types[i]))
             return int(i) + 1;
     return 0;
 }
@@ -67,10 +89,8 @@ int PreselectedSaveType(const std::wstring& currentFile, int bitsPerComponent)
 SaveTarget SaveTargetOf(const std::wstring& chosenName, int selectedType, int bitsPerComponent)
 {
     const std::vector<SaveType> types = SaveTypesFor(bitsPerComponent);
-    const std::wstring ending =
-        chosenName.size() < 4 ? chosenName : chosenName.substr(chosenName.size() - 4);
     for (const SaveType& type : types)
-        if (SameText(ending, type.extension))
+        if (HasEndingOf(chosenName, type))
             return {chosenName, type.format};
     const int index = std::clamp(selectedType, 1, int(types.size())) - 1;
     const SaveType& type = types[size_t(index)];

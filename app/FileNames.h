@@ -9,8 +9,8 @@
 
 struct SaveType
 {
-    std::wstring pattern;   // "*.bmp": shown text and pattern alike
-    std::wstring extension; // ".bmp"
+    std::wstring pattern;   // "*.jpg;*.jpeg": shown text and pattern alike
+    std::wstring extension; // ".jpg": what is appended
     FormatId format;
 };
 
@@ -18,15 +18,14 @@ struct SaveType
 // coloured.
 std::vector<SaveType> SaveTypesFor(int bitsPerComponent);
 
-// "C:\photos\IMG.2020.jpg" -> "IMG-vexa": the last part of the path up to its first dot.
+// "C:\photos\IMG.2020.jpg" -> "IMG.2020-vexa": the last part of the path up to its last dot.
 std::wstring ProposedSaveName(const std::wstring& currentFile);
 
-// Index (from 1) of the type that the current file's name asks for, 0 for none: what follows the
-// first dot of the name decides.
+// Index (from 1) of the type that the current file's ending asks for, 0 for none.
 int PreselectedSaveType(const std::wstring& currentFile, int bitsPerComponent);
 
 // What the dialog's answer means: the name to write and its format. A name that ends in one of the
-// extensions on offer keeps it; any other gets the extension of the selected type (index from 1).
+// endings on offer keeps it; any other gets the extension of the selected type (index from 1).
 struct SaveTarget
 {
     std::wstring path;
@@ -34,7 +33,7 @@ struct SaveTarget
 };
 SaveTarget SaveTargetOf(const std::wstring& chosenName, int selectedType, int bitsPerComponent);
 
-// What the dialog shows that opens one picture, or one that opens a series: "*.bmp;*.jpg".
+// What the dialog shows that opens one picture, or one that opens a series: "*.bmp;*.jpg;*.jpeg".
 std::wstring OpenPattern(bool series);
 
 // The filter text of a file dialog: pairs of text and pattern, both the pattern, double end.

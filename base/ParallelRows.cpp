@@ -1,7 +1,5 @@
 #include "base/ParallelRows.h"
 
-#include <memory>
-
 #include <tbb/blocked_range.h>
 #include <tbb/global_control.h>
 #include <tbb/parallel_for.h>
@@ -25,9 +23,11 @@ void VcParallelRows(int rows, int rowSamples, const LoopBody<int, int>& rowRange
 
 void VcLimitThreads(int threads)
 {
-    static std::unique_ptr<tbb::global_control> limit;
-    limit.reset();
+    // Never freed at the end of the program: a limit that is lifted there starts threads once more.
+    static tbb::global_control* limit = nullptr;
+    delete limit;
+    limit = nullptr;
     if (threads > 0)
-        limit = std::make_unique<tbb::global_control>(tbb::global_control::max_allowed_parallelism,
-                                                      size_t(threads));
+        limit =
+            new tbb::global_control(tbb::global_control::max_allowed_parallelism, size_t(threads));
 }

@@ -34,7 +34,22 @@ std::wstring WideFromSavePath(const char* savePath);
 unsigned long MoveOverFile(const std::wstring& from, const std::wstring& to);
 #endif
 
+// A file, whatever names and links lead to it.
+struct FileIdentity
+{
+    uint64_t volume = 0, number = 0;
+};
+bool operator<(const FileIdentity& a, const FileIdentity& b);
+
+// False when there is no such file (path in UTF-8).
+bool IdentifyFile(FileIdentity* identity, const char* path);
+
+// The path, so that names that the system takes for the same are the same: without case on Windows.
+std::string PathKey(const std::string& path);
+
 // Opens a file for reading in binary mode; null with errno set on failure. Folders do not open.
+// What comes through a pipe can be read once only: it is kept in a file without a name, so that it
+// opens like any other and as often.
 FILE* OpenUtf8Path(const char* path);
 FILE* OpenSavePath(const char* savePath);
 

@@ -2,6 +2,7 @@
 
 #include "base/Win.h"
 
+#include <algorithm>
 #include <cerrno>
 
 static std::wstring Wide(UINT codePage, DWORD flags, const char* text)
@@ -75,6 +76,34 @@ Outcome SavePathFromWide(std::string* savePath, const wchar_t* path, PathUse use
 Outcome SavePathFromUtf8(std::string* savePath, const char* path, PathUse use)
 {
     return SavePathFromWide(savePath, WideFromUtf8(path).c_str(), use);
+}
+
+bool operator<(const FileIdentity& a, const FileIdentity& b)
+{
+    return a.volume != b.volume ? a.volume < b.volume : a.number < b.number;
+}
+
+bool IdentifyFile(FileIdentity* identity, const char* path)
+{
+    HANDLE file = CreateFileW(WideFromUtf8(path).c_str(), 0,
+                              FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
+                              OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS, nullptr);
+    BY_HANDLE_FILE_INFORMATION info = {};
+    if (file == INVALID_HANDLE_VALUE)
+        return false;
+    const bool known = GetFileInformationByHandle(file, &info) != 0;
+    CloseHandle(file);
+    *identity = {info.dwVolumeSerialNumber,
+                 uint64_t(info.nFileIndexHigh) << 32 | info.nFileIndexLow};
+    return known;
+}
+
+std::string PathKey(const std::string& path)
+{
+    std::wstring wide = WideFromUtf8(path.c_str());
+    CharUpperBuffW(wide.data(), DWORD(wide.size()));
+    std::replace(wide.begin(), wide.end(), L'/', L'\\');
+    return std::string(reinterpret_cast<const char*>(wide.data()), wide.size() * sizeof(wchar_t));
 }
 
 static FILE* OpenWide(const std::wstring& path)

@@ -96,6 +96,7 @@ std::string ProgramHelp(const CommandTable& table)
     AddWords(
         &text, 0,
         "The exit code is 0 when the work is done, 1 when it failed and 2 when the command line "
-        "makes no sense. When a command fails, no output file appears or changes.");
+        "makes no sense or the result has no place to go to. When a command fails, no output file "
+        "appears or changes.");
     return text;
 }

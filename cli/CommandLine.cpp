@@ -121,62 +121,97 @@ static std::string MissingPart(const CommandRow& command, const CliOptions& opti
     return "";
 }
 
-static ParsedLine ParseCommand(const CommandRow& command, const std::vector<std::string>& arguments)
+// Walks through the arguments of one command.
+struct ArgumentWalk
 {
-    ParsedLine line;
-    line.command = &command;
-    const std::vector<OptionRow> options = OptionsOf(command);
-    for (const OptionRow& row : options)
-        if (row.number)
-            line.options.*row.number = row.byDefault;
+    const CommandRow& command;
+    std::vector<OptionRow> rows;
+    const std::vector<std::string>& arguments;
+    size_t at = 1; // the command itself is the first
+    CliOptions options = {};
+};
 
-    bool optionsEnded = false;
-    for (size_t i = 1; i < arguments.size(); i++)
+// An option with its value, which may be the next argument.
+static std::string TakeValue(ArgumentWalk* walk, const OptionRow& row, const std::string* value)
+{
+    if (!value && walk->at + 1 == walk->arguments.size())
+        return std::string(row.name) + " needs a value";
+    return StoreValue(&walk->options, row, value ? *value : walk->arguments[++walk->at]);
+}
+
+// --name, --name value or --name=value.
+static std::string TakeLong(ArgumentWalk* walk, const std::string& argument)
+{
+    const size_t equals = argument.find('=');
+    const OptionRow* row = FindOption(walk->rows, argument.substr(0, equals));
+    if (!row)
+        return "unknown option '" + argument + "'";
+    const std::string value = equals == argument.npos ? "" : argument.substr(equals + 1);
+    if (TakesValue(*row))
+        return TakeValue(walk, *row, equals == argument.npos ? nullptr : &value);
+    if (equals != argument.npos)
+        return std::string(row->name) + " takes no value";
+    SetFlag(&walk->options, *row);
+    return "";
+}
+
+// -x, -x value or -xvalue, and several letters behind one dash, of which the last may take a value.
+static std::string TakeLetters(ArgumentWalk* walk, const std::string& argument)
+{
+    for (size_t i = 1; i < argument.size(); i++)
     {
-        const std::string& argument = arguments[i];
+        const OptionRow* row = FindOption(walk->rows, std::string{'-', argument[i]});
+        if (!row)
+            return "unknown option '" + argument + "'";
+        if (TakesValue(*row))
+        {
+            const std::string value = argument.substr(i + 1);
+            return TakeValue(walk, *row, value.empty() ? nullptr : &value);
+        }
+        SetFlag(&walk->options, *row);
+    }
+    return "";
+}
+
+static std::string TakeArguments(ArgumentWalk* walk)
+{
+    bool optionsEnded = false;
+    for (; walk->at < walk->arguments.size(); walk->at++)
+    {
+        const std::string& argument = walk->arguments[walk->at];
+        std::string complaint;
         if (optionsEnded || argument.size() < 2 || argument[0] != '-')
         {
-            if (!*command.arguments)
-                return Wrong(&command, "unexpected argument '" + argument + "'");
-            line.options.inputs.push_back(argument);
-            continue;
+            if (!*walk->command.arguments)
+                complaint = "unexpected argument '" + argument + "'";
+            walk->options.inputs.push_back(argument);
         }
-        if (argument == "--")
-        {
+        else if (argument == "--")
             optionsEnded = true;
-            continue;
-        }
-
-        const size_t equals =
-            argument.compare(0, 2, "--") == 0 ? argument.find('=') : argument.npos;
-        const OptionRow* row = FindOption(options, argument.substr(0, equals));
-        if (!row)
-            return Wrong(&command, "unknown option '" + argument + "'");
-        if (!TakesValue(*row))
-        {
-            if (equals != argument.npos)
-                return Wrong(&command, std::string(row->name) + " takes no value");
-            SetFlag(&line.options, *row);
-            continue;
-        }
-        if (equals == argument.npos && i + 1 == arguments.size())
-            return Wrong(&command, std::string(row->name) + " needs a value");
-        const std::string value =
-            equals == argument.npos ? arguments[++i] : argument.substr(equals + 1);
-        const std::string complaint = StoreValue(&line.options, *row, value);
+        else
+            complaint = argument[1] == '-' ? TakeLong(walk, argument) : TakeLetters(walk, argument);
         if (!complaint.empty())
-            return Wrong(&command, complaint);
+            return complaint;
     }
+    return "";
+}
 
-    if (line.options.help)
-    {
-        line.action = ParsedAction::ShowCommandHelp;
-        return line;
-    }
-    const std::string missing = MissingPart(command, line.options);
-    if (!missing.empty())
-        return Wrong(&command, missing);
-    line.action = ParsedAction::Run;
+static ParsedLine ParseCommand(const CommandRow& command, const std::vector<std::string>& arguments)
+{
+    ArgumentWalk walk = {command, OptionsOf(command), arguments};
+    for (const OptionRow& row : walk.rows)
+        if (row.number)
+            walk.options.*row.number = row.byDefault;
+    std::string complaint = TakeArguments(&walk);
+    if (complaint.empty() && !walk.options.help)
+        complaint = MissingPart(command, walk.options);
+    if (!complaint.empty())
+        return Wrong(&command, complaint);
+
+    ParsedLine line;
+    line.command = &command;
+    line.action = walk.options.help ? ParsedAction::ShowCommandHelp : ParsedAction::Run;
+    line.options = std::move(walk.options);
     return line;
 }
 

@@ -12,7 +12,7 @@
 
 constexpr int kExitDone = 0;
 constexpr int kExitFailed = 1; // the work could not be done; no output file was touched
-constexpr int kExitUsage = 2;  // the command line makes no sense
+constexpr int kExitUsage = 2;  // the command line makes no sense, or names no place for the result
 
 // Everything that an option can set. What a row does not mention keeps these values, and numbers
 // take their default from the row.

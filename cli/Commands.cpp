@@ -10,10 +10,13 @@
 #include "files/ImageFile.h"
 
 #include "base/ParallelRows.h"
+#include "base/ThreadProbe.h"
 #include "tonemap/RemapRegions.h"
 
+#include <algorithm>
 #include <new>
 #include <ostream>
+#include <thread>
 
 // What every command takes.
 static const OptionRow kCommonOptions[] = {
@@ -172,12 +175,24 @@ const CommandTable& Commands()
     return table;
 }
 
+// As many as asked for, fewer where the system does not let them start. Loops are split by two
+// libraries, which both keep their threads.
+static int UsableThreads(int asked)
+{
+    const int wanted = asked > 0 ? asked : int(std::thread::hardware_concurrency());
+    const int tried = 2 * std::clamp(wanted, 1, 64);
+    const int started = wanted == 1 ? tried : ThreadsThatStart(tried);
+    return started < tried ? std::max(1, started / 2) : asked;
+}
+
 static int Run(const ParsedLine& line, const CliStreams& streams)
 {
-    g_jpegQuality = line.options.jpegQuality;
-    VcLimitThreads(line.options.threads);
-    LimitRemapThreads(line.options.threads);
-    return line.command->run(line.options, streams);
+    CliOptions options = line.options;
+    options.threads = UsableThreads(options.threads);
+    g_jpegQuality = options.jpegQuality;
+    VcLimitThreads(options.threads);
+    LimitRemapThreads(options.threads);
+    return line.command->run(options, streams);
 }
 
 static int ParseAndRun(const std::vector<std::string>& arguments, const CliStreams& streams)
@@ -197,7 +212,7 @@ static int ParseAndRun(const std::vector<std::string>& arguments, const CliStrea
     return kExitUsage;
 }
 
-int RunCommandLine(const std::vector<std::string>& arguments, const CliStreams& streams)
+static int TryCommandLine(const std::vector<std::string>& arguments, const CliStreams& streams)
 {
     try
     {
@@ -211,5 +226,15 @@ int RunCommandLine(const std::vector<std::string>& arguments, const CliStreams& 
     {
         streams.err << "plenoviz-cli: " << error.what() << std::endl;
     }
+    return kExitFailed;
+}
+
+int RunCommandLine(const std::vector<std::string>& arguments, const CliStreams& streams)
+{
+    const int code = TryCommandLine(arguments, streams);
+    streams.out.flush();
+    if (streams.out || code != kExitDone)
+        return code;
+    streams.err << "plenoviz-cli: the standard output cannot be written" << std::endl;
     return kExitFailed;
 }

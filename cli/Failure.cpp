@@ -1,10 +1,13 @@
 #include "cli/Failure.h"
 
+#include "cli/ShownText.h"
+
 #include <ostream>
 
 int Fail(const CliStreams& streams, const std::string& file, const std::string& reason)
 {
-    streams.err << "plenoviz-cli: " << file << (file.empty() ? "" : ": ") << reason << std::endl;
+    streams.err << "plenoviz-cli: " << ShownText(file) << (file.empty() ? "" : ": ")
+                << ShownText(reason) << std::endl;
     return kExitFailed;
 }
 

@@ -4,6 +4,8 @@
 #include "cli/Failure.h"
 #include "cli/Progress.h"
 #include "cli/ResultFile.h"
+#include "cli/ShownText.h"
+#include "cli/TargetCheck.h"
 
 #include "files/ImageFileText.h"
 #include "pipeline/FusionFeed.h"
@@ -79,7 +81,8 @@ static Outcome AddSource(FuseJob* job, DecodedSource* source, size_t index, cons
 {
     const std::string& path = job->options.inputs[index];
     if (source->problem != LoadProblem::None)
-        return Refuse(job, path, LoadProblemText(source->problem));
+        return StopRequested() ? Outcome::Cancelled
+                               : Refuse(job, path, LoadProblemText(source->problem));
     if (index == 0 && StartJob(job, source) != Outcome::Done)
         return Outcome::Failed;
     source->alpha.Free();
@@ -138,8 +141,8 @@ static void Report(const FuseJob& job, const std::string& note)
 {
     const size_t count = job.options.inputs.size();
     std::ostream& out = job.streams.out;
-    out << job.options.output << ": " << Kind(job.geometry) << ", fused from " << count
-        << (count == 1 ? " picture" : " pictures") << note;
+    out << ShownText(job.options.output) << ": " << Kind(job.geometry) << ", fused from " << count
+        << (count == 1 ? " picture" : " pictures") << ShownText(note);
     if (job.options.times)
         out << std::fixed << std::setprecision(2) << ", aligned in " << job.aligned
             << " s, waited for reading " << job.waited << " s, added in " << job.added
@@ -230,7 +233,9 @@ static Outcome Write(FuseJob* job, const Picture& result, std::string* note)
     const std::string problem = SaveResult(result, job->alpha, job->options.output,
                                            job->options.inputs[0], job->format, note);
     job->written = watch.Seconds();
-    return problem.empty() ? Outcome::Done : Refuse(job, job->options.output, problem);
+    if (problem.empty())
+        return Outcome::Done;
+    return StopRequested() ? Outcome::Cancelled : Refuse(job, job->options.output, problem);
 }
 
 static Outcome RunJob(FuseJob* job, std::string* note)
@@ -249,7 +254,12 @@ int RunFuse(const CliOptions& options, const CliStreams& streams)
     FuseJob job = {options, streams};
     const std::string problem = FormatOfResult(options.output, &job.format);
     if (!problem.empty())
-        return Fail(streams, options.output, problem);
+        return FailTarget(streams, {options.output, problem});
+    TargetComplaint complaint = CheckCollisions({options.output}, options.inputs);
+    if (complaint.reason.empty())
+        complaint = CheckPlaces({options.output});
+    if (!complaint.reason.empty())
+        return FailTarget(streams, complaint);
 
     std::string note;
     const Outcome outcome = RunJob(&job, &note);

@@ -3,8 +3,11 @@
 #include "cli/Failure.h"
 #include "cli/Progress.h"
 #include "cli/ResultFile.h"
+#include "cli/ShownText.h"
+#include "cli/TargetCheck.h"
 
 #include "base/Stopwatch.h"
+#include "base/SystemFiles.h"
 #include "files/ImageCodec.h"
 #include "files/ImageFileText.h"
 #include "picture/Picture.h"
@@ -66,7 +69,7 @@ static std::string PlanOutputs(const CliOptions& options, std::vector<std::strin
     for (const std::string& input : options.inputs)
     {
         outputs->push_back(ResultPath(input, options.outDir));
-        if (!taken.insert(outputs->back()).second)
+        if (!taken.insert(PathKey(outputs->back())).second)
             return "'" + input + "' and another input would both become " + outputs->back();
     }
     return "";
@@ -124,8 +127,8 @@ static std::string WritePhoto(Photo* photo, std::string* note)
 static void Report(const Photo& photo, const std::string& note, const CliOptions& options,
                    const CliStreams& streams)
 {
-    streams.out << photo.output << ": " << photo.result->width << " x " << photo.result->height
-                << note;
+    streams.out << ShownText(photo.output) << ": " << photo.result->width << " x "
+                << photo.result->height << ShownText(note);
     if (options.times)
         streams.out << std::fixed << std::setprecision(2) << ", read in " << photo.readSeconds
                     << " s, computed in " << photo.workSeconds << " s, written in "
@@ -133,48 +136,88 @@ static void Report(const Photo& photo, const std::string& note, const CliOptions
     streams.out << std::endl;
 }
 
-int RunOnPhotos(const char* command, const CliOptions& options, const CliStreams& streams,
-                const PhotoWork& work)
+// What is wrong with the places that the results are to go to; makes the folder for them.
+static TargetComplaint PreparePlaces(const CliOptions& options,
+                                     const std::vector<std::string>& outputs)
 {
-    std::vector<std::string> outputs;
-    const std::string complaint = PlanOutputs(options, &outputs);
-    if (!complaint.empty())
-        return FailUsage(streams, command, complaint);
     FormatId format;
-    if (!options.output.empty() && !FormatOfResult(options.output, &format).empty())
-        return Fail(streams, options.output, FormatOfResult(options.output, &format));
+    for (const std::string& output : outputs)
+        if (const std::string problem = FormatOfResult(output, &format); !problem.empty())
+            return {output, problem};
+    const TargetComplaint complaint = CheckCollisions(outputs, options.inputs);
+    if (!complaint.reason.empty())
+        return complaint;
     std::error_code error;
     if (!options.outDir.empty())
         fs::create_directories(fs::u8path(options.outDir), error);
     if (error)
-        return Fail(streams, options.outDir, "the folder cannot be made");
+        return {options.outDir, "the folder cannot be made: " + error.message()};
+    return CheckPlaces(outputs);
+}
 
-    size_t failures = 0;
+// A photograph from its file to that of its result. A wish to stop counts until the last byte of
+// the result is written.
+static Outcome RunOnPhoto(Photo* photo, const CliOptions& options, const CliStreams& streams,
+                          const PhotoWork& work)
+{
+    Progress progress = StartProgress(options, streams);
+    std::string note, problem = MakePhoto(photo, &progress, work);
+    std::string file = photo->input;
+    if (problem.empty())
+    {
+        problem = WritePhoto(photo, &note);
+        file = photo->output;
+    }
+    EndProgress(&progress);
+    if (problem.empty() && !options.quiet)
+        Report(*photo, note, options, streams);
+    if (problem.empty())
+        return Outcome::Done;
+    if (StopRequested())
+        return Outcome::Cancelled;
+    Fail(streams, file, problem);
+    return Outcome::Failed;
+}
+
+// "2 of 4 pictures done, 1 failed, 1 not tried"
+static std::string Tally(size_t all, size_t done, size_t failed)
+{
+    std::string text =
+        std::to_string(done) + " of " + std::to_string(all) + (all == 1 ? " picture" : " pictures");
+    text += " done, " + std::to_string(failed) + " failed";
+    if (done + failed < all)
+        text += ", " + std::to_string(all - done - failed) + " not tried";
+    return text;
+}
+
+int RunOnPhotos(const char* command, const CliOptions& options, const CliStreams& streams,
+                const PhotoWork& work)
+{
+    std::vector<std::string> outputs;
+    const std::string wrong = PlanOutputs(options, &outputs);
+    if (!wrong.empty())
+        return FailUsage(streams, command, wrong);
+    const TargetComplaint complaint = PreparePlaces(options, outputs);
+    if (!complaint.reason.empty())
+        return FailTarget(streams, complaint);
+
+    size_t done = 0, failed = 0;
     for (size_t i = 0; i < outputs.size() && !StopRequested(); ++i)
     {
         Photo photo;
         photo.input = options.inputs[i];
         photo.output = outputs[i];
-        Progress progress = StartProgress(options, streams);
-        std::string note, problem = MakePhoto(&photo, &progress, work);
-        std::string file = photo.input;
-        if (problem.empty())
-        {
-            problem = WritePhoto(&photo, &note);
-            file = photo.output;
-        }
-        EndProgress(&progress);
-        if (problem.empty() && !options.quiet)
-            Report(photo, note, options, streams);
-        if (problem.empty())
-            continue;
-        ++failures;
-        Fail(streams, StopRequested() ? "" : file, problem);
+        const Outcome outcome = RunOnPhoto(&photo, options, streams, work);
+        done += outcome == Outcome::Done;
+        failed += outcome == Outcome::Failed;
     }
-    if (outputs.size() > 1 && failures > 0)
-        streams.err << "plenoviz-cli: " << failures << " of " << outputs.size()
-                    << " pictures failed" << std::endl;
-    else if (outputs.size() > 1 && !options.quiet)
+    const bool several = outputs.size() > 1;
+    if (done + failed < outputs.size())
+        return Fail(streams, "",
+                    "stopped" + (several ? ": " + Tally(outputs.size(), done, failed) : ""));
+    if (several && failed > 0)
+        return Fail(streams, "", Tally(outputs.size(), done, failed));
+    if (several && !options.quiet)
         streams.out << outputs.size() << " pictures done" << std::endl;
-    return failures > 0 || StopRequested() ? kExitFailed : kExitDone;
+    return failed > 0 ? kExitFailed : kExitDone;
 }

@@ -1,5 +1,7 @@
 #include "cli/Progress.h"
 
+#include "cli/ShownText.h"
+
 #include <atomic>
 #include <ostream>
 
@@ -20,10 +22,11 @@ Progress StartProgress(const CliOptions& options, const CliStreams& streams)
     return {streams.terminal && !options.quiet ? &streams.err : nullptr, 0};
 }
 
-void ShowProgress(Progress* progress, const std::string& text)
+void ShowProgress(Progress* progress, const std::string& line)
 {
     if (!progress->err)
         return;
+    const std::string text = ShownText(line);
     // Cut to a narrow terminal, since a line that wraps cannot be rewritten; at a letter's start.
     size_t length = text.size() < 78 ? text.size() : 78;
     while (length > 0 && length < text.size() && (text[length] & 0xC0) == 0x80)

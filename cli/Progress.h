@@ -10,7 +10,7 @@ struct Progress
 };
 
 Progress StartProgress(const CliOptions& options, const CliStreams& streams);
-void ShowProgress(Progress* progress, const std::string& text);
+void ShowProgress(Progress* progress, const std::string& line);
 void EndProgress(Progress* progress); // wipes the line
 
 // Ctrl+C asks for a stop; commands look between two steps and before they write. That way no

@@ -1,5 +1,7 @@
 #include "cli/ResultFile.h"
 
+#include "cli/Progress.h"
+
 #include "base/SystemFiles.h"
 #include "files/ImageFileText.h"
 
@@ -53,12 +55,13 @@ std::string FormatFits(FormatId format, const SBxPicBuf& picture)
 }
 
 static SaveReport TrySaving(const SBxPicBuf& picture, const SBxPicBuf& alpha,
-                            const std::string& path, const std::string& source, FormatId format)
+                            const std::string& path, const std::string& source, FormatId format,
+                            const SaveExtras& extras)
 {
     SaveReport report;
     try
     {
-        SavePicturePair(picture, alpha, path.c_str(), source.c_str(), format, &report);
+        SavePicturePair(picture, alpha, path.c_str(), source.c_str(), format, &report, &extras);
     }
     catch (const UnsupportedImageFormat&)
     {
@@ -72,7 +75,8 @@ static SaveReport TrySaving(const SBxPicBuf& picture, const SBxPicBuf& alpha,
 }
 
 std::string SaveResult(const SBxPicBuf& picture, const SBxPicBuf& alpha, const std::string& path,
-                       const std::string& source, FormatId format, std::string* note)
+                       const std::string& source, FormatId format, std::string* note,
+                       ReplacingFile* held)
 {
     std::string target, from;
     if (SavePathFromUtf8(&target, path.c_str(), PathUse::Target) != Outcome::Done)
@@ -80,14 +84,17 @@ std::string SaveResult(const SBxPicBuf& picture, const SBxPicBuf& alpha, const s
     if (SavePathFromUtf8(&from, source.c_str(), PathUse::Source) != Outcome::Done)
         from.clear();
 
-    SaveReport report = TrySaving(picture, alpha, target, from, format);
+    SaveExtras extras;
+    extras.stopped = StopRequested;
+    extras.held = held;
+    SaveReport report = TrySaving(picture, alpha, target, from, format, extras);
     const bool sourceFailed = report.problem == SaveProblem::SourceFormat ||
                               report.problem == SaveProblem::SourceUnreadable;
     if (!report.written && sourceFailed)
     {
         // A picture without its metadata beats no picture.
         from.clear();
-        report = TrySaving(picture, alpha, target, from, format);
+        report = TrySaving(picture, alpha, target, from, format, extras);
     }
     if (!report.written)
         return SaveReportText(report);
@@ -99,5 +106,9 @@ std::string SaveResult(const SBxPicBuf& picture, const SBxPicBuf& alpha, const s
         *note += ", without the alpha plane, which this format cannot hold";
     if (report.losses.profile)
         *note += ", without the colour profile, which this format cannot hold";
+    if (report.otherNames > 0)
+        *note += ", under this name only: " + std::to_string(report.otherNames) +
+                 (report.otherNames == 1 ? " other name keeps" : " other names keep") +
+                 " the old file";
     return "";
 }

@@ -16,6 +16,9 @@ std::string ResultEndings();
 std::string FormatFits(FormatId format, const SBxPicBuf& picture);
 
 // Saves with the profile and the metadata of `source`. `note` says what did not fit into the
-// file, empty if all did.
+// file, empty if all did. With `held`, the complete file waits there for others (ResultSet.h). A
+// wish to stop that comes before the last byte is written leaves the old file; the reason does not
+// matter then.
 std::string SaveResult(const SBxPicBuf& picture, const SBxPicBuf& alpha, const std::string& path,
-                       const std::string& source, FormatId format, std::string* note);
+                       const std::string& source, FormatId format, std::string* note,
+                       ReplacingFile* held = nullptr);

@@ -1,12 +1,15 @@
 #include "files/FileReplaceSystem.h"
 
+#include "base/SystemFiles.h"
+
 #include <atomic>
 #include <cerrno>
-#include <filesystem>
+#include <cstring>
 
 #include <fcntl.h>
 #include <sys/file.h>
 #include <sys/stat.h>
+#include <sys/xattr.h>
 #include <unistd.h>
 
 static const int kMaxLinks = 40; // as many as the system itself follows
@@ -55,10 +58,18 @@ static void RemoveIfAbandoned(const std::filesystem::path& sibling)
     close(handle);
 }
 
-static void RemoveAbandonedSiblings(const std::filesystem::path& target)
+static std::filesystem::path FolderOf(const std::filesystem::path& target)
 {
+    return target.has_parent_path() ? target.parent_path() : ".";
+}
+
+void RemoveAbandonedSiblings(const std::filesystem::path& target)
+{
+    const std::filesystem::path folder = FolderOf(target);
+    const FolderTurn turn(folder, false);
+    if (!turn.Taken()) // whoever has it keeps old files under such names
+        return;
     std::error_code failed;
-    const std::filesystem::path folder = target.has_parent_path() ? target.parent_path() : ".";
     std::filesystem::directory_iterator entry(folder, failed);
     for (; !failed && entry != std::filesystem::directory_iterator(); entry.increment(failed))
         if (SiblingProcess(entry->path().filename().native()) != 0)
@@ -74,40 +85,124 @@ static bool LockSibling(int handle)
     return fstat(handle, &info) != 0 || info.st_nlink > 0;
 }
 
+static std::filesystem::path NewName(const ReplacingFile& file)
+{
+    static std::atomic<unsigned> counter{0};
+    const std::string name =
+        ".plenoviz-" + std::to_string(getpid()) + "-" + std::to_string(counter++) + ".tmp";
+    return file.target.parent_path() / name;
+}
+
+// What a signal handler can read: the names of siblings, in memory that nobody frees. A name that
+// finds no room here stays behind when the process is ended, and the next one tidies up.
+struct Mark
+{
+    std::atomic<bool> taken{false}, readable{false};
+    char path[kMaxSavePathBytes + 64];
+};
+static Mark g_marks[64];
+
+static int MarkSibling(const std::filesystem::path& sibling)
+{
+    for (Mark& mark : g_marks)
+    {
+        if (sibling.native().size() >= sizeof mark.path || mark.taken.exchange(true))
+            continue;
+        std::memcpy(mark.path, sibling.c_str(), sibling.native().size() + 1);
+        mark.readable = true;
+        return int(&mark - g_marks);
+    }
+    return -1;
+}
+
+static void Unmark(ReplacingFile* file)
+{
+    if (file->mark < 0)
+        return;
+    g_marks[file->mark].readable = false;
+    g_marks[file->mark].taken = false;
+    file->mark = -1;
+}
+
+void RemoveOwnSiblings()
+{
+    for (Mark& mark : g_marks)
+        if (mark.readable)
+            unlink(mark.path);
+}
+
 // A new file in the folder of the target. Its name does not grow out of the target's, which may be
 // as long as names can be already.
 static int CreateSibling(ReplacingFile* file)
 {
-    static std::atomic<unsigned> counter{0};
     for (;;)
     {
-        const std::string name =
-            ".plenoviz-" + std::to_string(getpid()) + "-" + std::to_string(counter++) + ".tmp";
-        file->sibling = file->target.parent_path() / name;
+        file->sibling = NewName(*file);
         const int handle = open(file->sibling.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
         if (handle < 0 && errno != EEXIST)
             return handle;
         if (handle >= 0 && LockSibling(handle))
+        {
+            file->mark = MarkSibling(file->sibling);
             return handle;
+        }
         if (handle >= 0)
             close(handle);
     }
 }
 
-bool OpenSibling(ReplacingFile* file, const char* target)
+// Labels and rights that people and programs have put on a file. What the system reckons from the
+// contents, and what this user may not set, stays away.
+static void CopyAttributes(int handle, const char* target)
 {
-    *file = ReplacingFile();
+    char names[64 << 10], value[64 << 10]; // as much as there can be
+    const ssize_t bytes = listxattr(target, names, sizeof names);
+    for (ssize_t at = 0; at < bytes; at += ssize_t(std::strlen(names + at)) + 1)
+    {
+        const char* name = names + at;
+        const ssize_t size = getxattr(target, name, value, sizeof value);
+        const bool reckoned =
+            std::strcmp(name, "security.ima") == 0 || std::strcmp(name, "security.evm") == 0;
+        if (size >= 0 && !reckoned && fsetxattr(handle, name, value, size_t(size), 0) != 0)
+            errno = 0;
+    }
+}
+
+// The owner first, since a change of owner takes permission bits away. Only root can give files
+// away; for everybody else the result belongs to whoever made it.
+static int TakeAfter(int handle, const char* target, const struct stat& info)
+{
+    if (fchown(handle, info.st_uid, info.st_gid) != 0)
+        errno = 0;
+    if (fchmod(handle, info.st_mode & 07777) != 0)
+        return errno;
+    CopyAttributes(handle, target); // lists of rights among them, which the bits above are part of
+    return 0;
+}
+
+void FindTarget(ReplacingFile* file, const char* target)
+{
     file->target = target;
-    if (!FollowLinks(&file->target, &file->error))
-        return false;
-
     struct stat info = {};
-    const bool exists = stat(file->target.c_str(), &info) == 0;
-    file->error = exists ? WhyNotReplaceable(file->target.c_str(), info) : 0;
-    if (file->error)
-        return false;
+    if (!FollowLinks(&file->target, &file->error) || stat(file->target.c_str(), &info) != 0)
+        return;
+    file->error = WhyNotReplaceable(file->target.c_str(), info);
+    file->otherNames = int(info.st_nlink) - 1;
+}
 
-    RemoveAbandonedSiblings(file->target);
+int CheckFolder(const std::filesystem::path& target)
+{
+    const std::filesystem::path folder = FolderOf(target);
+    struct stat info = {};
+    if (stat(folder.c_str(), &info) != 0)
+        return errno;
+    if (!S_ISDIR(info.st_mode))
+        return ENOTDIR;
+    return access(folder.c_str(), W_OK | X_OK) == 0 ? 0 : errno;
+}
+
+bool OpenSibling(ReplacingFile* file)
+{
     const int handle = CreateSibling(file);
     if (handle < 0)
     {
@@ -115,12 +210,9 @@ bool OpenSibling(ReplacingFile* file, const char* target)
         file->sibling.clear();
         return false;
     }
-    // The owner first, since a change of owner takes permission bits away. Only root can give files
-    // away; for everybody else the result belongs to whoever made it.
-    if (exists && fchown(handle, info.st_uid, info.st_gid) != 0)
-        errno = 0;
-    if (exists && fchmod(handle, info.st_mode & 07777) != 0)
-        file->error = errno;
+    struct stat info = {};
+    if (stat(file->target.c_str(), &info) == 0)
+        file->error = TakeAfter(handle, file->target.c_str(), info);
     file->stream = file->error ? nullptr : fdopen(handle, "w+b");
     if (file->stream)
         return true;
@@ -145,13 +237,59 @@ int KeepLock(FILE* stream)
     return dup(fileno(stream));
 }
 
-void DropLock(int lock)
+void DropLock(ReplacingFile* file)
 {
-    if (lock >= 0)
-        close(lock);
+    if (file->lock >= 0)
+        close(file->lock);
+    file->lock = -1;
+    Unmark(file);
 }
 
 int MoveOver(const ReplacingFile& file)
 {
     return std::rename(file.sibling.c_str(), file.target.c_str()) == 0 ? 0 : errno;
+}
+
+int KeepOld(std::filesystem::path* old, const ReplacingFile& file)
+{
+    struct stat info = {};
+    if (stat(file.target.c_str(), &info) != 0)
+        return 0;
+    if (const int reason = WhyNotReplaceable(file.target.c_str(), info))
+        return reason; // since it was looked at first
+    for (;;)
+    {
+        *old = NewName(file);
+        if (link(file.target.c_str(), old->c_str()) == 0)
+            return 0;
+        if (errno == EEXIST)
+            continue;
+        // Not every file system knows second names: then the old file has no other for a moment.
+        if (std::rename(file.target.c_str(), old->c_str()) == 0)
+            return 0;
+        const int error = errno;
+        old->clear();
+        return error;
+    }
+}
+
+FolderTurn::FolderTurn(const std::filesystem::path& folder, bool wait)
+{
+    const int opened =
+        open(folder.empty() ? "." : folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    if (opened < 0)
+        return;
+    handle = opened;
+    while (flock(opened, wait ? LOCK_EX : LOCK_EX | LOCK_NB) != 0)
+        if (errno != EINTR)
+        {
+            taken = errno != EWOULDBLOCK; // file systems without locks
+            return;
+        }
+}
+
+FolderTurn::~FolderTurn()
+{
+    if (handle >= 0)
+        close(int(handle));
 }

@@ -29,7 +29,7 @@ const FormatRow kFormats[kFormatCount] = {
     {kFormatPnm, "PNM", ".ppm .pgm .pbm", ".pnm", OpenDialogs::None, 0, true, true,
      kHolds8 | kHolds16, 0,
      nullptr, {FIF_PPM, FIF_PPMRAW, FIF_PGM, FIF_PGMRAW, FIF_PBM, FIF_PBMRAW}},
-    {kFormatWebp, "WebP", ".webp", "", OpenDialogs::None, 0, true, true,
+    {kFormatWebp, "WebP", ".webp", "", OpenDialogs::All, 0, true, true,
      kHoldsColour8 | kHoldsAlpha8, kCarriesProfile | kCarriesXmp | kCarriesExif,
      MaskedExif, {FIF_WEBP}},
     // MaskedExif is for the small JPEG picture inside.

@@ -2,7 +2,6 @@
 
 #include "base/ShortMemory.h"
 #include "base/SystemFiles.h"
-#include "files/FileReplace.h"
 #include "files/ImageReader.h"
 #include "files/JpegWriter.h"
 #include "files/MetadataContainers.h"
@@ -151,6 +150,17 @@ static bool HeaderMatches(ImageStream* stream, FREE_IMAGE_FORMAT format, FIBITMA
            FreeImage_GetHeight(header.get()) == FreeImage_GetHeight(bitmap);
 }
 
+// The new file takes the target's place, or waits for others that do so with it.
+static bool Finish(ReplacingFile* file, const SaveExtras& extras)
+{
+    file->stopped = extras.stopped;
+    if (!extras.held)
+        return FinishReplacing(file, !extras.passing);
+    const bool complete = CompleteReplacing(file, !extras.passing);
+    *extras.held = *file;
+    return complete;
+}
+
 // The formats that the codec library still writes. They hold no metadata.
 static bool WriteBitmap(WatchedFile* file, const PictureToWrite& job, FREE_IMAGE_FORMAT format)
 {
@@ -185,7 +195,7 @@ static bool WriteAny(WatchedFile* file, const PictureToWrite& job, const FormatR
 }
 
 static void WriteFile(const PictureToWrite& job, const FormatRow& format, const char* target,
-                      bool toDisk, SaveReport* report)
+                      const SaveExtras& extras, SaveReport* report)
 {
     ReplacingFile file;
     if (!BeginReplacing(&file, target))
@@ -201,7 +211,8 @@ static void WriteFile(const PictureToWrite& job, const FormatRow& format, const 
     if (failed)
         CancelReplacing(&file);
     else
-        report->written = FinishReplacing(&file, toDisk);
+        report->written = Finish(&file, extras);
+    report->otherNames = file.otherNames;
     report->systemError = file.error;
     report->problem = report->written ? SaveProblem::None
                       : file.error    ? SaveProblem::CannotWrite
@@ -256,7 +267,7 @@ static void SavePair(const SBxPicBuf& picture, const SBxPicBuf& alpha, const cha
     job.quality = g_jpegQuality >= 1 ? std::min(g_jpegQuality, 100) : kDefaultJpegQuality;
     job.chroma = more.chroma;
     job.packed = !more.passing;
-    WriteFile(job, row, target, !more.passing, report);
+    WriteFile(job, row, target, more, report);
 }
 
 bool SavePicturePair(const SBxPicBuf& picture, const SBxPicBuf& alpha, const char* target,

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "files/FileReplace.h"
 #include "files/Formats.h"
 #include "files/MetadataOfResult.h"
 #include "files/PictureToWrite.h"
@@ -79,6 +80,7 @@ struct SaveReport
     int systemError = 0;       // errno
     bool alphaDropped = false; // the format has no alpha
     MetadataLosses losses;     // of what the source knows
+    int otherNames = 0;        // names (hard links) of the old file that go on meaning it
 };
 
 // What a file gets beyond picture and source.
@@ -90,6 +92,12 @@ struct SaveExtras
     // A file of the program's own that is read once and thrown away: TIFF without compression, and
     // nobody waits until it has reached the disk.
     bool passing = false;
+
+    // Asked when all is written: if it says so, the target stays as it is.
+    bool (*stopped)() = nullptr;
+
+    // Gets the complete file, which does not take the target's place yet (FinishTogether).
+    ReplacingFile* held = nullptr;
 
     // What the source knows, read before: then no file of a source is needed. Null = there is a
     // source, or nothing is known.

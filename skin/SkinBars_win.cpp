@@ -116,9 +116,13 @@ static bool DrawTrackbar(const SkinCall& call, HDC dc, const RECT& client)
     return true;
 }
 
+// The control asks for the places of its thumb alone to be painted when that moves; the lit part
+// between them changes as well.
 bool PaintTrackbar(const SkinCall& call, LRESULT* answer)
 {
     *answer = 0;
+    if (!call.wParam) // not for a picture of it
+        InvalidateRect(call.hwnd, nullptr, FALSE);
     return PaintBuffered(call, DrawTrackbar);
 }
 

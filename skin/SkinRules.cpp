@@ -159,6 +159,7 @@ static const struct
     {SkinClass::Progress, kFramePaint, SkinTask::PaintFrame, nullptr},
     {SkinClass::Trackbar, kPaint, SkinTask::PaintTrackbar, nullptr},
     {SkinClass::Trackbar, kEraseBackground, SkinTask::KeepBackground, nullptr},
+    {SkinClass::Trackbar, kEnable, SkinTask::ChangeQuietly, nullptr},
     {SkinClass::ScrollBar, kPaint, SkinTask::PaintScrollBar, nullptr},
     {SkinClass::ScrollBar, kEraseBackground, SkinTask::KeepBackground, nullptr},
     {SkinClass::UpDown, kPaint, SkinTask::PaintUpDown, nullptr},

@@ -146,31 +146,31 @@ Fails 1 'deep.ppm: the picture is 40 x 30, 16-bit colour' fuse -o old.jpg mid.pp
 Fails 1 'grey.pgm: the picture is 40 x 30, 8-bit grey' fuse -o old.jpg mid.ppm grey.pgm
 Fails 1 'old.jpg: JPEG files cannot hold 16-bit pictures; use .tif or .png' \
     fuse -o old.jpg deep.ppm deep.ppm
-Fails 1 'old.gif: the name must end in .bmp, .jpg, .jpeg, .tif, .tiff or .png' \
+Fails 2 'old.gif: the name must end in .bmp, .jpg, .jpeg, .tif, .tiff or .png' \
     fuse -o old.gif mid.ppm
-Fails 1 'missing/o.jpg: the file cannot be created' fuse -o missing/o.jpg mid.ppm
+Fails 2 'missing/o.jpg: the file cannot be created' fuse -o missing/o.jpg mid.ppm
 [[ $(<old.jpg) == old && $(<old.gif) == old ]] || Complain "a failed command touched its output"
 
 # A result replaces a file as a whole or not at all, in every format.
 for name in old.bmp old.jpg old.tif old.png; do
     echo old >$name
     chmod a-w $name
-    Fails 1 "$name: the file cannot be created" fuse -o $name mid.ppm
+    Fails 2 "$name: the file cannot be created" fuse -o $name mid.ppm
     chmod u+w $name
     if [[ ${program[0]} != *wine.sh ]]; then
         for blocks in 0 1; do # a limit on file sizes fails a write as a full disk does
-            said=$(trap '' XFSZ && ulimit -f $blocks && "${program[@]}" fuse -o $name room.ppm 2>&1 || echo " code $?")
+            said=$(ulimit -f $blocks && "${program[@]}" fuse -o $name room.ppm 2>&1 || echo " code $?")
             [[ $said == "plenoviz-cli: $name: "*' code 1' ]] || Complain "a full disk: $said"
         done
     fi
     [[ $(<$name) == old ]] || Complain "$name was touched"
 done
 mkdir folder.png
-Fails 1 'folder.png: ' fuse -o folder.png mid.ppm
+Fails 2 'folder.png: ' fuse -o folder.png mid.ppm
 [[ $(echo .[!.]* *~ *.tmp) == '.[!.]* *~ *.tmp' ]] || Complain "left behind: $(ls -A)"
 if [[ ${program[0]} != *wine.sh ]]; then
     mkfifo pipe.png
-    Fails 1 'pipe.png: ' fuse -o pipe.png mid.ppm
+    Fails 2 'pipe.png: ' fuse -o pipe.png mid.ppm
     [[ -p pipe.png ]] || Complain "a pipe was replaced"
     # Links stay links, and the file at their end keeps its permissions.
     mkdir real
@@ -184,7 +184,7 @@ if [[ ${program[0]} != *wine.sh ]]; then
     [[ -L two.bmp && -L one.bmp && $(stat -c %a real/a.bmp) == 640 ]] || Complain "links: $(ls -l)"
     Works fuse -q -o dangling.bmp mid.ppm
     Same real/new.bmp real/a.bmp
-    Fails 1 'loop.bmp: ' fuse -o loop.bmp mid.ppm
+    Fails 2 'loop.bmp: ' fuse -o loop.bmp mid.ppm
 fi
 
 # Fusion: two greys as calculated by hand, then everything together.
@@ -196,10 +196,13 @@ Says 'flat.bmp: 8 x 8, 8-bit grey, fused from 2 pictures'
 Works fuse dark.ppm --exposure=120 -q mid.ppm --output fused.bmp bright.ppm
 [[ ! -s out && ! -s err ]] || Complain "--quiet says something"
 Sum fused.bmp 3546406845
-# The same bytes on one thread, where nothing is read ahead, and over an input.
-cp mid.ppm mid.bmp
-Works fuse -q --threads 1 --exposure 90 --exposure 120 -o mid.bmp -- dark.ppm mid.bmp bright.ppm
-Same mid.bmp fused.bmp
+# The same bytes on one thread, where nothing is read ahead. Of a repeated option the last one counts;
+# letters may stand behind one dash, with a value of the last one.
+Works fuse --threads 1 --exposure 90 --exposure 120 -o first.bmp -qoone.bmp -- dark.ppm mid.ppm bright.ppm
+Same one.bmp fused.bmp
+[[ ! -s out && ! -e first.bmp ]] || Complain "-qo is not two options"
+Fails 2 "unknown option '-qz'$help" fuse -qz mid.ppm
+Fails 2 "--output needs a value$help" fuse mid.ppm -qo
 cp mid.ppm -- '--exposure'
 Works fuse -q -o dashes.bmp -- --exposure
 Works fuse -q -o plain.bmp mid.ppm
@@ -254,8 +257,19 @@ Sum levels.bmp 3673911433
 
 # Several photographs: the others go on when one fails.
 Cli smart-contrast --out-dir results/new mid.ppm junk.dat deep.ppm
-[[ $code == 1 && $(<err) == *'junk.dat: '*'1 of 3 pictures failed'* ]] || Complain "said: $(<err)"
+[[ $code == 1 && $(<err) == *'junk.dat: '* ]] || Complain "said: $(<err)"
 [[ $(ls results/new) == $'deep-vexa.png\nmid-vexa.png' ]] || Complain "results: $(ls results/new)"
+[[ $(<err) == *'plenoviz-cli: 2 of 3 pictures done, 1 failed' ]] || Complain "the last line: $(<err)"
+
+# On Windows two names are one, whatever their case.
+cp mid.ppm case.bmp
+cp mid.ppm other/CASE.bmp
+if [[ ${program[0]} == *wine.sh ]]; then
+    Fails 2 "CASE.bmp: the result would overwrite the input 'case.bmp'" fuse -o CASE.bmp case.bmp
+    Fails 2 "'other/CASE.bmp' and another input" smart-contrast --out-dir d case.bmp other/CASE.bmp
+else
+    Works smart-contrast -q --out-dir cases case.bmp other/CASE.bmp
+fi
 
 # A sample series: exposure times in the files, and a folder gets the whole of it or nothing.
 Works sample --out-dir new/series --width 48 --height 32 --frames 3
@@ -276,9 +290,9 @@ Works fuse --align=off --report -o lying.png hand/sample_*.jpg
 Says 'sample_1.jpg: left as it is: not compared'
 Differs hand.png lying.png
 mkdir -p blocked/sample_2.jpg
-Fails 1 'blocked' sample --out-dir blocked --width 16 --height 16 --frames 3
+Fails 2 'blocked' sample --out-dir blocked --width 16 --height 16 --frames 3
 [[ $(ls blocked) == sample_2.jpg ]] || Complain "left behind: $(ls blocked)"
-Fails 1 'junk.dat' sample --out-dir junk.dat/below --width 16 --height 16
+Fails 2 'junk.dat' sample --out-dir junk.dat/below --width 16 --height 16
 
 # Progress goes to a terminal, in one line that is wiped at the end. Ctrl+C leaves nothing behind.
 if [[ ${program[0]} != *wine.sh ]]; then

@@ -84,31 +84,31 @@ fi
 # Targets that are not to be replaced.
 cp sample_1.jpg fixed/out.png
 chmod 444 fixed/out.png
-ExpectUntouched fixed/out.png 1 "Permission denied" "$cli" fuse -q -o fixed/out.png sample_1.jpg
+ExpectUntouched fixed/out.png 2 "Permission denied" "$cli" fuse -q -o fixed/out.png sample_1.jpg
 chmod 644 fixed/out.png
 if ((EUID == 0)) && chattr +i fixed/out.png 2>/dev/null; then
-    ExpectUntouched fixed/out.png 1 "cannot be" "$cli" fuse -q -o fixed/out.png sample_1.jpg
+    ExpectUntouched fixed/out.png 2 "cannot be" "$cli" fuse -q -o fixed/out.png sample_1.jpg
     chattr -i fixed/out.png
 fi
 Expect 0 "" "$cli" fuse -q -o fixed/out.png sample_1.jpg
 if Mounted locked -t tmpfs tmpfs; then
     cp sample_1.jpg locked/out.png
     mount -o remount,ro locked
-    ExpectUntouched locked/out.png 1 "Read-only" "$cli" fuse -q -o locked/out.png sample_1.jpg
-    Expect 1 "folder cannot be made" "$cli" series --out-dir locked/new single sample_1.jpg
+    ExpectUntouched locked/out.png 2 "Read-only" "$cli" fuse -q -o locked/out.png sample_1.jpg
+    Expect 2 "folder cannot be made" "$cli" series --out-dir locked/new single sample_1.jpg
     # Read-only media are fine to read from.
     Expect 0 "" "$cli" fuse -q -o read.png locked/out.png
 fi
-ExpectUntouched good.png 1 "s a directory" "$cli" fuse -q -o folder.png sample_1.jpg
-Expect 1 "No such file" "$cli" fuse -q -o missing/out.png sample_1.jpg
-Expect 1 "Not a directory" "$cli" fuse -q -o good.png/out.png sample_1.jpg
+ExpectUntouched good.png 2 "s a directory" "$cli" fuse -q -o folder.png sample_1.jpg
+Expect 2 "No such file" "$cli" fuse -q -o missing/out.png sample_1.jpg
+Expect 2 "Not a directory" "$cli" fuse -q -o good.png/out.png sample_1.jpg
 mkfifo pipe.png
-ExpectUntouched good.png 1 "cannot be created" "$cli" fuse -q -o pipe.png sample_1.jpg
+ExpectUntouched good.png 2 "cannot be created" "$cli" fuse -q -o pipe.png sample_1.jpg
 ln -s /dev/full device.png
-ExpectUntouched good.png 1 "cannot be created" "$cli" fuse -q -o device.png sample_1.jpg
+ExpectUntouched good.png 2 "cannot be created" "$cli" fuse -q -o device.png sample_1.jpg
 [[ -L device.png && -c /dev/full ]] || Complain "the device is gone"
 ln -s loop.png loop.png
-Expect 1 "cannot be created" "$cli" fuse -q -o loop.png sample_1.jpg
+Expect 2 "cannot be created" "$cli" fuse -q -o loop.png sample_1.jpg
 
 # Links stay, and what they point to is replaced, whether it is there or not.
 cp sample_1.jpg real.png
@@ -119,12 +119,31 @@ for link in link.png later.png; do
     [[ -L $link ]] && cmp -s $link good.png || Complain "$link is not the link to the result"
 done
 
-# Input and output may be one file.
+# A result takes no input's place, whatever names lead to it, and no other result's.
 cp good.png same.png
-Expect 0 "" "$cli" fuse -q -o same.png same.png
-Expect 0 "" "$cli" single -q -o same.png same.png
-cp sample_1.jpg dir-a.jpg
-Expect 0 "" "$cli" smart-contrast -q --out-dir . dir-a.jpg
+ln same.png twin.png
+ln -s same.png alias.png
+for out in same.png ./same.png twin.png alias.png; do
+    ExpectUntouched same.png 2 "would overwrite the input 'same.png'" "$cli" fuse -q -o $out sample_1.jpg same.png
+    ExpectUntouched same.png 2 "would overwrite" "$cli" single -q -o "$work/$out" same.png
+done
+mkdir own
+cp sample_1.jpg own/a.jpg
+cp sample_2.jpg own/a-vexa.jpg
+ExpectUntouched own/a-vexa.jpg 2 "would overwrite the input 'own/a-vexa.jpg'" \
+    "$cli" smart-contrast -q --out-dir own/../own own/a.jpg own/a-vexa.jpg
+Expect 0 "" "$cli" smart-contrast -q --out-dir own own/a.jpg
+mkdir exposures
+"$cli" series --out-dir exposures single sample_1.jpg >names
+source=exposures/$(head -n 1 names)
+ExpectUntouched "$source" 2 "would overwrite" "$cli" series --out-dir exposures single "$source"
+mkdir two
+cp sample_1.jpg two/b.jpg
+touch results.jpg
+ln -s ../results.jpg own/b-vexa.jpg
+ln -s ../results.jpg own/c-vexa.jpg
+cp sample_1.jpg two/c.jpg
+ExpectUntouched results.jpg 2 "another result" "$cli" smart-contrast -q --out-dir own two/b.jpg two/c.jpg
 
 # Sources that are no pictures.
 : >empty.jpg

@@ -8,7 +8,12 @@
 #include <FreeImage.h>
 #include <gtest/gtest.h>
 
+#ifndef _WIN32
+#include <sys/xattr.h>
+#endif
 #include <unistd.h>
+
+#include <cerrno>
 
 namespace
 {
@@ -149,6 +154,56 @@ TEST(Replacing, LeavesTheOldFileWhenTheNewOneDoesNotClose)
         EXPECT_EQ(folder.FileCount(), 1) << "nothing beside it";
     }
 }
+
+// The last of three cannot take its place: the other two are what they were, which for one of them
+// is nothing at all.
+TEST(Replacing, MovesSeveralFilesTogetherOrNone)
+{
+    const TempFolder folder;
+    for (const bool blocked : {true, false})
+    {
+        const std::string old = folder.Write("old.tif", {'o', 'l', 'd'});
+        std::vector<ReplacingFile> files(3);
+        const char* names[] = {"old.tif", "fresh.tif", "blocked.tif"};
+        for (size_t i = 0; i < files.size(); ++i)
+        {
+            std::string path;
+            ASSERT_EQ(SavePathFromUtf8(&path, folder.File(names[i]).c_str(), PathUse::Target),
+                      Outcome::Done);
+            EXPECT_EQ(CheckTarget(path.c_str()), 0);
+            ASSERT_TRUE(BeginReplacing(&files[i], path.c_str()));
+            std::fputs("new", files[i].stream);
+            ASSERT_TRUE(CompleteReplacing(&files[i], false));
+        }
+        EXPECT_EQ(ReadBytes(old), (Bytes{'o', 'l', 'd'})) << "not before all are complete";
+        if (blocked)
+            std::filesystem::create_directories(folder.path / "blocked.tif" / "below");
+        EXPECT_EQ(FinishTogether(&files), blocked ? 2 : -1);
+        EXPECT_EQ(files[2].error != 0, blocked);
+        EXPECT_EQ(ReadBytes(old), blocked ? (Bytes{'o', 'l', 'd'}) : (Bytes{'n', 'e', 'w'}));
+        EXPECT_EQ(folder.FileCount(), blocked ? 2 : 3) << "nothing beside them";
+        EXPECT_EQ(CheckTarget(folder.File("blocked.tif").c_str()), blocked ? EISDIR : 0);
+        std::filesystem::remove_all(folder.path / "blocked.tif");
+    }
+}
+
+#ifndef _WIN32
+TEST(Replacing, KeepsWhatTheOwnerHasPutOnTheFile)
+{
+    const TempFolder folder;
+    const std::string target = folder.Write("old.tif", {'o', 'l', 'd'});
+    if (setxattr(target.c_str(), "user.rating", "five", 4, 0) != 0)
+        GTEST_SKIP() << "this file system has no attributes";
+    ReplacingFile file;
+    ASSERT_TRUE(BeginReplacing(&file, target.c_str()));
+    std::fputs("new", file.stream);
+    ASSERT_TRUE(FinishReplacing(&file));
+    char value[8] = {};
+    EXPECT_EQ(getxattr(target.c_str(), "user.rating", value, sizeof value), 4);
+    EXPECT_STREQ(value, "five");
+    EXPECT_EQ(ReadBytes(target), (Bytes{'n', 'e', 'w'}));
+}
+#endif
 
 TEST(Names, EndAtTheLengthThatSavingTakes)
 {

@@ -153,6 +153,7 @@ TEST(SkinRules, ChangeQuietlyWhatWouldDrawItselfAtOnce)
         {SkinClass::Button, {kSetText, kEnable, kSetFocus, kKillFocus, kSetCheck, kSetState}},
         {SkinClass::Static, {kSetText, kEnable}},
         {SkinClass::ComboBox, {kEnable, kSetFocus, kKillFocus, kComboSelect}},
+        {SkinClass::Trackbar, {kEnable}},
     };
     for (const SkinClass kind : AllKinds())
         for (const uint32_t message :

@@ -8,6 +8,7 @@
 //              B id left top right bottom enabled                 (buttons of the toolbar)
 //   ready ID   when the control, wherever it is below the frame, can be used and the frame answers
 //   handles    H kernel gdi user
+//   repaint    has everything painted anew, as if it had been covered
 //   close      as the system menu closes it
 //   endsession E 1 when the program agrees that the user logs off; it is told so then. What it asks
 //              before is answered with Yes
@@ -283,6 +284,8 @@ int main(int, char** arguments)
             WaitFor(std::atoi(line + 6));
         else if (g_program.frame && !std::strncmp(line, "handles", 7))
             std::printf("H %d %d %d\n", KernelHandles(), GdiHandles(), UserHandles());
+        else if (g_program.frame && !std::strncmp(line, "repaint", 7))
+            RedrawWindow(g_program.frame, nullptr, nullptr, RDW_INVALIDATE | RDW_ALLCHILDREN);
         else if (g_program.frame && !std::strncmp(line, "close", 5))
             PostMessageW(g_program.frame, WM_CLOSE, 0, 0);
         else if (g_program.frame && !std::strncmp(line, "endsession", 10))

@@ -24,6 +24,19 @@ IsNear()
     ((off > -4 && off < 4))
 }
 
+# The screen shows what a fresh painting would: nothing is left of what was there before. The mouse
+# stays where it is, since coming and going it has controls painted.
+IsPaintedWhole()
+{
+    local sum
+    StandsStill
+    sum=$(ScreenSum)
+    Shot "$step-painted"
+    Ask repaint
+    StandsStill
+    [[ $(ScreenSum) == "$sum" ]] || Complain "$step: $1 leaves pixels of what was there before"
+}
+
 # Beside the thumb, on the side of the higher values.
 PageSlider()
 {

@@ -128,7 +128,7 @@ MultiImage()
     Sees $IDC_FUSION_DEFAULT
     Click $IDC_FUSION_DEFAULT
     Expect HasValue $IDC_FUSION_SLIDER 100
-    Rests
+    IsPaintedWhole 'Set Default'
     Click $IDCANCEL
     Expect SeesNot $IDC_FUSION_SLIDER
     SaveAs "$scratch/cancelled.tif"

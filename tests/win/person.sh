@@ -117,8 +117,12 @@ Park() { xdotool mousemove 400 $((viewTop + 20)); Settle; }
 
 Rests()
 {
-    local before='' now
     Park
+    StandsStill
+}
+StandsStill()
+{
+    local before='' now
     now=$(ScreenSum)
     while [[ $now != "$before" ]]; do
         before=$now

@@ -42,6 +42,7 @@ StepSlider()
     PageSlider "$1"
     xdotool key Home
     Expect HasValue "$1" "$low"
+    [[ $1 != "${sliders[0]}" ]] || IsPaintedWhole 'the key Home'
     xdotool key End
     Expect HasValue "$1" "$high"
     Rests # the thumb moves when its preview is made
@@ -76,6 +77,7 @@ TryAndCancel()
     for move in "${@:4}"; do
         StepSlider "${move%:*}"
         DragSlider "${move%:*}" "${move#*:}"
+        [[ ${move%:*} != "${sliders[0]}" ]] || IsPaintedWhole 'a drag'
     done
     Rests
     LabelsFollow
