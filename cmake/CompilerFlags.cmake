@@ -16,6 +16,13 @@ if(PLENOVIZ_SANITIZE AND NOT DEFINED CMAKE_CROSSCOMPILING_EMULATOR)
     set(CMAKE_CROSSCOMPILING_EMULATOR "${CMAKE_SOURCE_DIR}/cmake/sanitized.sh")
 endif()
 
+# Addresses that nobody can foretell, and tables that nobody can write once the program runs.
+if(WIN32)
+    add_link_options(-Wl,--dynamicbase,--nxcompat,--high-entropy-va)
+elseif(NOT PLENOVIZ_SANITIZE)
+    add_link_options(-pie -Wl,-z,relro,-z,now,-z,noexecstack)
+endif()
+
 if(MINGW)
     # A program is no library to link with, though the task library marks symbols for export.
     string(REPLACE "-Wl,--out-implib,<TARGET_IMPLIB>" ""

@@ -16,7 +16,7 @@ packing=(nsis zip unzip)
 # Wine to run the tests, and a screen that nobody sees with a hand on it. wine32 and the screen
 # drivers are only recommended packages, so they stay away. The fonts are those of all languages.
 showing=(wine wine64 xvfb xdotool fonts-dejavu-core fonts-droid-fallback)
-linting=(clang-format-14 clang-tidy-14)
+linting=(clang-format-14 clang-tidy-14 lintian)
 
 case $level in
 native) packages=("${native[@]}") ;;

@@ -21,6 +21,7 @@ touch "$system/var/lib/dpkg/status"
 Dpkg() { dpkg --root="$system" --force-not-root --force-depends "$@" >"$scratch/dpkg.log" 2>&1; }
 Dpkg -i "$scratch"/*.deb || Complain "dpkg does not install it: $(<"$scratch/dpkg.log")"
 [[ $(dpkg-deb -f "$scratch"/*.deb Depends) == *libfreeimage3*libtbb12* ]] || Complain "depends on too little"
+lintian=$(lintian --allow-root --fail-on error,warning "$scratch"/*.deb 2>&1) || Complain "lintian: $lintian"
 tar -C "$scratch" -xzf "$scratch"/*.tar.gz
 for program in "$system/usr/bin/plenoviz-cli" "$scratch"/plenoviz-cli-*/bin/plenoviz-cli; do
     "$program" sample --quiet --out-dir "$scratch/series" --width 90 --height 60 --frames 2
@@ -28,6 +29,13 @@ for program in "$system/usr/bin/plenoviz-cli" "$scratch"/plenoviz-cli-*/bin/plen
     [[ -s $scratch/fused.png ]] || Complain "$program does not fuse"
     rm -r "$scratch/series" "$scratch/fused.png"
 done
+
+# Loaded anywhere, tables of addresses that are filled at the start and locked then, no code on the stack.
+program=$system/usr/bin/plenoviz-cli
+[[ $(readelf -hW "$program") == *'DYN (Position-Independent'* ]] || Complain "not loaded anywhere"
+segments=$(readelf -lW "$program")
+[[ $segments == *GNU_RELRO* && $(readelf -dW "$program") == *NOW* ]] || Complain "its tables can be written"
+grep -q 'GNU_STACK.* RW ' <<<"$segments" || Complain "code can be on its stack"
 
 manual=$(zcat "$system/usr/share/man/man1/plenoviz-cli.1.gz" | sed 's/\\-/-/g')
 [[ $manual != *@* ]] || Complain "the manual has gaps"

@@ -94,6 +94,15 @@ for name in freeimage libjpeg-turbo libpng1.6 tiff libwebp libraw lcms2 libzstd 
     grep -q '[a-z]' "$installed/Notices/$name"*.txt || Complain "no notice of $name"
 done
 grep -q 'FreeImage Public License' "$installed/Notices/freeimage.txt" || Complain "wrong notice of FreeImage"
+for program in Plenoviz plenoviz-cli; do
+    header=$(x86_64-w64-mingw32-objdump -p "$installed/$program.exe")
+    for flag in HIGH_ENTROPY_VA DYNAMIC_BASE NX_COMPAT; do
+        [[ $header == *"$flag"* ]] || Complain "$program.exe is not $flag"
+    done
+    version=$(sed -n 's/^project(Plenoviz VERSION \([0-9.]*\) .*/\1/p' "$root/CMakeLists.txt")
+    grep -qa "name=\"Plenoviz[.A-Za-z]*\" version=\"$version.0\"" "$installed/$program.exe" ||
+        Complain "the manifest of $program.exe has another version"
+done
 [[ -s $menu ]] || Complain "no start menu entry"
 ReadRegistry
 for ending in bmp jpg jpeg tif tiff png; do
