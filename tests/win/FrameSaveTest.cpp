@@ -65,7 +65,7 @@ TEST_F(FrameSave, ProposesNameAndTypeAndRemembersTheQuality)
              {[&](HWND dialog)
               {
                   EXPECT_EQ(WindowText(dialog), Text(kTextSaveAs));
-                  EXPECT_EQ(FileNameBox(dialog).substr(0, 10), L"photo-vexa");
+                  EXPECT_EQ(FileNameBox(dialog).substr(0, 14), L"photo.one-vexa");
                   EXPECT_EQ(SendDlgItemMessageW(dialog, cmb1, CB_GETCOUNT, 0, 0), 4);
                   const HWND row = QualityRow(dialog);
                   ASSERT_TRUE(row);
@@ -78,6 +78,8 @@ TEST_F(FrameSave, ProposesNameAndTypeAndRemembersTheQuality)
                   SendMessageW(slider, TBM_GETCHANNELRECT, 0, LPARAM(&channel));
                   EXPECT_EQ(OnScreen(slider).left + channel.left, box.left);
                   EXPECT_EQ(OnScreen(GetDlgItem(row, IDC_QUALITY_PERCENT)).right, box.right);
+                  EXPECT_TRUE(IsWindowEnabled(slider)) << "JPEG is on, as the photograph is one";
+                  SelectType(dialog, 0);
                   EXPECT_FALSE(IsWindowEnabled(slider)) << "BMP is on";
                   SelectType(dialog, 3);
                   EXPECT_TRUE(IsWindowEnabled(slider));
