@@ -47,6 +47,15 @@ struct PictureClaim
     int64_t leastFileBytes = 0; // a file that is shorter cannot hold the picture
 };
 
+// A damaged header claims sides whose products leave 64 bits: from here on, more is the same.
+constexpr int64_t kMostBytesClaimed = int64_t(1) << 60;
+inline int64_t PixelsClaimed(const PictureClaim& claim)
+{
+    const double pixels = double(claim.width) * double(claim.height);
+    constexpr double kMost = 1e12;
+    return pixels <= 0.0 ? 0 : int64_t(pixels < kMost ? pixels : kMost);
+}
+
 // The checks of MakePicture alone.
 bool CheckClaim(Decoding* decoding, const PictureClaim& claim);
 

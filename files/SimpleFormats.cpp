@@ -56,12 +56,14 @@ SimpleClaim FindBmpClaim(FILE* file)
     found.claim.width = bmp.width;
     found.claim.height = bmp.height;
     found.claim.alpha = bmp.bits == 32;
-    found.claim.decoderBytes = bmp.width * bmp.height * std::max(bmp.bits, 24) / 8;
+    found.claim.decoderBytes = PixelsClaimed(found.claim) * std::max(bmp.bits, 24) / 8;
     // Rows begin at multiples of four bytes; nothing is missing with the filling of the last one.
     const int64_t rowBytes = (bmp.width * bmp.bits + 31) / 32 * 4;
     if (!IsRunLength(bmp) && bmp.width > 0 && bmp.height > 0)
         found.claim.leastFileBytes =
-            bmp.offset + rowBytes * (bmp.height - 1) + (bmp.width * bmp.bits + 7) / 8;
+            bmp.height < kMostBytesClaimed / (rowBytes + 1)
+                ? bmp.offset + rowBytes * (bmp.height - 1) + (bmp.width * bmp.bits + 7) / 8
+                : kMostBytesClaimed;
     return found;
 }
 

@@ -313,7 +313,7 @@ PictureClaim ClaimOf(const TiffWork& work)
     if (longest > 0 && claim.width > 0)
         claim.leastFileBytes =
             claim.height < INT64_MAX / (bytes + 1) ? bytes * claim.height / longest : INT64_MAX;
-    claim.decoderBytes = work.readyMade ? claim.width * claim.height * 4 : 0;
+    claim.decoderBytes = work.readyMade ? PixelsClaimed(claim) * 4 : 0;
     return claim;
 }
 
