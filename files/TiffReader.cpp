@@ -5,6 +5,8 @@
 #include <algorithm>
 #include <cstdarg>
 #include <cstring>
+#include <memory>
+#include <new>
 #include <string>
 
 #include <tiffio.h>
@@ -90,12 +92,20 @@ toff_t SizeOfBytes(thandle_t handle)
     return toff_t(static_cast<TiffWork*>(handle)->decoding->fileBytes);
 }
 
+// Called inside of the library, which nothing may be thrown through.
 void KeepMessage(TiffWork* work, const char* format, va_list values)
 {
     char text[300];
     std::vsnprintf(text, sizeof text, format, values);
-    if (work->message.empty())
-        work->message = text;
+    try
+    {
+        if (work->message.empty())
+            work->message = text;
+    }
+    catch (const std::bad_alloc&)
+    {
+        work->message = "memory"; // short enough to need none
+    }
 }
 
 int OnError(TIFF*, void* work, const char*, const char* format, va_list values)
@@ -574,6 +584,6 @@ void ReadTiff(Decoding* decoding)
     work.tiff = Open(&work);
     if (!work.tiff)
         return NoteTiffDamage(&work, 0);
+    const std::unique_ptr<TIFF, void (*)(TIFF*)> owned(work.tiff, TIFFClose); // short memory throws
     ReadWith(&work);
-    TIFFClose(work.tiff);
 }

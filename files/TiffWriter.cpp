@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <memory>
 
 // The library writes the header of the file, strips behind what is there, and a directory of the
 // picture. The block goes behind the header before the first strip. At the end a second directory,
@@ -131,6 +132,8 @@ static bool WritePixels(WatchedFile* file, const PictureToWrite& job, bool bigEn
                                 CloseFile, FileSize, nullptr, nullptr);
     if (!tiff)
         return false;
+    // What it has not written when it is closed, it has no reason to write any more.
+    const std::unique_ptr<TIFF, void (*)(TIFF*)> owned(tiff, TIFFClose);
     const Bytes& block = job.metadata->exif;
     const size_t kHeader = 8;
     bool done = true;
@@ -142,10 +145,7 @@ static bool WritePixels(WatchedFile* file, const PictureToWrite& job, bool bigEn
             WriteWatched(file, "", 1);
     }
     SetFields(tiff, job);
-    done = done && WriteRows(tiff, job, row);
-    // What it has not written by now, it has no reason to write any more.
-    TIFFClose(tiff);
-    return done;
+    return done && WriteRows(tiff, job, row);
 }
 
 // The fields of a directory in the file, with offsets as they are.

@@ -159,7 +159,9 @@ for name in old.bmp old.jpg old.tif old.png; do
     chmod u+w $name
     if [[ ${program[0]} != *wine.sh ]]; then
         for blocks in 0 1; do # a limit on file sizes fails a write as a full disk does
-            said=$(ulimit -f $blocks && "${program[@]}" fuse -o $name room.ppm 2>&1 || echo " code $?")
+            # The thread sanitizer writes a file before the program can keep the signal away.
+            said=$([[ $blocks == 1 ]] || trap '' XFSZ
+                ulimit -f $blocks && "${program[@]}" fuse -o $name room.ppm 2>&1 || echo " code $?")
             [[ $said == "plenoviz-cli: $name: "*' code 1' ]] || Complain "a full disk: $said"
         done
     fi

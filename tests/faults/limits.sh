@@ -67,8 +67,8 @@ mkdir -p "$deep"
 path=$deep/${name:0:$((1023 - ${#deep} - 1 - 4))}.png
 ((${#path} == 1023)) || Complain "the path has ${#path} bytes"
 Expect 0 "" "$cli" fuse -o "$path" source.ppm
-Expect 0 "" "$cli" fuse -o "$path" "$path"
-Expect 1 "too long" "$cli" fuse -o "${path%.png}x.png" source.ppm
+Expect 2 "would overwrite the input" "$cli" fuse -o "$path" "$path"
+Expect 2 "too long" "$cli" fuse -o "${path%.png}x.png" source.ppm
 deep+=/$piece/$piece
 mkdir -p "$deep"
 cp source.ppm "$deep/source.ppm"

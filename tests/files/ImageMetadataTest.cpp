@@ -1,6 +1,7 @@
 #include "files/ExifBlock.h"
 #include "files/FileHeaders.h"
 #include "files/ImageFile.h"
+#include "files/Metadata.h"
 #include "picture/Orientation.h"
 
 #include "tests/support/TestFiles.h"
@@ -265,7 +266,8 @@ TEST(Exif, ThatIsDamagedStopsNothing)
         for (const char* target : {"t.jpg", "t.tif", "t.png"})
             ASSERT_TRUE(Save(pair.picture, folder.File(target), kFormatFromName, from).written);
         EXPECT_EQ(ProfileOf(folder.File("t.jpg")).size(), 600u);
-        EXPECT_EQ(ProfileOf(folder.File("t.tif")).size(), 600u);
+        // FreeImage frees the profile of a TIFF file with such a directory before it copies it.
+        EXPECT_EQ(ReadMetadataFile(folder.File("t.tif").c_str()).profile.size(), 600u);
         EXPECT_EQ(TagsOf(folder.File("t.jpg"), FIMD_EXIF_RAW).empty(), exif == tooLong);
     }
 }

@@ -73,12 +73,11 @@ TEST_F(FrameSave, ProposesNameAndTypeAndRemembersTheQuality)
                   EXPECT_EQ(WindowText(GetDlgItem(row, IDC_QUALITY_LABEL)), Text(kTextJpegQuality));
                   EXPECT_EQ(OnScreen(GetDlgItem(row, IDC_QUALITY_LABEL)).left,
                             OnScreen(GetDlgItem(dialog, stc2)).left);
-                  const RECT box = OnScreen(GetDlgItem(dialog, cmb1));
-                  RECT channel = {};
+                  RECT box = OnScreen(GetDlgItem(dialog, cmb1)), channel = {};
                   SendMessageW(slider, TBM_GETCHANNELRECT, 0, LPARAM(&channel));
                   EXPECT_EQ(OnScreen(slider).left + channel.left, box.left);
                   EXPECT_EQ(OnScreen(GetDlgItem(row, IDC_QUALITY_PERCENT)).right, box.right);
-                  EXPECT_TRUE(IsWindowEnabled(slider)) << "JPEG is on, as the photograph is one";
+                  EXPECT_TRUE(IsWindowEnabled(slider)) << "JPEG, as the photograph is";
                   SelectType(dialog, 0);
                   EXPECT_FALSE(IsWindowEnabled(slider)) << "BMP is on";
                   SelectType(dialog, 3);
@@ -94,8 +93,11 @@ TEST_F(FrameSave, ProposesNameAndTypeAndRemembersTheQuality)
     EXPECT_TRUE(
         SavePictureAs(g_hwndMain, FrameDocument().result, FrameDocument().alpha, L"", &given));
     EXPECT_FALSE(LoadedPair(folder.File("given.tif")).failed);
+}
 
-    // The type of the source's ending, and two types only for 16 bits.
+// The type of the source's ending, and two types only for 16 bits.
+TEST_F(FrameSave, BeginsWithTheTypeOfThePhotograph)
+{
     const struct
     {
         const char* name;
