@@ -4,13 +4,13 @@
 
 static cmsHTRANSFORM MakeTransform(const std::vector<uint8_t>& bytes, int bits, bool inverted)
 {
-    const cmsHPROFILE inks =
-        bytes.empty() ? nullptr
-                      : cmsOpenProfileFromMem(bytes.data(), cmsUInt32Number(bytes.size()));
+    cmsHPROFILE inks = bytes.empty()
+                           ? nullptr
+                           : cmsOpenProfileFromMem(bytes.data(), cmsUInt32Number(bytes.size()));
     if (!inks)
         return nullptr;
     cmsHTRANSFORM transform = nullptr;
-    const cmsHPROFILE screen = cmsCreate_sRGBProfile();
+    cmsHPROFILE screen = cmsCreate_sRGBProfile();
     if (cmsGetColorSpace(inks) == cmsSigCmykData)
     {
         const cmsUInt32Number flavor = FLAVOR_SH(inverted ? 1 : 0);

@@ -127,7 +127,7 @@ static void SetExposureFacts(Rewrite* rewrite, const ResultFacts& facts)
     if (uint8_t* text = ValueIn(rewrite, fraction, 1))
         std::fill_n(text, fraction->bytes - 1, uint8_t(' '));
     if (uint8_t* text = ValueIn(rewrite, exif.Find(kTagOffsetTime), facts.zone.size()))
-        std::memcpy(text, facts.zone.data(), facts.zone.size());
+        std::copy(facts.zone.begin(), facts.zone.end(), text);
 }
 
 static bool IsPersonal(int tag)

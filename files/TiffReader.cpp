@@ -93,7 +93,7 @@ toff_t SizeOfBytes(thandle_t handle)
 }
 
 // Called inside of the library, which nothing may be thrown through.
-void KeepMessage(TiffWork* work, const char* format, va_list values)
+[[gnu::format(printf, 2, 0)]] void KeepMessage(TiffWork* work, const char* format, va_list values)
 {
     char text[300];
     std::vsnprintf(text, sizeof text, format, values);
@@ -108,13 +108,15 @@ void KeepMessage(TiffWork* work, const char* format, va_list values)
     }
 }
 
-int OnError(TIFF*, void* work, const char*, const char* format, va_list values)
+[[gnu::format(printf, 4, 0)]] int OnError(TIFF*, void* work, const char*, const char* format,
+                                          va_list values)
 {
     KeepMessage(static_cast<TiffWork*>(work), format, values);
     return 1; // nobody else need know
 }
 
-int OnWarning(TIFF*, void* user, const char*, const char* format, va_list values)
+[[gnu::format(printf, 4, 0)]] int OnWarning(TIFF*, void* user, const char*, const char* format,
+                                            va_list values)
 {
     TiffWork* work = static_cast<TiffWork*>(user);
     work->lostEntry = work->lostEntry || (!work->inPixels && std::strstr(format, "IO error"));

@@ -281,7 +281,9 @@ Bytes WithXmpExtension(const Bytes& packet, const Bytes& extension, const std::s
     // What the extension binds around its properties has to be bound around them here.
     for (const auto& [prefix, space] : SpacesIn(more.substr(0, start)))
         if (text.find("xmlns:" + prefix + "=") == text.npos)
-            text.insert(root + kOpen.size(), " xmlns:" + prefix + "=\"" + space + "\"");
+            text.insert(
+                root + kOpen.size(),
+                std::string(" xmlns:").append(prefix).append("=\"").append(space).append("\""));
     text = EditedBy(text, {{kNote, "HasExtendedXMP", "", true}});
     return Bytes(text.begin(), text.end());
 }

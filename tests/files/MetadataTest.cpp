@@ -224,7 +224,9 @@ TEST(Everything, GoesFromEveryKindOfSourceIntoEveryKindOfTarget)
     side.dotsPerInch = 300;
     for (const size_t length : {100, 90000})
     {
-        side.xmp = BytesOf(kHead + "rdf:about=''>" + std::string(length, '.') + kTail);
+        std::string packet = kHead;
+        packet.append("rdf:about=''>").append(length, '.').append(kTail);
+        side.xmp = BytesOf(packet);
         for (const char* source : kSources)
             for (const char* target : kTargets)
             {
