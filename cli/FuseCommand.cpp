@@ -194,7 +194,7 @@ static void ReportMotion(const FuseJob& job)
     std::ostream& out = job.streams.out;
     for (size_t i = 0; i < job.options.inputs.size(); ++i)
     {
-        const std::string& name = job.options.inputs[i];
+        const std::string name = ShownText(job.options.inputs[i]);
         if (alignment.found.frames.empty())
         {
             if (all)
