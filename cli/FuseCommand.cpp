@@ -186,7 +186,7 @@ static bool IsUnderstood(const Registration& frame)
 }
 
 // A line for each source if that is asked for, and else for those that may blur the result, since
-// the others have moved and they could not be told how.
+// nobody knows how they have moved.
 static void ReportMotion(const FuseJob& job)
 {
     const SeriesAlignment& alignment = job.alignment;
@@ -202,7 +202,7 @@ static void ReportMotion(const FuseJob& job)
             continue;
         }
         const Registration& frame = alignment.found.frames[i];
-        if (!all && (IsUnderstood(frame) || !alignment.changesSource))
+        if (!all && IsUnderstood(frame))
             continue;
         out << name << ": ";
         if (int(i) == alignment.found.stays)
